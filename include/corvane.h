@@ -1,0 +1,209 @@
+/* corvane.h - the dialog library of the disk-quota control panel.
+ *
+ * Link with the import library of corvane.dll or take the functions by name: exports are plain, undecorated C
+ * functions of the x86-64 Windows calling convention. The library must be loaded under the module name
+ * "corvane" (file name corvane.dll): it finds its dialog templates under that name, and under another name no
+ * dialog opens.
+ *
+ * Threads     All functions are called on the thread that owns the windows passed in, and return when their
+ *             work, or their modal dialog, is done. State such as the sort column is module-wide and unlocked:
+ *             one dialog of a kind at a time.
+ * Text        UTF-16, zero-terminated. Message boxes are shown with MessageBoxA.
+ * Errors      Results, not exceptions. A function that has no result reports nothing; the store's results are
+ *             mostly not checked. A fault inside a dialog is caught, one line is written to the store's debug
+ *             channel, and the dialog stays open. The list functions outside a dialog have no such guard: what
+ *             the store throws there, the host sees.
+ * Memory      Blocks come from the shared C runtime msvcrt.dll: release with its free.
+ *
+ * A row of the quota list carries its record as item data, and a dialog gives its record as end code, in 32
+ * bits: the low half of the address, zero-extended. A record below 4 GiB is its own 32-bit value and may be
+ * read straight from the item data. A record above 4 GiB gets a stand-in that is no valid address; take such
+ * records from the chain that getDataModified gives, never from the item data.
+ */
+#ifndef CORVANE_H
+#define CORVANE_H
+
+#include "corvane_types.h"
+
+#include <windows.h>
+
+#ifdef CORVANE_BUILDING
+#define CORVANE_API
+#else
+#define CORVANE_API __declspec(dllimport)
+#endif
+
+/** The platform framework's list-control object, as its shared 64-bit library lays it out: a polymorphic object
+ * whose window handle stands at byte offset 64. Nothing but the handle is read, and no virtual is called.
+ * A host without the framework passes the address of a CorvaneListObject instead.
+ */
+#ifdef __cplusplus
+class CListCtrl;
+#else
+typedef struct CListCtrl CListCtrl;
+#endif
+
+/** What the functions ending in 2 read of a list-control object, for hosts that have no framework:
+ * `CorvaneListObject list = { {0}, hwnd }; sortListCtrl2((CListCtrl*)&list, 0);`
+ */
+typedef struct CorvaneListObject {
+    void* reserved[8]; /**< never read */
+    HWND window;       /**< a list view in report view */
+} CorvaneListObject;
+
+/** The account argument that means anyone, beside null. */
+#define CORVANE_ANYONE ((void*)1)
+
+#ifdef __cplusplus
+static_assert(sizeof(CorvaneListObject) == 72 && offsetof(CorvaneListObject, window) == 64, "binary contract");
+extern "C" {
+#endif
+
+/* ---- quota list, by list-control object ----------------------------------------------------------------- */
+
+/** Prepares a list view for quota rules: removes all rows and columns, adds the six columns (Credentials, Quota
+ * Limit, Soft Quota Limit, In Use, %%, Defined in) and the extended styles full-row select, grid lines, header
+ * drag-and-drop and label tips.
+ * @param list   list view in report view; without a sorting style, rows stand where the functions put them.
+ * @param paths  folders to fill the list with at once (see fillUpListCtrl2), or null.
+ */
+CORVANE_API void initializeListCtrl2(CListCtrl* list, const PathList* paths);
+
+/** Adds the stored rules of some folders to the list and enables the list window.
+ *
+ * The rules come from the store, folder by folder; each new row is put on top. A rule that equals one already
+ * shown (limits, path letter by letter, account) is not added again. An account without a name shows its
+ * textual SID. Afterwards the records of all rows form one chain in row order.
+ * @param paths  folders, in order; not null. Note that this argument comes first.
+ * @param list   prepared list view. The records of the store become the rows' item data and pass to the list.
+ */
+CORVANE_API void fillUpListCtrl2(const PathList* paths, CListCtrl* list);
+
+/** Adds a rule for one account, or for anyone, on each of some folders, through the Quota Settings dialog.
+ *
+ * A folder that already has a rule for the account gets a message and is passed over. For a single folder the
+ * dialog proposes limits from the folder's size; for several folders each rule starts at 100 MiB (hard) and
+ * 95 MiB (soft). A group's rule may come back with a rule for each member. New rows are put on top.
+ * Comparing folder paths rewrites backslashes as forward slashes, in place, in the caller's paths as well as in
+ * the compared records.
+ * @param list   prepared list view.
+ * @param sid    account; null or CORVANE_ANYONE for anyone. Copied.
+ * @param paths  folders, in order; null does nothing. The strings may be rewritten, see above.
+ * @return non-zero; 0 when the dialog was cancelled, or could not be shown, for any of the folders.
+ */
+CORVANE_API unsigned char addToListCtrl2(CListCtrl* list, void* sid, const PathList* paths);
+
+/** Opens the Quota Settings dialog on the first selected row, and rewrites the row after OK.
+ * @param list  prepared list view; its topmost child window, the header, becomes the dialog's owner. A list
+ *              view with no child window is a fault.
+ * @return 0 when the list is empty or the dialog was cancelled; otherwise non-zero, also with nothing selected.
+ */
+CORVANE_API unsigned char editFromListCtrl2(CListCtrl* list);
+
+/** Removes all selected rows and takes their records out of the chain. Nothing is asked, and the records are
+ * not released.
+ * @return 0 when nothing was selected; otherwise non-zero.
+ */
+CORVANE_API unsigned char dropFromListCtrl2(CListCtrl* list);
+
+/** Relinks the records of all rows into one chain in row order.
+ * @return the record of row 0, or null when the list is empty. The chain stays the list's: the host reads and
+ *         stores it while the rows are there.
+ */
+CORVANE_API QuotaRule* getDataModified2(CListCtrl* list);
+
+/** Sorts a list view by a column. The first call for a column sorts numbers (size texts, percentages) from
+ * small to large and texts from Z to A without regard to case; each further call for it turns the order round.
+ * Works on any report list view whose rows have distinct item data. The remembered column and order are shared
+ * by all lists of the process. Numbers are compared by the low 32 bits of their difference, so that sizes
+ * 2 GiB or more apart may come out wrong.
+ * @param column  zero-based column.
+ */
+CORVANE_API void sortListCtrl2(CListCtrl* list, int column);
+
+/** @return the number of rows. */
+CORVANE_API int countItems2(CListCtrl* list);
+
+/** Enables some controls of a dialog while a row is selected, and disables them otherwise.
+ * @param dialog  parent of the controls.
+ * @param list    list view.
+ * @param ...     control ids (int), ended by 0. A missing control is passed over.
+ */
+CORVANE_API void checkForButtons2(HWND dialog, CListCtrl* list, ...);
+
+/* ---- quota list, by dialog and control id --------------------------------------------------------------- */
+/* Each looks up the control with GetDlgItem and does what the function of the same name ending in 2 does. */
+
+/** See initializeListCtrl2. */
+CORVANE_API void initializeListCtrl(HWND dialog, int listId, const PathList* paths);
+
+/** See fillUpListCtrl2. Note that the folders come first. */
+CORVANE_API void fillUpListCtrl(const PathList* paths, HWND dialog, int listId);
+
+/** See addToListCtrl2. When that gives non-zero, the folders are also added to the store's known folders. */
+CORVANE_API unsigned char addToListCtrl(HWND dialog, int listId, void* sid, const PathList* paths);
+
+/** See editFromListCtrl2. */
+CORVANE_API unsigned char editFromListCtrl(HWND dialog, int listId);
+
+/** See dropFromListCtrl2. */
+CORVANE_API unsigned char dropFromListCtrl(HWND dialog, int listId);
+
+/** See getDataModified2. */
+CORVANE_API QuotaRule* getDataModified(HWND dialog, int listId);
+
+/** See sortListCtrl2; the remembered column and order are the same. */
+CORVANE_API void sortListCtrl(HWND dialog, int listId, int column);
+
+/** See countItems2. */
+CORVANE_API int countItems(HWND dialog, int listId);
+
+/** See checkForButtons2.
+ * @param ...  control ids (int), ended by 0.
+ */
+CORVANE_API void checkForButtons(HWND dialog, int listId, ...);
+
+/** In-place editing of the "Soft Quota Limit" cell. The host forwards the list's notifications.
+ *
+ * Accepting a text sets both limits of the row's record to it, read as a 32-bit number with an optional unit
+ * letter K, M or G; a larger value wraps. The row's texts are left alone.
+ * @param notification  an NMLVDISPINFOW; read are the code, the item, the sub-item and the text. The platform's
+ *                      own label editing always says sub-item 0, so a host that edits a cell fills it in.
+ * @return LVN_BEGINLABELEDITW: 0 to allow editing (sub-item 2), 1 to refuse.
+ *         LVN_ENDLABELEDITW: 1 when the text was taken, 0 when it was not (another sub-item, or a null text).
+ *         Any other code: 0.
+ */
+CORVANE_API int hookNotify(HWND dialog, int listId, const NMHDR* notification);
+
+/** Shows an icon on a button (BM_SETIMAGE). The icon stays the caller's. */
+CORVANE_API void setButtonIcon(HWND dialog, int buttonId, HICON icon);
+
+/** @return the check state of a button (BM_GETCHECK); 0 for a button that does not exist. */
+CORVANE_API int getButtonState(HWND dialog, int buttonId);
+
+/** Sets the check state of a button (BM_SETCHECK).
+ * @param state  BST_CHECKED, BST_UNCHECKED or BST_INDETERMINATE, passed on as it is.
+ */
+CORVANE_API void setButtonState(HWND dialog, int buttonId, int state);
+
+/* ---- dialogs -------------------------------------------------------------------------------------------- */
+
+/** The modal Quota Settings dialog for one rule.
+ *
+ * Measures the folder through the store, proposes limits that are not yet set, and writes what the administrator
+ * accepts into the record. What was written into the record before Cancel stays: a measured inUse, proposed
+ * limits, and limits corrected by a refused OK.
+ * @param owner   owner window, may be null.
+ * @param record  the rule; edited in place, not null.
+ * @param mode    non-zero to add a rule (with the choices for existing files and group members), 0 to edit one.
+ * @return the record's 32-bit value after OK (see the top of this file; a record below 4 GiB is its own value):
+ *         with the settings applied to all members of a group, a new record per member is chained after it.
+ *         0 after Cancel, -1 when the dialog could not be shown.
+ */
+CORVANE_API intptr_t editQuotaListEntry(HWND owner, QuotaRule* record, int mode);
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif

@@ -1,0 +1,129 @@
+/* lornix.h - the functions of the quota store library lornix.dll that corvane calls.
+ *
+ * Plain C exports of lornix.dll, undecorated. Strings are zero-terminated UTF-16 unless stated; sizes are bytes,
+ * signed 64-bit. A SID is the platform's binary security identifier, passed as an opaque pointer. "malloc" is
+ * the shared C runtime's: either side may release such a block with free. All functions are called on the
+ * host's user-interface thread, except that the accounts of this machine and its domain are enumerated on a
+ * worker thread. No function reports an error unless stated; a store that cannot answer gives null, 0 or
+ * nothing.
+ */
+#ifndef STORE_LORNIX_H
+#define STORE_LORNIX_H
+
+#include "corvane_types.h"
+
+#ifdef LORNIX_BUILDING
+#define LORNIX_API
+#else
+#define LORNIX_API __declspec(dllimport)
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- rules ---------------------------------------------------------------------------------------------- */
+
+/** All rules defined on one folder.
+ * @param folder  folder path; not null. Compared without regard to case and to the kind of slash.
+ * @return first record of a chain linked by next and prev, or null when the folder has none. Every record,
+ *         with its path and sid, is a fresh allocation and passes to the caller.
+ */
+LORNIX_API QuotaRule* getQuotaList(const wchar_t* folder);
+
+/** Bytes of all files that exist under a folder now. May be slow, and may fault: callers guard it.
+ * @return bytes; 0 for a folder that cannot be read; a negative result is to be read as 0.
+ */
+LORNIX_API int64_t getRealSize(const wchar_t* folder);
+
+/** Bytes under a folder in files owned by one of the listed accounts.
+ * @param accounts  not null; only read.
+ */
+LORNIX_API int64_t getRealSizeByOwner(const wchar_t* folder, const SidList* accounts);
+
+/** Remembers a rule made for a group, so that accounts that join the group later get the same limits.
+ * @param rule  only read; stays the caller's. Only the record itself counts, not what it is linked to.
+ */
+LORNIX_API void addToTrackList(const QuotaRule* rule);
+
+/* ---- known folders -------------------------------------------------------------------------------------- */
+
+/** The folders that carry rules, as last stored.
+ * @return a list for appendToPaths, storeKnownPaths and freePathList; null or empty when there are none.
+ */
+LORNIX_API PathList* getKnownPaths(void);
+
+/** Adds a folder to a list.
+ * @param list    from getKnownPaths or appendToPaths, or null for a new list. Not to be used afterwards.
+ * @param folder  copied.
+ * @return the list, which may have moved.
+ */
+LORNIX_API PathList* appendToPaths(PathList* list, const wchar_t* folder);
+
+/** Makes a list persistent in place of the one stored before. The list stays the caller's. */
+LORNIX_API void storeKnownPaths(const PathList* list);
+
+/** Releases a list that getKnownPaths or appendToPaths gave, with its paths. Null is allowed. */
+LORNIX_API void freePathList(PathList* list);
+
+/* ---- accounts ------------------------------------------------------------------------------------------- */
+
+/** Appends the members of a group, as one server knows it, to a list.
+ * @param server  server name, or null for this machine.
+ * @param group   account name of the group.
+ * @param list    list to grow, or null for a new one. Not to be used afterwards.
+ * @return the grown list, which may have moved; null when there is none.
+ */
+LORNIX_API SidList* enumerateGroupUsers(const wchar_t* server, const wchar_t* group, SidList* list);
+
+/** @return a new empty list, released with freeSidList. */
+LORNIX_API SidList* createEmptySidList(void);
+
+/** Appends one SID.
+ * @param list  not to be used afterwards.
+ * @param sid   passes to the list: hand over a copy made by sidDup.
+ * @return the list, which may have moved.
+ */
+LORNIX_API SidList* appendToSidList(SidList* list, void* sid);
+
+/** Releases a list and the SIDs that it holds. Null is allowed. */
+LORNIX_API void freeSidList(SidList* list);
+
+/** @return a copy of a SID from malloc, or null when the SID is null or invalid. */
+LORNIX_API void* sidDup(const void* sid);
+
+/** Compares two SIDs; null is unequal to any SID. Never called with two equal pointers.
+ * @return 0 when equal.
+ */
+LORNIX_API int sidcmp(const void* a, const void* b);
+
+/** Name of an account, in the form DOMAIN\name.
+ * @param buffer    receives the name.
+ * @param capacity  characters that the buffer holds, with the terminator.
+ * @return buffer, or null when the account is unknown.
+ */
+LORNIX_API wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int capacity);
+
+/** Textual form of a SID, S-1-...
+ * @param buffer    receives the text; an empty text when the SID is null or invalid.
+ * @param capacity  characters that the buffer holds, with the terminator.
+ */
+LORNIX_API void getTextualSidW(const void* sid, wchar_t* buffer, int capacity);
+
+/* ---- diagnostics ---------------------------------------------------------------------------------------- */
+
+/** Dumps the chain that starts at a record to the debug channel.
+ * @param rule  first record to dump; null dumps nothing.
+ */
+LORNIX_API void debug(const QuotaRule* rule);
+
+/** Emits one line to the debug channel.
+ * @param format  8-bit printf format; wide strings as %ls. The line end is part of the format.
+ */
+LORNIX_API void ODS(const char* format, ...);
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif

@@ -31,9 +31,33 @@ LORNIX_API int lornixSetDataFolder(const wchar_t* folder);
 /** @return the folder in use; valid until the next lornixSetDataFolder. */
 LORNIX_API const wchar_t* lornixDataFolder(void);
 
+/** The folders that carry rules, as last stored, so that a host can show them again after a restart.
+ * @return a list that the caller releases with lornixFreeFolders; null when there are none, also when the list
+ *         cannot be read, which lornixLastError then tells.
+ */
+LORNIX_API PathList* lornixKnownFolders(void);
+
+/** Releases a list that lornixKnownFolders gave, with its paths. Null is allowed. */
+LORNIX_API void lornixFreeFolders(PathList* folders);
+
+/** The stored rules of one folder, for a host that reports them without a list view.
+ * @param folder  folder path; not null. Compared without regard to case and to the kind of slash.
+ * @return first rule of a chain linked by next, which the caller releases with lornixFreeRules; null when the
+ *         folder has none. What could not be read is told by lornixLastError.
+ */
+LORNIX_API QuotaRule* lornixLoadRules(const wchar_t* folder);
+
+/** Name of a rule's account as a person reads it: DOMAIN\name, or the textual SID of an account without a name,
+ * or "Anyone" for null.
+ * @param buffer    receives the name; cut when it does not fit.
+ * @param capacity  characters that the buffer holds, with the terminator; 1 or more.
+ */
+LORNIX_API void lornixAccountName(const void* sid, wchar_t* buffer, int capacity);
+
 /** Makes the rules of some folders persistent: the stored rules of every folder in `folders` are replaced by
  * those rules of the chain that are defined in it. Folders are compared without regard to case and to the kind
  * of slash. A folder with no rule in the chain ends up with none. Nothing is changed for folders that fail.
+ * The known folders follow: a listed folder that has rules joins them, one that ends up with none leaves them.
  * @param folders  the folders that the host shows; not null.
  * @param chain    first rule, linked by next; null for no rules. Only read.
  * @return 1 when all is stored; 0 with the reason in lornixLastError (a rule outside the listed folders, a rule
@@ -47,7 +71,8 @@ LORNIX_API void lornixFreeRules(QuotaRule* chain);
 
 /** @return one or more lines that say what the last call that failed could not do and why, among them what
  *          getQuotaList met (a damaged file that it set aside, say); an empty text when the last call did all.
- *          Valid until the next call of the store.
+ *          Looking up names and SIDs and writing debug lines leave it alone, so that it can be read after a call
+ *          of corvane that loads rules. Valid until the next call of the store that loads or stores something.
  */
 LORNIX_API const wchar_t* lornixLastError(void);
 

@@ -1,0 +1,4 @@
+#include "frame/domain_servers.h"
+
+wchar_t lastDomainServer[kServerNameCapacity];
+wchar_t lastDomainServer2[kServerNameCapacity];

@@ -1,0 +1,104 @@
+#include "frame/list_ctrl.h"
+
+int CListCtrl::columnCount() const
+{
+    const auto count = SendMessageW(header(), HDM_GETITEMCOUNT, 0, 0);
+    return count < 0 ? 0 : static_cast<int>(count);
+}
+
+void CListCtrl::insertColumn(int index, const ListColumn& column) const
+{
+    std::wstring heading = column.heading; // the message takes a writable text
+    LVCOLUMNW item{};
+    item.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
+    item.fmt = column.format;
+    item.cx = column.width;
+    item.pszText = heading.data();
+    item.iSubItem = index;
+    send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+}
+
+void CListCtrl::addExtendedStyle(DWORD styles) const
+{
+    const auto present = static_cast<DWORD>(send(LVM_GETEXTENDEDLISTVIEWSTYLE));
+    send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, static_cast<LPARAM>(present | styles));
+}
+
+int CListCtrl::insertRow(int index, const wchar_t* text, LPARAM data) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_TEXT | LVIF_PARAM;
+    item.iItem = index;
+    item.pszText = const_cast<wchar_t*>(text);
+    item.lParam = data;
+    return static_cast<int>(send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+}
+
+void CListCtrl::setText(int row, int column, const wchar_t* text) const
+{
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = const_cast<wchar_t*>(text);
+    send(LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
+std::wstring CListCtrl::text(int row, int column) const
+{
+    wchar_t start[260];
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = start;
+    item.cchTextMax = 260;
+    const auto read = [&] {
+        return static_cast<std::size_t>(
+            send(LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item)));
+    };
+    std::size_t length = read();
+    if (length + 1 < std::size(start)) {
+        return {start, length};
+    }
+    // A full buffer may mean a longer text: ask again with more room until some is left over.
+    for (std::wstring longer(1024, L'\0');; longer.resize(longer.size() * 4)) {
+        item.pszText = longer.data();
+        item.cchTextMax = static_cast<int>(longer.size());
+        length = read();
+        if (length + 1 < longer.size()) {
+            longer.resize(length);
+            return longer;
+        }
+    }
+}
+
+LPARAM CListCtrl::data(int row) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_PARAM;
+    item.iItem = row;
+    return send(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) ? item.lParam : 0;
+}
+
+void CListCtrl::setData(int row, LPARAM data) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_PARAM;
+    item.iItem = row;
+    item.lParam = data;
+    send(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+RedrawOff::RedrawOff(const CWnd& window)
+    : m_window(window.handle())
+    , m_visible((GetWindowLongPtrW(m_window, GWL_STYLE) & WS_VISIBLE) != 0)
+{
+    SendMessageW(m_window, WM_SETREDRAW, FALSE, 0);
+}
+
+RedrawOff::~RedrawOff()
+{
+    SendMessageW(m_window, WM_SETREDRAW, TRUE, 0);
+    // Switching redraw on shows a hidden window where the platform's default handling does it.
+    if (!m_visible && (GetWindowLongPtrW(m_window, GWL_STYLE) & WS_VISIBLE) != 0) {
+        ShowWindow(m_window, SW_HIDE);
+    }
+    InvalidateRect(m_window, nullptr, TRUE);
+}

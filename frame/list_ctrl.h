@@ -1,0 +1,74 @@
+// The list-control object: a thin wrapper of a report list view.
+#pragma once
+
+#include "frame/wnd.h"
+
+#include <string>
+
+/// A column of a report list view.
+struct ListColumn {
+    const wchar_t* heading;
+    int format; ///< LVCFMT_...
+    int width;  ///< pixels
+};
+
+/// A report list view. Rows and columns are zero-based. Objects of a host have this type too: see CWnd.
+class CListCtrl : public CWnd {
+public:
+    using CWnd::CWnd;
+
+    int rowCount() const { return static_cast<int>(send(LVM_GETITEMCOUNT)); }
+    HWND header() const { return reinterpret_cast<HWND>(send(LVM_GETHEADER)); }
+    int columnCount() const;
+    void insertColumn(int index, const ListColumn& column) const;
+    void deleteColumn(int index) const { send(LVM_DELETECOLUMN, static_cast<WPARAM>(index)); }
+
+    /// Adds extended styles to those that the control has.
+    void addExtendedStyle(DWORD styles) const;
+
+    /// @return the row's index, which differs from the wanted one in a list that sorts by itself; -1 on
+    /// failure.
+    int insertRow(int index, const wchar_t* text, LPARAM data) const;
+    void deleteRow(int row) const { send(LVM_DELETEITEM, static_cast<WPARAM>(row)); }
+    void deleteAllRows() const { send(LVM_DELETEALLITEMS); }
+
+    void setText(int row, int column, const wchar_t* text) const;
+    /// The whole text of a cell, however long.
+    std::wstring text(int row, int column) const;
+
+    /// The row's item data, 0 for a row that does not exist.
+    LPARAM data(int row) const;
+    void setData(int row, LPARAM data) const;
+
+    /// @return the next selected row after `row` (-1: from the start), or -1.
+    int nextSelected(int row = -1) const
+    {
+        return static_cast<int>(send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
+    }
+
+    /// The topmost child window, normally the header; null when the list has none.
+    HWND topChild() const { return GetTopWindow(handle()); }
+};
+
+/// A list-control object for the time of one call: attached to a dialog's control, never destroying it.
+class DialogList : public CListCtrl {
+public:
+    DialogList(HWND dialog, int id)
+        : CListCtrl(GetDlgItem(dialog, id))
+    {
+    }
+    ~DialogList() override { detach(); }
+};
+
+/// Switches a control's redrawing off for a bulk change, then on again, and has it repainted once.
+class RedrawOff {
+public:
+    explicit RedrawOff(const CWnd& window);
+    RedrawOff(const RedrawOff&) = delete;
+    RedrawOff& operator=(const RedrawOff&) = delete;
+    ~RedrawOff();
+
+private:
+    HWND m_window;
+    bool m_visible;
+};

@@ -1,0 +1,20 @@
+#include "frame/registry.h"
+
+const wchar_t* readRegistryString(HKEY root, const wchar_t* subkey, const wchar_t* valueName)
+{
+    static wchar_t buffer[260];
+    buffer[0] = L'\0';
+    DWORD type = REG_SZ;
+    // Bytes, not characters: only half of the buffer is offered, and a longer value reads as absent.
+    // Installed systems rely on it: a "Path" too long to build file names from has always counted as none.
+    DWORD size = 260;
+    HKEY key = nullptr;
+    RegCreateKeyW(root, subkey, &key); // a failure leaves a null key, and the query below fails
+    const LSTATUS status =
+        RegQueryValueExW(key, valueName, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size);
+    RegCloseKey(key);
+    if (status != ERROR_SUCCESS || buffer[0] == L'\0') {
+        return nullptr;
+    }
+    return buffer;
+}

@@ -1,0 +1,28 @@
+#include "quota/label_edit.h"
+
+#include "frame/size_text.h"
+#include "quota/rule_row.h"
+
+int answerLabelEdit(const CListCtrl& list, const NMLVDISPINFOW& notification)
+{
+    const LVITEMW& item = notification.item;
+    const bool softLimit = item.iSubItem == rule_column::kSoftLimit;
+    switch (notification.hdr.code) {
+    case LVN_BEGINLABELEDITW:
+        return softLimit ? 0 : 1;
+    case LVN_ENDLABELEDITW: {
+        if (!softLimit || item.pszText == nullptr) {
+            return 0;
+        }
+        QuotaRule* rule = ruleOfRow(list, item.iItem);
+        if (rule == nullptr) {
+            return 0;
+        }
+        rule->softLimit = parseCellSize(item.pszText);
+        rule->hardLimit = rule->softLimit; // kept: a cell edit pins both limits to what was typed
+        return 1;
+    }
+    default:
+        return 0;
+    }
+}

@@ -1,0 +1,58 @@
+#include "quota/rule.h"
+
+#include "frame/c_memory.h"
+#include "store/lornix.h"
+
+#include <algorithm>
+#include <cwchar>
+
+namespace {
+
+void useForwardSlashes(wchar_t* path)
+{
+    std::replace(path, path + std::wcslen(path), L'\\', L'/');
+}
+
+} // namespace
+
+QuotaRule* newRule(const wchar_t* path, const void* sid)
+{
+    CBlock<QuotaRule> rule(static_cast<QuotaRule*>(std::malloc(sizeof(QuotaRule))));
+    CBlock<wchar_t> ownPath(_wcsdup(path));
+    if (!rule || !ownPath) {
+        return nullptr;
+    }
+    *rule = QuotaRule{};
+    rule->type = sid != nullptr ? QUOTA_RULE_FOR_ACCOUNT : QUOTA_RULE_FOR_ANYONE;
+    rule->inUse = QUOTA_IN_USE_UNKNOWN;
+    rule->hardLimit = -1;
+    rule->softLimit = -1;
+    rule->sid = sid != nullptr ? sidDup(sid) : nullptr;
+    rule->path = ownPath.release();
+    return rule.release();
+}
+
+bool sameAccount(const void* a, const void* b)
+{
+    return a == b || sidcmp(a, b) == 0;
+}
+
+bool sameLimitsAndFolder(const QuotaRule& a, const QuotaRule& b)
+{
+    return a.hardLimit == b.hardLimit && a.softLimit == b.softLimit && std::wcscmp(a.path, b.path) == 0;
+}
+
+bool sameRule(const QuotaRule& a, const QuotaRule& b)
+{
+    return sameLimitsAndFolder(a, b) && sameAccount(a.sid, b.sid);
+}
+
+bool conflicts(const void* sid, wchar_t* path, QuotaRule& existing)
+{
+    if (!sameAccount(sid, existing.sid)) {
+        return false;
+    }
+    useForwardSlashes(path);
+    useForwardSlashes(existing.path);
+    return _wcsicmp(path, existing.path) == 0;
+}

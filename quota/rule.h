@@ -1,0 +1,49 @@
+// The quota rule record: making one, telling rules apart, linking them into a chain.
+#pragma once
+
+#include "corvane_types.h"
+
+/// Makes a record with a copy of the folder and of the account; limits and use are unknown (-1), the links
+/// null.
+/// @param sid  account, null for anyone; copied through the store.
+/// @return a malloc block that passes to the caller, or null when memory is short.
+QuotaRule* newRule(const wchar_t* path, const void* sid);
+
+/// Whether two accounts are the same; the store compares them unless the pointers are equal.
+bool sameAccount(const void* a, const void* b);
+
+/// Whether two records agree in limits and path, letter by letter.
+bool sameLimitsAndFolder(const QuotaRule& a, const QuotaRule& b);
+
+/// Whether two records tell the same rule: limits, path, account, in that order.
+bool sameRule(const QuotaRule& a, const QuotaRule& b);
+
+/// Whether a rule for this account on this folder would contradict an existing one.
+///
+/// When the accounts are equal, backslashes of both paths become forward slashes, in place and for good,
+/// before the paths are compared without regard to case. Kept: hosts show the paths in the form that the
+/// comparison leaves behind.
+bool conflicts(const void* sid, wchar_t* path, QuotaRule& existing);
+
+/// Links records one after the other; a null record is passed over.
+class ChainBuilder {
+public:
+    /// Appends a record. Its links are overwritten.
+    void append(QuotaRule* rule)
+    {
+        if (rule == nullptr) {
+            return;
+        }
+        rule->prev = m_last;
+        rule->next = nullptr;
+        (m_last != nullptr ? m_last->next : m_first) = rule;
+        m_last = rule;
+    }
+
+    QuotaRule* first() const { return m_first; }
+    QuotaRule* last() const { return m_last; }
+
+private:
+    QuotaRule* m_first = nullptr;
+    QuotaRule* m_last = nullptr;
+};

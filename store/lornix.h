@@ -76,6 +76,31 @@ LORNIX_API void freePathList(PathList* list);
  */
 LORNIX_API SidList* enumerateGroupUsers(const wchar_t* server, const wchar_t* group, SidList* list);
 
+/** Appends the users that one server knows to a list.
+ * @param server  server name, or null for this machine.
+ * @param list    list to grow, or null for a new one. Not to be used afterwards.
+ * @return the grown list, which may have moved; null when there is none.
+ */
+LORNIX_API SidList* enumerateUsers(const wchar_t* server, SidList* list);
+
+/** Appends the groups that one server knows to a list. Arguments and result as for enumerateUsers. */
+LORNIX_API SidList* enumerateGroups(const wchar_t* server, SidList* list);
+
+/** @return the name of a server of this machine's domain, a malloc copy for the caller; null without a domain. */
+LORNIX_API wchar_t* getDomainServer(void);
+
+/** The second server to ask beside a domain server.
+ * @return a malloc copy for the caller; null when there is none.
+ */
+LORNIX_API wchar_t* getDomainServerByName(const wchar_t* server);
+
+/** @return the SID of this machine's domain, a malloc copy for the caller; null without a domain. */
+LORNIX_API void* getDomainSid(void);
+
+/** @return the SID of the account with a name, NAME or DOMAIN\NAME, a malloc copy for the caller; null when the
+ *          name is not known. */
+LORNIX_API void* getSidByNameW(const wchar_t* name);
+
 /** @return a new empty list, released with freeSidList. */
 LORNIX_API SidList* createEmptySidList(void);
 
@@ -85,6 +110,14 @@ LORNIX_API SidList* createEmptySidList(void);
  * @return the list, which may have moved.
  */
 LORNIX_API SidList* appendToSidList(SidList* list, void* sid);
+
+/** Appends all SIDs of one list to another.
+ * @param destination  list to grow, from the store. Not to be used afterwards.
+ * @param source       list whose SIDs are appended; null appends nothing.
+ * @return the resulting list, which may have moved, and may be `source` itself: `source` is to be released with
+ *         freeSidList only when the result is another list.
+ */
+LORNIX_API SidList* appendToSidList2(SidList* destination, SidList* source);
 
 /** Releases a list and the SIDs that it holds. Null is allowed. */
 LORNIX_API void freeSidList(SidList* list);

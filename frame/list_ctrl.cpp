@@ -85,20 +85,3 @@ void CListCtrl::setData(int row, LPARAM data) const
     item.lParam = data;
     send(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
 }
-
-RedrawOff::RedrawOff(const CWnd& window)
-    : m_window(window.handle())
-    , m_visible((GetWindowLongPtrW(m_window, GWL_STYLE) & WS_VISIBLE) != 0)
-{
-    SendMessageW(m_window, WM_SETREDRAW, FALSE, 0);
-}
-
-RedrawOff::~RedrawOff()
-{
-    SendMessageW(m_window, WM_SETREDRAW, TRUE, 0);
-    // Switching redraw on shows a hidden window where the platform's default handling does it.
-    if (!m_visible && (GetWindowLongPtrW(m_window, GWL_STYLE) & WS_VISIBLE) != 0) {
-        ShowWindow(m_window, SW_HIDE);
-    }
-    InvalidateRect(m_window, nullptr, TRUE);
-}

@@ -59,16 +59,3 @@ public:
     }
     ~DialogList() override { detach(); }
 };
-
-/// Switches a control's redrawing off for a bulk change, then on again, and has it repainted once.
-class RedrawOff {
-public:
-    explicit RedrawOff(const CWnd& window);
-    RedrawOff(const RedrawOff&) = delete;
-    RedrawOff& operator=(const RedrawOff&) = delete;
-    ~RedrawOff();
-
-private:
-    HWND m_window;
-    bool m_visible;
-};

@@ -3,6 +3,7 @@
 #include "frame/list_ctrl.h"
 #include "frame/message_box.h"
 #include "frame/narrow_handle.h"
+#include "frame/redraw_off.h"
 #include "frame/wait_cursor.h"
 #include "quota/limits.h"
 #include "quota/rule.h"
@@ -138,28 +139,8 @@ HWND ownerForEditing(const CListCtrl& list)
     return top;
 }
 
-} // namespace
-
-namespace rule_list {
-
-void initialize(const CListCtrl& list, const PathList* paths)
+void fillRows(const CListCtrl& list, const PathList& paths)
 {
-    list.deleteAllRows();
-    for (int columns = list.columnCount(); columns > 0; --columns) {
-        list.deleteColumn(0);
-    }
-    for (int index = 0; const ListColumn& column : kRuleColumns) {
-        list.insertColumn(index++, column);
-    }
-    list.addExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES | LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
-    if (paths != nullptr) {
-        fill(list, *paths);
-    }
-}
-
-void fill(const CListCtrl& list, const PathList& paths)
-{
-    const RedrawOff noRedraw(list);
     RuleIndex shown;
     for (int row = list.rowCount() - 1; row >= 0; --row) {
         if (QuotaRule* rule = ruleOfRow(list, row)) {
@@ -190,6 +171,41 @@ void fill(const CListCtrl& list, const PathList& paths)
         linked = true;
         EnableWindow(list.handle(), TRUE);
     }
+}
+
+/// Takes a record out of its chain; its own links stay.
+void unlink(const QuotaRule& rule)
+{
+    if (rule.prev != nullptr) {
+        rule.prev->next = rule.next;
+    }
+    if (rule.next != nullptr) {
+        rule.next->prev = rule.prev;
+    }
+}
+
+} // namespace
+
+namespace rule_list {
+
+void initialize(const CListCtrl& list, const PathList* paths)
+{
+    list.deleteAllRows();
+    for (int columns = list.columnCount(); columns > 0; --columns) {
+        list.deleteColumn(0);
+    }
+    for (int index = 0; const ListColumn& column : kRuleColumns) {
+        list.insertColumn(index++, column);
+    }
+    list.addExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES | LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
+    if (paths != nullptr) {
+        fill(list, *paths);
+    }
+}
+
+void fill(const CListCtrl& list, const PathList& paths)
+{
+    withRedrawOff(list, [&] { fillRows(list, paths); });
 }
 
 bool add(const CListCtrl& list, const void* sid, const PathList* paths)
@@ -259,19 +275,15 @@ bool dropSelected(const CListCtrl& list)
     if (selected.empty()) {
         return false;
     }
-    const RedrawOff noRedraw(list);
-    for (int deleted = 0; const int row : selected) {
-        const int present = row - deleted++;
-        if (const QuotaRule* rule = ruleOfRow(list, present)) {
-            if (rule->prev != nullptr) {
-                rule->prev->next = rule->next;
+    withRedrawOff(list, [&] {
+        for (int deleted = 0; const int row : selected) {
+            const int present = row - deleted++;
+            if (const QuotaRule* rule = ruleOfRow(list, present)) {
+                unlink(*rule);
             }
-            if (rule->next != nullptr) {
-                rule->next->prev = rule->prev;
-            }
+            list.deleteRow(present);
         }
-        list.deleteRow(present);
-    }
+    });
     return true;
 }
 

@@ -1,0 +1,52 @@
+#include "frame/redraw_off.h"
+
+#include <utility>
+
+RedrawOff::RedrawOff(const CWnd& window)
+    : m_window(window.handle())
+    , m_visible((GetWindowLongPtrW(m_window, GWL_STYLE) & WS_VISIBLE) != 0)
+{
+    SendMessageW(m_window, WM_SETREDRAW, FALSE, 0);
+}
+
+void RedrawOff::restore()
+{
+    if (!std::exchange(m_off, false)) {
+        return;
+    }
+    SendMessageW(m_window, WM_SETREDRAW, TRUE, 0);
+    // Switching redraw on shows a hidden window where the platform's default handling does it.
+    if (!m_visible && (GetWindowLongPtrW(m_window, GWL_STYLE) & WS_VISIBLE) != 0) {
+        ShowWindow(m_window, SW_HIDE);
+    }
+    InvalidateRect(m_window, nullptr, TRUE);
+}
+
+namespace redraw_detail {
+namespace {
+
+LONG restoreAndGoOn(RedrawOff& off)
+{
+    off.restore();
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+CORVANE_NOINLINE void runRestoring(RedrawOff& off, void (*call)(void*), void* context)
+{
+    __try
+    {
+        call(context);
+    } __except (restoreAndGoOn(off))
+    {
+    }
+}
+
+} // namespace
+
+void run(const CWnd& window, void (*call)(void*), void* context)
+{
+    RedrawOff off(window);
+    runRestoring(off, call, context);
+}
+
+} // namespace redraw_detail

@@ -1,0 +1,38 @@
+// Bulk changes of a control without a repaint per row.
+#pragma once
+
+#include "frame/wnd.h"
+
+#include <type_traits>
+
+/// Switches a control's redrawing off, then on again, and has the control repainted once. For work inside a
+/// crash guard or work that cannot fault: a processor fault skips the destructor.
+class RedrawOff {
+public:
+    explicit RedrawOff(const CWnd& window);
+    RedrawOff(const RedrawOff&) = delete;
+    RedrawOff& operator=(const RedrawOff&) = delete;
+    ~RedrawOff() { restore(); }
+
+    /// Switches redrawing on again; once.
+    void restore();
+
+private:
+    HWND m_window;
+    bool m_visible;
+    bool m_off = true;
+};
+
+namespace redraw_detail {
+void run(const CWnd& window, void (*call)(void*), void* context);
+}
+
+/// Runs work with redrawing off. Whatever the work raises goes on to the caller, a processor fault too, and
+/// finds the control drawing again: a host that survives a faulting store must not be left with a frozen
+/// list.
+template <class Work>
+void withRedrawOff(const CWnd& window, Work&& work)
+{
+    redraw_detail::run(
+        window, [](void* context) { (*static_cast<std::remove_reference_t<Work>*>(context))(); }, &work);
+}

@@ -22,8 +22,8 @@ public:
     /// @param index  position, counted in the order in which rows are handed over.
     /// @param image  index in the list's image list.
     /// @param data   item data: a SID copy that passes to the list, or the number 1.
-    virtual void insert(int index, int image, const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
-                        void* data) = 0;
+    virtual void insert(int index, int image, const wchar_t* account, const wchar_t* fullName,
+                        const wchar_t* type, void* data) = 0;
 
     /// Deletes the row that was inserted first, wherever it stands now.
     virtual void removeFirstInserted() = 0;
@@ -32,8 +32,9 @@ public:
 /// What a fill works on.
 struct FillContext {
     AccountSink* sink = nullptr;
-    SidList* presetOwners = nullptr; ///< accounts to list first, as "File owner"; the caller's, never released here
-    const wchar_t* host = nullptr;   ///< search base; null lets the registry decide
+    SidList* presetOwners =
+        nullptr; ///< accounts to list first, as "File owner"; the caller's, never released here
+    const wchar_t* host = nullptr; ///< search base; null lets the registry decide
     int userImage = 0;
     int groupImage = 0;
     int counters[2] = {}; ///< reset by each fill

@@ -30,7 +30,7 @@ CORVANE_NOINLINE bool run(void (*call)(void*), void* context)
         return runCatching(call, context);
     } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
     {
-        if (code == static_cast<DWORD>(EXCEPTION_STACK_OVERFLOW)) {
+        if (code == EXCEPTION_STACK_OVERFLOW) {
             _resetstkoflw(); // puts the guard page back: the next overflow is then caught as well
         }
         return false;

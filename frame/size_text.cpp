@@ -2,18 +2,26 @@
 
 #include "frame/scan_number.h"
 
-#include <charconv>
 #include <cstddef>
 
 namespace {
 
-// Appends a number's decimal digits as wide characters. @return one past the last.
+// Appends a number's decimal digits. @return one past the last.
 wchar_t* writeNumber(wchar_t* to, std::int64_t value)
 {
-    char digits[24];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
-    for (const char* digit = digits; digit != end; ++digit) {
-        *to++ = static_cast<wchar_t>(*digit);
+    auto magnitude = static_cast<std::uint64_t>(value);
+    if (value < 0) {
+        *to++ = L'-';
+        magnitude = 0 - magnitude;
+    }
+    wchar_t reversed[20];
+    int digits = 0;
+    do {
+        reversed[digits++] = static_cast<wchar_t>(L'0' + magnitude % 10);
+        magnitude /= 10;
+    } while (magnitude != 0);
+    while (digits > 0) {
+        *to++ = reversed[--digits];
     }
     return to;
 }

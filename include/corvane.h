@@ -55,7 +55,8 @@ typedef struct CorvaneListObject {
 #define CORVANE_ANYONE ((void*)1)
 
 #ifdef __cplusplus
-static_assert(sizeof(CorvaneListObject) == 72 && offsetof(CorvaneListObject, window) == 64, "binary contract");
+static_assert(sizeof(CorvaneListObject) == 72 && offsetof(CorvaneListObject, window) == 64,
+              "binary contract");
 extern "C" {
 #endif
 

@@ -19,7 +19,7 @@ extern "C" {
 /** QuotaRule::type of a rule for the one account in QuotaRule::sid. */
 #define QUOTA_RULE_FOR_ACCOUNT 2u
 /** QuotaRule::inUse that nobody has measured yet. */
-#define QUOTA_IN_USE_UNKNOWN ((int64_t) - 1)
+#define QUOTA_IN_USE_UNKNOWN ((int64_t)-1)
 
 /** One quota rule: on this folder, for this account or for anyone, allow this much.
  *
@@ -54,7 +54,8 @@ typedef struct SidList {
 
 static_assert(sizeof(QuotaRule) == 64, "binary contract");
 static_assert(offsetof(QuotaRule, type) == 0 && offsetof(QuotaRule, inUse) == 8, "binary contract");
-static_assert(offsetof(QuotaRule, hardLimit) == 16 && offsetof(QuotaRule, softLimit) == 24, "binary contract");
+static_assert(offsetof(QuotaRule, hardLimit) == 16 && offsetof(QuotaRule, softLimit) == 24,
+              "binary contract");
 static_assert(offsetof(QuotaRule, sid) == 32 && offsetof(QuotaRule, path) == 40, "binary contract");
 static_assert(offsetof(QuotaRule, next) == 48 && offsetof(QuotaRule, prev) == 56, "binary contract");
 static_assert(offsetof(PathList, paths) == 8, "binary contract");

@@ -81,7 +81,7 @@ int countItems2(CListCtrl* list)
 
 void checkForButtons2(HWND dialog, CListCtrl* list, ...)
 {
-    va_list arguments;
+    va_list arguments{};
     va_start(arguments, list);
     const std::vector<int> ids = idsUntilZero(arguments);
     va_end(arguments);
@@ -136,7 +136,7 @@ int countItems(HWND dialog, int listId)
 
 void checkForButtons(HWND dialog, int listId, ...)
 {
-    va_list arguments;
+    va_list arguments{};
     va_start(arguments, listId);
     const std::vector<int> ids = idsUntilZero(arguments);
     va_end(arguments);

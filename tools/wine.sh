@@ -3,6 +3,7 @@
 # Prefixes live in the build folder: a template is made once, and each kind of use gets its own copy of it.
 #   quiet    no display at all: dialogs open, run and take messages without an X server
 #   screen   on an X display, frames drawn by the runtime itself, so that pictures look like Windows
+#   desktop  on a person's own display, among its other windows
 
 wine_root=$PWD/build/wine
 unset LIBRARY_PATH CPATH    # the cross linker would take host libraries from them
@@ -27,7 +28,7 @@ wine_template() {
     )
 }
 
-# Makes the prefix "quiet" or "screen" when it is missing and selects it.
+# Makes a prefix of a kind when it is missing, and selects it.
 wine_use() {
     local kind=$1
     wine_template
@@ -41,12 +42,11 @@ wine_use() {
         {
             echo 'REGEDIT4'
             echo
-            if [ "$kind" = quiet ]; then
-                printf '[HKEY_CURRENT_USER\\Software\\Wine\\Drivers]\n"Graphics"="null"\n"Audio"=""\n'
-            else
-                printf '[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n"Managed"="N"\n\n'
-                printf '[HKEY_CURRENT_USER\\Software\\Wine\\Drivers]\n"Audio"=""\n'
-            fi
+            printf '[HKEY_CURRENT_USER\\Software\\Wine\\Drivers]\n"Audio"=""\n'
+            case $kind in
+            quiet) printf '"Graphics"="null"\n' ;;
+            screen) printf '\n[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n"Managed"="N"\n' ;;
+            esac
         } >"$wine_root/$kind.reg"
         wine regedit /S "Z:$(printf '%s' "$wine_root/$kind.reg" | tr / '\\')" </dev/null >/dev/null 2>&1
         wineserver -k || true
@@ -61,9 +61,11 @@ wine_start() {
     wine cmd /c exit </dev/null >/dev/null 2>&1
 }
 
-# Ends everything that runs in the selected prefix.
+# Ends everything that runs in the selected prefix; never anything of a prefix that is not ours.
 wine_stop() {
-    wineserver -k >/dev/null 2>&1 || true
+    case ${WINEPREFIX:-} in
+    "$wine_root"/*) wineserver -k >/dev/null 2>&1 || true ;;
+    esac
 }
 
 # Starts a virtual display of its own; sets DISPLAY and display_pid. Ended by display_stop.

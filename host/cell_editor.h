@@ -1,0 +1,50 @@
+// Editing the soft limit in its cell. The platform's own label editing knows the first column only, so the
+// edit is the host's, and the library hears of it as of any label editing: through hookNotify.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace host {
+
+class RulePage;
+
+class CellEditor {
+public:
+    /// @param whenDone  message that is posted to `dialog` when the edit lost the focus: finish() is due
+    /// then.
+    CellEditor(HWND dialog, int listId, RulePage& page, UINT whenDone);
+    ~CellEditor();
+    CellEditor(const CellEditor&) = delete;
+    CellEditor& operator=(const CellEditor&) = delete;
+
+    bool isOpen() const { return edit_ != nullptr; }
+
+    /// Opens an edit over the row's cell, if the library allows it.
+    void open(int row);
+
+    /// Takes what was typed. A text that is no limit is explained, and the edit stays open.
+    /// @return true when no edit is open any more.
+    bool finish();
+
+    /// Gives up what was typed.
+    void cancel();
+
+private:
+    int notify(UINT code, wchar_t* text);
+    void close();
+    static LRESULT CALLBACK keys(HWND edit, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                 DWORD_PTR self);
+
+    HWND dialog_;
+    int listId_;
+    RulePage& page_;
+    UINT whenDone_;
+    HWND edit_ = nullptr;
+    int row_ = -1;
+    bool explaining_ = false; ///< a message about what was typed is on the screen
+    std::wstring before_;
+};
+
+} // namespace host

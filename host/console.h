@@ -1,0 +1,12 @@
+// Standard output and standard error of a program with windows.
+#pragma once
+
+#include <string>
+
+namespace host {
+
+/// Writes UTF-8 lines. @param error  to standard error. A program with windows has neither when it was
+/// started from the desktop: the text is dropped then.
+void printText(const std::wstring& text, bool error = false);
+
+} // namespace host

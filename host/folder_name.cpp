@@ -1,0 +1,42 @@
+#include "host/folder_name.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+namespace host {
+
+std::wstring tidyFolder(std::wstring name)
+{
+    constexpr const wchar_t* kAround = L" \t\r\n\"";
+    const size_t first = name.find_first_not_of(kAround);
+    if (first == std::wstring::npos) {
+        return {};
+    }
+    name = name.substr(first, name.find_last_not_of(kAround) - first + 1);
+    std::replace(name.begin(), name.end(), L'/', L'\\');
+    const auto isDriveRoot = [&] {
+        return name.size() == 3 && name[1] == L':';
+    };
+    while (name.size() > 1 && name.back() == L'\\' && !isDriveRoot()) {
+        name.pop_back();
+    }
+    return name;
+}
+
+std::wstring folderKey(const std::wstring& name)
+{
+    std::wstring key = tidyFolder(name);
+    CharLowerBuffW(key.data(), static_cast<DWORD>(key.size()));
+    return key;
+}
+
+bool isFullPath(const std::wstring& tidyName)
+{
+    const bool drive =
+        tidyName.size() >= 3 && iswalpha(tidyName[0]) != 0 && tidyName[1] == L':' && tidyName[2] == L'\\';
+    const bool server = tidyName.size() > 2 && tidyName.starts_with(L"\\\\") && tidyName[2] != L'\\';
+    return drive || server;
+}
+
+} // namespace host

@@ -1,0 +1,84 @@
+// The sample control panel: how a host uses corvane and the quota store.
+#include "host/command_line.h"
+#include "host/console.h"
+#include "host/dump.h"
+#include "host/message.h"
+#include "host/panel_window.h"
+
+#include "lornix/lornix_host.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+#include <objbase.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+enum ExitCode { kDone = 0, kFailed = 1, kBadCommandLine = 2 };
+
+std::vector<std::wstring> programArguments()
+{
+    int count = 0;
+    const std::unique_ptr<wchar_t*, decltype(&LocalFree)> words(CommandLineToArgvW(GetCommandLineW(), &count),
+                                                                LocalFree);
+    return {words.get() + 1, words.get() + count};
+}
+
+/// A folder given by a shell may be meant from where the shell stands.
+std::wstring fullPath(const std::wstring& path)
+{
+    const DWORD room = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
+    std::wstring full(room, L'\0');
+    full.resize(GetFullPathNameW(path.c_str(), room, full.data(), nullptr));
+    return full.empty() ? path : full;
+}
+
+/// A program asked to print is run by a script, which reads no boxes.
+int fail(const host::CommandLine& line, const std::wstring& problem, ExitCode code)
+{
+    if (line.dump) {
+        host::printText(problem + L"\n", true);
+    } else {
+        host::say(nullptr, MB_ICONERROR, L"Quota Control Panel Cannot Start", problem);
+    }
+    return code;
+}
+
+} // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
+{
+    host::CommandLine line = host::readCommandLine(programArguments());
+    if (!line.problem.empty()) {
+        return fail(line, line.problem + L"\n\n" + host::kUsage, kBadCommandLine);
+    }
+    std::transform(line.folders.begin(), line.folders.end(), line.folders.begin(), fullPath);
+    if (!line.dataFolder.empty() && lornixSetDataFolder(fullPath(line.dataFolder).c_str()) == 0) {
+        return fail(line,
+                    L"The data folder \"" + line.dataFolder + L"\" cannot be used.\n\n" + lornixLastError(),
+                    kFailed);
+    }
+    if (line.dump) {
+        return host::dumpRules(line.folders) ? kDone : kFailed;
+    }
+
+    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
+    InitCommonControlsEx(&controls);
+    const HRESULT com = OleInitialize(nullptr); // the shell's folder dialog wants it
+    int result = kFailed;
+    {
+        host::PanelWindow panel;
+        if (panel.open(instance, line.folders)) {
+            panel.run();
+            result = kDone;
+        }
+    }
+    if (SUCCEEDED(com)) {
+        OleUninitialize();
+    }
+    return result;
+}

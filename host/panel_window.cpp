@@ -1,0 +1,457 @@
+#include "host/panel_window.h"
+
+#include "host/folder_name.h"
+#include "host/message.h"
+#include "host/panel_layout.h"
+#include "host/resource.h"
+
+#include "corvane.h"
+#include "lornix/lornix_host.h"
+
+#include <commctrl.h>
+
+namespace host {
+namespace {
+
+constexpr wchar_t kCaption[] = L"Quota Control Panel";
+constexpr wchar_t kUnsaved[] = L"Unsaved Changes";
+
+constexpr UINT kCellDone = WM_APP;
+
+std::wstring textOf(HWND control)
+{
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(control, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+std::vector<std::wstring> knownFolders()
+{
+    const std::unique_ptr<PathList, decltype(&lornixFreeFolders)> known(lornixKnownFolders(),
+                                                                        lornixFreeFolders);
+    std::vector<std::wstring> names;
+    if (known != nullptr) {
+        wchar_t* const* paths = known->paths;
+        names.assign(paths, paths + known->count);
+    }
+    return names;
+}
+
+} // namespace
+
+bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& folders)
+{
+    instance_ = instance;
+    if (CreateDialogParamW(instance, MAKEINTRESOURCEW(IDD_PANEL), nullptr, procedure,
+                           reinterpret_cast<LPARAM>(this)) == nullptr)
+    {
+        return false;
+    }
+    ShowWindow(window_, SW_SHOWDEFAULT);
+    UpdateWindow(window_);
+
+    std::vector<std::wstring> known = knownFolders();
+    if (const std::wstring error = lornixLastError(); !error.empty()) {
+        reportStore(L"The folders with rules could not all be read.", error);
+    }
+    showFolders(known);
+    for (const std::wstring& folder : folders) {
+        addTypedFolder(folder);
+    }
+    return true;
+}
+
+void PanelWindow::run()
+{
+    const HACCEL accelerators = LoadAcceleratorsW(instance_, MAKEINTRESOURCEW(IDA_PANEL));
+    MSG message{};
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (TranslateAcceleratorW(window_, accelerators, &message) == 0 &&
+            !IsDialogMessageW(window_, &message))
+        {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+}
+
+INT_PTR CALLBACK PanelWindow::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_INITDIALOG) {
+        auto* self = reinterpret_cast<PanelWindow*>(lParam);
+        self->window_ = window;
+        self->setUp();
+        SetWindowLongPtrW(window, DWLP_USER, lParam); // last: what the controls tell before is of no interest
+        return TRUE;
+    }
+    auto* self = reinterpret_cast<PanelWindow*>(GetWindowLongPtrW(window, DWLP_USER));
+    return self == nullptr ? FALSE : self->handle(message, wParam, lParam);
+}
+
+INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_COMMAND:
+        command(LOWORD(wParam), HIWORD(wParam));
+        return TRUE;
+    case WM_NOTIFY:
+        notified(*reinterpret_cast<const NMHDR*>(lParam));
+        return FALSE;
+    case WM_INITMENUPOPUP:
+        updateMenu(reinterpret_cast<HMENU>(wParam));
+        return TRUE;
+    case kCellDone:
+        cell_->finish();
+        return TRUE;
+    case WM_SIZE:
+        if (wParam != SIZE_MINIMIZED) {
+            cell_->cancel(); // its cell moves away under it
+            layOutPanel(window_);
+            status_->resize();
+            page_->fitColumns();
+        }
+        return TRUE;
+    case WM_GETMINMAXINFO: {
+        const SIZE smallest = smallestPanel(window_);
+        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {smallest.cx, smallest.cy};
+        return TRUE;
+    }
+    case WM_CLOSE:
+        if (mayClose()) {
+            DestroyWindow(window_);
+        }
+        return TRUE;
+    case WM_QUERYENDSESSION:
+        SetWindowLongPtrW(window_, DWLP_MSGRESULT, mayClose() ? TRUE : FALSE);
+        return TRUE;
+    case WM_DESTROY:
+        tearDown();
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+void PanelWindow::setUp()
+{
+    folders_ = std::make_unique<FolderList>(GetDlgItem(window_, IDC_FOLDERS));
+    page_ = std::make_unique<RulePage>(window_, IDC_RULES);
+    cell_ = std::make_unique<CellEditor>(window_, IDC_RULES, *page_, kCellDone);
+    status_ = std::make_unique<StatusLine>(GetDlgItem(window_, IDC_STATUS));
+    const auto icon = [this](int widthMetric, int heightMetric) {
+        return reinterpret_cast<LPARAM>(LoadImageW(instance_, MAKEINTRESOURCEW(IDI_PANEL), IMAGE_ICON,
+                                                   GetSystemMetrics(widthMetric),
+                                                   GetSystemMetrics(heightMetric), LR_SHARED));
+    };
+    SendMessageW(window_, WM_SETICON, ICON_BIG, icon(SM_CXICON, SM_CYICON));
+    SendMessageW(window_, WM_SETICON, ICON_SMALL, icon(SM_CXSMICON, SM_CYSMICON));
+
+    layOutPanel(window_);
+    status_->resize();
+    page_->fitColumns();
+    status_->showDataFolder(lornixDataFolder());
+    status_->showError({});
+    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    rulesChanged();
+    selectionChanged();
+}
+
+void PanelWindow::tearDown()
+{
+    SetWindowLongPtrW(window_, DWLP_USER, 0);
+    cell_.reset();
+    page_.reset();
+    PostQuitMessage(0);
+}
+
+void PanelWindow::command(int id, int code)
+{
+    if (id == IDC_FOLDERS) {
+        if (code == LBN_SELCHANGE) {
+            selectionChanged();
+        }
+        return;
+    }
+    const bool fromControl = GetDlgItem(window_, id) != nullptr;
+    if ((fromControl && code > 1) || !cell_->finish()) { // 0 is a click or a menu entry, 1 an accelerator
+        return;
+    }
+    switch (id) {
+    case IDOK:
+        return enterPressed();
+    case IDC_FOLDER_ADD:
+        return addTypedFolder(textOf(GetDlgItem(window_, IDC_FOLDER_EDIT)));
+    case IDC_FOLDER_BROWSE:
+        if (const std::wstring chosen = browseForFolder(window_); !chosen.empty()) {
+            addTypedFolder(chosen);
+        }
+        return;
+    case IDC_FOLDER_REMOVE:
+        return removeFolders();
+    case IDC_ADD_FOR_ANYONE:
+        return addForAnyone();
+    case IDC_EDIT:
+        return edit();
+    case IDM_EDIT_SOFT_LIMIT:
+        return cell_->open(page_->selectedRow());
+    case IDC_DROP:
+        return drop();
+    case IDM_SELECT_ALL:
+        return page_->selectAll();
+    case IDC_APPLY:
+        apply();
+        return;
+    case IDC_RELOAD:
+        return reload();
+    case IDM_EXIT:
+        PostMessageW(window_, WM_CLOSE, 0, 0);
+        return;
+    default:
+        return; // Esc, among others: a window with unsaved work does not close by one key
+    }
+}
+
+void PanelWindow::enterPressed()
+{
+    const HWND focus = GetFocus();
+    if (focus == GetDlgItem(window_, IDC_FOLDER_EDIT)) {
+        addTypedFolder(textOf(focus));
+    } else if (focus == page_->list()) {
+        edit();
+    }
+}
+
+void PanelWindow::notified(const NMHDR& header)
+{
+    if (header.hwndFrom != page_->list()) {
+        return;
+    }
+    switch (header.code) {
+    case LVN_ITEMCHANGED:
+        checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+        break;
+    case LVN_COLUMNCLICK:
+        if (cell_->finish()) {
+            page_->sort(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem);
+        }
+        break;
+    case LVN_BEGINSCROLL:
+        cell_->cancel();
+        break;
+    case LVN_KEYDOWN:
+        keyInList(reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey);
+        break;
+    case NM_DBLCLK: {
+        const auto& click = reinterpret_cast<const NMITEMACTIVATE&>(header);
+        if (click.iItem < 0) {
+            break;
+        }
+        if (click.iSubItem == RulePage::kSoftLimitColumn) {
+            cell_->open(click.iItem);
+        } else {
+            edit();
+        }
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+void PanelWindow::keyInList(WORD key)
+{
+    const bool control = GetKeyState(VK_CONTROL) < 0;
+    if (key == VK_DELETE) {
+        drop();
+    } else if (key == VK_F2) {
+        cell_->open(page_->selectedRow());
+    } else if (key == 'A' && control) {
+        page_->selectAll();
+    }
+}
+
+void PanelWindow::updateMenu(HMENU menu)
+{
+    const auto set = [menu](UINT id, bool possible) {
+        EnableMenuItem(menu, id, MF_BYCOMMAND | (possible ? MF_ENABLED : MF_GRAYED));
+    };
+    const bool ruleSelected = page_->selectedRow() >= 0;
+    set(IDC_APPLY, modified_);
+    set(IDC_ADD_FOR_ANYONE, !folders_->selected().empty());
+    set(IDC_EDIT, ruleSelected);
+    set(IDM_EDIT_SOFT_LIMIT, ruleSelected);
+    set(IDC_DROP, ruleSelected);
+    set(IDM_SELECT_ALL, page_->count() > 0);
+}
+
+void PanelWindow::addTypedFolder(const std::wstring& typed)
+{
+    const HWND edit = GetDlgItem(window_, IDC_FOLDER_EDIT);
+    const std::wstring folder = tidyFolder(typed);
+    std::wstring problem;
+    if (folders_->has(folder)) {
+        problem = L"The folder \"" + folder + L"\" is already shown.";
+    } else {
+        problem = whyNotAFolder(folder);
+    }
+    if (!problem.empty()) {
+        say(window_, MB_ICONINFORMATION, L"Add Folder", problem);
+        SetFocus(edit);
+        SendMessageW(edit, EM_SETSEL, 0, -1);
+        return;
+    }
+    SetWindowTextW(edit, L"");
+    showFolders({folder});
+    folders_->selectOnly(folder); // the next thing to do is to add a rule for it
+    selectionChanged();
+}
+
+void PanelWindow::showFolders(const std::vector<std::wstring>& folders)
+{
+    std::vector<std::wstring> added;
+    for (const std::wstring& name : folders) {
+        const std::wstring folder = tidyFolder(name);
+        if (!folder.empty() && !folders_->has(folder)) {
+            folders_->add(folder);
+            added.push_back(folder);
+        }
+    }
+    if (const std::wstring error = page_->show(added); !error.empty()) {
+        reportStore(L"Not all rules could be read.", error);
+    }
+    rulesChanged();
+    selectionChanged();
+}
+
+void PanelWindow::removeFolders()
+{
+    const std::vector<std::wstring> chosen = folders_->selected();
+    if (page_->isModified(chosen) && ask(window_, MB_YESNO, kUnsaved,
+                                         L"Rules of these folders have unsaved changes, which would be "
+                                         L"lost.\n\nRemove the folders from view?") != IDYES)
+    {
+        return;
+    }
+    page_->hide(chosen);
+    folders_->remove(chosen);
+    SetFocus(GetDlgItem(window_, IDC_FOLDERS));
+    rulesChanged();
+    selectionChanged();
+}
+
+void PanelWindow::addForAnyone()
+{
+    const std::vector<std::wstring> chosen = folders_->selected();
+    if (!chosen.empty()) {
+        page_->addForAnyone(chosen);
+        rulesChanged();
+    }
+}
+
+void PanelWindow::edit()
+{
+    page_->edit();
+    rulesChanged();
+}
+
+void PanelWindow::drop()
+{
+    page_->drop();
+    rulesChanged();
+    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    SetFocus(
+        page_->list()); // the button that was pressed is disabled now, and a disabled window gets no keys
+}
+
+bool PanelWindow::apply()
+{
+    if (!modified_) {
+        return true;
+    }
+    const std::wstring error = page_->store(folders_->all());
+    if (!error.empty()) {
+        reportStore(L"The rules were not stored.", error);
+        return false;
+    }
+    status_->showError({});
+    rulesChanged();
+    return true;
+}
+
+void PanelWindow::reload()
+{
+    if (modified_ &&
+        ask(window_, MB_YESNO, kUnsaved,
+            L"Reading the stored rules again drops all unsaved changes.\n\nReload all the same?") != IDYES)
+    {
+        return;
+    }
+    page_->clear();
+    const std::wstring error = page_->show(folders_->all());
+    status_->showError({});
+    if (!error.empty()) {
+        reportStore(L"Not all rules could be read.", error);
+    }
+    rulesChanged();
+    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+}
+
+bool PanelWindow::mayClose()
+{
+    if (!cell_->finish()) {
+        return false;
+    }
+    if (!modified_) {
+        return true;
+    }
+    switch (ask(window_, MB_YESNOCANCEL, kUnsaved,
+                L"The rules have unsaved changes.\n\nStore them before closing?"))
+    {
+    case IDYES:
+        return apply();
+    case IDNO:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void PanelWindow::rulesChanged()
+{
+    modified_ = page_->isModified();
+    SetWindowTextW(window_, modified_ ? (std::wstring(kCaption) + L" - unsaved changes").c_str() : kCaption);
+    enable(IDC_APPLY, modified_);
+    status_->showRules(page_->count(), folders_->all().size());
+    status_->showModified(modified_);
+}
+
+void PanelWindow::selectionChanged()
+{
+    const std::vector<std::wstring> chosen = folders_->selected();
+    enable(IDC_FOLDER_REMOVE, !chosen.empty());
+    enable(IDC_ADD_FOR_ANYONE, !chosen.empty());
+    std::wstring hint = L"Select the folders that new rules are for.";
+    if (chosen.size() == 1) {
+        hint = L"New rules are for " + chosen.front() + L".";
+    } else if (chosen.size() > 1) {
+        hint = L"New rules are for each of the " + std::to_wstring(chosen.size()) + L" selected folders.";
+    }
+    SetWindowTextW(GetDlgItem(window_, IDC_FOLDER_HINT), hint.c_str());
+}
+
+void PanelWindow::enable(int id, bool enabled)
+{
+    const HWND control = GetDlgItem(window_, id);
+    if (!enabled && GetFocus() == control) {
+        SetFocus(page_->list()); // a disabled window gets no keys
+    }
+    EnableWindow(control, enabled);
+}
+
+void PanelWindow::reportStore(const std::wstring& whatFailed, const std::wstring& error)
+{
+    status_->showError(error);
+    say(window_, MB_ICONERROR, L"Quota Store", whatFailed + L"\n\n" + error);
+}
+
+} // namespace host

@@ -1,0 +1,62 @@
+// The control panel's window: turns what the person does into calls of the page, the folders and the store.
+#pragma once
+
+#include "host/cell_editor.h"
+#include "host/folder_list.h"
+#include "host/rule_page.h"
+#include "host/status_line.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace host {
+
+class PanelWindow {
+public:
+    /// Opens the window and fills it. @param folders  to be shown beside those that the store knows.
+    /// @return true when the window could be made.
+    bool open(HINSTANCE instance, const std::vector<std::wstring>& folders);
+
+    /// Runs until the window is closed.
+    void run();
+
+private:
+    static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    INT_PTR handle(UINT message, WPARAM wParam, LPARAM lParam);
+    void setUp();
+    void tearDown();
+
+    void command(int id, int code);
+    void notified(const NMHDR& header);
+    void keyInList(WORD key);
+    void enterPressed();
+    void updateMenu(HMENU menu);
+
+    void addTypedFolder(const std::wstring& typed);
+    void showFolders(const std::vector<std::wstring>& folders);
+    void removeFolders();
+    void addForAnyone();
+    void edit();
+    void drop();
+    bool apply();
+    void reload();
+    bool mayClose();
+
+    void rulesChanged();
+    void selectionChanged();
+    void enable(int id, bool enabled);
+    void reportStore(const std::wstring& whatFailed, const std::wstring& error);
+
+    HINSTANCE instance_ = nullptr;
+    HWND window_ = nullptr;
+    std::unique_ptr<FolderList> folders_;
+    std::unique_ptr<RulePage> page_;
+    std::unique_ptr<CellEditor> cell_;
+    std::unique_ptr<StatusLine> status_;
+    bool modified_ = false;
+};
+
+} // namespace host

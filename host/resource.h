@@ -1,0 +1,30 @@
+// Numbers of the sample host's resources. The resource script reads this file as well.
+#pragma once
+
+#define IDI_PANEL 1
+#define IDD_PANEL 100
+#define IDM_PANEL 101
+#define IDA_PANEL 102
+
+#define IDC_FOLDER_LABEL 1000
+#define IDC_FOLDER_EDIT 1001
+#define IDC_FOLDER_ADD 1002
+#define IDC_FOLDER_BROWSE 1003
+#define IDC_FOLDERS_LABEL 1004
+#define IDC_FOLDERS 1005
+#define IDC_FOLDER_REMOVE 1006
+#define IDC_FOLDER_HINT 1007
+#define IDC_RULES_LABEL 1008
+#define IDC_RULES 1009
+
+// The menu entries of the same commands have the same numbers.
+#define IDC_ADD_FOR_ANYONE 1010
+#define IDC_EDIT 1012
+#define IDC_DROP 1013
+#define IDC_RELOAD 1014
+#define IDC_APPLY 1015
+#define IDC_STATUS 1016
+
+#define IDM_EDIT_SOFT_LIMIT 2000
+#define IDM_SELECT_ALL 2001
+#define IDM_EXIT 2002

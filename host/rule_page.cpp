@@ -1,0 +1,276 @@
+#include "host/rule_page.h"
+
+#include "host/folder_name.h"
+#include "host/limit_text.h"
+#include "host/path_block.h"
+
+#include "corvane.h"
+#include "lornix/lornix_host.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <set>
+
+namespace host {
+namespace {
+
+enum Column { kAccount, kHardLimit, kSoftLimit, kInUse, kPercent, kFolder, kColumns };
+static_assert(kSoftLimit == RulePage::kSoftLimitColumn);
+
+/// Keeps a list view from painting every single change.
+class PaintPause {
+public:
+    explicit PaintPause(HWND window)
+        : window_(window)
+    {
+        SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
+    }
+    ~PaintPause()
+    {
+        SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
+        InvalidateRect(window_, nullptr, TRUE);
+    }
+    PaintPause(const PaintPause&) = delete;
+    PaintPause& operator=(const PaintPause&) = delete;
+
+private:
+    HWND window_;
+};
+
+void addLines(std::wstring& text, const wchar_t* more)
+{
+    if (*more != 0) {
+        text += text.empty() ? L"" : L"\n";
+        text += more;
+    }
+}
+
+} // namespace
+
+RulePage::RulePage(HWND dialog, int listId)
+    : dialog_(dialog)
+    , listId_(listId)
+    , list_(GetDlgItem(dialog, listId))
+{
+    initializeListCtrl(dialog_, listId_, nullptr);
+
+    // The library's widths are those of a narrow page. This window has room for the headings.
+    constexpr int kWidths[] = {74, 52, 66, 52, 32}; // dialog units
+    for (int column = 0; column < kFolder; ++column) {
+        RECT unit{0, 0, kWidths[column], 0};
+        MapDialogRect(dialog_, &unit);
+        ListView_SetColumnWidth(list_, column, unit.right);
+    }
+}
+
+RulePage::~RulePage()
+{
+    clear();
+}
+
+void RulePage::fitColumns()
+{
+    RECT area{};
+    GetClientRect(list_, &area);
+    int room = area.right - GetSystemMetrics(SM_CXVSCROLL);
+    for (int column = 0; column < kFolder; ++column) {
+        room -= ListView_GetColumnWidth(list_, column);
+    }
+    constexpr int kLeast = 100;
+    ListView_SetColumnWidth(list_, kFolder, std::max(room, kLeast));
+}
+
+QuotaRule* RulePage::chain() const
+{
+    return getDataModified(dialog_, listId_);
+}
+
+QuotaRule* RulePage::ruleOf(int row) const
+{
+    // Not through the row's item data: that is an address only while the record lies below 4 GiB. The chain
+    // is in row order.
+    QuotaRule* rule = chain();
+    for (int i = 0; rule != nullptr && i < row; ++i) {
+        rule = rule->next;
+    }
+    return rule;
+}
+
+std::wstring RulePage::show(const std::vector<std::wstring>& folders)
+{
+    std::wstring problems;
+    {
+        const PaintPause pause(list_);
+        for (const std::wstring& folder : folders) {
+            // One by one: the store tells the problems of the last call only.
+            PathBlock one({folder});
+            fillUpListCtrl(one.list(), dialog_, listId_);
+            addLines(problems, lornixLastError());
+        }
+    }
+    const RuleState now = stateOf(chain());
+    for (const std::wstring& folder : folders) {
+        const std::wstring key = folderKey(folder);
+        if (const auto rules = now.find(key); rules != now.end()) {
+            stored_[key] = rules->second;
+        }
+    }
+    return problems;
+}
+
+void RulePage::clear()
+{
+    QuotaRule* rules = chain();
+    ListView_DeleteAllItems(list_);
+    lornixFreeRules(rules);
+    stored_.clear();
+}
+
+void RulePage::hide(const std::vector<std::wstring>& folders)
+{
+    std::set<std::wstring> keys;
+    for (const std::wstring& folder : folders) {
+        keys.insert(folderKey(folder));
+        stored_.erase(folderKey(folder));
+    }
+    const PaintPause pause(list_);
+    ListView_SetItemState(list_, -1, 0, LVIS_SELECTED);
+    int row = 0;
+    for (const QuotaRule* rule = chain(); rule != nullptr; rule = rule->next, ++row) {
+        if (keys.contains(folderKey(rule->path))) {
+            ListView_SetItemState(list_, row, LVIS_SELECTED, LVIS_SELECTED);
+        }
+    }
+    drop();
+}
+
+void RulePage::addForAnyone(const std::vector<std::wstring>& folders)
+{
+    PathBlock paths(folders);
+    // The result only tells whether a dialog was cancelled; rules of other folders may have been added all
+    // the same, so what changed is found by comparing.
+    addToListCtrl(dialog_, listId_, CORVANE_ANYONE, paths.list());
+    showBackslashes();
+}
+
+void RulePage::showBackslashes()
+{
+    // Looking for rules that conflict turns the slashes of paths round, also those of rules already shown.
+    int row = 0;
+    for (QuotaRule* rule = chain(); rule != nullptr; rule = rule->next, ++row) {
+        if (wcschr(rule->path, L'/') != nullptr) {
+            std::replace(rule->path, rule->path + wcslen(rule->path), L'/', L'\\');
+            setText(row, kFolder, rule->path);
+        }
+    }
+}
+
+void RulePage::edit()
+{
+    const int row = selectedRow();
+    QuotaRule* rule = row < 0 ? nullptr : ruleOf(row);
+    if (rule == nullptr) {
+        return;
+    }
+    const QuotaRule before = *rule;
+    if (editFromListCtrl(dialog_, listId_) == 0) {
+        // Limits that the dialog corrected after a refused OK stay in the record. Here Cancel means cancel.
+        rule->hardLimit = before.hardLimit;
+        rule->softLimit = before.softLimit;
+        rule->inUse = before.inUse;
+    }
+}
+
+std::vector<QuotaRule*> RulePage::selectedRules() const
+{
+    std::vector<QuotaRule*> rules;
+    int row = 0;
+    for (QuotaRule* rule = chain(); rule != nullptr; rule = rule->next, ++row) {
+        if (ListView_GetItemState(list_, row, LVIS_SELECTED) != 0) {
+            rules.push_back(rule);
+        }
+    }
+    return rules;
+}
+
+void RulePage::drop()
+{
+    // dropFromListCtrl leaves the records to whoever can tell that nobody needs them any more: that is here.
+    const std::vector<QuotaRule*> dropped = selectedRules();
+    if (dropFromListCtrl(dialog_, listId_) == 0) {
+        return;
+    }
+    for (QuotaRule* rule : dropped) {
+        rule->next = nullptr;
+        rule->prev = nullptr;
+        lornixFreeRules(rule);
+    }
+}
+
+void RulePage::sort(int column)
+{
+    // The form for hosts that hold a list-control object; sortListCtrl does the same for a dialog and an id.
+    CorvaneListObject list{{}, list_};
+    sortListCtrl2(reinterpret_cast<CListCtrl*>(&list), column);
+}
+
+int RulePage::count() const
+{
+    CorvaneListObject list{{}, list_};
+    return countItems2(reinterpret_cast<CListCtrl*>(&list));
+}
+
+std::wstring RulePage::store(const std::vector<std::wstring>& folders)
+{
+    PathBlock paths(folders);
+    const QuotaRule* rules = chain();
+    if (lornixStoreRules(paths.list(), rules) == 0) {
+        return lornixLastError();
+    }
+    stored_ = stateOf(rules);
+    return {};
+}
+
+bool RulePage::isModified() const
+{
+    return stateOf(chain()) != stored_;
+}
+
+bool RulePage::isModified(const std::vector<std::wstring>& folders) const
+{
+    const RuleState now = stateOf(chain());
+    const auto rulesIn = [](const RuleState& state, const std::wstring& key) {
+        const auto found = state.find(key);
+        return found == state.end() ? std::vector<RuleFacts>() : found->second;
+    };
+    return std::any_of(folders.begin(), folders.end(), [&](const std::wstring& folder) {
+        return rulesIn(now, folderKey(folder)) != rulesIn(stored_, folderKey(folder));
+    });
+}
+
+int RulePage::selectedRow() const
+{
+    return ListView_GetNextItem(list_, -1, LVNI_SELECTED);
+}
+
+void RulePage::selectAll()
+{
+    ListView_SetItemState(list_, -1, LVIS_SELECTED, LVIS_SELECTED);
+}
+
+void RulePage::setText(int row, int column, std::wstring text)
+{
+    ListView_SetItemText(list_, row, column, text.data());
+}
+
+void RulePage::showLimits(int row)
+{
+    if (const QuotaRule* rule = ruleOf(row)) {
+        setText(row, kHardLimit, sizeText(rule->hardLimit));
+        setText(row, kSoftLimit, sizeText(rule->softLimit));
+        setText(row, kPercent, percentText(rule->inUse, rule->hardLimit));
+    }
+}
+
+} // namespace host

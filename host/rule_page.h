@@ -1,0 +1,82 @@
+// The rule list: every step goes through an export of corvane, the host adds what the exports leave to it.
+#pragma once
+
+#include "host/rule_state.h"
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+class RulePage {
+public:
+    /// The column that can be edited in place.
+    static constexpr int kSoftLimitColumn = 2;
+
+    /// @param dialog  window that owns the list. @param listId  control id of a list view in report view.
+    RulePage(HWND dialog, int listId);
+    ~RulePage();
+    RulePage(const RulePage&) = delete;
+    RulePage& operator=(const RulePage&) = delete;
+
+    HWND list() const { return list_; }
+
+    /// Gives the last column the room that the others leave.
+    void fitColumns();
+
+    /// Adds the stored rules of folders to the list. @return what the store could not read; empty when it
+    /// read all.
+    std::wstring show(const std::vector<std::wstring>& folders);
+
+    /// Takes all rows out of the list, saved or not, and releases the rules.
+    void clear();
+
+    /// Takes the rows of some folders out of the list, saved or not, and releases their rules.
+    void hide(const std::vector<std::wstring>& folders);
+
+    /// Adds a rule for anyone on each of some folders, through the library's dialog.
+    void addForAnyone(const std::vector<std::wstring>& folders);
+
+    /// Opens the library's dialog on the first selected row.
+    void edit();
+
+    /// Takes the selected rows out of the list and releases their rules.
+    void drop();
+
+    /// Sorts by a column; once more turns the order round.
+    void sort(int column);
+
+    /// Stores the rules of all rows. @param folders  all folders shown.
+    /// @return why nothing was stored; empty when all is stored.
+    std::wstring store(const std::vector<std::wstring>& folders);
+
+    /// @return true when the rows differ from what was read or stored last, in any of all folders or in some.
+    bool isModified() const;
+    bool isModified(const std::vector<std::wstring>& folders) const;
+
+    int count() const;
+    int selectedRow() const;
+    void selectAll();
+
+    /// The record behind a row.
+    QuotaRule* ruleOf(int row) const;
+
+    /// Writes the limits and the percentage of a row anew from its record.
+    void showLimits(int row);
+
+private:
+    QuotaRule* chain() const;
+    void setText(int row, int column, std::wstring text);
+    void showBackslashes();
+    void releaseRows(const std::vector<QuotaRule*>& rules);
+    std::vector<QuotaRule*> selectedRules() const;
+
+    HWND dialog_;
+    int listId_;
+    HWND list_;
+    RuleState stored_;
+};
+
+} // namespace host

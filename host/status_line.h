@@ -1,0 +1,34 @@
+// The line at the window's foot: rules, unsaved changes, the store's last error, its data folder.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace host {
+
+class StatusLine {
+public:
+    explicit StatusLine(HWND bar)
+        : bar_(bar)
+    {
+    }
+
+    /// Fits the parts to the bar's width.
+    void resize();
+
+    void showRules(int rules, size_t folders);
+    void showModified(bool modified);
+
+    /// @param error  empty: none since the last call that did its work.
+    void showError(const std::wstring& error);
+
+    void showDataFolder(const std::wstring& folder);
+
+private:
+    void show(int part, const std::wstring& text);
+
+    HWND bar_;
+};
+
+} // namespace host

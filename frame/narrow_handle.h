@@ -29,6 +29,9 @@ public:
     /// Zero-extended, as item data and end codes carry it.
     INT_PTR carrier() const { return static_cast<INT_PTR>(static_cast<UINT_PTR>(m_value)); }
 
+    /// Sign-extended, as an end code that has been through a 32-bit signed integer comes back.
+    INT_PTR signedCarrier() const { return static_cast<std::int32_t>(m_value); }
+
     /// The object that the handle stands for.
     void* object() const;
 

@@ -203,6 +203,36 @@ CORVANE_API void setButtonState(HWND dialog, int buttonId, int state);
  */
 CORVANE_API intptr_t editQuotaListEntry(HWND owner, QuotaRule* record, int mode);
 
+/* ---- files, processes, the product ---------------------------------------------------------------------- */
+
+/** The modal dialog "Choose file...": the drives of this machine that keep named streams, and the plain files in
+ * their root folders. Sub-folders are not listed.
+ * @param owner        owner window, may be null.
+ * @param foldersOnly  0 to show files; any other value hides them, and then only drives can be chosen.
+ * @return the chosen path without a backslash at the end (C: for a drive), empty when nothing was selected; a copy
+ *         that the caller owns and releases with free. Null after Cancel and when the dialog could not be shown.
+ */
+CORVANE_API wchar_t* chooseFileImpl(HWND owner, unsigned foldersOnly);
+
+/** The modal dialog "Select program from list of running processes": one row per process, by name.
+ * @param owner  owner window, may be null.
+ * @return the chosen process's image name, at most 259 characters, a copy that the caller owns and releases with
+ *         free; where the platform tells a full path it begins with the path's last backslash. Null after Cancel.
+ *         (wchar_t*)-1, no string and not to be released, when the dialog could not be shown.
+ */
+CORVANE_API wchar_t* chooseProcess(HWND owner);
+
+/** Shows the About box and returns when it is closed.
+ * @param owner  owner window, may be null.
+ */
+CORVANE_API void showAboutDialog(HWND owner);
+
+/** Opens the help file, doc\vantrel40.chm below the installation folder ("Path" in the registry), with the shell.
+ * Nothing is reported when there is none.
+ * @param owner  owner window for the shell's messages, may be null.
+ */
+CORVANE_API void showHelp(HWND owner);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

@@ -25,4 +25,19 @@
 #define IDC_QUOTA_ALLOW_BELOW 1019
 #define IDC_QUOTA_NEW_MEMBERS 1040
 
+// Choose file
+#define IDD_CHOOSE_FILE 155
+#define IDC_CHOOSE_FILE_TREE 1038
+
+// The running processes
+#define IDD_PROCESS_CHOOSER 151
+#define IDC_PROCESS_LIST 1020
+
+// About box and its pictures
+#define IDD_ABOUT 144
+#define IDC_ABOUT_LOGO 1018
+#define IDC_ABOUT_PICTURE 7019
+#define IDB_ABOUT_LOGO 146
+#define IDB_ABOUT_PICTURE 147
+
 #endif

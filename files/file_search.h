@@ -1,0 +1,32 @@
+// A search for the entries of a folder.
+#pragma once
+
+#include "frame/platform.h"
+
+#include <string>
+
+/// `path` ending in a backslash, one being added when it is missing.
+std::wstring withBackslash(std::wstring path);
+
+/// One search from FindFirstFileW to FindClose.
+///     FileSearch search(pattern);
+///     for (bool found = search.started(); found; found = search.next()) { ... search.entry() ... }
+class FileSearch {
+public:
+    /// @param pattern  path with wildcards.
+    explicit FileSearch(const std::wstring& pattern);
+    FileSearch(const FileSearch&) = delete;
+    FileSearch& operator=(const FileSearch&) = delete;
+    ~FileSearch();
+
+    /// Whether the platform gave a search, whose first entry is then there.
+    bool started() const;
+    bool next();
+
+    const WIN32_FIND_DATAW& entry() const { return m_entry; }
+    bool has(DWORD attributes) const { return (m_entry.dwFileAttributes & attributes) != 0; }
+
+private:
+    WIN32_FIND_DATAW m_entry{};
+    HANDLE m_search;
+};

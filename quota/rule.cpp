@@ -1,19 +1,10 @@
 #include "quota/rule.h"
 
 #include "frame/c_memory.h"
+#include "quota/folder_path.h"
 #include "store/lornix.h"
 
-#include <algorithm>
 #include <cwchar>
-
-namespace {
-
-void useForwardSlashes(wchar_t* path)
-{
-    std::replace(path, path + std::wcslen(path), L'\\', L'/');
-}
-
-} // namespace
 
 QuotaRule* newRule(const wchar_t* path, const void* sid)
 {
@@ -49,10 +40,5 @@ bool sameRule(const QuotaRule& a, const QuotaRule& b)
 
 bool conflicts(const void* sid, wchar_t* path, QuotaRule& existing)
 {
-    if (!sameAccount(sid, existing.sid)) {
-        return false;
-    }
-    useForwardSlashes(path);
-    useForwardSlashes(existing.path);
-    return _wcsicmp(path, existing.path) == 0;
+    return sameAccount(sid, existing.sid) && sameFolder(path, existing.path);
 }

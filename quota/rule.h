@@ -1,4 +1,4 @@
-// The quota rule record: making one, telling rules apart, linking them into a chain.
+// The quota rule record: making one, telling rules apart.
 #pragma once
 
 #include "corvane_types.h"
@@ -24,26 +24,3 @@ bool sameRule(const QuotaRule& a, const QuotaRule& b);
 /// before the paths are compared without regard to case. Kept: hosts show the paths in the form that the
 /// comparison leaves behind.
 bool conflicts(const void* sid, wchar_t* path, QuotaRule& existing);
-
-/// Links records one after the other; a null record is passed over.
-class ChainBuilder {
-public:
-    /// Appends a record. Its links are overwritten.
-    void append(QuotaRule* rule)
-    {
-        if (rule == nullptr) {
-            return;
-        }
-        rule->prev = m_last;
-        rule->next = nullptr;
-        (m_last != nullptr ? m_last->next : m_first) = rule;
-        m_last = rule;
-    }
-
-    QuotaRule* first() const { return m_first; }
-    QuotaRule* last() const { return m_last; }
-
-private:
-    QuotaRule* m_first = nullptr;
-    QuotaRule* m_last = nullptr;
-};

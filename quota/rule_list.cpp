@@ -7,6 +7,7 @@
 #include "frame/wait_cursor.h"
 #include "quota/limits.h"
 #include "quota/rule.h"
+#include "quota/rule_chain.h"
 #include "quota/rule_index.h"
 #include "quota/rule_row.h"
 #include "quota/settings_dialog.h"
@@ -33,20 +34,6 @@ QuotaRule* relinkRows(const CListCtrl& list)
         chain.append(ruleOfRow(list, row));
     }
     return chain.first();
-}
-
-/// Links rows that were put on top, the lowest first, in front of a chain. @return the new first record.
-QuotaRule* linkOnTop(const std::vector<QuotaRule*>& added, QuotaRule* first)
-{
-    for (QuotaRule* rule : added) {
-        rule->next = first;
-        rule->prev = nullptr;
-        if (first != nullptr) {
-            first->prev = rule;
-        }
-        first = rule;
-    }
-    return first;
 }
 
 bool sortsByItself(const CListCtrl& list)
@@ -173,17 +160,6 @@ void fillRows(const CListCtrl& list, const PathList& paths)
     }
 }
 
-/// Takes a record out of its chain; its own links stay.
-void unlink(const QuotaRule& rule)
-{
-    if (rule.prev != nullptr) {
-        rule.prev->next = rule.next;
-    }
-    if (rule.next != nullptr) {
-        rule.next->prev = rule.prev;
-    }
-}
-
 } // namespace
 
 namespace rule_list {
@@ -279,7 +255,7 @@ bool dropSelected(const CListCtrl& list)
         for (int deleted = 0; const int row : selected) {
             const int present = row - deleted++;
             if (const QuotaRule* rule = ruleOfRow(list, present)) {
-                unlink(*rule);
+                unlinkRule(*rule);
             }
             list.deleteRow(present);
         }

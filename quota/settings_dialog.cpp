@@ -9,6 +9,7 @@
 #include "frame/wait_cursor.h"
 #include "quota/limits.h"
 #include "quota/rule.h"
+#include "quota/rule_chain.h"
 #include "quota/rule_row.h"
 #include "res/resource.h"
 #include "store/lornix.h"

@@ -73,8 +73,8 @@ void FolderList::fitScrollBar()
     }
     SelectObject(dc, before);
     ReleaseDC(box_, dc);
-    constexpr LONG kMargin = 8;
-    SendMessageW(box_, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest + kMargin), 0);
+    constexpr WPARAM kMargin = 8;
+    SendMessageW(box_, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest) + kMargin, 0);
 }
 
 std::wstring whyNotAFolder(const std::wstring& name)

@@ -18,10 +18,11 @@ constexpr const wchar_t* kWhatIsPossible =
 std::wstring sizeText(int64_t bytes)
 {
     constexpr wchar_t kUnits[] = L" KMGT";
+    constexpr int64_t kMostShown = 1LL << 20;
     constexpr int kSteps = 5;
     int unit = 0;
     for (int step = 0; step < kSteps; ++step) {
-        if (bytes > 1024 * 1024) {
+        if (bytes > kMostShown) {
             bytes /= 1024;
             ++unit;
         }
@@ -49,7 +50,7 @@ CellLimit checkCellLimit(const std::wstring& typed)
         return {{}, std::wstring(L"No limit was typed.\n\n") + kWhatIsPossible};
     }
     const std::wstring text = typed.substr(first, typed.find_last_not_of(L" \t") - first + 1);
-    const CellLimit notALimit{{}, L"\"" + text + L"\" is not a limit.\n\n" + kWhatIsPossible};
+    CellLimit notALimit{{}, L"\"" + text + L"\" is not a limit.\n\n" + kWhatIsPossible};
 
     size_t digits = 0;
     int64_t value = 0;

@@ -18,7 +18,9 @@
 
 namespace {
 
-enum ExitCode { kDone = 0, kFailed = 1, kBadCommandLine = 2 };
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kBadCommandLine = 2;
 
 std::vector<std::wstring> programArguments()
 {
@@ -38,7 +40,7 @@ std::wstring fullPath(const std::wstring& path)
 }
 
 /// A program asked to print is run by a script, which reads no boxes.
-int fail(const host::CommandLine& line, const std::wstring& problem, ExitCode code)
+int fail(const host::CommandLine& line, const std::wstring& problem, int code)
 {
     if (line.dump) {
         host::printText(problem + L"\n", true);

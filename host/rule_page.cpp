@@ -15,8 +15,11 @@
 namespace host {
 namespace {
 
-enum Column { kAccount, kHardLimit, kSoftLimit, kInUse, kPercent, kFolder, kColumns };
-static_assert(kSoftLimit == RulePage::kSoftLimitColumn);
+// The library's columns that the host writes to.
+constexpr int kHardLimit = 1;
+constexpr int kSoftLimit = RulePage::kSoftLimitColumn;
+constexpr int kPercent = 4;
+constexpr int kFolder = 5;
 
 /// Keeps a list view from painting every single change.
 class PaintPause {

@@ -7,7 +7,12 @@
 namespace host {
 namespace {
 
-enum Part { kRules, kModified, kError, kDataFolder, kParts };
+// The parts, from left to right.
+constexpr int kRules = 0;
+constexpr int kModified = 1;
+constexpr int kError = 2;
+constexpr int kDataFolder = 3;
+constexpr int kParts = 4;
 
 std::wstring counted(size_t number, const wchar_t* one, const wchar_t* many)
 {

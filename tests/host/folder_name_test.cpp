@@ -1,0 +1,46 @@
+#include "host/folder_name.h"
+
+#include <gtest/gtest.h>
+
+using host::folderKey;
+using host::isFullPath;
+using host::tidyFolder;
+
+TEST(FolderName, IsTidied)
+{
+    EXPECT_EQ(tidyFolder(L"  \"C:/Data/Users/\"  "), L"C:\\Data\\Users");
+    EXPECT_EQ(tidyFolder(L"C:\\Data\\\\\\"), L"C:\\Data");
+    EXPECT_EQ(tidyFolder(L"\\\\server\\share\\"), L"\\\\server\\share");
+    EXPECT_EQ(tidyFolder(L"C:\\My Data"), L"C:\\My Data");
+}
+
+TEST(FolderName, KeepsTheSlashOfADrivesRoot)
+{
+    EXPECT_EQ(tidyFolder(L"c:/"), L"c:\\");
+    EXPECT_EQ(tidyFolder(L"c:\\\\"), L"c:\\");
+}
+
+TEST(FolderName, OfNothingIsNothing)
+{
+    EXPECT_EQ(tidyFolder(L""), L"");
+    EXPECT_EQ(tidyFolder(L" \"\" "), L"");
+}
+
+TEST(FolderName, KeyDisregardsCaseAndSlashes)
+{
+    EXPECT_EQ(folderKey(L"C:\\Data\\\u00C4rger"), folderKey(L"c:/DATA/\u00E4RGER/"));
+    EXPECT_NE(folderKey(L"C:\\Data"), folderKey(L"C:\\Data2"));
+}
+
+TEST(FolderName, IsFullFromADriveOrAServer)
+{
+    EXPECT_TRUE(isFullPath(L"C:\\"));
+    EXPECT_TRUE(isFullPath(L"z:\\data"));
+    EXPECT_TRUE(isFullPath(L"\\\\server\\share"));
+    EXPECT_FALSE(isFullPath(L""));
+    EXPECT_FALSE(isFullPath(L"C:"));
+    EXPECT_FALSE(isFullPath(L"C:data"));
+    EXPECT_FALSE(isFullPath(L"\\data"));
+    EXPECT_FALSE(isFullPath(L"data\\users"));
+    EXPECT_FALSE(isFullPath(L"\\\\\\data"));
+}

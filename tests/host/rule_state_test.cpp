@@ -1,0 +1,104 @@
+#include "host/rule_state.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <list>
+#include <string>
+
+using host::stateOf;
+
+namespace {
+
+/// Rules in one chain, in the order given.
+class Chain {
+public:
+    QuotaRule& add(const wchar_t* path, int64_t hard, int64_t soft)
+    {
+        paths_.emplace_back(path);
+        QuotaRule& rule = rules_[count_];
+        rule.type = QUOTA_RULE_FOR_ANYONE;
+        rule.path = paths_.back().data();
+        rule.hardLimit = hard;
+        rule.softLimit = soft;
+        if (count_ > 0) {
+            rules_[count_ - 1].next = &rule;
+        }
+        ++count_;
+        return rule;
+    }
+    const QuotaRule* first() const { return count_ == 0 ? nullptr : rules_.data(); }
+
+private:
+    std::array<QuotaRule, 4> rules_{};
+    std::list<std::wstring> paths_;
+    size_t count_ = 0;
+};
+
+// S-1-1-0 and S-1-5-18
+std::array<uint8_t, 12> everyone{1, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0};
+std::array<uint8_t, 12> localSystem{1, 1, 0, 0, 0, 0, 0, 5, 18, 0, 0, 0};
+
+} // namespace
+
+TEST(RuleState, OfNoChainIsEmpty)
+{
+    EXPECT_TRUE(stateOf(nullptr).empty());
+}
+
+TEST(RuleState, DoesNotDependOnTheOrder)
+{
+    Chain one;
+    one.add(L"C:\\a", 5000, 4000);
+    one.add(L"C:\\b", 6000, 5000);
+    one.add(L"C:\\a", 7000, 6000).sid = everyone.data();
+    Chain other;
+    other.add(L"C:\\a", 7000, 6000).sid = everyone.data();
+    other.add(L"C:\\a", 5000, 4000);
+    other.add(L"C:\\b", 6000, 5000);
+    EXPECT_EQ(stateOf(one.first()), stateOf(other.first()));
+}
+
+TEST(RuleState, DoesNotDependOnTheSpellingOfAFolder)
+{
+    Chain one;
+    one.add(L"C:\\Data", 5000, 4000);
+    Chain other;
+    other.add(L"c:/data", 5000, 4000);
+    EXPECT_EQ(stateOf(one.first()), stateOf(other.first()));
+}
+
+TEST(RuleState, TellsEveryDifference)
+{
+    Chain base;
+    base.add(L"C:\\a", 5000, 4000);
+    Chain hard;
+    hard.add(L"C:\\a", 5001, 4000);
+    Chain soft;
+    soft.add(L"C:\\a", 5000, 4001);
+    Chain used;
+    used.add(L"C:\\a", 5000, 4000).inUse = 1;
+    Chain account;
+    account.add(L"C:\\a", 5000, 4000).sid = everyone.data();
+    Chain folder;
+    folder.add(L"C:\\b", 5000, 4000);
+    Chain twice;
+    twice.add(L"C:\\a", 5000, 4000);
+    twice.add(L"C:\\a", 5000, 4000);
+    for (const Chain* other : {&hard, &soft, &used, &account, &folder, &twice}) {
+        EXPECT_NE(stateOf(base.first()), stateOf(other->first()));
+    }
+}
+
+TEST(RuleState, ComparesAccountsByTheirBytes)
+{
+    std::array<uint8_t, 12> copy = everyone;
+    Chain one;
+    one.add(L"C:\\a", 5000, 4000).sid = everyone.data();
+    Chain same;
+    same.add(L"C:\\a", 5000, 4000).sid = copy.data();
+    Chain other;
+    other.add(L"C:\\a", 5000, 4000).sid = localSystem.data();
+    EXPECT_EQ(stateOf(one.first()), stateOf(same.first()));
+    EXPECT_NE(stateOf(one.first()), stateOf(other.first()));
+}

@@ -145,6 +145,7 @@ LRESULT CALLBACK CellEditor::keys(HWND edit, UINT message, WPARAM wParam, LPARAM
     case WM_KEYDOWN:
         if (wParam == VK_ESCAPE) {
             editor.cancel();
+            PostMessageW(editor.dialog_, editor.whenDone_, 0, 0);
             return 0;
         }
         if (wParam == VK_RETURN || wParam == VK_TAB) {

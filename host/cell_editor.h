@@ -12,8 +12,7 @@ class RulePage;
 
 class CellEditor {
 public:
-    /// @param whenDone  message that is posted to `dialog` when the edit lost the focus: finish() is due
-    /// then.
+    /// @param whenDone  message posted to `dialog` when the person is done with the edit: finish() is due then.
     CellEditor(HWND dialog, int listId, RulePage& page, UINT whenDone);
     ~CellEditor();
     CellEditor(const CellEditor&) = delete;

@@ -3,12 +3,11 @@
 #include "host/resource.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace host {
 namespace {
 
-// Dialog units, so that the page follows the font.
+// In dialog units.
 constexpr int kMargin = 7;
 constexpr int kGap = 4;
 constexpr int kButtonWidth = 50;
@@ -17,6 +16,7 @@ constexpr int kButtonHeight = 14;
 constexpr int kEditHeight = 14;
 constexpr int kTextHeight = 8;
 constexpr int kTextDrop = 3; // puts a label on the line of the edit beside it
+constexpr int kLabelGap = 2; // between a label and what it labels
 constexpr int kFolderLabelWidth = 24;
 constexpr int kLeastFolders = 44;
 constexpr int kMostFolders = 80;
@@ -27,12 +27,32 @@ struct Button {
     int id;
     int width;
 };
-// From left to right. "Add for account..." takes the first place of the left row when accounts can be chosen.
+// From the left: "Add for account..." takes the first place here when accounts can be chosen. And from the right.
 constexpr Button kLeftButtons[] = {
     {IDC_ADD_FOR_ANYONE, kWideButtonWidth}, {IDC_EDIT, kButtonWidth}, {IDC_DROP, kButtonWidth}};
-constexpr Button kRightButtons[] = {{IDC_RELOAD, kButtonWidth}, {IDC_APPLY, kButtonWidth}};
+constexpr Button kRightButtons[] = {{IDC_APPLY, kButtonWidth}, {IDC_RELOAD, kButtonWidth}};
 
-/// Places controls given in dialog units.
+/// Turns dialog units into pixels, so that the page follows the font.
+class Units {
+public:
+    explicit Units(HWND panel)
+        : panel_(panel)
+    {
+    }
+    int x(int units) const { return pixels(units).x; }
+    int y(int units) const { return pixels(units).y; }
+
+private:
+    POINT pixels(int units) const
+    {
+        RECT area{0, 0, units, units};
+        MapDialogRect(panel_, &area);
+        return {area.right, area.bottom};
+    }
+    HWND panel_;
+};
+
+/// Moves many controls at once.
 class Placer {
 public:
     explicit Placer(HWND panel)
@@ -44,13 +64,10 @@ public:
     Placer(const Placer&) = delete;
     Placer& operator=(const Placer&) = delete;
 
-    void put(int id, int left, int top, int right, int bottom)
+    void put(int id, int left, int top, int width, int height)
     {
-        RECT place{left, top, right, bottom};
-        MapDialogRect(panel_, &place);
-        batch_ =
-            DeferWindowPos(batch_, GetDlgItem(panel_, id), nullptr, place.left, place.top,
-                           place.right - place.left, place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+        batch_ = DeferWindowPos(batch_, GetDlgItem(panel_, id), nullptr, left, top, width, height,
+                                SWP_NOZORDER | SWP_NOACTIVATE);
     }
 
 private:
@@ -74,50 +91,57 @@ void layOutPanel(HWND panel)
 
     RECT client{};
     GetClientRect(panel, &client);
-    RECT unit{0, 0, 100, 100};
-    MapDialogRect(panel, &unit);
-    const int right = MulDiv(client.right, 100, unit.right) - kMargin;
-    const int bottom = MulDiv(client.bottom - heightOf(status), 100, unit.bottom) - kMargin;
+    const Units units(panel);
+    const int left = units.x(kMargin);
+    const int right = client.right - left;
+    const int bottom = client.bottom - heightOf(status) - units.y(kMargin);
+    const int width = right - left;
+    const int gap = units.x(kGap);
+    const int button = units.x(kButtonWidth);
+    const int wideButton = units.x(kWideButtonWidth);
+    const int buttonHeight = units.y(kButtonHeight);
+    const int textHeight = units.y(kTextHeight);
 
     Placer place(panel);
-    int top = kMargin;
+    int top = units.y(kMargin);
 
     // The line to type a folder.
-    const int browse = right - kButtonWidth;
-    const int add = browse - kGap - kButtonWidth;
-    const int edit = kMargin + kFolderLabelWidth;
-    place.put(IDC_FOLDER_LABEL, kMargin, top + kTextDrop, edit, top + kTextDrop + kTextHeight);
-    place.put(IDC_FOLDER_EDIT, edit, top, add - kGap, top + kEditHeight);
-    place.put(IDC_FOLDER_ADD, add, top, add + kButtonWidth, top + kButtonHeight);
-    place.put(IDC_FOLDER_BROWSE, browse, top, right, top + kButtonHeight);
-    top += kEditHeight + kMargin;
+    const int browse = right - button;
+    const int add = browse - gap - button;
+    const int edit = left + units.x(kFolderLabelWidth);
+    place.put(IDC_FOLDER_LABEL, left, top + units.y(kTextDrop), edit - left, textHeight);
+    place.put(IDC_FOLDER_EDIT, edit, top, add - gap - edit, units.y(kEditHeight));
+    place.put(IDC_FOLDER_ADD, add, top, button, buttonHeight);
+    place.put(IDC_FOLDER_BROWSE, browse, top, button, buttonHeight);
+    top += units.y(kEditHeight + kMargin);
 
     // The folders shown: a fifth of the window.
-    const int folders = std::clamp(bottom / 5, kLeastFolders, kMostFolders);
-    place.put(IDC_FOLDERS_LABEL, kMargin, top, right, top + kTextHeight);
-    top += kTextHeight + 2;
-    const int remove = right - kWideButtonWidth;
-    place.put(IDC_FOLDERS, kMargin, top, remove - kGap, top + folders);
-    place.put(IDC_FOLDER_REMOVE, remove, top, right, top + kButtonHeight);
-    top += folders + 3;
-    place.put(IDC_FOLDER_HINT, kMargin, top, right, top + kTextHeight);
-    top += kTextHeight + kMargin;
+    const int folders =
+        std::clamp(static_cast<int>(client.bottom) / 5, units.y(kLeastFolders), units.y(kMostFolders));
+    place.put(IDC_FOLDERS_LABEL, left, top, width, textHeight);
+    top += units.y(kTextHeight + kLabelGap);
+    place.put(IDC_FOLDERS, left, top, width - gap - wideButton, folders);
+    place.put(IDC_FOLDER_REMOVE, right - wideButton, top, wideButton, buttonHeight);
+    top += folders + units.y(kLabelGap);
+    place.put(IDC_FOLDER_HINT, left, top, width, textHeight);
+    top += units.y(kTextHeight + kMargin);
 
     // The rules: all that is left, above a row of buttons.
-    place.put(IDC_RULES_LABEL, kMargin, top, right, top + kTextHeight);
-    top += kTextHeight + 2;
-    const int buttons = bottom - kButtonHeight;
-    place.put(IDC_RULES, kMargin, top, right, buttons - kGap);
+    const int buttons = bottom - buttonHeight;
+    place.put(IDC_RULES_LABEL, left, top, width, textHeight);
+    top += units.y(kTextHeight + kLabelGap);
+    place.put(IDC_RULES, left, top, width, buttons - units.y(kGap) - top);
 
-    int x = kMargin;
-    for (const Button& button : kLeftButtons) {
-        place.put(button.id, x, buttons, x + button.width, bottom);
-        x += button.width + kGap;
+    int x = left;
+    for (const Button& each : kLeftButtons) {
+        place.put(each.id, x, buttons, units.x(each.width), buttonHeight);
+        x += units.x(each.width) + gap;
     }
     x = right;
-    for (auto button = std::rbegin(kRightButtons); button != std::rend(kRightButtons); ++button) {
-        place.put(button->id, x - button->width, buttons, x, bottom);
-        x -= button->width + kGap;
+    for (const Button& each : kRightButtons) {
+        x -= units.x(each.width);
+        place.put(each.id, x, buttons, units.x(each.width), buttonHeight);
+        x -= gap;
     }
 }
 

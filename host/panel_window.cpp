@@ -101,11 +101,12 @@ INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
         updateMenu(reinterpret_cast<HMENU>(wParam));
         return TRUE;
     case kCellDone:
-        cell_->finish();
+        if (cell_->finish()) {
+            rulesChanged();
+        }
         return TRUE;
     case WM_SIZE:
         if (wParam != SIZE_MINIMIZED) {
-            cell_->cancel(); // its cell moves away under it
             layOutPanel(window_);
             status_->resize();
             page_->fitColumns();
@@ -173,7 +174,7 @@ void PanelWindow::command(int id, int code)
         return;
     }
     const bool fromControl = GetDlgItem(window_, id) != nullptr;
-    if ((fromControl && code > 1) || !cell_->finish()) { // 0 is a click or a menu entry, 1 an accelerator
+    if ((fromControl && code > 1) || !finishCell()) { // 0 is a click or a menu entry, 1 an accelerator
         return;
     }
     switch (id) {
@@ -193,7 +194,7 @@ void PanelWindow::command(int id, int code)
     case IDC_EDIT:
         return edit();
     case IDM_EDIT_SOFT_LIMIT:
-        return cell_->open(page_->selectedRow());
+        return openCell(page_->selectedRow());
     case IDC_DROP:
         return drop();
     case IDM_SELECT_ALL:
@@ -223,6 +224,11 @@ void PanelWindow::enterPressed()
 
 void PanelWindow::notified(const NMHDR& header)
 {
+    if (header.hwndFrom == ListView_GetHeader(page_->list()) &&
+        (header.code == HDN_BEGINTRACKW || header.code == HDN_BEGINDRAG))
+    {
+        PostMessageW(window_, kCellDone, 0, 0); // as for scrolling, below
+    }
     if (header.hwndFrom != page_->list()) {
         return;
     }
@@ -231,12 +237,12 @@ void PanelWindow::notified(const NMHDR& header)
         checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
         break;
     case LVN_COLUMNCLICK:
-        if (cell_->finish()) {
+        if (finishCell()) {
             page_->sort(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem);
         }
         break;
     case LVN_BEGINSCROLL:
-        cell_->cancel();
+        PostMessageW(window_, kCellDone, 0, 0); // the cell moves away under its edit
         break;
     case LVN_KEYDOWN:
         keyInList(reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey);
@@ -247,7 +253,7 @@ void PanelWindow::notified(const NMHDR& header)
             break;
         }
         if (click.iSubItem == RulePage::kSoftLimitColumn) {
-            cell_->open(click.iItem);
+            openCell(click.iItem);
         } else {
             edit();
         }
@@ -264,7 +270,7 @@ void PanelWindow::keyInList(WORD key)
     if (key == VK_DELETE) {
         drop();
     } else if (key == VK_F2) {
-        cell_->open(page_->selectedRow());
+        openCell(page_->selectedRow());
     } else if (key == 'A' && control) {
         page_->selectAll();
     }
@@ -276,7 +282,7 @@ void PanelWindow::updateMenu(HMENU menu)
         EnableMenuItem(menu, id, MF_BYCOMMAND | (possible ? MF_ENABLED : MF_GRAYED));
     };
     const bool ruleSelected = page_->selectedRow() >= 0;
-    set(IDC_APPLY, modified_);
+    set(IDC_APPLY, modified_ || cell_->isOpen());
     set(IDC_ADD_FOR_ANYONE, !folders_->selected().empty());
     set(IDC_EDIT, ruleSelected);
     set(IDM_EDIT_SOFT_LIMIT, ruleSelected);
@@ -398,7 +404,7 @@ void PanelWindow::reload()
 
 bool PanelWindow::mayClose()
 {
-    if (!cell_->finish()) {
+    if (!finishCell()) {
         return false;
     }
     if (!modified_) {
@@ -414,6 +420,26 @@ bool PanelWindow::mayClose()
     default:
         return false;
     }
+}
+
+void PanelWindow::openCell(int row)
+{
+    cell_->open(row);
+    if (cell_->isOpen()) {
+        enable(IDC_APPLY, true); // it would take what is being typed
+    }
+}
+
+bool PanelWindow::finishCell()
+{
+    if (!cell_->isOpen()) {
+        return true;
+    }
+    const bool finished = cell_->finish();
+    if (finished) {
+        rulesChanged();
+    }
+    return finished;
 }
 
 void PanelWindow::rulesChanged()

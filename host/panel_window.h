@@ -45,6 +45,8 @@ private:
     void reload();
     bool mayClose();
 
+    void openCell(int row);
+    bool finishCell();
     void rulesChanged();
     void selectionChanged();
     void enable(int id, bool enabled);

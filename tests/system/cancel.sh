@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# Cancel in every dialog changes nothing: not the list, not what is stored, not whether there is something to save.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2" One Two Three
+store_rules One 30M 20M Two 50M 40M
+before=$(stored)
+
+step 'show what is stored, and a folder without rules'
+host_start
+add_folder "$tree\\Three"
+rows=$(rules)
+nothing_changed() {
+    wait_window "$panel"
+    wait_saved
+    expect 'the list' "$rows" "$(rules)"
+    expect 'Apply' no "$(peek enabled "$panel" $id_apply)"
+}
+
+step 'cancel adding, by key and by button'
+click "$panel" $id_add
+wait_window "$settings"
+answer "$settings" Escape
+nothing_changed
+click "$panel" $id_add
+wait_window "$settings"
+fill "$settings" $id_hard 77M
+click "$settings" 2
+wait_gone "$settings"
+nothing_changed
+
+step 'cancel adding after limits were refused'
+click "$panel" $id_add
+wait_window "$settings"
+set_limits 1K 1K
+wait_window Information
+answer Information Return
+answer "$settings" Escape
+nothing_changed
+
+step 'cancel adding on several folders'
+click_folder 2
+make_files "$out/tree/Four" 3 4
+add_folder "$tree\\Four"
+click_folder 2
+ctrl_click_folder 3
+click "$panel" $id_add
+wait_window "$settings"
+wait_for "the dialog of the first folder" in_applied_to Three
+press Escape
+wait_for 'the dialog of the next folder' in_applied_to Four
+wait_window "$settings"
+answer "$settings" Escape
+nothing_changed
+
+step 'cancel editing after limits were refused'
+double_click_cell 0 0
+wait_window "$settings"
+set_limits 1K 1K
+wait_window Information
+answer Information Return
+answer "$settings" Escape
+nothing_changed
+
+step 'leave a cell without typing, and after typing'
+double_click_cell 1 2
+wait_shows cell focus "$panel"
+press Return
+wait_shows $id_rules focus "$panel"
+nothing_changed
+press F2
+wait_shows cell focus "$panel"
+type_text 1M
+press Escape
+wait_shows $id_rules focus "$panel"
+nothing_changed
+
+step 'cancel browsing'
+click "$panel" $id_folder_browse
+wait_window 'Browse for Folder'
+answer 'Browse for Folder' Escape
+nothing_changed
+
+step 'close: nothing is asked, nothing is stored'
+host_close
+expect 'the stored rules' "$before" "$(stored)"

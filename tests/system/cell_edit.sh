@@ -1,0 +1,99 @@
+#!/usr/bin/env bash
+# Editing in the cell: what is refused and why, how it ends, and what it sets.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2" One Two
+store_rules One 30M 20M Two 50M 40M
+
+host_start
+one=$(($(rules | cut -f 6 | grep -nxF "$tree\\One" | cut -d : -f 1) - 1))
+two=$((1 - one))
+cell() { rules | sed -n "$(($1 + 1))p" | cut -f $(($2 + 1)); }
+cell_is() { [ "$(cell "$1" "$2")" = "$3" ]; }
+open_cell() {
+    double_click_cell "$1" 2
+    wait_shows cell focus "$panel"
+}
+
+step 'texts that are no limit'
+open_cell "$one"
+while IFS='|' read -r typed because; do
+    press Home shift+End
+    type_text "$typed"
+    press Return
+    wait_window 'Soft Quota Limit'
+    expect 'the message' "$because" "$(peek text 'Soft Quota Limit' $id_message | head -n 1)"
+    answer 'Soft Quota Limit' Return
+    wait_shows cell focus "$panel"
+done <<'TEXTS'
+3G|3G is too large to be typed into the list.
+2048M|2048M is too large to be typed into the list.
+1T|"1T" is not a limit.
+12 M|"12 M" is not a limit.
+-1|"-1" is not a limit.
+much|"much" is not a limit.
+5|5 is too small for a limit.
+TEXTS
+press Escape
+wait_shows $id_rules focus "$panel"
+wait_saved
+
+step 'the largest one, with Tab'
+open_cell "$one"
+type_text 2047M
+press Tab
+wait_shows $id_rules focus "$panel"
+wait_for 'the new soft limit' cell_is "$one" 2 2047M
+wait_for 'the new limit' cell_is "$one" 1 2047M
+wait_for 'the new percentage' cell_is "$one" 4 00%
+wait_unsaved
+
+step 'leave the cell by a click elsewhere: it is taken'
+open_cell "$two"
+type_text 2m
+click "$panel" $id_folder
+wait_for 'the new soft limit' cell_is "$two" 2 2048K
+wait_for 'the new limit' cell_is "$two" 1 2048K
+
+step 'leave it by the Apply button: it is taken and stored'
+open_cell "$two"
+type_text 3M
+click "$panel" $id_apply
+wait_saved
+expect_limits 'One|2146435072|2146435072
+Two|3145728|3145728'
+
+step 'leave it by Apply with a wrong text: explained, nothing stored'
+open_cell "$two"
+type_text 1X
+press ctrl+s
+wait_window 'Soft Quota Limit'
+answer 'Soft Quota Limit' Return
+wait_shows cell focus "$panel"
+press Escape
+wait_saved
+
+step 'Apply can be pressed while a cell is open, though nothing has changed yet'
+expect 'Apply with the cell closed' no "$(peek enabled "$panel" $id_apply)"
+open_cell "$two"
+expect 'Apply with the cell open' yes "$(peek enabled "$panel" $id_apply)"
+press Escape
+wait_shows no enabled "$panel" $id_apply
+open_cell "$two"
+type_text 6M
+click "$panel" $id_apply
+wait_for 'the new soft limit' cell_is "$two" 2 6144K
+wait_saved
+expect_limits 'One|2146435072|2146435072
+Two|6291456|6291456'
+
+step 'a heading takes what was typed before it sorts'
+open_cell "$two"
+type_text 4M
+click_header 1
+wait_column 1 '4096K|2047M'
+wait_unsaved
+press ctrl+s
+wait_saved
+host_close
+expect_limits 'One|2146435072|2146435072
+Two|4194304|4194304'

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Closing with unsaved changes: Cancel goes on, No forgets them, Yes stores them.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2" One
+store_rules One 30M 20M
+
+change() {
+    double_click_cell 0 2
+    wait_shows cell focus "$panel"
+    type_text "$1"
+    press Return
+    wait_unsaved
+}
+
+step 'Cancel'
+host_start
+change 11M
+press alt+F4
+wait_window 'Unsaved Changes'
+answer 'Unsaved Changes' Escape
+wait_window "$panel"
+wait_unsaved
+wait_column 2 11264K
+expect_limits 'One|31457280|20971520'
+
+step 'No'
+press alt+F4
+wait_window 'Unsaved Changes'
+press alt+n
+host_ended
+expect_limits 'One|31457280|20971520'
+
+step 'Yes'
+host_start
+wait_column 2 20480K
+change 12M
+press alt+F4
+wait_window 'Unsaved Changes'
+press alt+y
+host_ended
+expect_limits 'One|12582912|12582912'
+
+step 'a change that was taken back is none'
+host_start
+change 13M
+double_click_cell 0 2
+wait_shows cell focus "$panel"
+type_text 12M
+press Return
+wait_saved
+host_close
+expect_limits 'One|12582912|12582912'

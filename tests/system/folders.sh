@@ -1,0 +1,81 @@
+#!/usr/bin/env bash
+# The folder box: what may be typed, what is refused with which words, and folders removed from view.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2" One Two
+touch "$out/tree/a file"
+store_rules One 30M 20M Two 50M 40M
+
+# refused TYPED TEXT: a message with this text, and the typed path still there to be mended.
+refused() {
+    fill "$panel" $id_folder "$1"
+    press Return
+    wait_window 'Add Folder'
+    expect 'the message' "$2" "$(peek text 'Add Folder' $id_message)"
+    answer 'Add Folder' Return
+    wait_shows $id_folder focus "$panel"
+    expect 'the folder field' "$1" "$(peek text "$panel" $id_folder)"
+    expect 'the folders' "$folders" "$(peek entries "$panel" $id_folders)"
+}
+
+step 'refused paths'
+host_start
+folders=$(peek entries "$panel" $id_folders)
+expect 'the folders at the start' "$tree\\One
+$tree\\Two" "$(sort <<<"$folders")"
+refused "$tree\\None" "There is no folder \"$tree\\None\", or it cannot be reached."
+refused "$tree\\a file" "\"$tree\\a file\" is a file. Quota rules are defined on folders."
+refused 'data' '"data" is not a full path. Start it with a drive or a server:
+C:\Data or \\server\share.'
+refused "${tree//\\//}/ONE/" "The folder \"$tree\\ONE\" is already shown."
+click "$panel" $id_folder
+press Home shift+End Delete
+click "$panel" $id_folder_add
+wait_window 'Add Folder'
+expect 'the message' 'Type the folder'\''s path first, for example C:\Data, or choose it with Browse.' \
+    "$(peek text 'Add Folder' $id_message)"
+answer 'Add Folder' Return
+
+step 'no folder is selected: nothing to add for'
+expect 'the selected folders' '' "$(peek chosen "$panel" $id_folders)"
+expect 'Add' no "$(peek enabled "$panel" $id_add)"
+expect 'Remove' no "$(peek enabled "$panel" $id_folder_remove)"
+wait_shows 'Select the folders that new rules are for.' text "$panel" $id_folder_hint
+
+# number_of NAME: where a folder stands in the box.
+number_of() { echo $(($(peek entries "$panel" $id_folders | grep -nxF "$tree\\$1" | cut -d : -f 1) - 1)); }
+
+step 'remove a folder from view'
+click_folder "$(number_of One)"
+click "$panel" $id_folder_remove
+wait_column 5 "$tree\\Two"
+wait_status '1 rule in 1 folder'
+wait_saved
+
+step 'show it again'
+add_folder "$tree\\one"
+wait_status '2 rules in 2 folders'
+wait_saved
+
+step 'remove a folder with unsaved changes: the question'
+row=$(($(rules | cut -f 6 | grep -nxF "$tree\\Two" | cut -d : -f 1) - 1))
+double_click_cell $row 2
+wait_shows cell focus "$panel"
+type_text 10M
+press Return
+wait_unsaved
+click_folder "$(number_of Two)"
+click "$panel" $id_folder_remove
+wait_window 'Unsaved Changes'
+answer 'Unsaved Changes' alt+n
+wait_unsaved
+wait_status '2 rules in 2 folders'
+click "$panel" $id_folder_remove
+wait_window 'Unsaved Changes'
+answer 'Unsaved Changes' alt+y
+wait_saved
+wait_status '1 rule in 1 folder'
+host_close
+
+step 'what was removed from view is still stored'
+expect_limits 'One|31457280|20971520
+Two|52428800|41943040'

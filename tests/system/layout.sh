@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# The page follows the window: dragged larger, the list grows; dragged small, nothing is cut off.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2" One
+
+# drag_corner DX DY: drags the window's lower right corner.
+drag_corner() {
+    local area
+    read -r -a area <<<"$(peek extent)"
+    xdotool mousemove $((area[0] + area[2] - 2)) $((area[1] + area[3] - 2)) mousedown 1 \
+        mousemove_relative -- "$1" "$2" mouseup 1
+}
+extent_is() { [ "$(peek extent | cut -d ' ' -f 3-)" = "$1" ]; }
+# place ID: the middle of a control, counted from the window's lower right corner.
+place() {
+    local area middle
+    read -r -a area <<<"$(peek extent)"
+    read -r -a middle <<<"$(peek point "$panel" "$1")"
+    echo "$((area[0] + area[2] - middle[0])) $((area[1] + area[3] - middle[1]))"
+}
+
+host_start
+read -r -a before <<<"$(peek extent)"
+apply=$(place $id_apply)
+browse=$(peek point "$panel" $id_folder_browse)
+
+step 'larger'
+drag_corner 120 90
+wait_for 'the larger window' extent_is "$((before[2] + 120)) $((before[3] + 90))"
+expect 'the place of Apply at the lower right' "$apply" "$(place $id_apply)"
+read -r x y <<<"$browse"
+expect 'the place of Browse' "$((x + 120)) $y" "$(peek point "$panel" $id_folder_browse)"
+shot larger
+
+step 'as small as can be'
+drag_corner -900 -700
+smaller() { read -r _ _ w h <<<"$(peek extent)" && [ "$w" -lt "${before[2]}" ] && [ "$h" -lt "${before[3]}" ]; }
+wait_for 'the smaller window' smaller
+shot smallest
+expect 'the place of Apply at the lower right' "$apply" "$(place $id_apply)"
+# The buttons of the two groups do not meet, and there is room for rows.
+read -r drop _ <<<"$(peek point "$panel" $id_drop)"
+read -r reload _ <<<"$(peek point "$panel" $id_reload)"
+[ $((reload - drop)) -ge 60 ] || fail "Drop and Reload stand $((reload - drop)) apart"
+add_folder "$tree\\One"
+add_rule 30M 20M
+click_cell 0 0
+wait_shows 0 chosen "$panel" $id_rules
+press ctrl+s
+wait_saved
+host_close

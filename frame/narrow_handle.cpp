@@ -1,45 +1,13 @@
 #include "frame/narrow_handle.h"
 
-#include <memory>
+#include "frame/low_memory.h"
+
 #include <unordered_map>
 #include <vector>
 
 namespace {
 
-constexpr UINT_PTR kFourGiB = UINT_PTR{1} << 32;
 constexpr std::size_t kBlockSize = 1u << 20; // stand-ins per reserved block; nothing is ever committed in it
-
-struct AddressSpaceRelease {
-    void operator()(void* block) const { VirtualFree(block, 0, MEM_RELEASE); }
-};
-using ReservedBlock = std::unique_ptr<void, AddressSpaceRelease>;
-
-// Reserves a block below 4 GiB, as high as possible: low addresses are scarce for those who need them.
-ReservedBlock reserveBlock()
-{
-    constexpr UINT_PTR kGranularity = 0x10000;
-    UINT_PTR top = kFourGiB;
-    while (top > kBlockSize + kGranularity) {
-        MEMORY_BASIC_INFORMATION region{};
-        const auto* probe = reinterpret_cast<const void*>(top - 1);
-        if (VirtualQuery(probe, &region, sizeof region) == 0) {
-            return nullptr;
-        }
-        const auto start = reinterpret_cast<UINT_PTR>(region.BaseAddress);
-        if (region.State == MEM_FREE && top - start >= kBlockSize) {
-            const UINT_PTR wanted = (top - kBlockSize) & ~(kGranularity - 1);
-            if (wanted >= start) {
-                if (void* block =
-                        VirtualAlloc(reinterpret_cast<void*>(wanted), kBlockSize, MEM_RESERVE, PAGE_NOACCESS))
-                {
-                    return ReservedBlock(block);
-                }
-            }
-        }
-        top = start;
-    }
-    return nullptr;
-}
 
 class StandIns {
 public:
@@ -69,14 +37,14 @@ public:
 
 private:
     struct Block {
-        ReservedBlock space;
+        LowBlock space;
         std::vector<const void*> objects;
     };
 
     std::uint32_t next(const void* object)
     {
         if (m_blocks.empty() || m_blocks.back().objects.size() == kBlockSize) {
-            ReservedBlock space = reserveBlock();
+            LowBlock space = reserveBelowFourGiB(kBlockSize);
             if (!space) {
                 return 0;
             }
@@ -102,8 +70,9 @@ StandIns& standIns()
 
 NarrowHandle NarrowHandle::of(const void* object)
 {
-    const auto address = reinterpret_cast<UINT_PTR>(object);
-    return NarrowHandle(address < kFourGiB ? static_cast<std::uint32_t>(address) : standIns().of(object));
+    return NarrowHandle(isBelowFourGiB(object)
+                            ? static_cast<std::uint32_t>(reinterpret_cast<UINT_PTR>(object))
+                            : standIns().of(object));
 }
 
 void* NarrowHandle::object() const

@@ -1,32 +1,9 @@
 #include "frame/size_text.h"
 
+#include "frame/number_text.h"
 #include "frame/scan_number.h"
 
 #include <cstddef>
-
-namespace {
-
-// Appends a number's decimal digits. @return one past the last.
-wchar_t* writeNumber(wchar_t* to, std::int64_t value)
-{
-    auto magnitude = static_cast<std::uint64_t>(value);
-    if (value < 0) {
-        *to++ = L'-';
-        magnitude = 0 - magnitude;
-    }
-    wchar_t reversed[20];
-    int digits = 0;
-    do {
-        reversed[digits++] = static_cast<wchar_t>(L'0' + magnitude % 10);
-        magnitude /= 10;
-    } while (magnitude != 0);
-    while (digits > 0) {
-        *to++ = reversed[--digits];
-    }
-    return to;
-}
-
-} // namespace
 
 void formatSize(wchar_t (&buffer)[kSizeTextCapacity], std::int64_t value)
 {

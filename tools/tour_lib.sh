@@ -8,7 +8,7 @@
 
 set -u -o pipefail
 
-patience=6
+patience=30
 panel='Quota Control Panel'    # how the host's title begins
 
 # Control ids of the host and of the Quota Settings dialog.

@@ -2,13 +2,15 @@
 
 namespace host {
 
-const wchar_t* const kUsage =
-    L"corvane_host [--data FOLDER] [--folder PATH]... [--dump]\n"
-    L"\n"
-    L"--data FOLDER   keep the quota store's files in this folder\n"
-    L"--folder PATH   show this folder too; may be given more than once\n"
-    L"--dump          print the stored rules of the folders given with --folder, or of\n"
-    L"                all known folders, and end";
+const wchar_t* const kUsage = L"corvane_host [options]\n"
+                              L"\n"
+                              L"--data FOLDER\n"
+                              L"    where the quota store keeps its files\n"
+                              L"--folder PATH\n"
+                              L"    show this folder too; may be repeated\n"
+                              L"--dump\n"
+                              L"    print the stored rules of these folders,\n"
+                              L"    or else of all known ones, and end";
 
 CommandLine readCommandLine(const std::vector<std::wstring>& arguments)
 {

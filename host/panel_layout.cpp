@@ -67,7 +67,7 @@ public:
     void put(int id, int left, int top, int width, int height)
     {
         batch_ = DeferWindowPos(batch_, GetDlgItem(panel_, id), nullptr, left, top, width, height,
-                                SWP_NOZORDER | SWP_NOACTIVATE);
+                                SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     }
 
 private:

@@ -56,7 +56,9 @@ bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& fold
     }
     showFolders(known);
     for (const std::wstring& folder : folders) {
-        addTypedFolder(folder);
+        if (!folders_->has(folder)) { // asked for again at every start, it is known to the store by and by
+            addTypedFolder(folder);
+        }
     }
     return true;
 }

@@ -2,41 +2,98 @@
 
 #include <commctrl.h>
 
-#include <iterator>
+#include <algorithm>
 
 namespace host {
 namespace {
 
 // The parts, from left to right.
-constexpr int kRules = 0;
-constexpr int kModified = 1;
-constexpr int kError = 2;
-constexpr int kDataFolder = 3;
-constexpr int kParts = 4;
+constexpr size_t kRules = 0;
+constexpr size_t kModified = 1;
+constexpr size_t kError = 2;
+constexpr size_t kDataFolder = 3;
+
+constexpr int kTextMargin = 6; // pixels on both sides of a text
 
 std::wstring counted(size_t number, const wchar_t* one, const wchar_t* many)
 {
     return std::to_wstring(number) + L" " + (number == 1 ? one : many);
 }
 
+/// The bar's own device context with its font.
+class BarPen {
+public:
+    explicit BarPen(HWND bar)
+        : bar_(bar)
+        , dc_(GetDC(bar))
+        , before_(SelectObject(dc_, reinterpret_cast<HFONT>(SendMessageW(bar, WM_GETFONT, 0, 0))))
+    {
+    }
+    ~BarPen()
+    {
+        SelectObject(dc_, before_);
+        ReleaseDC(bar_, dc_);
+    }
+    BarPen(const BarPen&) = delete;
+    BarPen& operator=(const BarPen&) = delete;
+
+    int widthOf(const std::wstring& text) const
+    {
+        SIZE size{};
+        GetTextExtentPoint32W(dc_, text.c_str(), static_cast<int>(text.size()), &size);
+        return size.cx + 2 * kTextMargin;
+    }
+
+    /// The text as it fits: a path loses its middle, any other text its end.
+    std::wstring fitted(const std::wstring& text, int width, UINT how) const
+    {
+        constexpr size_t kRoomForDots = 4;
+        std::wstring shown = text;
+        shown.resize(text.size() + kRoomForDots);
+        RECT area{0, 0, width - 2 * kTextMargin, 0};
+        DrawTextW(dc_, shown.data(), static_cast<int>(text.size()), &area,
+                  DT_CALCRECT | DT_MODIFYSTRING | DT_SINGLELINE | DT_NOPREFIX | how);
+        return shown.c_str();
+    }
+
+private:
+    HWND bar_;
+    HDC dc_;
+    HGDIOBJ before_;
+};
+
 } // namespace
 
 void StatusLine::resize()
 {
+    const BarPen pen(bar_);
     RECT area{};
     GetClientRect(bar_, &area);
-    constexpr int kHundredths[kParts - 1] = {20, 38, 62};
-    int edges[kParts]{};
-    for (int part = 0; part < kParts - 1; ++part) {
-        edges[part] = MulDiv(area.right, kHundredths[part], 100);
+    const int grip = GetSystemMetrics(SM_CXVSCROLL);
+
+    // The short texts get what they need, error and folder share the rest; without an error the folder gets more.
+    const int rules = pen.widthOf(texts_[kRules]);
+    const int modified = pen.widthOf(texts_[kModified]);
+    const int rest = std::max<int>(area.right - rules - modified - grip, 0);
+    const int error = std::min(pen.widthOf(texts_[kError]), rest * 3 / 5);
+    const int folder = rest - error;
+
+    const std::array<int, kParts> edges{rules, rules + modified, rules + modified + error, -1};
+    SendMessageW(bar_, SB_SETPARTS, kParts, reinterpret_cast<LPARAM>(edges.data()));
+    const std::array<std::wstring, kParts> shown{texts_[kRules], texts_[kModified],
+                                                 pen.fitted(texts_[kError], error, DT_END_ELLIPSIS),
+                                                 pen.fitted(texts_[kDataFolder], folder, DT_PATH_ELLIPSIS)};
+    for (size_t part = 0; part < kParts; ++part) {
+        SendMessageW(bar_, SB_SETTEXTW, part, reinterpret_cast<LPARAM>(shown[part].c_str()));
     }
-    edges[kDataFolder] = -1;
-    SendMessageW(bar_, SB_SETPARTS, kParts, reinterpret_cast<LPARAM>(edges));
 }
 
-void StatusLine::show(int part, const std::wstring& text)
+void StatusLine::show(size_t part, const std::wstring& text)
 {
-    SendMessageW(bar_, SB_SETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(text.c_str()));
+    if (texts_[part] != text) {
+        texts_[part] = text;
+        resize();
+    }
 }
 
 void StatusLine::showRules(int rules, size_t folders)

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <array>
 #include <string>
 
 namespace host {
@@ -26,9 +27,12 @@ public:
     void showDataFolder(const std::wstring& folder);
 
 private:
-    void show(int part, const std::wstring& text);
+    static constexpr int kParts = 4;
+
+    void show(size_t part, const std::wstring& text);
 
     HWND bar_;
+    std::array<std::wstring, kParts> texts_; // whole; the bar may show them shortened
 };
 
 } // namespace host

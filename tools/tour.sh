@@ -24,10 +24,10 @@ size() { [ "$1" -gt 1048576 ] && echo "$(($1 / 1024))K" || echo "$1 "; }
 echo "Playing the tour"
 step 'start on an empty data folder'
 host_start
+click "$panel" $id_folder
 shot empty-page
 
 step 'type a folder that does not exist'
-click "$panel" $id_folder
 type_text "$tree\\Nowhere"
 press Return
 wait_window 'Add Folder'
@@ -185,10 +185,11 @@ host_start
 wait_status '3 rules in 3 folders'
 wait_status 'All changes stored'
 expect 'the rules after the restart' "$shown" "$(rules | sort)"
+click_cell 0 0
+wait_shows 0 chosen "$panel" $id_rules
 shot after-restart
 
 step 'drop a rule and close: the question; reload gets it back'
-click_cell 0 0
 press Delete
 wait_unsaved
 press alt+F4

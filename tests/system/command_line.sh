@@ -55,6 +55,11 @@ press ctrl+s
 wait_saved
 host_close
 
+step 'a folder from the command line that the store knows already'
+host_start --folder "$tree\\one"
+wait_status '2 rules in 2 folders'
+host_close
+
 step 'the dump of all folders and of one'
 expect_limits 'One|52428800|41943040
 Two|31457280|20971520'

@@ -5,6 +5,8 @@ story_begin "$1" "$2" One
 store_rules One 30M 20M
 stored_before=$(stored)
 
+error_is_shown() { grep -q '^Store: ' <<<"$(peek parts "$panel" $id_status)"; }
+
 # A folder that may not be written to. For a user whom no permission holds back, a file in the folder's place.
 block() {
     chmod -R a-w "$data"
@@ -44,7 +46,7 @@ shot message-not-stored
 answer 'Quota Store' Return
 wait_unsaved
 wait_status 'Unsaved changes'
-wait_status "Store: $(sed -n 3p <<<"$message")"
+wait_for 'the error in the status line' error_is_shown
 wait_column 2 10240K
 expect 'Apply' yes "$(peek enabled "$panel" $id_apply)"
 

@@ -1,0 +1,137 @@
+#include "tests/support/dialog_script.h"
+
+#include "tests/support/window_text.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+namespace {
+
+constexpr UINT kTickMilliseconds = 10;
+// A step that is not done by then never will be; long enough for a machine that does much else.
+constexpr ULONGLONG kPatienceMilliseconds = 15000;
+
+DialogScript* running = nullptr;
+
+BOOL CALLBACK collectDialog(HWND window, LPARAM dialogs)
+{
+    if (IsWindowVisible(window) && className(window) == "#32770") {
+        reinterpret_cast<std::vector<HWND>*>(dialogs)->push_back(window);
+    }
+    return TRUE;
+}
+
+HWND frontDialog()
+{
+    for (const HWND dialog : DialogScript::dialogs()) {
+        if (IsWindowEnabled(dialog)) {
+            return dialog;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::vector<HWND> DialogScript::dialogs()
+{
+    std::vector<HWND> found;
+    EnumThreadWindows(GetCurrentThreadId(), collectDialog, reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+DialogScript& DialogScript::step(std::string what, Try tryIt)
+{
+    steps_.push_back({std::move(what), std::move(tryIt)});
+    return *this;
+}
+
+DialogScript& DialogScript::onDialog(std::string what, Act act)
+{
+    return step(std::move(what), [act = std::move(act)](HWND front) {
+        if (isMessageBox(front)) {
+            return false;
+        }
+        act(front);
+        return true;
+    });
+}
+
+DialogScript& DialogScript::answerBox(std::string text, std::string caption)
+{
+    std::string what = "box \"" + text + "\"";
+    return step(std::move(what), [this, text = std::move(text), caption = std::move(caption)](HWND front) {
+        if (!isMessageBox(front)) {
+            return false;
+        }
+        const MessageBoxLook look = lookAt(front);
+        EXPECT_EQ(look.text, text);
+        EXPECT_EQ(look.caption, caption);
+        EXPECT_EQ(look.buttons, 1);
+        EXPECT_FALSE(look.icon);
+        boxOwner_ = look.owner;
+        ::answerBox(front);
+        return true;
+    });
+}
+
+void DialogScript::tick()
+{
+    if (gaveUp_ || GetTickCount64() > deadline_) {
+        giveUp();
+        return;
+    }
+    const HWND front = frontDialog();
+    if (front == nullptr || next_ == steps_.size()) {
+        return;
+    }
+    // Counted before it runs: a step that opens a dialog goes on only when that is closed, by later steps.
+    const size_t index = next_++;
+    if (!steps_[index].tryIt(front) && next_ == index + 1) {
+        next_ = index;
+    }
+}
+
+void DialogScript::giveUp()
+{
+    if (!gaveUp_) {
+        gaveUp_ = true;
+        std::string open;
+        for (const HWND dialog : dialogs()) {
+            open += " \"" + windowText(dialog) + "\"";
+        }
+        ADD_FAILURE() << (next_ < steps_.size() ? "stuck at the step: " + steps_[next_].what
+                                                : std::string("no step closes the dialog"))
+                      << "; open:" << open;
+    }
+    for (const HWND dialog : dialogs()) {
+        EndDialog(dialog, IDCANCEL);
+    }
+}
+
+DialogScript::Running::Running(DialogScript& script)
+    : timer_(SetTimer(nullptr, 0, kTickMilliseconds, onTimer))
+    , script_(script)
+    , outer_(std::exchange(running, &script))
+{
+    script_.deadline_ = GetTickCount64() + kPatienceMilliseconds;
+}
+
+DialogScript::Running::~Running()
+{
+    KillTimer(nullptr, timer_);
+    running = outer_;
+    if (!script_.gaveUp_) {
+        EXPECT_EQ(script_.next_, script_.steps_.size())
+            << "all dialogs were closed before the step: " << script_.steps_[script_.next_].what;
+    }
+}
+
+void CALLBACK DialogScript::Running::onTimer(HWND /*window*/, UINT /*message*/, UINT_PTR /*id*/,
+                                             DWORD /*time*/)
+{
+    if (running != nullptr) {
+        running->tick();
+    }
+}

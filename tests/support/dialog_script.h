@@ -1,0 +1,76 @@
+// Works a modal dialog from inside, step by step, as a person would.
+#pragma once
+
+#include "tests/support/message_box_look.h"
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+/// Steps that run in the modal loops of this thread: those of dialogs, of message boxes and of the system's own
+/// dialogs.
+///
+/// A step sees the dialog in front, and runs when the thread's message queue is empty. When it gives false, it
+/// is tried again. What is still to be done at the deadline fails the test by its name, and then all dialogs are
+/// ended, so that the test comes to its end. So does a dialog that the last step leaves open.
+class DialogScript {
+public:
+    using Try = std::function<bool(HWND front)>;
+    using Act = std::function<void(HWND front)>;
+
+    /// Tried until it gives true.
+    DialogScript& step(std::string what, Try tryIt);
+
+    /// Done once, on the first dialog in front that is not a message box.
+    DialogScript& onDialog(std::string what, Act act);
+
+    /// Waits for a message box, compares it, and presses its button. The box must have the one button and no
+    /// icon.
+    DialogScript& answerBox(std::string text, std::string caption);
+
+    /// Owner of the last box that answerBox saw.
+    HWND boxOwner() const { return boxOwner_; }
+
+    /// Makes the call that opens the dialog.
+    /// @return its result.
+    template <class Call>
+    auto run(Call&& call)
+    {
+        const Running running(*this);
+        return call();
+    }
+
+    /// All dialogs of this thread that can be seen, those in front first.
+    static std::vector<HWND> dialogs();
+
+private:
+    struct Step {
+        std::string what;
+        Try tryIt;
+    };
+
+    class Running {
+    public:
+        explicit Running(DialogScript& script);
+        ~Running();
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+
+    private:
+        static void CALLBACK onTimer(HWND window, UINT message, UINT_PTR id, DWORD time);
+        UINT_PTR timer_;
+        DialogScript& script_;
+        DialogScript* outer_;
+    };
+
+    void tick();
+    void giveUp();
+
+    std::vector<Step> steps_;
+    size_t next_ = 0;
+    ULONGLONG deadline_ = 0;
+    bool gaveUp_ = false;
+    HWND boxOwner_ = nullptr;
+};

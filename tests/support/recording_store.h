@@ -1,0 +1,87 @@
+// A quota store that writes down what is asked of it, and answers as the test says.
+#pragma once
+
+#include "corvane_types.h"
+#include "tests/support/store_functions.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What a store call can be made to raise.
+enum class Fault { None, AccessViolation, DivideByZero, CppException, ForeignException };
+
+/// All kinds but None, for tests that go through them.
+inline constexpr Fault kEveryFault[] = {Fault::AccessViolation, Fault::DivideByZero, Fault::CppException,
+                                        Fault::ForeignException};
+
+/// Shown by the names of tests that go through the kinds.
+const char* faultName(Fault fault);
+
+/// The answer to each function, if it is not the usual one.
+struct StoreAnswers {
+#define STORE_ANSWER(result, name, parameters, arguments) std::function<result parameters> name;
+    STORE_FUNCTIONS(STORE_ANSWER)
+#undef STORE_ANSWER
+};
+
+/// The store that corvane.dll calls while this object lives; there is one at a time.
+///
+/// The usual answers: folders have no rules and no size; SIDs and the lists of SIDs and paths are real ones; the
+/// accounts that the test made known have names, and all others have none; groups have no members.
+class RecordingStore {
+public:
+    RecordingStore();
+    ~RecordingStore();
+    RecordingStore(const RecordingStore&) = delete;
+    RecordingStore& operator=(const RecordingStore&) = delete;
+
+    /// Other answers: `store.answer.getRealSize = [](const wchar_t*) { return 42; };`
+    StoreAnswers answer;
+
+    /// Makes an account known.
+    /// @return its SID, which is the store's.
+    void* account(std::string_view name);
+
+    /// A SID that no account has.
+    void* unknownAccount();
+
+    /// A new rule on the heap, as the store hands them out: path and SID are copies of its own.
+    static QuotaRule* makeRule(const wchar_t* path, const void* sid, int64_t hardLimit, int64_t softLimit,
+                               int64_t inUse);
+
+    /// Lets getQuotaList give a rule for its folder, in the order in which rules are put in. Each call gives
+    /// fresh records.
+    void put(const wchar_t* path, const void* sid, int64_t hardLimit, int64_t softLimit, int64_t inUse);
+
+    /// A list of SIDs for an answer: copies of the given ones, for freeSidList to release.
+    static SidList* makeSidList(const std::vector<const void*>& sids);
+
+    /// Plans a fault for the nth call of a function, counted from here on. A fault that is not raised before
+    /// the store's end fails the test.
+    void raise(std::string_view function, Fault fault, int nth = 1);
+
+    /// The calls so far, each as "name argument argument". Debug lines stand among them as "ODS text".
+    std::vector<std::string> calls() const;
+
+    /// The calls since the last time, leaving the record empty.
+    std::vector<std::string> takeCalls();
+
+    /// The debug lines alone.
+    std::vector<std::string> lines() const;
+
+    /// Lists of SIDs, and of paths, that were made and not yet released.
+    int openSidLists() const;
+    int openPathLists() const;
+
+    /// The name that the test gave to a SID or to the account that it is a copy of; empty when there is none.
+    static std::string nameOf(const void* sid);
+
+    struct State;
+
+private:
+    void answerAsUsual();
+    std::unique_ptr<State> state_;
+};

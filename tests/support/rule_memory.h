@@ -1,0 +1,17 @@
+// Rule records at chosen addresses.
+#pragma once
+
+#include "corvane_types.h"
+
+/// Records that a host might have anywhere; they last until the program ends.
+namespace rule_memory {
+
+/// A zeroed record above 4 GiB, its low half unlike that of the others.
+QuotaRule* above4GiB();
+
+/// A zeroed record below 4 GiB.
+QuotaRule* below4GiB();
+
+bool isAbove4GiB(const void* address);
+
+} // namespace rule_memory

@@ -1,0 +1,22 @@
+// Reading and working windows the way a person does.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+std::string windowText(HWND window);
+std::string controlText(HWND dialog, int id);
+std::string className(HWND window);
+
+bool isEnabled(HWND dialog, int id);
+bool isChecked(HWND dialog, int id);
+
+/// Replaces the text of a field.
+void type(HWND dialog, int id, const wchar_t* text);
+
+/// Clicks a button and waits until the click has been dealt with, with a dialog that it opens as well.
+void click(HWND dialog, int id);
+
+/// Clicks a button that ends a dialog or opens another one.
+void clickLater(HWND dialog, int id);

@@ -232,6 +232,16 @@ CORVANE_API void showAboutDialog(HWND owner);
  * @param owner  owner window for the shell's messages, may be null.
  */
 CORVANE_API void showHelp(HWND owner);
+/* ---- accounts ------------------------------------------------------------------------------------------- */
+
+/** Whether the calling thread's user has the rights of the local Administrators group, so that a host can offer
+ * or withhold the editing of rules. A member whose group is disabled in the token, as in a session that is not
+ * elevated, has not. Shows nothing; what went wrong goes to the store's debug channel.
+ * The thread impersonates itself during the check and is reverted to the process's identity after it; after a
+ * check that failed it stays impersonating itself.
+ * @return non-zero when it has; 0 when it has not, and for every failure.
+ */
+CORVANE_API int isAdmin(void);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -116,7 +116,9 @@ Fill::~Fill()
 void Fill::run()
 {
     m_sink.insert(0, m_context.groupImage, L"Please wait until data fetched...", L"", L"", nullptr);
-    m_sink.insert(1, m_context.groupImage, L"Anyone", L"Anyone", L"System", reinterpret_cast<void*>(1));
+    if (m_sink.alive()) {
+        m_sink.insert(1, m_context.groupImage, L"Anyone", L"Anyone", L"System", reinterpret_cast<void*>(1));
+    }
     m_nextRow = 2;
     m_context.counters[0] = 0;
     m_context.counters[1] = 0;

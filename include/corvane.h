@@ -232,6 +232,7 @@ CORVANE_API void showAboutDialog(HWND owner);
  * @param owner  owner window for the shell's messages, may be null.
  */
 CORVANE_API void showHelp(HWND owner);
+
 /* ---- accounts ------------------------------------------------------------------------------------------- */
 
 /** Whether the calling thread's user has the rights of the local Administrators group, so that a host can offer

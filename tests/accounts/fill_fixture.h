@@ -1,0 +1,59 @@
+// A fill over the small world of the tests: two domain servers, this machine, a directory.
+#pragma once
+
+#include "account_store.h"
+#include "accounts/account_sink.h"
+#include "directory.h"
+#include "import_patch.h"
+#include "journal.h"
+#include "list_sink.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+
+/// Settings of the registry that only this process sees.
+class OwnRegistry {
+public:
+    OwnRegistry();
+    ~OwnRegistry();
+    OwnRegistry(const OwnRegistry&) = delete;
+    OwnRegistry& operator=(const OwnRegistry&) = delete;
+
+    /// Sets the value "NoLDAP".
+    void set(const std::wstring& value);
+
+private:
+    std::wstring m_path;
+    HKEY m_root = nullptr;
+};
+
+class FillTest : public testing::Test {
+protected:
+    static constexpr int kUser = 7;
+    static constexpr int kGroup = 5;
+
+    FillTest();
+    ~FillTest() override;
+
+    /// Runs fillTree with a new list and a new journal.
+    /// @return false when it threw.
+    bool fill();
+
+    /// Everything handed out has come back, but for the SIDs in the rows.
+    void expectNothingHeld() const;
+
+    /// Rows as "account|full name|type|number of the SID".
+    std::vector<std::string> rows() const;
+
+    static void resetJournal() { journal = {}; }
+
+    std::unique_ptr<ListSink> m_sink;
+    FillContext m_context;
+    std::optional<DirectoryPatch> m_directory{std::in_place};
+    OwnRegistry m_registry;
+
+private:
+    ImportPatch m_network;
+};

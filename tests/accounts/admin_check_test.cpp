@@ -1,5 +1,5 @@
 #include "corvane.h"
-#include "import_patch.h"
+#include "imports.h"
 #include "journal.h"
 
 #include <gmock/gmock.h>
@@ -207,24 +207,22 @@ protected:
         blocks = 0;
         sids = 0;
         seen = {};
-        const char* const security = "advapi32.dll";
-        realImpersonateSelf = m_imports.replace(security, "ImpersonateSelf", impersonateSelf);
-        realOpenThreadToken = m_imports.replace(security, "OpenThreadToken", openThreadToken);
-        realOpenProcessToken = m_imports.replace(security, "OpenProcessToken", openProcessToken);
-        realAllocateSid = m_imports.replace(security, "AllocateAndInitializeSid", allocateSid);
-        realFreeSid = m_imports.replace(security, "FreeSid", freeSid);
-        realLocalAlloc = m_imports.replace("kernel32.dll", "LocalAlloc", localAlloc);
-        realLocalFree = m_imports.replace("kernel32.dll", "LocalFree", localFree);
-        realInitializeDescriptor =
-            m_imports.replace(security, "InitializeSecurityDescriptor", initializeDescriptor);
-        realInitializeAcl = m_imports.replace(security, "InitializeAcl", initializeAcl);
-        realAddAce = m_imports.replace(security, "AddAccessAllowedAce", addAce);
-        realSetDacl = m_imports.replace(security, "SetSecurityDescriptorDacl", setDacl);
-        realSetGroup = m_imports.replace(security, "SetSecurityDescriptorGroup", setGroup);
-        realSetOwner = m_imports.replace(security, "SetSecurityDescriptorOwner", setOwner);
-        realIsValid = m_imports.replace(security, "IsValidSecurityDescriptor", isValid);
-        realAccessCheck = m_imports.replace(security, "AccessCheck", accessCheck);
-        realRevert = m_imports.replace(security, "RevertToSelf", revert);
+        realImpersonateSelf = m_imports.replace("ImpersonateSelf", impersonateSelf);
+        realOpenThreadToken = m_imports.replace("OpenThreadToken", openThreadToken);
+        realOpenProcessToken = m_imports.replace("OpenProcessToken", openProcessToken);
+        realAllocateSid = m_imports.replace("AllocateAndInitializeSid", allocateSid);
+        realFreeSid = m_imports.replace("FreeSid", freeSid);
+        realLocalAlloc = m_imports.replace("LocalAlloc", localAlloc);
+        realLocalFree = m_imports.replace("LocalFree", localFree);
+        realInitializeDescriptor = m_imports.replace("InitializeSecurityDescriptor", initializeDescriptor);
+        realInitializeAcl = m_imports.replace("InitializeAcl", initializeAcl);
+        realAddAce = m_imports.replace("AddAccessAllowedAce", addAce);
+        realSetDacl = m_imports.replace("SetSecurityDescriptorDacl", setDacl);
+        realSetGroup = m_imports.replace("SetSecurityDescriptorGroup", setGroup);
+        realSetOwner = m_imports.replace("SetSecurityDescriptorOwner", setOwner);
+        realIsValid = m_imports.replace("IsValidSecurityDescriptor", isValid);
+        realAccessCheck = m_imports.replace("AccessCheck", accessCheck);
+        realRevert = m_imports.replace("RevertToSelf", revert);
     }
     ~AdminCheckTest() override
     {
@@ -239,7 +237,7 @@ protected:
     }
 
 private:
-    ImportPatch m_imports;
+    Imports m_imports;
 };
 
 TEST_F(AdminCheckTest, AnAdministratorHasTheRights)

@@ -372,17 +372,20 @@ void countedFree(void* block)
 DirectoryPatch::DirectoryPatch()
 {
     directory = {};
-    m_imports.replace("activeds.dll", "ADsGetObject", getObject);
-    m_imports.replace("activeds.dll", "ADsBuildVarArrayStr", buildVarArrayStr);
-    m_imports.replace("activeds.dll", "ADsBuildEnumerator", buildEnumerator);
-    m_imports.replace("activeds.dll", "ADsEnumerateNext", enumerateNext);
-    m_imports.replace("activeds.dll", "ADsFreeEnumerator", freeEnumerator);
-    m_imports.replace("ole32.dll", "CoInitialize", initializeCom);
-    realAllocString = m_imports.replace("oleaut32.dll", "SysAllocString", countedAllocString);
-    realFreeString = m_imports.replace("oleaut32.dll", "SysFreeString", countedFreeString);
-    realCreateArray = m_imports.replace("oleaut32.dll", "SafeArrayCreate", countedCreateArray);
-    realVariantClear = m_imports.replace("oleaut32.dll", "VariantClear", countedVariantClear);
-    realFree = m_imports.replace("msvcrt.dll", "free", countedFree);
+    m_imports.replace("ADsGetObject", getObject);
+    m_imports.replace("ADsBuildVarArrayStr", buildVarArrayStr);
+    m_imports.replace("ADsBuildEnumerator", buildEnumerator);
+    m_imports.replace("ADsEnumerateNext", enumerateNext);
+    m_imports.replace("ADsFreeEnumerator", freeEnumerator);
+    m_imports.replace("CoInitialize", initializeCom);
+    realAllocString = m_imports.replace("SysAllocString", countedAllocString);
+    realFreeString = m_imports.replace("SysFreeString", countedFreeString);
+    realCreateArray = m_imports.replace("SafeArrayCreate", countedCreateArray);
+    realVariantClear = m_imports.replace("VariantClear", countedVariantClear);
+    // Known before it is replaced: the replacing itself frees.
+    realFree = reinterpret_cast<decltype(free)*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "free")));
+    m_imports.replace("free", countedFree);
 }
 
 DirectoryPatch::~DirectoryPatch() = default;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "frame/platform.h"
-#include "import_patch.h"
+#include "imports.h"
 
 #include <map>
 #include <optional>
@@ -48,5 +48,5 @@ public:
     DirectoryPatch& operator=(const DirectoryPatch&) = delete;
 
 private:
-    ImportPatch m_imports;
+    Imports m_imports;
 };

@@ -58,8 +58,8 @@ FillTest::FillTest()
     store.secondServers = {{L"S1", L"S2"}};
     directory.objects = {{.name = L"dora", .className = L"User", .sid = 31},
                          {.name = L"team", .className = L"Group", .listedAs = L"Group", .sid = 41}};
-    m_network.replace("netapi32.dll", "NetUseAdd", useAdd);
-    m_network.replace("netapi32.dll", "NetUseDel", useDel);
+    m_network.replace("NetUseAdd", useAdd);
+    m_network.replace("NetUseDel", useDel);
     lastDomainServer[0] = L'\0';
     lastDomainServer2[0] = L'\0';
 }

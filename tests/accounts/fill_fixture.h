@@ -4,7 +4,7 @@
 #include "account_store.h"
 #include "accounts/account_sink.h"
 #include "directory.h"
-#include "import_patch.h"
+#include "imports.h"
 #include "journal.h"
 #include "list_sink.h"
 
@@ -55,5 +55,5 @@ protected:
     OwnRegistry m_registry;
 
 private:
-    ImportPatch m_network;
+    Imports m_network;
 };

@@ -1,6 +1,6 @@
 #include "accounts/null_session.h"
 
-#include "import_patch.h"
+#include "imports.h"
 #include "journal.h"
 
 #include <gtest/gtest.h>
@@ -57,13 +57,13 @@ protected:
         added.reset();
         deleted.reset();
         status = 0;
-        m_imports.replace("netapi32.dll", "NetUseAdd", useAdd);
-        m_imports.replace("netapi32.dll", "NetUseDel", useDel);
+        m_imports.replace("NetUseAdd", useAdd);
+        m_imports.replace("NetUseDel", useDel);
         SetLastError(4711);
     }
 
 private:
-    ImportPatch m_imports;
+    Imports m_imports;
 };
 
 TEST_F(NullSession, ConnectsAsNobody)

@@ -69,7 +69,7 @@ public:
         , m_context(context)
         , m_walk(walk)
     {
-        walk.m_presetOwners.emplace(context != nullptr ? context->presetOwners : nullptr);
+        walk.m_presetOwners = PresetOwners(context != nullptr ? context->presetOwners : nullptr);
     }
 
     SidList* run();
@@ -235,7 +235,7 @@ void* Walker::readSid()
 
 void Walker::insertRow(const wchar_t* name, const wchar_t* className, void* sid)
 {
-    if (m_walk.m_presetOwners->excludes(sid)) {
+    if (m_walk.m_presetOwners.excludes(sid)) {
         return;
     }
     wchar_t host[kTextLimit + 1];

@@ -7,13 +7,13 @@
 
 #include <iads.h>
 
-#include <optional>
+#include <cstdint>
 #include <vector>
 
 struct FillContext;
 
 /// The objects that a walk lists, by their class.
-enum class DirectoryKind : int {
+enum class DirectoryKind : std::uint8_t {
     kUsersAndGroups = 0,
     kUsers = 1,
     kGroups = 2,
@@ -48,7 +48,7 @@ private:
 
     void freeList();
 
-    std::optional<PresetOwners> m_presetOwners;
+    PresetOwners m_presetOwners{nullptr};
     SidList* m_list =
         nullptr; // null while the store has it in hand: after a fault there it is not to be trusted
     ComPtr<IADsContainer> m_container;

@@ -11,6 +11,11 @@
 class SidListCopy {
 public:
     SidListCopy() = default;
+    SidListCopy(const SidListCopy&) = delete; // entries point into the copy itself
+    SidListCopy& operator=(const SidListCopy&) = delete;
+    SidListCopy(SidListCopy&&) = default;
+    SidListCopy& operator=(SidListCopy&&) = default;
+    ~SidListCopy() = default;
 
     /// @param list  copied; null gives a null list. Entries that are no valid SIDs become null.
     explicit SidListCopy(const SidList* list);

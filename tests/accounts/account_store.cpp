@@ -133,6 +133,11 @@ void resetStore()
     handedOut = {};
 }
 
+void resetStoreNumbers()
+{
+    lastListNumber = 0;
+}
+
 void* testSid(unsigned number)
 {
     const auto [place, fresh] = testSids.try_emplace(number);

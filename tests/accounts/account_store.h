@@ -32,6 +32,8 @@ extern AccountStore store;
 
 /// Forgets everything and starts the accounting anew.
 void resetStore();
+/// Numbers the next lists from 1 again.
+void resetStoreNumbers();
 
 /// The SID with a last number, S-1-5-21-1-2-3-NUMBER. Stays the test's.
 void* testSid(unsigned number);

@@ -171,6 +171,19 @@ TEST_F(FaultTest, OneFaultCostsOneStep)
     EXPECT_THAT(journal.debugLines(), Contains("Users = 4\n")); // the first server's stay in the total
 }
 
+TEST_F(FaultTest, TheListOfABrokenWalkIsFreedUnlessTheStoreHadIt)
+{
+    choose(Road::kDirectory);
+    fillWithFault("Get", 1);
+    EXPECT_EQ(journal.count("freeSidList(L2)"), 1);
+
+    choose(Road::kDirectory);
+    resetStoreNumbers();
+    fillWithFault("appendToSidList", 1);
+    EXPECT_EQ(journal.count("appendToSidList(L2, 31)"), 1);
+    EXPECT_EQ(journal.count("freeSidList(L2)"), 0);
+}
+
 TEST_F(FaultTest, AFaultInTheRowsOfUsersGoesOnWithGroups)
 {
     choose(Road::kStore);

@@ -45,7 +45,8 @@ bool CDirTreeCtrl::display(const wchar_t* root, bool showFiles)
     m_showFiles = showFiles;
     if (root != nullptr && *root != L'\0') {
         m_rootPath = withBackslash(root);
-        listFolder(insertNode(TVI_ROOT, root), root);
+        HTREEITEM node = insertNode(TVI_ROOT, root);
+        withRedrawOff(*this, [&] { listFolder(node, root); });
         return true;
     }
     if (!listDrives()) {
@@ -135,24 +136,17 @@ void CDirTreeCtrl::listFolder(HTREEITEM node, const std::wstring& path)
         }
     }
     folders.sort();
-    auto insertAll = [&] {
-        for (const std::wstring& subfolder : folders) {
-            HTREEITEM inserted = insertNode(node, subfolder);
-            if (hasChildren(subfolder)) {
-                addPlaceholder(inserted);
-            }
+    for (const std::wstring& subfolder : folders) {
+        HTREEITEM inserted = insertNode(node, subfolder);
+        if (hasChildren(subfolder)) {
+            addPlaceholder(inserted);
         }
-        if (m_showFiles) {
-            files.sort();
-            for (const std::wstring& file : files) {
-                insertNode(node, file);
-            }
+    }
+    if (m_showFiles) {
+        files.sort();
+        for (const std::wstring& file : files) {
+            insertNode(node, file);
         }
-    };
-    if (m_openingPath) {
-        insertAll();
-    } else {
-        withRedrawOff(*this, insertAll);
     }
 }
 
@@ -188,8 +182,20 @@ std::wstring CDirTreeCtrl::fullPath(HTREEITEM node) const
 
 void CDirTreeCtrl::onItemExpanded(const NMTREEVIEWW& notification)
 {
-    HTREEITEM node = notification.itemNew.hItem;
-    if ((notification.itemNew.state & TVIS_EXPANDED) == 0) {
+    auto refill = [&] {
+        refillNode(notification.itemNew.hItem, notification.itemNew.state);
+    };
+    // Removing nodes is drawn one by one as well, so all of it happens with redrawing off.
+    if (m_openingPath) {
+        refill();
+    } else {
+        withRedrawOff(*this, refill);
+    }
+}
+
+void CDirTreeCtrl::refillNode(HTREEITEM node, UINT newState)
+{
+    if ((newState & TVIS_EXPANDED) == 0) {
         // What was listed is thrown away, so that the next opening reads the folder again.
         removeChildren(node);
         addPlaceholder(node);

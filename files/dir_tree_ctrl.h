@@ -41,6 +41,7 @@ private:
     bool takeSystemImages();
     bool listDrives();
     void listFolder(HTREEITEM node, const std::wstring& path);
+    void refillNode(HTREEITEM node, UINT newState);
     void expandNode(HTREEITEM node);
     bool hasChildren(const std::wstring& path) const;
     HTREEITEM insertNode(HTREEITEM parent, const std::wstring& path);
@@ -53,7 +54,7 @@ private:
     void openAfresh(HTREEITEM node) const;
 
     bool m_showFiles = false;
-    bool m_openingPath = false; ///< redrawing is off for the whole walk, nobody below need switch it
+    bool m_openingPath = false; ///< redrawing is off for the whole walk
     std::wstring m_errorText;
     HIMAGELIST m_images = nullptr; ///< the system's: attached while it shows, never destroyed
     std::wstring m_rootPath;

@@ -1,0 +1,329 @@
+// The "Choose file..." dialog, through its export.
+#include "corvane.h"
+#include "frame/narrow_handle.h"
+#include "tests/files/fake_disk.h"
+#include "tests/support/dialog_script.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/leak_count.h"
+#include "tests/support/recording_store.h"
+#include "tests/support/text.h"
+#include "tests/support/window_text.h"
+
+#include <commctrl.h>
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <memory>
+#include <optional>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr int kTree = 1038;
+
+struct Free {
+    void operator()(wchar_t* text) const { std::free(text); }
+};
+
+/// What the export gave; no value for null.
+std::optional<std::string> chosen(DialogScript& script, unsigned foldersOnly = 0, HWND owner = nullptr)
+{
+    const std::unique_ptr<wchar_t, Free> path(script.run([=] { return chooseFileImpl(owner, foldersOnly); }));
+    return path ? std::optional(utf8(path.get())) : std::nullopt;
+}
+
+HWND treeOf(HWND dialog)
+{
+    return GetDlgItem(dialog, kTree);
+}
+
+HTREEITEM next(HWND tree, UINT which, HTREEITEM node = nullptr)
+{
+    return reinterpret_cast<HTREEITEM>(
+        SendMessageW(tree, TVM_GETNEXTITEM, which, reinterpret_cast<LPARAM>(node)));
+}
+
+std::string textOf(HWND tree, HTREEITEM node)
+{
+    wchar_t text[300] = L"";
+    TVITEMW item{};
+    item.mask = TVIF_TEXT;
+    item.hItem = node;
+    item.pszText = text;
+    item.cchTextMax = 300;
+    SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    return utf8(text);
+}
+
+std::vector<std::string> children(HWND tree, HTREEITEM node)
+{
+    std::vector<std::string> texts;
+    for (HTREEITEM child = next(tree, TVGN_CHILD, node); child != nullptr;
+         child = next(tree, TVGN_NEXT, child))
+    {
+        texts.push_back(textOf(tree, child));
+    }
+    return texts;
+}
+
+void expand(HWND tree, HTREEITEM node)
+{
+    SendMessageW(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(node));
+}
+
+void select(HWND tree, HTREEITEM node)
+{
+    SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(node));
+}
+
+const wchar_t* currentFolder = L"";
+
+wchar_t* tellCurrentFolder(wchar_t* buffer, int room)
+{
+    EXPECT_EQ(room, 260);
+    return currentFolder == nullptr ? nullptr : std::wcscpy(buffer, currentFolder);
+}
+
+INT_PTR ended = 0;
+BOOL(WINAPI* reallyEnd)(HWND, INT_PTR) = nullptr;
+
+BOOL WINAPI end(HWND dialog, INT_PTR result)
+{
+    ended = result;
+    return reallyEnd(dialog, result);
+}
+
+struct ChooseFileTest : testing::Test {
+    ChooseFileTest()
+    {
+        disk.addDrive(L"A:\\", 0);
+        disk.addDrive(L"C:\\");
+        disk.addDrive(L"Q:\\");
+        disk.setFolder(L"C:\\", {folder(L"Windows"), file(L"b.txt"), file(L"A.txt"), file(L"z.txt")});
+        disk.setFolder(L"C:\\Windows", {file(L"win.ini")});
+        currentFolder = L"C:\\Windows";
+        EXPECT_EQ(folderPatch.count(), 1);
+    }
+    RecordingStore store;
+    FakeDisk disk{ImportPatch::corvane()};
+    ImportPatch folderPatch{ImportPatch::corvane(), "_wgetcwd", &tellCurrentFolder};
+};
+
+} // namespace
+
+TEST_F(ChooseFileTest, ChoosesADrive)
+{
+    DialogScript script;
+    script.onDialog("select the second drive and press OK", [](HWND dialog) {
+        EXPECT_EQ(windowText(dialog), "Choose file...");
+        HWND tree = treeOf(dialog);
+        HTREEITEM first = next(tree, TVGN_ROOT);
+        EXPECT_EQ(textOf(tree, first), "C:");
+        HTREEITEM second = next(tree, TVGN_NEXT, first);
+        EXPECT_EQ(textOf(tree, second), "Q:");
+        EXPECT_EQ(next(tree, TVGN_NEXT, second), nullptr);
+        select(tree, second);
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), "Q:");
+    EXPECT_THAT(store.calls(), ElementsAre("ODS onOK: Q:\n"));
+}
+
+TEST_F(ChooseFileTest, ChoosesAFile)
+{
+    DialogScript script;
+    script.onDialog("open a drive, select a file and press OK", [](HWND dialog) {
+        HWND tree = treeOf(dialog);
+        HTREEITEM drive = next(tree, TVGN_ROOT);
+        EXPECT_THAT(children(tree, drive), ElementsAre("A.txt", "b.txt", "z.txt")); // opened along the way
+        select(tree, next(tree, TVGN_CHILD, drive));
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), "C:\\A.txt");
+    EXPECT_THAT(store.lines(), ElementsAre("onOK: C:\\A.txt\n"));
+    EXPECT_EQ(disk.openSearches(), 0);
+    EXPECT_EQ(disk.openIcons(), 0);
+}
+
+TEST_F(ChooseFileTest, OpensADriveWhenItsButtonIsClicked)
+{
+    currentFolder = L"";
+    DialogScript script;
+    script.onDialog("open, then cancel", [](HWND dialog) {
+        HWND tree = treeOf(dialog);
+        HTREEITEM drive = next(tree, TVGN_ROOT);
+        EXPECT_THAT(children(tree, drive), ElementsAre(""));
+        expand(tree, drive);
+        EXPECT_THAT(children(tree, drive), ElementsAre("A.txt", "b.txt", "z.txt"));
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
+TEST_F(ChooseFileTest, NothingSelectedIsAnEmptyPath)
+{
+    DialogScript script;
+    script.onDialog("press OK", [](HWND dialog) {
+        EXPECT_EQ(next(treeOf(dialog), TVGN_CARET), nullptr); // the folder of the process is not shown
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), "");
+    EXPECT_THAT(store.calls(), ElementsAre("ODS onOK: \n"));
+}
+
+TEST_F(ChooseFileTest, StartsAtTheDriveOfTheProcessWhenThatIsItsFolder)
+{
+    currentFolder = L"C:\\";
+    DialogScript script;
+    script.onDialog("press OK", [](HWND dialog) { clickLater(dialog, IDOK); });
+    EXPECT_EQ(chosen(script), "C:");
+}
+
+TEST_F(ChooseFileTest, StartsAnywhereWithoutAFolderOfTheProcess)
+{
+    currentFolder = nullptr;
+    DialogScript script;
+    script.onDialog("press OK", [](HWND dialog) { clickLater(dialog, IDOK); });
+    EXPECT_EQ(chosen(script), "");
+}
+
+TEST_F(ChooseFileTest, HidesFilesForAnyOtherFlag)
+{
+    for (const unsigned flag : {1u, 0x80000000u}) {
+        currentFolder = L"C:\\";
+        DialogScript script;
+        script.onDialog("look and press OK", [](HWND dialog) {
+            HWND tree = treeOf(dialog);
+            EXPECT_THAT(children(tree, next(tree, TVGN_ROOT)), IsEmpty());
+            clickLater(dialog, IDOK);
+        });
+        EXPECT_EQ(chosen(script, flag), "C:") << flag;
+    }
+}
+
+TEST_F(ChooseFileTest, CancelAndTheCloseBoxGiveNull)
+{
+    struct Way {
+        UINT message;
+        WPARAM wParam;
+    };
+    for (const Way way : {Way{WM_COMMAND, IDCANCEL}, Way{WM_CLOSE, 0}, Way{WM_SYSCOMMAND, SC_CLOSE}}) {
+        DialogScript script;
+        script.onDialog("close", [way](HWND dialog) {
+            select(treeOf(dialog), next(treeOf(dialog), TVGN_ROOT));
+            PostMessageW(dialog, way.message, way.wParam, 0);
+        });
+        EXPECT_EQ(chosen(script), std::nullopt) << way.message;
+    }
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
+TEST_F(ChooseFileTest, ATreeThatCannotBeDisplayedIsEmpty)
+{
+    const auto emptyAndOk = [&] {
+        DialogScript script;
+        script.onDialog("press OK", [](HWND dialog) {
+            EXPECT_EQ(next(treeOf(dialog), TVGN_ROOT), nullptr);
+            clickLater(dialog, IDOK);
+        });
+        return chosen(script);
+    };
+    disk.failDrives = true;
+    EXPECT_EQ(emptyAndOk(), "");
+    disk.failImages = true;
+    EXPECT_EQ(emptyAndOk(), "");
+}
+
+TEST_F(ChooseFileTest, EndsWithTheSignExtendedLowHalf)
+{
+    ImportPatch endPatch(ImportPatch::corvane(), "EndDialog", &end);
+    ASSERT_EQ(endPatch.count(), 1);
+    reallyEnd = endPatch.original<BOOL WINAPI(HWND, INT_PTR)>();
+    disk.setFolder(L"Q:\\", {file(std::wstring(250, L'q')), file(L"z")});
+    for (const bool longPath : {false, true}) {
+        DialogScript script;
+        script.onDialog("press OK", [=](HWND dialog) {
+            HWND tree = treeOf(dialog);
+            HTREEITEM node = next(tree, TVGN_NEXT, next(tree, TVGN_ROOT));
+            if (longPath) {
+                expand(tree, node);
+                node = next(tree, TVGN_CHILD, node);
+            }
+            select(tree, node);
+            clickLater(dialog, IDOK);
+        });
+        EXPECT_EQ(chosen(script), longPath ? "Q:\\" + std::string(250, 'q') : "Q:");
+        EXPECT_NE(ended, 0);
+        EXPECT_EQ(ended, static_cast<INT_PTR>(static_cast<int>(ended)));
+    }
+}
+
+TEST_F(ChooseFileTest, ADialogThatCannotOpenGivesNull)
+{
+    const ImportPatch noTemplate(
+        ImportPatch::corvane(), "FindResourceW",
+        +[](HMODULE, const wchar_t*, const wchar_t*) -> HRSRC { return nullptr; });
+    ASSERT_EQ(noTemplate.count(), 1);
+    EXPECT_EQ(chooseFileImpl(nullptr, 0), nullptr);
+}
+
+TEST_F(ChooseFileTest, StaysOpenAfterAFault)
+{
+    store.raise("ODS", Fault::AccessViolation);
+    DialogScript script;
+    script.onDialog("press OK", [](HWND dialog) { clickLater(dialog, IDOK); })
+        .step("wait for the fault", [&](HWND) { return store.calls().size() == 1; })
+        .onDialog("press OK again", [](HWND dialog) { clickLater(dialog, IDOK); });
+    EXPECT_EQ(chosen(script), "");
+    // This dialog has no line of its own.
+    EXPECT_THAT(store.lines(), ElementsAre("onOK: \n", "onOK: \n"));
+}
+
+TEST_F(ChooseFileTest, OtherCommandsDoNothing)
+{
+    DialogScript script;
+    script.onDialog("send them", [](HWND dialog) {
+        for (const int id : {0, 3, kTree, 9999}) {
+            SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(id), 0);
+        }
+        NMHDR header{treeOf(dialog), kTree, NM_CLICK};
+        SendMessageW(dialog, WM_NOTIFY, kTree, reinterpret_cast<LPARAM>(&header));
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+}
+
+TEST_F(ChooseFileTest, TakesCommandsByIdWhateverTheNotification)
+{
+    DialogScript script;
+    script.onDialog("press OK",
+                    [](HWND dialog) { PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 7), 0); });
+    EXPECT_EQ(chosen(script), "");
+}
+
+TEST_F(ChooseFileTest, LeavesNothingBehind)
+{
+    const auto openAndChoose = [&] {
+        DialogScript script;
+        script.onDialog("press OK", [](HWND dialog) {
+            HWND tree = treeOf(dialog);
+            expand(tree, next(tree, TVGN_NEXT, next(tree, TVGN_ROOT)));
+            select(tree, next(tree, TVGN_ROOT));
+            clickLater(dialog, IDOK);
+        });
+        EXPECT_EQ(chosen(script), "C:");
+        disk.takeCalls();
+        store.takeCalls();
+    };
+    openAndChoose();
+    openAndChoose();
+    const LeakCount before = LeakCount::now();
+    for (int i = 0; i < 5; ++i) {
+        openAndChoose();
+    }
+    EXPECT_EQ(LeakCount::now(), before);
+}

@@ -1,0 +1,384 @@
+// "Select program from list of running processes", through its export.
+#include "corvane.h"
+#include "tests/processes/run_time_functions.h"
+#include "tests/support/dialog_script.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/leak_count.h"
+#include "tests/support/recording_store.h"
+#include "tests/support/text.h"
+#include "tests/support/window_text.h"
+
+#include <commctrl.h>
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <cwchar>
+#include <memory>
+#include <optional>
+#include <tlhelp32.h>
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr int kList = 1020;
+
+struct Free {
+    void operator()(wchar_t* text) const { std::free(text); }
+};
+
+std::optional<std::string> chosen(DialogScript& script)
+{
+    const std::unique_ptr<wchar_t, Free> name(script.run([] { return chooseProcess(nullptr); }));
+    return name ? std::optional(utf8(name.get())) : std::nullopt;
+}
+
+HWND listOf(HWND dialog)
+{
+    return GetDlgItem(dialog, kList);
+}
+
+std::vector<std::string> rowsOf(HWND dialog)
+{
+    std::vector<std::string> rows;
+    const auto count = static_cast<int>(SendMessageW(listOf(dialog), LVM_GETITEMCOUNT, 0, 0));
+    for (int row = 0; row < count; ++row) {
+        wchar_t text[400] = L"";
+        LVITEMW item{};
+        item.mask = LVIF_TEXT | LVIF_PARAM;
+        item.iItem = row;
+        item.pszText = text;
+        item.cchTextMax = 400;
+        SendMessageW(listOf(dialog), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        rows.push_back(utf8(text) + " " + std::to_string(item.lParam));
+    }
+    return rows;
+}
+
+void selectRow(HWND dialog, int row, bool selected = true)
+{
+    LVITEMW item{};
+    item.stateMask = LVIS_SELECTED;
+    item.state = selected ? LVIS_SELECTED : 0;
+    SendMessageW(listOf(dialog), LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
+/// The processes that the snapshot tells.
+std::vector<std::wstring> processes;
+size_t nextProcess = 0;
+
+HANDLE WINAPI create(DWORD, DWORD)
+{
+    nextProcess = 0;
+    return CreateEventW(nullptr, FALSE, FALSE, nullptr); // something to close
+}
+
+BOOL WINAPI nextEntry(HANDLE, PROCESSENTRY32W* entry)
+{
+    if (nextProcess == processes.size()) {
+        return FALSE;
+    }
+    // Without an end where the name fills the field.
+    std::wcsncpy(entry->szExeFile, processes[nextProcess++].c_str(), std::size(entry->szExeFile));
+    return TRUE;
+}
+
+// A list view that raises at one message.
+UINT raiseAt = 0;
+int* volatile nowhere = nullptr;
+
+LRESULT WINAPI sendRaising(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == raiseAt) {
+        raiseAt = 0;
+        *nowhere = 1;
+    }
+    return SendMessageW(window, message, wParam, lParam);
+}
+
+struct ProcessChooserTest : testing::Test {
+    ProcessChooserTest()
+    {
+        processes = {L"services.exe", L"Explorer.exe", L"notepad.exe", L"services.exe", L"a.exe"};
+        functions.put("CreateToolhelp32Snapshot", &create);
+        functions.put("Process32FirstW", &nextEntry);
+        functions.put("Process32NextW", &nextEntry);
+    }
+    RecordingStore store;
+    RunTimeFunctions functions{ImportPatch::corvane()};
+};
+
+} // namespace
+
+TEST_F(ProcessChooserTest, ListsEveryProcessByName)
+{
+    DialogScript script;
+    script.onDialog("look and cancel", [](HWND dialog) {
+        EXPECT_EQ(windowText(dialog), "Select program from list of running processes");
+        // The item data tell the order in which the processes were found.
+        EXPECT_THAT(rowsOf(dialog), ElementsAre("a.exe 4", "Explorer.exe 1", "notepad.exe 2",
+                                                testing::AnyOf("services.exe 0", "services.exe 3"),
+                                                testing::AnyOf("services.exe 0", "services.exe 3")));
+        EXPECT_FALSE(isEnabled(dialog, IDOK));
+        EXPECT_TRUE(isEnabled(dialog, IDCANCEL));
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
+TEST_F(ProcessChooserTest, PreparesTheList)
+{
+    DialogScript script;
+    script.onDialog("look and cancel", [](HWND dialog) {
+        HWND list = listOf(dialog);
+        wchar_t heading[100] = L"";
+        LVCOLUMNW column{};
+        column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
+        column.pszText = heading;
+        column.cchTextMax = 100;
+        EXPECT_TRUE(SendMessageW(list, LVM_GETCOLUMNW, 0, reinterpret_cast<LPARAM>(&column)));
+        EXPECT_STREQ(heading, L"Process Name");
+        EXPECT_EQ(column.cx, 310);
+        EXPECT_EQ(column.fmt & LVCFMT_JUSTIFYMASK, LVCFMT_LEFT);
+        EXPECT_FALSE(SendMessageW(list, LVM_GETCOLUMNW, 1, reinterpret_cast<LPARAM>(&column)));
+        EXPECT_EQ(SendMessageW(list, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0), 0x4031);
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+}
+
+TEST_F(ProcessChooserTest, GivesTheChosenName)
+{
+    DialogScript script;
+    script.onDialog("select a row and press OK", [](HWND dialog) {
+        selectRow(dialog, 2);
+        EXPECT_TRUE(isEnabled(dialog, IDOK));
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), "notepad.exe");
+}
+
+TEST_F(ProcessChooserTest, EachOfTwoEqualNamesGivesTheSame)
+{
+    for (const int row : {3, 4}) {
+        DialogScript script;
+        script.onDialog("select a row and press OK", [row](HWND dialog) {
+            selectRow(dialog, row);
+            clickLater(dialog, IDOK);
+        });
+        EXPECT_EQ(chosen(script), "services.exe");
+    }
+}
+
+TEST_F(ProcessChooserTest, CannotBeOkWithoutASelection)
+{
+    DialogScript script;
+    script.onDialog("select and unselect", [](HWND dialog) {
+        selectRow(dialog, 0);
+        EXPECT_TRUE(isEnabled(dialog, IDOK));
+        selectRow(dialog, 0, false);
+        EXPECT_FALSE(isEnabled(dialog, IDOK));
+        // A program can send what a person cannot click.
+        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+}
+
+TEST_F(ProcessChooserTest, ClosingGivesNull)
+{
+    DialogScript script;
+    script.onDialog("select and close", [](HWND dialog) {
+        selectRow(dialog, 0);
+        PostMessageW(dialog, WM_CLOSE, 0, 0);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+}
+
+TEST_F(ProcessChooserTest, KeepsTheBackslashOfAFullPath)
+{
+    processes = {L"C:\\Tools\\backup.exe"};
+    DialogScript script;
+    script.onDialog("select and press OK", [](HWND dialog) {
+        selectRow(dialog, 0);
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), "\\backup.exe");
+}
+
+TEST_F(ProcessChooserTest, CutsANameTo259Characters)
+{
+    processes = {std::wstring(300, L'n')}; // 260 fit into an entry
+    DialogScript script;
+    script.onDialog("select and press OK", [](HWND dialog) {
+        EXPECT_THAT(rowsOf(dialog), ElementsAre(std::string(260, 'n') + " 0"));
+        selectRow(dialog, 0);
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), std::string(259, 'n'));
+}
+
+TEST_F(ProcessChooserTest, SortsByTheColumnThatIsClicked)
+{
+    const auto names = [](HWND dialog) {
+        std::vector<std::string> texts;
+        for (const std::string& row : rowsOf(dialog)) {
+            texts.push_back(row.substr(0, row.find(' ')));
+        }
+        return texts;
+    };
+    DialogScript script;
+    script.onDialog("click the header", [&](HWND dialog) {
+        NMLISTVIEW click{};
+        click.hdr = {listOf(dialog), kList, LVN_COLUMNCLICK};
+        const auto clicked = [&](int column) {
+            click.iSubItem = column;
+            SendMessageW(dialog, WM_NOTIFY, kList, reinterpret_cast<LPARAM>(&click));
+            return names(dialog);
+        };
+        const auto upwards = names(dialog);
+        std::vector<std::string> downwards(upwards.rbegin(), upwards.rend());
+        // The order goes on from whatever list was sorted before.
+        const auto first = clicked(0);
+        EXPECT_TRUE(first == upwards || first == downwards);
+        EXPECT_EQ(clicked(0), first == upwards ? downwards : upwards);
+        EXPECT_EQ(clicked(0), first);
+        EXPECT_EQ(clicked(-1), first); // no column
+        click.hdr.idFrom = 999;
+        EXPECT_EQ(clicked(0), first); // another list
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+}
+
+TEST_F(ProcessChooserTest, CountsRowsAnewEachTime)
+{
+    processes = {L"one.exe", L"two.exe"};
+    for (int i = 0; i < 2; ++i) {
+        DialogScript script;
+        script.onDialog("look and cancel", [](HWND dialog) {
+            EXPECT_THAT(rowsOf(dialog), ElementsAre("one.exe 0", "two.exe 1"));
+            clickLater(dialog, IDCANCEL);
+        });
+        EXPECT_EQ(chosen(script), std::nullopt);
+    }
+}
+
+TEST_F(ProcessChooserTest, StaysEmptyWithoutASnapshot)
+{
+    functions.remove("Process32NextW");
+    DialogScript script;
+    script.onDialog("look and press OK", [](HWND dialog) {
+        EXPECT_THAT(rowsOf(dialog), IsEmpty());
+        EXPECT_FALSE(isEnabled(dialog, IDOK));
+        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
+TEST_F(ProcessChooserTest, OtherCommandsDoNothing)
+{
+    DialogScript script;
+    script.onDialog("send them", [](HWND dialog) {
+        for (const int id : {0, 3, kList, 9999}) {
+            SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(id), 0);
+        }
+        selectRow(dialog, 0);
+        // By id, whatever the notification.
+        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 5), 0);
+    });
+    EXPECT_EQ(chosen(script), "a.exe");
+}
+
+TEST_F(ProcessChooserTest, AFaultInARowStopsTheListing)
+{
+    const ImportPatch list(ImportPatch::corvane(), "SendMessageW", &sendRaising);
+    ASSERT_EQ(list.count(), 1);
+    raiseAt = LVM_SETITEMW; // the item data of the first row
+    DialogScript script;
+    script.onDialog("look and cancel", [](HWND dialog) {
+        EXPECT_THAT(rowsOf(dialog), ElementsAre("services.exe 0")); // what was done before stays
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+    EXPECT_THAT(store.calls(), ElementsAre("ODS UI CRASH: lprocDlg, myCallBack, 49\n"));
+    EXPECT_EQ(nextProcess, 1u);
+}
+
+TEST_F(ProcessChooserTest, AFaultInAHandlerLeavesTheDialogOpen)
+{
+    const ImportPatch list(ImportPatch::corvane(), "SendMessageW", &sendRaising);
+    DialogScript script;
+    script
+        .onDialog("press OK",
+                  [](HWND dialog) {
+                      selectRow(dialog, 2);
+                      raiseAt = LVM_GETITEMTEXTW;
+                      PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+                  })
+        .step("wait for the fault", [&](HWND) { return !store.calls().empty(); })
+        .onDialog("press OK again", [](HWND dialog) { clickLater(dialog, IDOK); });
+    EXPECT_EQ(chosen(script), "notepad.exe");
+    EXPECT_THAT(store.calls(), ElementsAre("ODS UI CRASH: lprocDlg, MyDlgProc, 110\n"));
+}
+
+TEST_F(ProcessChooserTest, AFaultWhileOpeningLeavesTheDialogOpen)
+{
+    const ImportPatch list(ImportPatch::corvane(), "SendMessageW", &sendRaising);
+    raiseAt = LVM_INSERTCOLUMNW;
+    DialogScript script;
+    script.onDialog("cancel", [](HWND dialog) { clickLater(dialog, IDCANCEL); });
+    EXPECT_EQ(chosen(script), std::nullopt);
+    EXPECT_THAT(store.calls(), ElementsAre("ODS UI CRASH: lprocDlg, MyDlgProc, 110\n"));
+}
+
+TEST_F(ProcessChooserTest, TellsThatItCouldNotOpen)
+{
+    const ImportPatch noTemplate(
+        ImportPatch::corvane(), "FindResourceW",
+        +[](HMODULE, const wchar_t*, const wchar_t*) -> HRSRC { return nullptr; });
+    ASSERT_EQ(noTemplate.count(), 1);
+    EXPECT_EQ(reinterpret_cast<INT_PTR>(chooseProcess(nullptr)), -1);
+}
+
+TEST_F(ProcessChooserTest, LeavesNothingBehind)
+{
+    const auto openAndChoose = [&] {
+        DialogScript script;
+        script.onDialog("select and press OK", [](HWND dialog) {
+            selectRow(dialog, 1);
+            clickLater(dialog, IDOK);
+        });
+        EXPECT_EQ(chosen(script), "Explorer.exe");
+        store.takeCalls();
+    };
+    openAndChoose();
+    openAndChoose();
+    const LeakCount before = LeakCount::now();
+    for (int i = 0; i < 5; ++i) {
+        openAndChoose();
+    }
+    EXPECT_EQ(LeakCount::now(), before);
+}
+
+TEST(ProcessChooserSystemTest, ListsTheRunningProcesses)
+{
+    RecordingStore store;
+    wchar_t path[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const std::string self = utf8(std::wcsrchr(path, L'\\') + 1);
+    DialogScript script;
+    script.onDialog("choose this program", [&](HWND dialog) {
+        const auto rows = rowsOf(dialog);
+        const auto own = std::find_if(rows.begin(), rows.end(),
+                                      [&](const std::string& row) { return row.starts_with(self + " "); });
+        ASSERT_NE(own, rows.end());
+        selectRow(dialog, static_cast<int>(own - rows.begin()));
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), self);
+}

@@ -1,0 +1,116 @@
+#include "tests/processes/run_time_functions.h"
+
+#include "tests/support/text.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <utility>
+
+namespace {
+
+RunTimeFunctions* newest = nullptr;
+HeldThings* held = nullptr;
+std::set<void*> blocks;
+
+template <class Function>
+Function* real(const char* name, const wchar_t* library = L"kernel32.dll")
+{
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)));
+}
+
+// Taken before anything is replaced.
+const auto realGetProcAddress = real<decltype(GetProcAddress)>("GetProcAddress");
+const auto realLoadLibrary = real<decltype(LoadLibraryW)>("LoadLibraryW");
+const auto realFreeLibrary = real<decltype(FreeLibrary)>("FreeLibrary");
+const auto realHeapAlloc = real<decltype(HeapAlloc)>("HeapAlloc");
+const auto realHeapFree = real<decltype(HeapFree)>("HeapFree");
+const auto realCloseHandle = real<decltype(CloseHandle)>("CloseHandle");
+
+HMODULE WINAPI load(const wchar_t* name)
+{
+    held->libraries++;
+    held->loaded += utf8(name) + " ";
+    return realLoadLibrary(name);
+}
+
+BOOL WINAPI release(HMODULE module)
+{
+    held->libraries--;
+    return realFreeLibrary(module);
+}
+
+void* WINAPI allocate(HANDLE heap, DWORD flags, SIZE_T bytes)
+{
+    if (held->failHeapAfter == 0) {
+        return nullptr;
+    }
+    if (held->failHeapAfter > 0) {
+        held->failHeapAfter--;
+    }
+    void* block = realHeapAlloc(heap, flags, bytes);
+    blocks.insert(block);
+    held->heapBlocks++;
+    return block;
+}
+
+BOOL WINAPI freeBlock(HANDLE heap, DWORD flags, void* block)
+{
+    held->heapBlocks -= static_cast<int>(blocks.erase(block));
+    return realHeapFree(heap, flags, block);
+}
+
+BOOL WINAPI closeHandle(HANDLE handle)
+{
+    held->closedHandles++;
+    held->closedNulls += handle == nullptr ? 1 : 0;
+    // The handles of the tests are made up.
+    SetLastError(ERROR_INVALID_HANDLE);
+    return reinterpret_cast<UINT_PTR>(handle) < 0x100000 ? realCloseHandle(handle) : FALSE;
+}
+
+} // namespace
+
+RunTimeFunctions::RunTimeFunctions(HMODULE module)
+    : before_(std::exchange(newest, this))
+    , patch_(module, "GetProcAddress", &lookUp)
+{
+    EXPECT_EQ(patch_.count(), 1);
+}
+
+RunTimeFunctions::~RunTimeFunctions()
+{
+    newest = before_;
+}
+
+FARPROC WINAPI RunTimeFunctions::lookUp(HMODULE module, const char* name)
+{
+    if (reinterpret_cast<UINT_PTR>(name) > 0xFFFF) { // below, it is a number
+        for (const RunTimeFunctions* list = newest; list != nullptr; list = list->before_) {
+            const auto found = list->functions_.find(std::string_view(name));
+            if (found != list->functions_.end()) {
+                return found->second;
+            }
+        }
+    }
+    return realGetProcAddress(module, name);
+}
+
+HeldThings::HeldThings(HMODULE module)
+    : load_(module, "LoadLibraryW", &load)
+    , free_(module, "FreeLibrary", &release)
+    , allocate_(module, "HeapAlloc", &allocate)
+    , release_(module, "HeapFree", &freeBlock)
+    , close_(module, "CloseHandle", &closeHandle)
+{
+    held = this;
+    blocks.clear();
+    EXPECT_GE(load_.count(), 1);
+    EXPECT_GE(free_.count(), 1);
+    EXPECT_GE(allocate_.count(), 1);
+    EXPECT_GE(release_.count(), 1);
+    EXPECT_GE(close_.count(), 1);
+}
+
+HeldThings::~HeldThings() = default;

@@ -15,7 +15,7 @@ inline void say(HWND owner, UINT icon, const wchar_t* caption, const std::wstrin
     MessageBoxW(owner, text.c_str(), caption, MB_OK | icon);
 }
 
-/// Asks a question. @param buttons  MB_YESNO or MB_YESNOCANCEL. @return IDYES, IDNO or IDCANCEL.
+/// Asks a question. @param buttons  MB_YESNO or MB_YESNOCANCEL, with the default button. @return IDYES, IDNO or IDCANCEL.
 inline int ask(HWND owner, UINT buttons, const wchar_t* caption, const std::wstring& text)
 {
     return MessageBoxW(owner, text.c_str(), caption, buttons | MB_ICONQUESTION);

@@ -334,7 +334,7 @@ void PanelWindow::showFolders(const std::vector<std::wstring>& folders)
 void PanelWindow::removeFolders()
 {
     const std::vector<std::wstring> chosen = folders_->selected();
-    if (page_->isModified(chosen) && ask(window_, MB_YESNO, kUnsaved,
+    if (page_->isModified(chosen) && ask(window_, MB_YESNO | MB_DEFBUTTON2, kUnsaved,
                                          L"Rules of these folders have unsaved changes, which would be "
                                          L"lost.\n\nRemove the folders from view?") != IDYES)
     {
@@ -389,7 +389,7 @@ bool PanelWindow::apply()
 void PanelWindow::reload()
 {
     if (modified_ &&
-        ask(window_, MB_YESNO, kUnsaved,
+        ask(window_, MB_YESNO | MB_DEFBUTTON2, kUnsaved,
             L"Reading the stored rules again drops all unsaved changes.\n\nReload all the same?") != IDYES)
     {
         return;

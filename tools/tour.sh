@@ -24,7 +24,13 @@ size() { [ "$1" -gt 1048576 ] && echo "$(($1 / 1024))K" || echo "$1 "; }
 echo "Playing the tour"
 step 'start on an empty data folder'
 host_start
-click "$panel" $id_folder
+
+step 'press Add without a folder'
+click "$panel" $id_folder_add
+wait_window 'Add Folder'
+shot message-no-path
+answer 'Add Folder' Return
+wait_shows $id_folder focus "$panel"
 shot empty-page
 
 step 'type a folder that does not exist'
@@ -185,6 +191,10 @@ host_start
 wait_status '3 rules in 3 folders'
 wait_status 'All changes stored'
 expect 'the rules after the restart' "$shown" "$(rules | sort)"
+# Without a window manager the caption of a new window looks inactive until a box was over it.
+click "$panel" $id_folder_add
+wait_window 'Add Folder'
+answer 'Add Folder' Return
 click_cell 0 0
 wait_shows 0 chosen "$panel" $id_rules
 shot after-restart

@@ -149,11 +149,11 @@ type_text() { xdotool type --delay 8 -- "$1"; }
 
 # at REQUEST...: moves the mouse to the place that peek names.
 at() {
-    local place
-    place=$(peek "$@") || fail "there is no place to click: $*"
+    wait_for "a place to click: $*" finds_place "$@"
     # shellcheck disable=SC2086 # two words: x and y
     xdotool mousemove $place
 }
+finds_place() { place=$(peek "$@"); }
 click() { at point "$@" && xdotool click 1; }
 click_cell() { at cell "$panel" $id_rules "$1" "$2" && xdotool click 1; }
 double_click_cell() { at cell "$panel" $id_rules "$1" "$2" && xdotool click --repeat 2 --delay 60 1; }

@@ -132,10 +132,20 @@ std::vector<HWND> visibleWindows()
     return windows;
 }
 
+/// Empty for a window that has just gone.
+std::wstring titleOf(HWND window)
+{
+    try {
+        return textOf(window);
+    } catch (const Missing&) {
+        return {};
+    }
+}
+
 HWND findWindow(const std::wstring& title)
 {
     for (const HWND window : visibleWindows()) {
-        if (textOf(window).starts_with(title)) {
+        if (titleOf(window).starts_with(title)) {
             return window;
         }
     }
@@ -303,7 +313,7 @@ bool look(const std::vector<std::wstring>& words)
     };
     if (is(L"windows", 1)) {
         for (const HWND window : visibleWindows()) {
-            print(textOf(window));
+            print(titleOf(window));
         }
     } else if (is(L"focus", 2)) {
         printFocus(findWindow(words[1]));

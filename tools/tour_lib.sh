@@ -206,6 +206,8 @@ windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
 # host_start OPTION...: starts the host on $data and waits for its window.
 host_start() {
+    # A second panel would be looked at in place of this one.
+    is_gone "$panel" || fail 'another control panel is on the display'
     wine "$build/bin/corvane_host.exe" --data "$(windows_path "$data")" "$@" >>"$out/host.log" 2>&1 </dev/null &
     host_pid=$!
     wait_window "$panel"

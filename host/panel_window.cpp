@@ -56,7 +56,10 @@ bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& fold
     }
     showFolders(known);
     for (const std::wstring& folder : folders) {
-        if (!folders_->has(folder)) { // asked for again at every start, it is known to the store by and by
+        if (folders_->has(folder)) { // asked for again at every start, it is known to the store by and by
+            folders_->selectOnly(folder);
+            selectionChanged();
+        } else {
             addTypedFolder(folder);
         }
     }

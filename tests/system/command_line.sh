@@ -58,6 +58,7 @@ host_close
 step 'a folder from the command line that the store knows already'
 host_start --folder "$tree\\one"
 wait_status '2 rules in 2 folders'
+wait_shows "New rules are for $tree\\One." text "$panel" $id_folder_hint
 host_close
 
 step 'the dump of all folders and of one'

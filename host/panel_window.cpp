@@ -327,11 +327,12 @@ void PanelWindow::showFolders(const std::vector<std::wstring>& folders)
             added.push_back(folder);
         }
     }
-    if (const std::wstring error = page_->show(added); !error.empty()) {
-        reportStore(L"Not all rules could be read.", error);
-    }
+    const std::wstring error = page_->show(added);
     rulesChanged();
     selectionChanged();
+    if (!error.empty()) {
+        reportStore(L"Not all rules could be read.", error);
+    }
 }
 
 void PanelWindow::removeFolders()
@@ -400,11 +401,11 @@ void PanelWindow::reload()
     page_->clear();
     const std::wstring error = page_->show(folders_->all());
     status_->showError({});
+    rulesChanged();
+    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
     if (!error.empty()) {
         reportStore(L"Not all rules could be read.", error);
     }
-    rulesChanged();
-    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
 }
 
 bool PanelWindow::mayClose()

@@ -53,7 +53,8 @@ public:
         RECT area{0, 0, width - 2 * kTextMargin, 0};
         DrawTextW(dc_, shown.data(), static_cast<int>(text.size()), &area,
                   DT_CALCRECT | DT_MODIFYSTRING | DT_SINGLELINE | DT_NOPREFIX | how);
-        return shown.c_str();
+        shown.resize(shown.find(L'\0'));
+        return shown;
     }
 
 private:

@@ -1,14 +1,12 @@
 #include "frame/list_sort.h"
 
-#include "frame/crash_guard.h"
+#include "frame/column_reader.h"
 #include "frame/list_ctrl.h"
 #include "frame/message_box.h"
 #include "frame/sort_key.h"
 
+#include <bit>
 #include <cstdint>
-#include <deque>
-#include <string>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -24,68 +22,65 @@ class ColumnKeys {
 public:
     ColumnKeys(const CListCtrl& list, int column)
         : m_owner(list.topChild())
+        , m_reader(list, column)
     {
         const int rows = list.rowCount();
-        std::size_t slots = 16;
-        while (slots < static_cast<std::size_t>(rows) * 2) {
-            slots *= 2;
-        }
-        m_slots.resize(slots);
+        m_slots.resize(std::bit_ceil(static_cast<std::size_t>(rows) * 2 + 1));
         for (int row = 0; row < rows; ++row) {
-            add(list, row, column);
+            add(row);
         }
     }
 
     /// The platform's comparison result for two rows with the given item data.
     int compare(LPARAM first, LPARAM second) const
     {
-        const Slot& a = m_slots[slotOf(first)];
-        const Slot& b = m_slots[slotOf(second)];
-        if (!a.readable || !b.readable) {
+        const SortKey& a = m_slots[slotOf(first)].key;
+        const SortKey& b = m_slots[slotOf(second)].key;
+        if (a.text == nullptr || b.text == nullptr) {
             showMessage(m_owner, "Sort failed unexpectedly", captions::kError);
             return 0;
         }
-        return compareSortKeys(a.key, b.key, sortDescending);
+        return compareSortKeys(a, b, sortDescending);
     }
 
 private:
-    /// A row under its item data, in the table itself: a comparison touches one place per row.
+    /// A row under its item data, in the table itself and as small as can be: a comparison touches one place per
+    /// row.
     struct Slot {
         LPARAM data = 0;
-        SortKey key;
-        bool taken = false;
-        bool readable = false; ///< false also when reading the row's text raised a fault
+        SortKey key{kFree}; ///< without a text when reading it raised a fault
+        bool taken() const { return key.text != kFree; }
     };
+    static constexpr wchar_t kFree[] = L"";
 
-    void add(const CListCtrl& list, int row, int column)
+    void add(int row)
     {
-        const LPARAM data = list.data(row);
+        LPARAM data = 0;
+        const wchar_t* text = m_reader.read(row, data);
         Slot& slot = m_slots[slotOf(data)];
-        if (slot.taken) {
+        if (slot.taken()) {
             return; // two rows with the same item data: the first one stands for both, as it is the one found
         }
         slot.data = data;
-        slot.taken = true;
-        slot.readable = runGuarded([&] { slot.key = sortKey(keep(list.text(row, column))); });
+        slot.key = text != nullptr ? sortKey(text) : SortKey{nullptr};
     }
 
     // The slot that holds an item data, or the free one where it belongs.
     std::size_t slotOf(LPARAM data) const
     {
         const std::size_t mask = m_slots.size() - 1;
-        const auto bits = static_cast<std::uint64_t>(data);
-        std::size_t slot = ((bits >> 4) ^ (bits << 7) ^ (bits >> 20)) & mask;
-        while (m_slots[slot].taken && m_slots[slot].data != data) {
+        // Item data are mostly addresses, alike in their low and in their high bits.
+        const std::uint64_t hash = static_cast<std::uint64_t>(data) * 0x9E3779B97F4A7C15u;
+        std::size_t slot = (hash >> 32) & mask;
+        while (m_slots[slot].taken() && m_slots[slot].data != data) {
             slot = (slot + 1) & mask;
         }
         return slot;
     }
 
-    const wchar_t* keep(std::wstring text) { return m_texts.emplace_back(std::move(text)).c_str(); }
-
     HWND m_owner;
+    ColumnReader m_reader;
     std::vector<Slot> m_slots;
-    std::deque<std::wstring> m_texts;
 };
 
 int CALLBACK compareRows(LPARAM first, LPARAM second, LPARAM keys)

@@ -16,6 +16,7 @@
 #include <malloc.h>
 
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -126,39 +127,80 @@ HWND ownerForEditing(const CListCtrl& list)
     return top;
 }
 
-void fillRows(const CListCtrl& list, const PathList& paths)
-{
-    RuleIndex shown;
-    for (int row = list.rowCount() - 1; row >= 0; --row) {
-        if (QuotaRule* rule = ruleOfRow(list, row)) {
-            shown.addOnTop(*rule);
+/// One fill of a list: goes through the rules of all folders, in order, and stops at each that is not shown yet.
+class Filling {
+public:
+    Filling(const CListCtrl& list, const PathList& paths)
+        : m_list(list)
+        , m_folders(foldersOf(paths))
+    {
+        const int rows = list.rowCount();
+        m_rows.reserve(static_cast<std::size_t>(rows));
+        for (int row = rows - 1; row >= 0; --row) {
+            if (QuotaRule* rule = ruleOfRow(list, row)) {
+                addOnTop(*rule);
+            }
         }
     }
 
-    // All rows are linked once; after that only what a folder adds on top, unless the list has an order of
-    // its own.
-    QuotaRule* first = nullptr;
-    bool linked = false;
-    for (const wchar_t* folder : foldersOf(paths)) {
-        QuotaRule* rule = getQuotaList(folder);
-        if (rule == nullptr) {
-            continue;
-        }
-        std::vector<QuotaRule*> added;
-        for (; rule != nullptr; rule = rule->next) {
-            if (shown.contains(*rule)) {
-                continue;
+    /// @return the next rule that is to be shown; null at the end.
+    QuotaRule* nextNew()
+    {
+        for (;;) {
+            while (m_rule != nullptr) {
+                QuotaRule* rule = std::exchange(m_rule, m_rule->next);
+                if (!m_shown.contains(*rule)) {
+                    return rule;
+                }
             }
-            const int row = insertRuleRow(list, *rule, accountNameOrSid(rule->sid).text);
-            showPercent(list, row, *rule);
-            shown.addOnTop(*rule);
-            added.push_back(rule);
+            if (m_inFolder) {
+                finishFolder();
+            }
+            if (m_folders.empty()) {
+                return nullptr;
+            }
+            m_rule = getQuotaList(m_folders.front());
+            m_inFolder = m_rule != nullptr;
+            m_folders = m_folders.subspan(1);
         }
-        first = linked && !sortsByItself(list) ? linkOnTop(added, first) : relinkRows(list);
-        linked = true;
-        EnableWindow(list.handle(), TRUE);
     }
-}
+
+    void show(QuotaRule& rule)
+    {
+        const int row = insertRuleRow(m_list, rule, accountNameOrSid(rule.sid).text);
+        showPercent(m_list, row, rule);
+        addOnTop(rule);
+    }
+
+private:
+    void addOnTop(QuotaRule& rule)
+    {
+        m_rows.push_back(&rule);
+        m_shown.addOnTop(rule);
+    }
+
+    // The rows are known, unless the list has an order of its own: those not linked yet stand on top.
+    void finishFolder()
+    {
+        m_inFolder = false;
+        if (sortsByItself(m_list)) {
+            relinkRows(m_list);
+        } else {
+            m_first = linkOnTop(std::span(m_rows).subspan(m_linked), m_first);
+            m_linked = m_rows.size();
+        }
+        EnableWindow(m_list.handle(), TRUE);
+    }
+
+    const CListCtrl& m_list;
+    std::span<wchar_t* const> m_folders; ///< those still to come
+    QuotaRule* m_rule = nullptr;         ///< the next one of the present folder
+    bool m_inFolder = false;
+    RuleIndex m_shown;
+    std::vector<QuotaRule*> m_rows; ///< the records of all rows, the lowest first
+    std::size_t m_linked = 0;       ///< how many of them, from the lowest, form the chain
+    QuotaRule* m_first = nullptr;   ///< first record of that chain
+};
 
 } // namespace
 
@@ -181,7 +223,15 @@ void initialize(const CListCtrl& list, const PathList* paths)
 
 void fill(const CListCtrl& list, const PathList& paths)
 {
-    withRedrawOff(list, [&] { fillRows(list, paths); });
+    Filling filling(list, paths);
+    // A list that shows everything already is not repainted.
+    if (QuotaRule* rule = filling.nextNew()) {
+        withRedrawOff(list, [&] {
+            for (; rule != nullptr; rule = filling.nextNew()) {
+                filling.show(*rule);
+            }
+        });
+    }
 }
 
 bool add(const CListCtrl& list, const void* sid, const PathList* paths)

@@ -1,0 +1,59 @@
+// The life of one list, from empty to half empty, with every step timed.
+#pragma once
+
+#include "side.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+inline constexpr std::array kMeasures{"fill",         "re-fill, all duplicates", "sort by number",
+                                      "sort by text", "getDataModified2",        "drop of every second row"};
+inline constexpr std::size_t kFill = 0;
+inline constexpr std::size_t kSortByNumber = 2;
+inline constexpr std::size_t kSortByText = 3;
+
+struct Workload {
+    int rules;
+    int folders;    ///< the rules are spread over them evenly
+    bool sameLimit; ///< all rules have one and the same limit
+};
+
+/// The folders of a workload; the list is valid as long as this object.
+class Folders {
+public:
+    explicit Folders(int count);
+    const PathList& list() const { return *reinterpret_cast<const PathList*>(m_list.data()); }
+
+private:
+    std::vector<std::array<wchar_t, 32>> m_paths;
+    std::vector<std::uintptr_t> m_list;
+};
+
+/// Seconds of each measure, in the order of kMeasures.
+using Seconds = std::array<double, kMeasures.size()>;
+
+struct Life {
+    Seconds wall{};
+    Seconds processor{}; ///< of this thread; ticks in hundredths of a second
+    /// What the list showed after each step, as a hash: the same on all sides, or they did not do the same.
+    std::array<std::uint64_t, kMeasures.size()> shown{};
+};
+
+/// Several lives taken together, fit for a machine that others use too: a short measure has the machine for itself in
+/// one life or another, and its shortest wall time counts. A long one never has, and its processor time counts, the
+/// mean of all lives.
+class Tally {
+public:
+    void add(const Life& life);
+    Seconds seconds() const;
+
+private:
+    static constexpr double kShort = 0.02;
+    Seconds m_shortest{};
+    Seconds m_processor{};
+    int m_lives = 0;
+};
+
+/// @param window  visible parent of the list.
+Life runLife(HWND window, Side& side, const PathList& folders);

@@ -1,0 +1,162 @@
+// The exports about accounts.
+#include "lornix/accounts.h"
+
+#include "lornix/account_names.h"
+#include "lornix/lornix_host.h"
+#include "lornix/sid.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <exception>
+
+namespace lornix {
+namespace {
+
+/// Runs what an export does. Accounts are asked for on any thread and leave lornixLastError alone.
+template <class Result, class Call>
+Result quietly(Result failed, Call call) noexcept
+{
+    try {
+        return call();
+    } catch (const std::exception& problem) {
+        ODS("lornix: accounts: %s\n", problem.what());
+        return failed;
+    }
+}
+
+/// Lets every source add to a list.
+template <class Add>
+SidList* collect(SidList* list, Add add)
+{
+    SidSink sink(list);
+    quietly(false, [&] {
+        for (AccountSource* source : accountSources()) {
+            add(*source, sink);
+        }
+        return true;
+    });
+    return sink.list();
+}
+
+/// The answer of the first source that has one.
+template <class Ask>
+auto firstAnswer(Ask ask) -> decltype(ask(platformAccounts()))
+{
+    for (AccountSource* source : accountSources()) {
+        if (auto answer = ask(*source); answer != decltype(answer)()) {
+            return answer;
+        }
+    }
+    return {};
+}
+
+wchar_t* handOver(const std::wstring& text)
+{
+    return text.empty() ? nullptr : _wcsdup(text.c_str());
+}
+
+} // namespace
+
+const std::vector<AccountSource*>& accountSources()
+{
+    static const std::vector<AccountSource*> sources{&platformAccounts()};
+    return sources;
+}
+
+} // namespace lornix
+
+using lornix::AccountSource;
+using lornix::SidSink;
+
+SidList* enumerateUsers(const wchar_t* server, SidList* list)
+{
+    return lornix::collect(list,
+                           [&](AccountSource& source, SidSink& sink) { source.addUsers(server, sink); });
+}
+
+SidList* enumerateGroups(const wchar_t* server, SidList* list)
+{
+    return lornix::collect(list,
+                           [&](AccountSource& source, SidSink& sink) { source.addGroups(server, sink); });
+}
+
+SidList* enumerateGroupUsers(const wchar_t* server, const wchar_t* group, SidList* list)
+{
+    if (group == nullptr || *group == L'\0') {
+        return list;
+    }
+    return lornix::collect(
+        list, [&](AccountSource& source, SidSink& sink) { source.addMembers(server, group, sink); });
+}
+
+wchar_t* getDomainServer(void)
+{
+    return lornix::quietly<wchar_t*>(nullptr, [] {
+        return lornix::handOver(
+            lornix::firstAnswer([](AccountSource& source) { return source.domainServer(); }));
+    });
+}
+
+wchar_t* getDomainServerByName(const wchar_t* server)
+{
+    if (server == nullptr || *server == L'\0') {
+        return nullptr;
+    }
+    return lornix::quietly<wchar_t*>(nullptr, [&] {
+        return lornix::handOver(
+            lornix::firstAnswer([&](AccountSource& source) { return source.secondServer(server); }));
+    });
+}
+
+void* getDomainSid(void)
+{
+    return lornix::quietly<void*>(nullptr, [] {
+        return lornix::firstAnswer([](AccountSource& source) { return source.domainSid(); });
+    });
+}
+
+void* getSidByNameW(const wchar_t* name)
+{
+    if (name == nullptr) {
+        return nullptr;
+    }
+    return lornix::quietly<void*>(nullptr, [&] {
+        return lornix::firstAnswer([&](AccountSource& source) { return source.sidOf(name); });
+    });
+}
+
+wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int capacity)
+{
+    if (buffer == nullptr || capacity <= 0) {
+        return nullptr;
+    }
+    return lornix::quietly<wchar_t*>(nullptr, [&]() -> wchar_t* {
+        const std::wstring name = lornix::accountName(sid);
+        // A name that was cut would be somebody else's. The buffer stays as it is: it may hold what is to be
+        // shown instead.
+        if (name.empty() || name.size() >= static_cast<std::size_t>(capacity)) {
+            return nullptr;
+        }
+        return std::wcscpy(buffer, name.c_str());
+    });
+}
+
+void lornixAccountName(const void* sid, wchar_t* buffer, int capacity)
+{
+    if (buffer == nullptr || capacity <= 0) {
+        return;
+    }
+    *buffer = L'\0';
+    lornix::quietly(false, [&] {
+        std::wstring name = sid == nullptr ? L"Anyone" : lornix::accountName(sid);
+        if (name.empty()) {
+            wchar_t text[256];
+            getTextualSidW(sid, text, static_cast<int>(std::size(text)));
+            name = text;
+        }
+        const std::size_t length = std::min(name.size(), static_cast<std::size_t>(capacity) - 1);
+        std::copy_n(name.begin(), length, buffer);
+        buffer[length] = L'\0';
+        return true;
+    });
+}

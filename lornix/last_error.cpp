@@ -1,0 +1,68 @@
+#include "lornix/last_error.h"
+
+#include "lornix/lornix_host.h"
+
+#include <windows.h>
+
+#include <memory>
+
+namespace lornix {
+namespace {
+
+// One user: the host's user-interface thread.
+std::wstring lines;
+const wchar_t* fallback = nullptr; // where even a line is too much
+
+} // namespace
+
+namespace last_error_detail {
+
+void clear() noexcept
+{
+    lines.clear();
+    fallback = nullptr;
+}
+
+void noteOutOfMemory() noexcept
+{
+    fallback = L"There is not enough memory.";
+}
+
+void noteSurprise(const char* what) noexcept
+{
+    try {
+        const std::string text = what;
+        report(L"The call ended with an unexpected exception: " + std::wstring(text.begin(), text.end()));
+    } catch (const std::bad_alloc&) {
+        noteOutOfMemory();
+    }
+}
+
+} // namespace last_error_detail
+
+void report(const std::wstring& line)
+{
+    lines += lines.empty() ? L"" : L"\n";
+    lines += line;
+}
+
+std::wstring reasonOf(unsigned long error)
+{
+    wchar_t* text = nullptr;
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
+                                            FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+                                        nullptr, error, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(text, LocalFree);
+    std::wstring reason(text == nullptr ? L"" : text, length);
+    while (!reason.empty() && (reason.back() == L' ' || reason.back() == L'.')) {
+        reason.pop_back();
+    }
+    return (reason.empty() ? L"platform" : reason) + L" (error " + std::to_wstring(error) + L").";
+}
+
+} // namespace lornix
+
+const wchar_t* lornixLastError(void)
+{
+    return lornix::fallback != nullptr ? lornix::fallback : lornix::lines.c_str();
+}

@@ -1,0 +1,125 @@
+#include "lornix/sid.h"
+
+#include "lornix/record_list.h"
+#include "store/lornix.h"
+
+#include <windows.h>
+
+#include <sddl.h>
+
+#include <cwchar>
+#include <memory>
+
+namespace lornix {
+namespace {
+
+// The platform's functions only read it, and take it as one that may be written.
+PSID platformSid(const void* sid)
+{
+    return const_cast<void*>(sid);
+}
+
+} // namespace
+
+bool isSid(const void* sid)
+{
+    return sid != nullptr && IsValidSid(platformSid(sid));
+}
+
+std::span<const std::uint8_t> sidBytes(const void* sid)
+{
+    if (sid == nullptr) {
+        return {};
+    }
+    return {static_cast<const std::uint8_t*>(sid), GetLengthSid(platformSid(sid))};
+}
+
+} // namespace lornix
+
+void* sidDup(const void* sid)
+{
+    if (!lornix::isSid(sid)) {
+        return nullptr;
+    }
+    const DWORD size = GetLengthSid(lornix::platformSid(sid));
+    void* copy = std::malloc(size);
+    if (copy != nullptr && !CopySid(size, copy, lornix::platformSid(sid))) {
+        std::free(copy);
+        copy = nullptr;
+    }
+    return copy;
+}
+
+int sidcmp(const void* a, const void* b)
+{
+    return lornix::isSid(a) && lornix::isSid(b) && EqualSid(lornix::platformSid(a), lornix::platformSid(b))
+               ? 0
+               : 1;
+}
+
+void getTextualSidW(const void* sid, wchar_t* buffer, int capacity)
+{
+    if (buffer == nullptr || capacity <= 0) {
+        return;
+    }
+    *buffer = L'\0';
+    wchar_t* text = nullptr;
+    if (!lornix::isSid(sid) || !ConvertSidToStringSidW(lornix::platformSid(sid), &text)) {
+        return;
+    }
+    const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(text, LocalFree);
+    // A part of an identifier would name somebody else.
+    if (std::wcslen(text) < static_cast<std::size_t>(capacity)) {
+        std::wcscpy(buffer, text);
+    }
+}
+
+SidList* createEmptySidList(void)
+{
+    return lornix::withRoomFor<SidList>(nullptr, offsetof(SidList, sids), 0);
+}
+
+SidList* appendToSidList(SidList* list, void* sid)
+{
+    if (sid == nullptr) {
+        return list;
+    }
+    SidList* grown = lornix::withRoomFor(list, offsetof(SidList, sids), 1);
+    if (grown == nullptr) {
+        std::free(sid); // it was the list's already
+        return list;
+    }
+    void** sids = grown->sids;
+    sids[grown->count] = sid;
+    ++grown->count;
+    return grown;
+}
+
+SidList* appendToSidList2(SidList* destination, SidList* source)
+{
+    if (source == nullptr || source == destination) {
+        return destination;
+    }
+    if (SidList* grown = lornix::withRoomFor(destination, offsetof(SidList, sids),
+                                             static_cast<std::size_t>(source->count)))
+    {
+        destination = grown;
+    }
+    void* const* sids = source->sids;
+    for (std::int32_t i = 0; i < source->count; ++i) {
+        destination = appendToSidList(destination, sidDup(sids[i]));
+    }
+    return destination;
+}
+
+void freeSidList(SidList* list)
+{
+    if (list == nullptr) {
+        return;
+    }
+    void** sids = list->sids;
+    for (std::int32_t i = 0; i < list->count; ++i) {
+        std::free(sids[i]);
+    }
+    std::free(list);
+}

@@ -1,0 +1,40 @@
+// Security identifiers as S-1-... text.
+// The platform's own conversion also takes abbreviations that mean another account on each machine, and allocates
+// for every one; a stored file needs it strict, and a hundred thousand times.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace lornix {
+
+/// The platform's limit: 8 bytes and 15 numbers of 4.
+inline constexpr std::size_t kMaxSidSize = 68;
+
+/// A binary security identifier by value. Empty: no account.
+class Sid {
+public:
+    Sid() = default;
+
+    /// @param bytes  a valid identifier of at most kMaxSidSize bytes.
+    explicit Sid(std::span<const std::uint8_t> bytes);
+
+    bool isEmpty() const { return size_ == 0; }
+    std::span<const std::uint8_t> bytes() const { return {bytes_.data(), size_}; }
+
+private:
+    std::array<std::uint8_t, kMaxSidSize> bytes_{};
+    std::uint8_t size_ = 0;
+};
+
+/// Appends the text of a valid identifier.
+void appendSidText(std::string& line, std::span<const std::uint8_t> sid);
+
+/// @return nothing unless the whole text is one identifier.
+std::optional<Sid> parseSid(std::string_view text);
+
+} // namespace lornix

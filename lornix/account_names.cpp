@@ -22,23 +22,8 @@ struct Entry {
 std::mutex guard;
 std::unordered_map<std::string, Entry> names;
 
-std::wstring askSources(const void* sid)
+std::wstring remembered(AccountSource& source, const void* sid)
 {
-    for (AccountSource* source : accountSources()) {
-        if (std::wstring name = source->nameOf(sid); !name.empty()) {
-            return name;
-        }
-    }
-    return {};
-}
-
-} // namespace
-
-std::wstring accountName(const void* sid)
-{
-    if (!isSid(sid)) {
-        return {};
-    }
     const auto bytes = sidBytes(sid);
     const std::string key(bytes.begin(), bytes.end());
     const ULONGLONG now = GetTickCount64();
@@ -49,13 +34,29 @@ std::wstring accountName(const void* sid)
             return found->second.name;
         }
     }
-    std::wstring name = askSources(sid); // unlocked: it may take long
+    std::wstring name = source.nameOf(sid); // unlocked: it may take long
     const std::lock_guard lock(guard);
     if (names.size() >= kMostNames) {
         names.clear();
     }
     names.insert_or_assign(key, Entry{name, now});
     return name;
+}
+
+} // namespace
+
+std::wstring accountName(const void* sid)
+{
+    if (!isSid(sid)) {
+        return {};
+    }
+    for (AccountSource* source : accountSources()) {
+        const bool isPlatform = source == &platformAccounts();
+        if (std::wstring name = isPlatform ? remembered(*source, sid) : source->nameOf(sid); !name.empty()) {
+            return name;
+        }
+    }
+    return {};
 }
 
 } // namespace lornix

@@ -24,18 +24,27 @@ Result quietly(Result failed, Call call) noexcept
     }
 }
 
-/// Lets every source add to a list.
+/// Lets the sources add to a list, what stands behind its first so many once.
 template <class Add>
-SidList* collect(SidList* list, Add add)
+SidList* collect(const wchar_t* server, SidList* list, std::int32_t first, Add add)
 {
     SidSink sink(list);
     quietly(false, [&] {
         for (AccountSource* source : accountSources()) {
+            sink.skipListed(first);
             add(*source, sink);
+            if (source->answersAlone(server)) {
+                break;
+            }
         }
         return true;
     });
     return sink.list();
+}
+
+std::int32_t countOf(const SidList* list)
+{
+    return list == nullptr ? 0 : list->count;
 }
 
 /// The answer of the first source that has one.
@@ -57,9 +66,23 @@ wchar_t* handOver(const std::wstring& text)
 
 } // namespace
 
+void SidSink::skipListed(std::int32_t first)
+{
+    void* const* sids = list_ == nullptr ? nullptr : list_->sids;
+    for (std::int32_t i = first; i < countOf(list_); ++i) {
+        known_.insert(keyOf(sids[i]));
+    }
+}
+
+std::string SidSink::keyOf(const void* sid)
+{
+    const auto bytes = sidBytes(sid);
+    return {bytes.begin(), bytes.end()};
+}
+
 const std::vector<AccountSource*>& accountSources()
 {
-    static const std::vector<AccountSource*> sources{&platformAccounts()};
+    static const std::vector<AccountSource*> sources{&fileAccounts(), &platformAccounts()};
     return sources;
 }
 
@@ -70,13 +93,13 @@ using lornix::SidSink;
 
 SidList* enumerateUsers(const wchar_t* server, SidList* list)
 {
-    return lornix::collect(list,
+    return lornix::collect(server, list, lornix::countOf(list),
                            [&](AccountSource& source, SidSink& sink) { source.addUsers(server, sink); });
 }
 
 SidList* enumerateGroups(const wchar_t* server, SidList* list)
 {
-    return lornix::collect(list,
+    return lornix::collect(server, list, lornix::countOf(list),
                            [&](AccountSource& source, SidSink& sink) { source.addGroups(server, sink); });
 }
 
@@ -85,8 +108,10 @@ SidList* enumerateGroupUsers(const wchar_t* server, const wchar_t* group, SidLis
     if (group == nullptr || *group == L'\0') {
         return list;
     }
-    return lornix::collect(
-        list, [&](AccountSource& source, SidSink& sink) { source.addMembers(server, group, sink); });
+    // Each member once, whichever servers know it: it gets one rule.
+    return lornix::collect(server, list, 0, [&](AccountSource& source, SidSink& sink) {
+        source.addMembers(server, group, sink);
+    });
 }
 
 wchar_t* getDomainServer(void)

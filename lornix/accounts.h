@@ -3,12 +3,14 @@
 
 #include "store/lornix.h"
 
+#include <cstdlib>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace lornix {
 
-/// Collects identifiers for a list of the border.
+/// Collects identifiers for a list of the border. An account that one source gave is not taken from the next.
 class SidSink {
 public:
     /// @param list  to grow, or null.
@@ -23,15 +25,26 @@ public:
     /// Takes over a malloc block; null is left out.
     void adopt(void* sid)
     {
-        if (sid != nullptr) {
-            list_ = appendToSidList(list_, sid);
+        if (sid == nullptr) {
+            return;
         }
+        if (!known_.empty() && known_.contains(keyOf(sid))) {
+            std::free(sid);
+            return;
+        }
+        list_ = appendToSidList(list_, sid);
     }
+
+    /// From here on, the accounts that stand in the list behind the first so many are left out.
+    void skipListed(std::int32_t first);
 
     SidList* list() const { return list_; }
 
 private:
+    static std::string keyOf(const void* sid);
+
     SidList* list_;
+    std::unordered_set<std::string> known_;
 };
 
 /// A source of accounts. A server of null is this machine.
@@ -41,6 +54,9 @@ public:
     AccountSource(const AccountSource&) = delete;
     AccountSource& operator=(const AccountSource&) = delete;
     virtual ~AccountSource() = default;
+
+    /// Whether no other source is to be asked about a server: it is one that only this source knows of.
+    virtual bool answersAlone(const wchar_t* /*server*/) { return false; }
 
     virtual void addUsers(const wchar_t* server, SidSink& sink) = 0;
     virtual void addGroups(const wchar_t* server, SidSink& sink) = 0;
@@ -62,6 +78,9 @@ public:
 
 /// The sources, to be asked in this order: lists are those of all, a question goes to the first that answers.
 const std::vector<AccountSource*>& accountSources();
+
+/// The accounts of the account directory file, see account_directory.h.
+AccountSource& fileAccounts();
 
 /// The machine and its domain.
 AccountSource& platformAccounts();

@@ -6,6 +6,8 @@
 
 #include <shlobj.h>
 
+#include <mutex>
+
 namespace lornix {
 namespace {
 
@@ -14,6 +16,7 @@ constexpr const wchar_t* kDefault = L"\\Vantrel\\lornix";
 constexpr DWORD kLockStep = 20; // milliseconds
 constexpr DWORD kLockLongest = 15000;
 
+std::mutex guard;    // accounts are asked for on other threads, and their file may stand in the folder
 std::wstring chosen; // empty until asked for
 
 std::wstring withoutSlashAtEnd(std::wstring path)
@@ -85,6 +88,7 @@ void removeLeftovers(const std::wstring& folder)
 
 DataFolder DataFolder::current()
 {
+    const std::lock_guard lock(guard);
     if (chosen.empty()) {
         chosen = defaultFolder();
     }
@@ -148,6 +152,7 @@ int lornixSetDataFolder(const wchar_t* folder)
     using namespace lornix;
     return reporting(0, [&] {
         if (folder == nullptr) {
+            const std::lock_guard lock(guard);
             chosen.clear();
             return 1;
         }
@@ -160,6 +165,7 @@ int lornixSetDataFolder(const wchar_t* folder)
             report(L"The folder \"" + path + L"\" cannot be used: " + reasonOf(error));
             return 0;
         }
+        const std::lock_guard lock(guard);
         chosen = withoutSlashAtEnd(path);
         return 1;
     });
@@ -169,6 +175,7 @@ const wchar_t* lornixDataFolder(void)
 {
     // Leaves the reports of the last call alone.
     try {
+        const std::lock_guard lock(lornix::guard);
         if (lornix::chosen.empty()) {
             lornix::chosen = lornix::defaultFolder();
         }

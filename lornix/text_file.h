@@ -57,6 +57,9 @@ public:
     /// @return false at the end, and then the flaws tell if it is missing or not the end at all.
     bool next(std::string_view& line);
 
+    /// Counted from 1, of the line given last.
+    std::size_t lineNumber() const { return lineNumber_; }
+
     /// Notes that the line given last cannot be used.
     void reject(const char* reason);
 

@@ -143,6 +143,174 @@ LORNIX_API wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int capac
  */
 LORNIX_API void getTextualSidW(const void* sid, wchar_t* buffer, int capacity);
 
+/* ---- policy lists --------------------------------------------------------------------------------------- */
+/* Each list lives in the store's memory between its load and its free call, where its entries are added, changed
+ * and removed; only its store call makes it persistent. One user of a list at a time.
+ *
+ * Entries go by an index, which runs from 0 without a gap right after the load. While the list is loaded, an
+ * entry keeps its index, also when others are removed: editors hold on to the indexes that they have shown.
+ *
+ * Strings that the get functions give belong to the store and are valid until the entry changes or the list is
+ * freed. Strings handed in are malloc blocks that pass to the store; the caller does not release them. The
+ * string that the store itself gave for an entry may be handed back for it. An empty string is an entry too.
+ */
+
+/** Loads the notifications: scripts that run when a limit is exceeded.
+ * @return non-zero when they could be read; otherwise the list is empty. */
+LORNIX_API int loadNotifications(void);
+
+/** @return the number of notifications. */
+LORNIX_API uint32_t getNotificationsCount(void);
+
+/** @return the script path of a notification; null when there is none with that index. */
+LORNIX_API const wchar_t* getNotifications(uint32_t index);
+
+/** Attributes of a notification, kept as text. */
+#define NOTIFICATION_ACCOUNT 0u /**< the account that the script runs for, see NOTIFICATION_FOR_WHOM */
+#define NOTIFICATION_FOR_WHOM                                                                                \
+    1u                         /**< 0 anyone, 1 the account, 2 users of the limit, 3 users not of the limit */
+#define NOTIFICATION_RATE 2u   /**< least seconds between two runs for one limit; -1 none; 0 as 86400 */
+#define NOTIFICATION_RUN_AS 3u /**< account that the script runs as */
+#define NOTIFICATION_PASSWORD 4u      /**< password of that account; never to be kept in clear text */
+#define NOTIFICATION_MIN_INCREMENT 5u /**< growth smaller than this is ignored; a size text */
+#define NOTIFICATION_ATTRIBUTE_COUNT 6u
+
+/** @return an attribute of a notification, null when it is not set. */
+LORNIX_API const wchar_t* getNAttr(uint32_t index, uint32_t attribute);
+
+/** An attribute read as a number, with an optional unit letter K, M, G or T.
+ * @return 0 for one that is not set or holds no number. */
+LORNIX_API int32_t getINAttr(uint32_t index, uint32_t attribute);
+
+/** Sets an attribute of a notification.
+ * @param text  passes to the store; null leaves the attribute not set. */
+LORNIX_API void setNAttr(uint32_t index, uint32_t attribute, const wchar_t* text);
+
+/** Adds a notification without attributes. @return its index. */
+LORNIX_API uint32_t addToNotifications(const wchar_t* script);
+
+/** Changes the script of a notification. */
+LORNIX_API void updateNotifications(uint32_t index, const wchar_t* script);
+
+/** Removes a notification. */
+LORNIX_API void removeNotifications(uint32_t index);
+
+/** Makes the list persistent. */
+LORNIX_API void storeNotifications(void);
+
+/** Drops the list from memory. */
+LORNIX_API void freeNotifications(void);
+
+/** Loads the exception files: files and paths that are not accounted for.
+ * @return non-zero when they could be read; otherwise the list is empty. */
+LORNIX_API int loadExcludes(void);
+
+/** @return the path of an entry, null when there is none with that index. */
+LORNIX_API const wchar_t* getExcludes(uint32_t index);
+
+/** Adds a path. @return its index. */
+LORNIX_API uint32_t addToExcludes(const wchar_t* path);
+
+/** Changes the path of an entry. */
+LORNIX_API void updateExcludes(uint32_t index, const wchar_t* path);
+
+/** Removes an entry. */
+LORNIX_API void removeExcludes(uint32_t index);
+
+/** Makes the list persistent. */
+LORNIX_API void storeExcludes(void);
+
+/** Makes the list active. */
+LORNIX_API void applyExcludes(void);
+
+/** Drops the list from memory. */
+LORNIX_API void freeExcludes(void);
+
+/** Loads the blocked file masks.
+ * @return non-zero when they could be read; otherwise the list is empty. */
+LORNIX_API int loadExcludeExts(void);
+
+/** @return the path mask of an entry, null when there is none with that index. */
+LORNIX_API const wchar_t* getExcludeExtsPath(uint32_t index);
+
+/** @return the account that a mask is blocked for, owned by the store; null for all accounts. */
+LORNIX_API const void* getExcludeExtsSid(uint32_t index);
+
+/** Adds a mask.
+ * @param mask  passes to the store.
+ * @param sid   account, null for all; copied.
+ * @return its index. */
+LORNIX_API uint32_t addToExcludeExts(const wchar_t* mask, const void* sid);
+
+/** Changes an entry. Arguments as for addToExcludeExts. */
+LORNIX_API void updateExcludeExts(uint32_t index, const wchar_t* mask, const void* sid);
+
+/** Removes an entry. */
+LORNIX_API void removeExcludeExts(uint32_t index);
+
+/** Makes the list persistent. */
+LORNIX_API void storeExcludeExts(void);
+
+/** Makes the list active. */
+LORNIX_API void applyExcludeExts(void);
+
+/** Drops the list from memory. */
+LORNIX_API void freeExcludeExts(void);
+
+/** Loads the accounts that may administer quotas.
+ * @return non-zero when they could be read; otherwise the list is empty. */
+LORNIX_API int loadMgrAccounts(void);
+
+/** @return the account name of an entry, null when there is none with that index. */
+LORNIX_API const wchar_t* getMgrAccounts(uint32_t index);
+
+/** Adds an account name. @return its index. */
+LORNIX_API uint32_t addToMgrAccounts(const wchar_t* name);
+
+/** Changes the account name of an entry. */
+LORNIX_API void updateMgrAccounts(uint32_t index, const wchar_t* name);
+
+/** Removes an entry. */
+LORNIX_API void removeMgrAccounts(uint32_t index);
+
+/** Makes the list persistent. */
+LORNIX_API void storeMgrAccounts(void);
+
+/** Makes the list active. */
+LORNIX_API void applyMgrAccounts(void);
+
+/** Drops the list from memory. */
+LORNIX_API void freeMgrAccounts(void);
+
+/** Loads the backup tools: programs whose activity is not charged.
+ * @return non-zero when they could be read; otherwise the list is empty. */
+LORNIX_API int loadBackupTools(void);
+
+/** @return the image name of an entry, null when there is none with that index. */
+LORNIX_API const wchar_t* getBackupTools(uint32_t index);
+
+/** Adds an image name. @return its index. */
+LORNIX_API uint32_t addToBackupTools(const wchar_t* name);
+
+/** Changes the image name of an entry. */
+LORNIX_API void updateBackupTools(uint32_t index, const wchar_t* name);
+
+/** Removes an entry. */
+LORNIX_API void removeBackupTools(uint32_t index);
+
+/** Makes the list persistent. */
+LORNIX_API void storeBackupTools(void);
+
+/** Makes the list active. */
+LORNIX_API void applyBackupTools(void);
+
+/** Drops the list from memory. */
+LORNIX_API void freeBackupTools(void);
+
+/** Writes the exceptions that are active, as the driver has them, to a file of the store.
+ * @param fileName  name without a folder. */
+LORNIX_API void storeRulesFromDriver(const wchar_t* fileName);
+
 /* ---- diagnostics ---------------------------------------------------------------------------------------- */
 
 /** Dumps the chain that starts at a record to the debug channel.

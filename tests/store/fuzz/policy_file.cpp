@@ -1,0 +1,47 @@
+// Whatever the bytes are: no fault, and what was understood is written and read again as the same.
+#include "lornix/policy_file.h"
+#include "tests/unit/fuzz/fuzz_input.h"
+
+#include <algorithm>
+
+using namespace lornix;
+
+namespace {
+
+bool same(const PolicyRecord& a, const PolicyRecord& b)
+{
+    return a.text == b.text && std::ranges::equal(a.account.bytes(), b.account.bytes()) &&
+           a.attributes == b.attributes && a.sealedPassword == b.sealedPassword;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const PolicyFormat formats[] = {
+        {.kind = {"notifications", 1}, .word = "notification", .hasAttributes = true},
+        {.kind = {"blocked-extensions", 1}, .word = "mask", .hasAccount = true},
+        {.kind = {"excludes", 1}, .word = "exclude"},
+    };
+    for (const PolicyFormat& format : formats) {
+        const PolicyRecords read = readPolicy(format, text);
+        if (read.condition == Condition::kForeign) {
+            require(read.entries.empty(), "entries of a foreign file");
+            continue;
+        }
+        require((read.condition == Condition::kGood) == read.flaws.empty(), "the condition and the flaws");
+        for (const PolicyRecord& entry : read.entries) {
+            require(!entry.attributes[kPasswordAttribute], "a password in clear");
+        }
+        const PolicyRecords again = readPolicy(format, writePolicy(format, read.entries));
+        require(again.condition == Condition::kGood && std::ranges::equal(again.entries, read.entries, same),
+                "entries written and read again");
+    }
+    std::u16string units;
+    for (std::size_t i = 0; i + 1 < size; i += 2) {
+        units += static_cast<char16_t>(data[i] | data[i + 1] << 8);
+    }
+    attributeNumber(units);
+    return 0;
+}

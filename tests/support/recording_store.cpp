@@ -1,6 +1,7 @@
 #include "tests/support/recording_store.h"
 
 #include "tests/support/describe.h"
+#include "tests/support/rule_memory.h"
 #include "tests/support/store_table.h"
 #include "tests/support/text.h"
 
@@ -355,7 +356,7 @@ void* RecordingStore::unknownAccount()
 QuotaRule* RecordingStore::makeRule(const wchar_t* path, const void* sid, int64_t hardLimit,
                                     int64_t softLimit, int64_t inUse)
 {
-    auto* const rule = static_cast<QuotaRule*>(std::calloc(1, sizeof(QuotaRule)));
+    QuotaRule* const rule = rule_memory::below4GiB();
     rule->type = sid == nullptr ? QUOTA_RULE_FOR_ANYONE : QUOTA_RULE_FOR_ACCOUNT;
     rule->inUse = inUse;
     rule->hardLimit = hardLimit;

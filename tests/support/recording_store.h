@@ -48,7 +48,7 @@ public:
     /// A SID that no account has.
     void* unknownAccount();
 
-    /// A new rule on the heap, as the store hands them out: path and SID are copies of its own.
+    /// A new rule as the store hands them out: path and SID are copies of its own. The record lies below 4 GiB.
     static QuotaRule* makeRule(const wchar_t* path, const void* sid, int64_t hardLimit, int64_t softLimit,
                                int64_t inUse);
 

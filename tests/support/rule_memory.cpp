@@ -6,13 +6,13 @@
 
 namespace {
 
+constexpr size_t kPieceSize = 0x10000;
+
 /// Takes the first free piece of address space in steps from a place on.
 unsigned char* reserve(UINT_PTR from, UINT_PTR to)
 {
-    constexpr UINT_PTR kStep = 0x10000;
-    constexpr size_t kSize = 0x10000;
-    for (UINT_PTR address = from; address < to; address += kStep) {
-        if (void* const block = VirtualAlloc(reinterpret_cast<void*>(address), kSize,
+    for (UINT_PTR address = from; address < to; address += kPieceSize) {
+        if (void* const block = VirtualAlloc(reinterpret_cast<void*>(address), kPieceSize,
                                              MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE))
         {
             return static_cast<unsigned char*>(block);
@@ -21,21 +21,30 @@ unsigned char* reserve(UINT_PTR from, UINT_PTR to)
     throw std::bad_alloc();
 }
 
+/// Hands out records one after the other, from one piece of memory after the other.
 class Arena {
 public:
     Arena(UINT_PTR from, UINT_PTR to)
-        : next_(reserve(from, to))
+        : from_(from)
+        , to_(to)
     {
     }
     QuotaRule* take()
     {
+        if (next_ == end_) {
+            next_ = reserve(from_, to_);
+            end_ = next_ + kPieceSize;
+        }
         auto* const rule = reinterpret_cast<QuotaRule*>(next_);
         next_ += sizeof(QuotaRule);
         return rule;
     }
 
 private:
-    unsigned char* next_; // a thousand records; nobody takes more
+    UINT_PTR from_;
+    UINT_PTR to_;
+    unsigned char* next_ = nullptr;
+    unsigned char* end_ = nullptr;
 };
 
 constexpr UINT_PTR k4GiB = UINT_PTR{1} << 32;

@@ -251,6 +251,8 @@ INT_PTR CALLBACK MyDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 
 intptr_t editQuotaListEntry(HWND owner, QuotaRule* record, int mode)
 {
-    return openDialog(mode != 0 ? IDD_QUOTA_SETTINGS_ADD : IDD_QUOTA_SETTINGS_EDIT, owner, MyDlgProc,
-                      reinterpret_cast<LPARAM>(record));
+    const INT_PTR code = openDialog(mode != 0 ? IDD_QUOTA_SETTINGS_ADD : IDD_QUOTA_SETTINGS_EDIT, owner,
+                                    MyDlgProc, reinterpret_cast<LPARAM>(record));
+    // Some systems keep an end code as a signed int, and so give values from 2 GiB on back as negative ones.
+    return code == -1 ? -1 : NarrowHandle::fromCarrier(code).carrier();
 }

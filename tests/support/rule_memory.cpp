@@ -65,6 +65,12 @@ QuotaRule* below4GiB()
     return arena.take();
 }
 
+QuotaRule* between2And4GiB()
+{
+    static Arena arena(0x90000000, 0xF0000000);
+    return arena.take();
+}
+
 bool isAbove4GiB(const void* address)
 {
     return reinterpret_cast<UINT_PTR>(address) >= k4GiB;

@@ -12,6 +12,9 @@ QuotaRule* above4GiB();
 /// A zeroed record below 4 GiB.
 QuotaRule* below4GiB();
 
+/// A zeroed record below 4 GiB, at an address that is negative as a 32-bit number.
+QuotaRule* between2And4GiB();
+
 bool isAbove4GiB(const void* address);
 
 } // namespace rule_memory

@@ -1,0 +1,124 @@
+// Enabling buttons, and the button helpers.
+#include "tests/support/list_host.h"
+#include "tests/support/recording_store.h"
+
+#include <commctrl.h>
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using testing::ElementsAre;
+
+namespace {
+
+struct ButtonsTest : testing::Test {
+    RecordingStore store;
+    ListHost host;
+
+    void SetUp() override
+    {
+        initializeListCtrl2(host.object(), nullptr);
+        for (int id = 1; id <= 12; ++id) {
+            host.addControl(id);
+        }
+        host.addRow(1, {L"a"});
+        host.addRow(2, {L"b"});
+    }
+
+    /// The controls 1 to 12: E enabled, - disabled.
+    std::string states() const
+    {
+        std::string text;
+        for (int id = 1; id <= 12; ++id) {
+            text += IsWindowEnabled(GetDlgItem(host.window(), id)) ? 'E' : '-';
+        }
+        return text;
+    }
+};
+
+} // namespace
+
+TEST_F(ButtonsTest, NothingSelectedDisablesThoseListed)
+{
+    checkForButtons(host.window(), ListHost::kListId, 2, 3, 5, 0);
+    EXPECT_EQ(states(), "E--E-EEEEEEE");
+}
+
+TEST_F(ButtonsTest, ASelectedRowEnablesThoseListed)
+{
+    checkForButtons(host.window(), ListHost::kListId, 2, 3, 5, 0);
+    host.select(1);
+    checkForButtons(host.window(), ListHost::kListId, 3, 5, 0);
+    EXPECT_EQ(states(), "E-EEEEEEEEEE");
+}
+
+TEST_F(ButtonsTest, TheFocusAloneIsNoSelection)
+{
+    ListView_SetItemState(host.list(), 0, LVIS_FOCUSED, LVIS_FOCUSED);
+    checkForButtons(host.window(), ListHost::kListId, 1, 0);
+    EXPECT_EQ(states(), "-EEEEEEEEEEE");
+}
+
+TEST_F(ButtonsTest, AnyNumberOfControls)
+{
+    checkForButtons(host.window(), ListHost::kListId, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 0);
+    EXPECT_EQ(states(), "-----------E");
+    checkForButtons(host.window(), ListHost::kListId, 0);
+    EXPECT_EQ(states(), "-----------E");
+}
+
+TEST_F(ButtonsTest, ByListObject)
+{
+    checkForButtons2(host.window(), host.object(), 1, 2, 3, 4, 5, 6, 0);
+    EXPECT_EQ(states(), "------EEEEEE");
+    host.select(0);
+    checkForButtons2(host.window(), host.object(), 6, 0);
+    EXPECT_EQ(states(), "-----EEEEEEE");
+}
+
+TEST_F(ButtonsTest, NumbersAreTheLowHalfOfTheirSlot)
+{
+    constexpr long long kRubbish = 0x7654321000000000;
+    checkForButtons(host.window(), ListHost::kListId, kRubbish + 2, kRubbish + 4, kRubbish, 6, 0);
+    EXPECT_EQ(states(), "E-E-EEEEEEEE");
+    checkForButtons2(host.window(), host.object(), kRubbish + 1, kRubbish + 7, kRubbish + 8, kRubbish + 9,
+                     kRubbish);
+    EXPECT_EQ(states(), "--E-EE---EEE");
+}
+
+TEST_F(ButtonsTest, AMissingControlIsPassedOver)
+{
+    checkForButtons(host.window(), ListHost::kListId, 500, 1, 0);
+    EXPECT_EQ(states(), "-EEEEEEEEEEE");
+}
+
+TEST_F(ButtonsTest, StateIsReadAndSetAsItIs)
+{
+    host.addControl(20, L"BUTTON", BS_3STATE);
+    EXPECT_EQ(getButtonState(host.window(), 20), BST_UNCHECKED);
+    for (const int state : {BST_CHECKED, BST_INDETERMINATE, BST_UNCHECKED}) {
+        setButtonState(host.window(), 20, state);
+        EXPECT_EQ(getButtonState(host.window(), 20), state);
+        EXPECT_EQ(SendDlgItemMessageW(host.window(), 20, BM_GETCHECK, 0, 0), state);
+    }
+}
+
+TEST_F(ButtonsTest, AMissingButtonHasStateZero)
+{
+    EXPECT_EQ(getButtonState(host.window(), 500), 0);
+    setButtonState(host.window(), 500, BST_CHECKED);
+    setButtonIcon(host.window(), 500, nullptr);
+}
+
+TEST_F(ButtonsTest, IconIsShown)
+{
+    host.addControl(21, L"BUTTON", BS_ICON);
+    const HICON icon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_ERROR));
+    ASSERT_NE(icon, nullptr);
+    setButtonIcon(host.window(), 21, icon);
+    EXPECT_EQ(reinterpret_cast<HICON>(SendDlgItemMessageW(host.window(), 21, BM_GETIMAGE, IMAGE_ICON, 0)),
+              icon);
+    setButtonIcon(host.window(), 21, nullptr);
+    EXPECT_EQ(SendDlgItemMessageW(host.window(), 21, BM_GETIMAGE, IMAGE_ICON, 0), 0);
+}

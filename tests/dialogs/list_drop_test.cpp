@@ -1,0 +1,174 @@
+// Dropping rows, and handing the chain back.
+#include "tests/support/list_host.h"
+#include "tests/support/paths.h"
+#include "tests/support/recording_store.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct ListDropTest : testing::Test {
+    RecordingStore store;
+    ListHost host;
+
+    void fill(int rows)
+    {
+        initializeListCtrl2(host.object(), nullptr);
+        store.answer.getQuotaList = [rows](const wchar_t*) {
+            QuotaRule* first = nullptr;
+            for (int i = 0; i < rows; ++i) {
+                const std::wstring path(1, static_cast<wchar_t>(L'0' + i));
+                QuotaRule* const rule = RecordingStore::makeRule(path.c_str(), nullptr, 100, 90, 0);
+                rule->next = first;
+                first = rule;
+            }
+            return first; // the last comes first, and so ends up at the bottom
+        };
+        fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+        store.takeCalls();
+    }
+};
+
+} // namespace
+
+TEST_F(ListDropTest, RowsOneAndThreeOfFive)
+{
+    fill(5);
+    host.selectOnly({1, 3});
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_THAT(host.column(5), ElementsAre("0", "2", "4"));
+    EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("Anyone 0", "Anyone 2", "Anyone 4"));
+    EXPECT_EQ(host.record(0)->next, host.record(1));
+    EXPECT_EQ(host.record(1)->next, host.record(2));
+    EXPECT_EQ(host.record(0)->prev, nullptr);
+    EXPECT_EQ(host.record(2)->next, nullptr);
+}
+
+TEST_F(ListDropTest, NeighboursAndEnds)
+{
+    fill(6);
+    host.selectOnly({0, 2, 3, 5});
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_THAT(host.column(5), ElementsAre("1", "4"));
+    EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("Anyone 1", "Anyone 4"));
+}
+
+TEST_F(ListDropTest, AllRows)
+{
+    fill(3);
+    host.selectOnly({0, 1, 2});
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_EQ(host.rowCount(), 0);
+    EXPECT_EQ(getDataModified2(host.object()), nullptr);
+}
+
+TEST_F(ListDropTest, AnEmptyListGivesFalse)
+{
+    initializeListCtrl2(host.object(), nullptr);
+    EXPECT_EQ(dropFromListCtrl2(host.object()), 0);
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
+TEST_F(ListDropTest, NoSelectionGivesFalse)
+{
+    fill(3);
+    EXPECT_EQ(dropFromListCtrl2(host.object()), 0);
+    EXPECT_EQ(host.rowCount(), 3);
+    EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("Anyone 0", "Anyone 1", "Anyone 2"));
+}
+
+TEST_F(ListDropTest, AsksTheStoreNothing)
+{
+    fill(3);
+    host.selectOnly({1});
+    dropFromListCtrl2(host.object());
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
+TEST_F(ListDropTest, KeepsTheDroppedRecord)
+{
+    fill(3);
+    QuotaRule* const dropped = host.record(1);
+    host.selectOnly({1});
+    dropFromListCtrl2(host.object());
+    EXPECT_STREQ(dropped->path, L"1");
+    EXPECT_EQ(dropped->hardLimit, 100);
+}
+
+TEST_F(ListDropTest, LeavesTheDroppedRuleFreeToBeFilledAgain)
+{
+    fill(3);
+    host.selectOnly({0, 1, 2});
+    dropFromListCtrl2(host.object());
+    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    EXPECT_THAT(host.column(5), ElementsAre("0", "1", "2"));
+}
+
+TEST_F(ListDropTest, EverySecondOfAThousand)
+{
+    initializeListCtrl2(host.object(), nullptr);
+    store.answer.getQuotaList = [](const wchar_t*) {
+        QuotaRule* first = nullptr;
+        for (int i = 0; i < 1000; ++i) {
+            QuotaRule* const rule = RecordingStore::makeRule(std::to_wstring(i).c_str(), nullptr, 100, 90, 0);
+            rule->next = first;
+            first = rule;
+        }
+        return first;
+    };
+    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    std::vector<int> odd;
+    for (int i = 1; i < 1000; i += 2) {
+        odd.push_back(i);
+    }
+    host.selectOnly(odd);
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    ASSERT_EQ(host.rowCount(), 500);
+    const auto chain = chainTexts(host.record(0));
+    ASSERT_EQ(chain.size(), 500u);
+    for (size_t i = 0; i < 500; ++i) {
+        EXPECT_EQ(chain[i], "Anyone " + std::to_string(2 * i));
+        EXPECT_EQ(host.column(5)[i], std::to_string(2 * i));
+    }
+}
+
+TEST_F(ListDropTest, TheChainOfAnEmptyListIsNull)
+{
+    initializeListCtrl2(host.object(), nullptr);
+    EXPECT_EQ(getDataModified2(host.object()), nullptr);
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
+TEST_F(ListDropTest, TheChainIsHandedBackInRowOrderAndDumped)
+{
+    fill(3);
+    for (int row = 0; row < 3; ++row) { // broken, as an outsider might
+        host.record(row)->next = host.record(row);
+        host.record(row)->prev = host.record(2);
+    }
+    QuotaRule* const first = getDataModified2(host.object());
+    EXPECT_EQ(first, host.record(0));
+    EXPECT_THAT(chainTexts(first), ElementsAre("Anyone 0", "Anyone 1", "Anyone 2"));
+    EXPECT_THAT(store.calls(), ElementsAre("debug {Anyone 0, Anyone 1, Anyone 2}"));
+}
+
+TEST_F(ListDropTest, TheChainFollowsTheSortedRows)
+{
+    fill(3);
+    sortListCtrl2(host.object(), 0);
+    sortListCtrl2(host.object(), 5); // numbers, small to large
+    sortListCtrl2(host.object(), 5); // and the other way round
+    EXPECT_THAT(host.column(5), ElementsAre("2", "1", "0"));
+    EXPECT_THAT(chainTexts(getDataModified2(host.object())), ElementsAre("Anyone 2", "Anyone 1", "Anyone 0"));
+}
+
+TEST_F(ListDropTest, RowsAreCounted)
+{
+    initializeListCtrl2(host.object(), nullptr);
+    EXPECT_EQ(countItems2(host.object()), 0);
+    fill(4);
+    EXPECT_EQ(countItems2(host.object()), 4);
+}

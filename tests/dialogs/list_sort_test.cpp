@@ -172,11 +172,11 @@ TEST_F(ListSortTest, LongTextsAreComparedWhole)
 TEST_F(ListSortTest, SortsThousands)
 {
     std::vector<std::wstring> texts;
-    for (int i = 0; i < 5000; ++i) {
-        texts.push_back(std::to_wstring((i * 7919) % 5000) + L' ');
+    for (int i = 0; i < 1500; ++i) {
+        texts.push_back(std::to_wstring((i * 7919) % 1500) + L' ');
     }
     const auto sorted = sortedOnce(texts);
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 1500; ++i) {
         EXPECT_EQ(sorted[static_cast<size_t>(i)], std::to_string(i) + " ");
     }
 }

@@ -1,0 +1,106 @@
+// A list that faults while it is sorted.
+#include "tests/support/dialog_script.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/list_host.h"
+#include "tests/support/recording_store.h"
+
+#include <commctrl.h>
+
+#include <gmock/gmock.h>
+
+using testing::Each;
+using testing::ElementsAre;
+
+namespace {
+
+WNDPROC before = nullptr;
+Fault fault = Fault::None;
+
+int* volatile nowhere = nullptr;
+
+// The list as a host might have broken it: the text of its first row cannot be had.
+LRESULT CALLBACK faultOnFirstRow(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == LVM_GETITEMTEXTW && wParam == 0) {
+        if (fault == Fault::AccessViolation) {
+            *nowhere = 1;
+        } else {
+            RaiseException(0xE0000001, 0, 0, nullptr);
+        }
+    }
+    return CallWindowProcW(before, window, message, wParam, lParam);
+}
+
+std::vector<std::string> boxes;
+
+int WINAPI noteBox(HWND owner, const char* text, const char* caption, UINT style)
+{
+    boxes.push_back(std::string(caption) + ": " + text + ", " + std::to_string(style) + ", " +
+                    std::to_string(reinterpret_cast<UINT_PTR>(owner)));
+    return IDOK;
+}
+
+struct SortFaultTest : testing::Test {
+    RecordingStore store;
+    ListHost host;
+
+    void fill(const std::vector<std::wstring>& names)
+    {
+        initializeListCtrl2(host.object(), nullptr);
+        LPARAM data = 0;
+        for (const std::wstring& name : names) {
+            host.addRow(++data, {name});
+        }
+        sortListCtrl2(host.object(), 5); // so that the next column is a new one; all texts there are equal
+        before = reinterpret_cast<WNDPROC>(
+            SetWindowLongPtrW(host.list(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(faultOnFirstRow)));
+    }
+
+    std::vector<std::string> sorted()
+    {
+        sortListCtrl2(host.object(), 0);
+        SetWindowLongPtrW(host.list(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(before));
+        return host.column(0);
+    }
+};
+
+} // namespace
+
+TEST_F(SortFaultTest, ShowsABoxAndTakesTheRowsAsEqual)
+{
+    for (const Fault kind : {Fault::AccessViolation, Fault::ForeignException}) {
+        fault = kind;
+        fill({L"alice", L"bob"});
+        DialogScript script;
+        script.answerBox("Sort failed unexpectedly", "Error");
+        EXPECT_THAT(script.run([this] { return sorted(); }), ElementsAre("alice", "bob"));
+        EXPECT_EQ(script.boxOwner(), host.window());
+    }
+}
+
+TEST_F(SortFaultTest, ShowsABoxForEachComparisonWithTheRow)
+{
+    fault = Fault::AccessViolation;
+    const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
+    ASSERT_EQ(box.count(), 1);
+    fill({L"alice", L"bob", L"cleo", L"dan", L"eve"});
+    boxes.clear();
+    sorted();
+    EXPECT_GE(boxes.size(), 1u);
+    EXPECT_LE(boxes.size(), 4u);
+    EXPECT_THAT(boxes, Each("Error: Sort failed unexpectedly, " + std::to_string(MB_OK) + ", " +
+                            std::to_string(reinterpret_cast<UINT_PTR>(host.header()))));
+}
+
+TEST_F(SortFaultTest, SortsWellAgainAfterwards)
+{
+    fault = Fault::AccessViolation;
+    fill({L"alice", L"bob"});
+    {
+        const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
+        sorted();
+    }
+    sortListCtrl2(host.object(), 5);
+    sortListCtrl2(host.object(), 0);
+    EXPECT_THAT(host.column(0), ElementsAre("bob", "alice"));
+}

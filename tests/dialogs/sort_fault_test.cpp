@@ -18,10 +18,19 @@ Fault fault = Fault::None;
 
 int* volatile nowhere = nullptr;
 
+bool readsTextOfFirstRow(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == LVM_GETITEMTEXTW) {
+        return wParam == 0;
+    }
+    const auto* const item = reinterpret_cast<const LVITEMW*>(lParam);
+    return message == LVM_GETITEMW && item->iItem == 0 && (item->mask & LVIF_TEXT) != 0;
+}
+
 // The list as a host might have broken it: the text of its first row cannot be had.
 LRESULT CALLBACK faultOnFirstRow(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message == LVM_GETITEMTEXTW && wParam == 0) {
+    if (readsTextOfFirstRow(message, wParam, lParam)) {
         if (fault == Fault::AccessViolation) {
             *nowhere = 1;
         } else {

@@ -13,7 +13,7 @@
 
 namespace lornix {
 
-enum class AccountKind { kUser, kGroup };
+enum class AccountKind : std::uint8_t { kUser, kGroup };
 
 /// Users, groups, their members, domains and servers as the lines of a file say:
 ///

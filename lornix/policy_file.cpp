@@ -32,8 +32,10 @@ bool readHex(std::string_view text, std::string& bytes)
     bytes.clear();
     for (; !text.empty(); text.remove_prefix(2)) {
         unsigned byte = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + 2, byte, 16);
-        if (error != std::errc() || end != text.data() + 2) {
+        const std::string_view pair = text.substr(0, 2);
+        const char* const last = pair.data() + pair.size();
+        const auto [end, error] = std::from_chars(pair.data(), last, byte, 16);
+        if (error != std::errc() || end != last) {
             return false;
         }
         bytes += static_cast<char>(byte);
@@ -107,16 +109,17 @@ void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRe
         return;
     }
     for (std::size_t i = 0; i < kAttributeCount; ++i) {
-        const bool isPassword = i == kPasswordAttribute;
-        if (isPassword ? entry.sealedPassword.empty() : !entry.attributes[i]) {
-            continue;
-        }
-        line += kAttributeWords[i];
-        line += '\t';
-        if (isPassword) {
+        const auto& text = entry.attributes[i];
+        if (i == kPasswordAttribute && !entry.sealedPassword.empty()) {
+            line += kAttributeWords[i];
+            line += '\t';
             appendHex(line, entry.sealedPassword);
+        } else if (i != kPasswordAttribute && text) {
+            line += kAttributeWords[i];
+            line += '\t';
+            appendEscaped(line, *text);
         } else {
-            appendEscaped(line, *entry.attributes[i]);
+            continue;
         }
         writer.endLine();
     }

@@ -59,8 +59,8 @@ bool PolicyList::take(const PolicyRecord& record)
     put(entry.text, record.text);
     entry.account = record.account;
     for (std::size_t i = 0; i < kAttributeCount; ++i) {
-        if (record.attributes[i]) {
-            put(entry.attributes[i], *record.attributes[i]);
+        if (const auto& attribute = record.attributes[i]) {
+            put(entry.attributes[i], *attribute);
         }
     }
     entry.sealedPassword = record.sealedPassword;
@@ -194,7 +194,7 @@ bool PolicyList::toRecords(std::vector<PolicyRecord>& records)
 bool PolicyList::write(const KeptFile& file, const std::string& text) const
 {
     std::optional<StoreLock> lock;
-    if (!openForChange(file.folder, lock, file.title + L" cannot be stored")) {
+    if (!openForChange(file.folder, lock, file.title + L" cannot be stored") || !lock) {
         return false;
     }
     Patience patience;

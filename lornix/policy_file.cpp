@@ -33,9 +33,8 @@ bool readHex(std::string_view text, std::string& bytes)
     for (; !text.empty(); text.remove_prefix(2)) {
         unsigned byte = 0;
         const std::string_view pair = text.substr(0, 2);
-        const char* const last = pair.data() + pair.size();
-        const auto [end, error] = std::from_chars(pair.data(), last, byte, 16);
-        if (error != std::errc() || end != last) {
+        const auto [end, error] = std::from_chars(pair.data(), pair.data() + pair.size(), byte, 16);
+        if (error != std::errc() || end != pair.data() + pair.size()) {
             return false;
         }
         bytes += static_cast<char>(byte);

@@ -3,7 +3,7 @@
 //
 // The shell's look-ups of icons cost most by far, and the same on both sides. So that they hide nothing, the large
 // folder is opened with a fixed answer in their place, and a small one with the shell's own.
-//   files_bench [FILES] [RUNS]      default 100000 files, the smallest of 3 runs counts
+//   files_bench FOLDER SMALL_FOLDER RUNS      the smallest of the runs counts; bench/files makes the folders
 #include "files/dir_tree_ctrl.h"
 #include "tests/support/import_patch.h"
 
@@ -11,46 +11,12 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cwchar>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <random>
 #include <shellapi.h>
 #include <string>
 #include <vector>
 
 namespace {
-
-namespace fs = std::filesystem;
-
-/// A folder of empty files with random names, removed at the end.
-class ManyFiles {
-public:
-    explicit ManyFiles(int count)
-        : m_folder(fs::temp_directory_path() / (L"corvane-bench-" + std::to_wstring(GetCurrentProcessId())))
-    {
-        fs::create_directories(m_folder);
-        std::mt19937 random(4711);
-        for (int i = 0; i < count; ++i) {
-            wchar_t name[40];
-            swprintf(name, std::size(name), L"%08X-%d.dat", static_cast<unsigned>(random()), i);
-            std::ofstream(m_folder / name).put('x');
-        }
-    }
-    ManyFiles(const ManyFiles&) = delete;
-    ManyFiles& operator=(const ManyFiles&) = delete;
-    ~ManyFiles()
-    {
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-
-    const std::wstring& path() const { return m_folder.native(); }
-
-private:
-    fs::path m_folder;
-};
 
 double seconds(const std::function<void()>& work)
 {
@@ -207,33 +173,36 @@ DWORD_PTR WINAPI fixedInfo(const wchar_t* path, DWORD attributes, SHFILEINFOW* i
     return 1;
 }
 
-void compare(const char* title, int count, int runs)
+void compare(const char* title, const std::wstring& folder, int runs)
 {
-    const ManyFiles files(count);
     Measured bare{};
     Measured ours{};
     for (int run = 0; run < runs; ++run) {
-        keepSmallest(bare, measureBare(files.path()), run == 0);
-        keepSmallest(ours, measureOurs(files.path()), run == 0);
+        keepSmallest(bare, measureBare(folder), run == 0);
+        keepSmallest(ours, measureOurs(folder), run == 0);
     }
-    std::printf("%d files, %s\n%-24s %11s %11s %7s\n", count, title, "", "tree", "bare", "ratio");
+    std::printf("%-24s %11s %11s %7s\n", title, "tree", "bare", "ratio");
     print("list", ours.list, bare.list);
     print("open (lists twice)", ours.open, bare.open);
     print("close", ours.close, bare.close);
+    std::fflush(stdout);
 }
 
 } // namespace
 
-int main(int argc, char** argv)
+int wmain(int argc, wchar_t** argv)
 {
-    const int count = argc > 1 ? std::atoi(argv[1]) : 100000;
-    const int runs = argc > 2 ? std::atoi(argv[2]) : 3;
+    if (argc != 4) {
+        std::fputs("usage: files_bench FOLDER SMALL_FOLDER RUNS\n", stderr);
+        return 2;
+    }
+    const int runs = std::max(_wtoi(argv[3]), 1);
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TREEVIEW_CLASSES};
     InitCommonControlsEx(&classes);
     {
         const ImportPatch icons(GetModuleHandleW(nullptr), "SHGetFileInfoW", &fixedInfo);
-        compare("icons by a fixed answer", count, runs);
+        compare("icons by a fixed answer", argv[1], runs);
     }
-    compare("icons by the shell", std::max(count / 100, 1), runs);
+    compare("icons by the shell", argv[2], runs);
     return 0;
 }

@@ -175,7 +175,7 @@ std::wstring CDirTreeCtrl::fullPath(HTREEITEM node) const
 {
     std::wstring path;
     for (; node != nullptr; node = parent(node)) {
-        path = text(node) + L'\\' + path;
+        path.insert(0, text(node).append(1, L'\\'));
     }
     return withoutBackslashes(std::move(path));
 }

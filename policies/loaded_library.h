@@ -3,6 +3,8 @@
 
 #include "frame/platform.h"
 
+#include <bit>
+
 class LoadedLibrary {
 public:
     explicit LoadedLibrary(const wchar_t* fileName)
@@ -31,8 +33,6 @@ private:
 template <class Function>
 bool lookUp(HMODULE module, const char* name, Function*& entry)
 {
-    entry = module != nullptr
-                ? reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)))
-                : nullptr;
+    entry = std::bit_cast<Function*>(module != nullptr ? GetProcAddress(module, name) : nullptr);
     return entry != nullptr;
 }

@@ -1,5 +1,6 @@
 #include "policies/process_chooser.h"
 
+#include "frame/c_memory.h"
 #include "frame/crash_guard.h"
 #include "frame/dialog.h"
 #include "frame/list_ctrl.h"
@@ -76,7 +77,8 @@ void onOk(HWND dialog)
         return;
     }
     const std::wstring name = list.text(row, 0).substr(0, kNameLength);
-    EndDialog(dialog, reinterpret_cast<INT_PTR>(_wcsdup(name.c_str())));
+    CBlock<wchar_t> copy(_wcsdup(name.c_str()));
+    EndDialog(dialog, reinterpret_cast<INT_PTR>(copy.release())); // on to whoever opened the dialog
 }
 
 BOOL onCommand(HWND dialog, int id)

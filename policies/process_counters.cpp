@@ -71,7 +71,7 @@ DWORD localName(const CounterApi& api, const wchar_t* machine, DWORD index, wcha
 {
     DWORD room = kNameRoom;
     const auto status = static_cast<DWORD>(api.lookUpName(machine, index, name, &room));
-    return status == static_cast<DWORD>(PDH_ACCESS_DENIED) ? ERROR_ACCESS_DENIED : status;
+    return status == PDH_ACCESS_DENIED ? ERROR_ACCESS_DENIED : status;
 }
 
 DWORD counterPath(const CounterApi& api, const wchar_t* machine, wchar_t (&path)[kPathRoom])
@@ -120,7 +120,7 @@ DWORD readCounters(const CounterApi& api, const wchar_t* machine, ProcessCounter
     DWORD bytes = 0;
     DWORD count = 0;
     const DWORD asked = query.array(bytes, count, nullptr);
-    if (asked != ERROR_SUCCESS && asked != static_cast<DWORD>(PDH_MORE_DATA)) {
+    if (asked != ERROR_SUCCESS && asked != PDH_MORE_DATA) {
         return asked;
     }
     counters.items = allocateFromProcessHeap(bytes);

@@ -67,7 +67,7 @@ const wchar_t* moduleName(const ModuleApi& api, DWORD processId, wchar_t (&buffe
     HANDLE process = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId);
     HMODULE module = nullptr;
     DWORD needed = 0;
-    if (process != nullptr && api.enumProcessModules(process, &module, sizeof module, &needed) &&
+    if (process != nullptr && api.enumProcessModules(process, &module, sizeof(HMODULE), &needed) &&
         api.getModuleFileName(process, module, buffer, MAX_PATH) != 0)
     {
         const wchar_t* backslash = std::wcsrchr(buffer, L'\\');

@@ -26,7 +26,7 @@ template <class T>
 T at(const std::byte* record, std::size_t offset)
 {
     T value;
-    std::memcpy(&value, record + offset, sizeof value);
+    std::memcpy(static_cast<void*>(&value), record + offset, sizeof value);
     return value;
 }
 

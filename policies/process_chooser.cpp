@@ -1,6 +1,5 @@
 #include "policies/process_chooser.h"
 
-#include "frame/c_memory.h"
 #include "frame/crash_guard.h"
 #include "frame/dialog.h"
 #include "frame/list_ctrl.h"
@@ -68,24 +67,22 @@ BOOL onNotify(HWND dialog, const NMHDR* header)
     }
 }
 
-void onOk(HWND dialog)
+// @return the first selected row's name as an end code: a copy for whoever opened the dialog, 0 without a selection.
+INT_PTR chosenName(const CListCtrl& list)
 {
-    const DialogList list(dialog, IDC_PROCESS_LIST);
     const int row = list.nextSelected();
     if (row == -1) {
-        EndDialog(dialog, 0);
-        return;
+        return 0;
     }
     const std::wstring name = list.text(row, 0).substr(0, kNameLength);
-    CBlock<wchar_t> copy(_wcsdup(name.c_str()));
-    EndDialog(dialog, reinterpret_cast<INT_PTR>(copy.release())); // on to whoever opened the dialog
+    return reinterpret_cast<INT_PTR>(_wcsdup(name.c_str()));
 }
 
 BOOL onCommand(HWND dialog, int id)
 {
     switch (id) {
     case IDOK:
-        onOk(dialog);
+        EndDialog(dialog, chosenName(DialogList(dialog, IDC_PROCESS_LIST)));
         break;
     case IDCANCEL:
         EndDialog(dialog, 0);

@@ -67,22 +67,23 @@ BOOL onNotify(HWND dialog, const NMHDR* header)
     }
 }
 
-// @return the first selected row's name as an end code: a copy for whoever opened the dialog, 0 without a selection.
-INT_PTR chosenName(const CListCtrl& list)
+void onOk(HWND dialog)
 {
+    const DialogList list(dialog, IDC_PROCESS_LIST);
     const int row = list.nextSelected();
     if (row == -1) {
-        return 0;
+        EndDialog(dialog, 0);
+        return;
     }
     const std::wstring name = list.text(row, 0).substr(0, kNameLength);
-    return reinterpret_cast<INT_PTR>(_wcsdup(name.c_str()));
-}
+    EndDialog(dialog, reinterpret_cast<INT_PTR>(_wcsdup(name.c_str())));
+} // NOLINT(clang-analyzer-unix.Malloc): the copy goes to whoever opened the dialog
 
 BOOL onCommand(HWND dialog, int id)
 {
     switch (id) {
     case IDOK:
-        EndDialog(dialog, chosenName(DialogList(dialog, IDC_PROCESS_LIST)));
+        onOk(dialog);
         break;
     case IDCANCEL:
         EndDialog(dialog, 0);

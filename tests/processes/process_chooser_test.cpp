@@ -249,6 +249,9 @@ TEST_F(ProcessChooserTest, SortsByTheColumnThatIsClicked)
         EXPECT_EQ(clicked(-1), first); // no column
         click.hdr.idFrom = 999;
         EXPECT_EQ(clicked(0), first); // another list
+        // Neither of the two counted as a click that turns the order round.
+        click.hdr.idFrom = kList;
+        EXPECT_EQ(clicked(0), first == upwards ? downwards : upwards);
         clickLater(dialog, IDCANCEL);
     });
     EXPECT_EQ(chosen(script), std::nullopt);

@@ -96,6 +96,53 @@ BOOL WINAPI end(HWND dialog, INT_PTR result)
     return reallyEnd(dialog, result);
 }
 
+/// Memory of which every address has its 32nd bit set, for the large blocks of one module.
+class HighBlocks {
+public:
+    HighBlocks()
+    {
+        for (UINT_PTR place = 0x80000000; start == nullptr && place < 0xF0000000; place += 0x10000) {
+            start = static_cast<char*>(VirtualAlloc(reinterpret_cast<void*>(place), kSize,
+                                                    MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+        }
+        used = 0;
+        EXPECT_NE(start, nullptr);
+        EXPECT_GE(allocations.count(), 1);
+        EXPECT_GE(releases.count(), 1);
+    }
+    ~HighBlocks()
+    {
+        VirtualFree(start, 0, MEM_RELEASE);
+        start = nullptr;
+    }
+    HighBlocks(const HighBlocks&) = delete;
+    HighBlocks& operator=(const HighBlocks&) = delete;
+
+private:
+    static constexpr size_t kSize = 1u << 20;
+    static inline char* start = nullptr;
+    static inline size_t used = 0;
+
+    static void* allocate(size_t size)
+    {
+        if (size < 300 || used + size > kSize) {
+            return std::malloc(size);
+        }
+        char* block = start + used;
+        used += (size + 15) / 16 * 16;
+        return block;
+    }
+    static void release(void* block)
+    {
+        if (block < start || block >= start + kSize) {
+            std::free(block);
+        }
+    }
+
+    ImportPatch allocations{ImportPatch::corvane(), "malloc", &allocate};
+    ImportPatch releases{ImportPatch::corvane(), "free", &release};
+};
+
 struct ChooseFileTest : testing::Test {
     ChooseFileTest()
     {
@@ -260,6 +307,25 @@ TEST_F(ChooseFileTest, EndsWithTheSignExtendedLowHalf)
         EXPECT_NE(ended, 0);
         EXPECT_EQ(ended, static_cast<INT_PTR>(static_cast<int>(ended)));
     }
+}
+
+TEST_F(ChooseFileTest, SurvivesAPathWhoseAddressLooksNegative)
+{
+    ImportPatch endPatch(ImportPatch::corvane(), "EndDialog", &end);
+    reallyEnd = endPatch.original<BOOL WINAPI(HWND, INT_PTR)>();
+    disk.setFolder(L"Q:\\", {file(std::wstring(250, L'q')), file(L"z")});
+    const HighBlocks high;
+    DialogScript script;
+    script.onDialog("choose a file", [](HWND dialog) {
+        HWND tree = treeOf(dialog);
+        HTREEITEM node = next(tree, TVGN_NEXT, next(tree, TVGN_ROOT));
+        expand(tree, node);
+        select(tree, next(tree, TVGN_CHILD, node));
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), "Q:\\" + std::string(250, 'q'));
+    EXPECT_LT(ended, -1);
+    EXPECT_EQ(ended, static_cast<INT_PTR>(static_cast<int>(ended)));
 }
 
 TEST_F(ChooseFileTest, ADialogThatCannotOpenGivesNull)

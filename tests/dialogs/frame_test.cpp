@@ -13,7 +13,9 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr wchar_t kKey[] = L"Software\\CorvaneTests\\Registry";
+// One per process: tests run side by side.
+const std::wstring keyName = L"Software\\CorvaneTests\\Registry" + std::to_wstring(GetCurrentProcessId());
+const wchar_t* const kKey = keyName.c_str();
 
 class RegistryTest : public testing::Test {
 protected:

@@ -12,3 +12,13 @@ inline int compareIgnoringCase(const wchar_t* a, const wchar_t* b)
     return wcscasecmp(a, b);
 #endif
 }
+
+/// Whether a text begins with a start of the given length, in any case.
+inline bool startsWithIgnoringCase(const wchar_t* text, const wchar_t* start, size_t length)
+{
+#ifdef _WIN32
+    return _wcsnicmp(text, start, length) == 0;
+#else
+    return wcsncasecmp(text, start, length) == 0;
+#endif
+}

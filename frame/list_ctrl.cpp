@@ -34,6 +34,17 @@ int CListCtrl::insertRow(int index, const wchar_t* text, LPARAM data) const
     return static_cast<int>(send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
 }
 
+int CListCtrl::insertRow(int index, int image, const wchar_t* text, LPARAM data) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
+    item.iItem = index;
+    item.iImage = image;
+    item.pszText = const_cast<wchar_t*>(text);
+    item.lParam = data;
+    return static_cast<int>(send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+}
+
 void CListCtrl::setText(int row, int column, const wchar_t* text) const
 {
     LVITEMW item{};
@@ -84,4 +95,12 @@ void CListCtrl::setData(int row, LPARAM data) const
     item.iItem = row;
     item.lParam = data;
     send(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+int CListCtrl::image(int row) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_IMAGE;
+    item.iItem = row;
+    return send(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) ? item.iImage : 0;
 }

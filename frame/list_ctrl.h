@@ -29,6 +29,8 @@ public:
     /// @return the row's index, which differs from the wanted one in a list that sorts by itself; -1 on
     /// failure.
     int insertRow(int index, const wchar_t* text, LPARAM data) const;
+    /// The same with an image of the list's image list.
+    int insertRow(int index, int image, const wchar_t* text, LPARAM data) const;
     void deleteRow(int row) const { send(LVM_DELETEITEM, static_cast<WPARAM>(row)); }
     void deleteAllRows() const { send(LVM_DELETEALLITEMS); }
 
@@ -39,6 +41,9 @@ public:
     /// The row's item data, 0 for a row that does not exist.
     LPARAM data(int row) const;
     void setData(int row, LPARAM data) const;
+
+    /// Index of the row's image.
+    int image(int row) const;
 
     /// @return the next selected row after `row` (-1: from the start), or -1.
     int nextSelected(int row = -1) const

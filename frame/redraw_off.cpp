@@ -5,7 +5,9 @@
 RedrawOff::RedrawOff(const CWnd& window)
     : m_window(window.handle())
     , m_visible((GetWindowLongPtrW(m_window, GWL_STYLE) & WS_VISIBLE) != 0)
+    , m_unpainted(CreateRectRgn(0, 0, 0, 0))
 {
+    GetUpdateRgn(m_window, m_unpainted.get(), FALSE);
     SendMessageW(m_window, WM_SETREDRAW, FALSE, 0);
 }
 
@@ -20,6 +22,15 @@ void RedrawOff::restore()
         ShowWindow(m_window, SW_HIDE);
     }
     InvalidateRect(m_window, nullptr, TRUE);
+}
+
+void RedrawOff::restoreUnchanged()
+{
+    if (m_off) {
+        restore();
+        ValidateRect(m_window, nullptr);
+        InvalidateRgn(m_window, m_unpainted.get(), TRUE);
+    }
 }
 
 namespace redraw_detail {

@@ -3,6 +3,7 @@
 
 #include "frame/wnd.h"
 
+#include <memory>
 #include <type_traits>
 
 /// Switches a control's redrawing off, then on again, and has the control repainted once. For work inside a
@@ -17,10 +18,18 @@ public:
     /// Switches redrawing on again; once.
     void restore();
 
+    /// The same where nothing that can be seen has changed: what waited for a repaint before goes on waiting, and
+    /// nothing else is painted.
+    void restoreUnchanged();
+
 private:
     HWND m_window;
     bool m_visible;
     bool m_off = true;
+    struct RegionDelete {
+        void operator()(HRGN region) const { DeleteObject(region); }
+    };
+    std::unique_ptr<std::remove_pointer_t<HRGN>, RegionDelete> m_unpainted; ///< what waits for a repaint
 };
 
 namespace redraw_detail {

@@ -235,6 +235,22 @@ CORVANE_API void showHelp(HWND owner);
 
 /* ---- accounts ------------------------------------------------------------------------------------------- */
 
+/** The modal dialog "Choose subject": one user or group, picked from a list of all that this machine and its domain
+ * know, or typed by name. The list is filled on a thread of the library's own, with the store's help; the thread
+ * keeps the library loaded until it ends, also when the dialog is destroyed before.
+ * When the dialog cannot be shown, the result of the last call comes again; a SID has been handed out then already,
+ * so release no value twice.
+ * @param parent  owner window, may be null.
+ * @return null for nothing chosen, CORVANE_ANYONE, or a copy of a SID made by the store's sidDup, which is the
+ *         caller's and is released with free.
+ */
+CORVANE_API void* chooseSidFromUserInput(HWND parent);
+
+/** The same with accounts that are listed first, as "File owner", and not again as users or groups.
+ * @param presetOwners  stays the caller's; only read, and not after the call. May be null.
+ */
+CORVANE_API void* chooseSidFromUserInput2(HWND parent, SidList* presetOwners);
+
 /** Whether the calling thread's user has the rights of the local Administrators group, so that a host can offer
  * or withhold the editing of rules. A member whose group is disabled in the token, as in a session that is not
  * elevated, has not. Shows nothing; what went wrong goes to the store's debug channel.

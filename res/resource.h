@@ -40,4 +40,17 @@
 #define IDB_ABOUT_LOGO 146
 #define IDB_ABOUT_PICTURE 147
 
+// Choose subject, and the images of its list
+#define IDD_CHOOSER 9
+#define IDC_CHOOSER_CUSTOM_BASE 1006
+#define IDC_CHOOSER_BASE 1007
+#define IDC_CHOOSER_LIST 1008
+#define IDC_CHOOSER_NAME 1009
+#define IDC_CHOOSER_SEARCH 1013
+#define IDC_CHOOSER_TYPE 1014
+#define IDI_COMPUTER 136
+#define IDI_DOMAIN 137
+#define IDI_GROUP 138
+#define IDI_USER 139
+
 #endif

@@ -1,0 +1,206 @@
+#include "accounts/fb_list_ctrl.h"
+
+#include "accounts/filter_match.h"
+#include "frame/redraw_off.h"
+
+#include <algorithm>
+#include <climits>
+#include <iterator>
+
+namespace {
+
+// How long the header waits for the next key before it tells of a changed filter.
+constexpr LPARAM kFilterDelayMilliseconds = 50;
+// Characters of a filter, with the terminator.
+constexpr int kFilterCapacity = 260;
+
+constexpr UINT kKeptState = LVIS_SELECTED | LVIS_FOCUSED;
+
+HDITEMW textFilter(HD_TEXTFILTERW& filter, wchar_t (&buffer)[kFilterCapacity])
+{
+    buffer[0] = L'\0';
+    filter.pszText = buffer;
+    filter.cchTextMax = kFilterCapacity;
+    HDITEMW item{};
+    item.mask = HDI_FILTER;
+    item.type = HDFT_ISSTRING;
+    item.pvFilter = &filter;
+    return item;
+}
+
+} // namespace
+
+const wchar_t* CFBListCtrl::SavedRow::text(int column) const
+{
+    const wchar_t* text = texts.c_str();
+    for (; column > 0; --column) {
+        text += wcslen(text) + 1;
+    }
+    return text;
+}
+
+void CFBListCtrl::addFilterBar() const
+{
+    HWND bar = header();
+    SetWindowLongPtrW(bar, GWL_STYLE, GetWindowLongPtrW(bar, GWL_STYLE) | HDS_FILTERBAR);
+    SendMessageW(bar, HDM_SETFILTERCHANGETIMEOUT, 0, kFilterDelayMilliseconds);
+    wchar_t buffer[kFilterCapacity];
+    HD_TEXTFILTERW filter;
+    HDITEMW item = textFilter(filter, buffer);
+    const int columns = columnCount();
+    for (int column = 0; column < columns; ++column) {
+        SendMessageW(bar, HDM_SETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+    }
+    // The header is higher now; the list makes room for it when its frame is worked out again.
+    SetWindowPos(handle(), nullptr, 0, 0, 0, 0,
+                 SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+const wchar_t* CFBListCtrl::filter(int column) const
+{
+    const auto index = static_cast<std::size_t>(column);
+    return index < m_filters.size() ? m_filters[index].c_str() : L"";
+}
+
+void CFBListCtrl::readFilters()
+{
+    HWND bar = header();
+    m_filters.assign(static_cast<std::size_t>(columnCount()), {});
+    for (std::size_t column = 0; column < m_filters.size(); ++column) {
+        wchar_t buffer[kFilterCapacity];
+        HD_TEXTFILTERW filter;
+        HDITEMW item = textFilter(filter, buffer);
+        if (SendMessageW(bar, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&item))) {
+            buffer[std::size(buffer) - 1] = L'\0';
+            m_filters[column] = buffer;
+        }
+    }
+}
+
+bool CFBListCtrl::rejects(int row) const
+{
+    for (std::size_t column = 0; column < m_filters.size(); ++column) {
+        const std::wstring& filter = m_filters[column];
+        if (!filter.empty() && !passesFilter(text(row, static_cast<int>(column)).c_str(), filter.c_str())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool CFBListCtrl::rejects(const SavedRow& row) const
+{
+    const wchar_t* text = row.texts.c_str();
+    for (const std::wstring& filter : m_filters) {
+        if (!passesFilter(text, filter.c_str())) {
+            return true;
+        }
+        text += wcslen(text) + 1;
+    }
+    return false;
+}
+
+CFBListCtrl::SavedRow CFBListCtrl::save(int row) const
+{
+    SavedRow saved;
+    LVITEMW item{};
+    item.mask = LVIF_IMAGE | LVIF_PARAM | LVIF_STATE;
+    item.stateMask = kKeptState;
+    item.iItem = row;
+    send(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    saved.image = item.iImage;
+    saved.data = item.lParam;
+    saved.state = item.state;
+    for (int column = 0; column < static_cast<int>(m_filters.size()); ++column) {
+        saved.texts += text(row, column);
+        saved.texts += L'\0';
+    }
+    return saved;
+}
+
+void CFBListCtrl::putBack(const SavedRow& saved) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM | LVIF_STATE;
+    item.iItem = INT_MAX;
+    item.iImage = saved.image;
+    item.lParam = saved.data;
+    item.stateMask = kKeptState;
+    item.state = saved.state;
+    const wchar_t* text = saved.texts.c_str();
+    item.pszText = const_cast<wchar_t*>(text);
+    const auto row = static_cast<int>(send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+    for (int column = 1; column < static_cast<int>(m_filters.size()); ++column) {
+        text += wcslen(text) + 1;
+        setText(row, column, text);
+    }
+}
+
+bool CFBListCtrl::filterRows()
+{
+    readFilters();
+    bool cameBack = false;
+    withRedrawOff(*this, [&] {
+        std::vector<int> rejected;
+        std::vector<SavedRow> saved;
+        const int rows = rowCount();
+        for (int row = 0; row < rows; ++row) {
+            if (rejects(row)) {
+                rejected.push_back(row);
+                saved.push_back(save(row));
+                saved.back().state = 0; // hidden, a row loses its selection
+            }
+        }
+        std::vector<SavedRow> before;
+        before.reserve(m_hidden.size() + saved.size()); // before any row goes: what fails, fails without loss
+        before.swap(m_hidden);
+        remove(rejected);
+        for (SavedRow& row : before) {
+            if (rejects(row)) {
+                m_hidden.push_back(std::move(row));
+            } else {
+                putBack(row);
+                cameBack = true;
+            }
+        }
+        std::move(saved.begin(), saved.end(), std::back_inserter(m_hidden));
+    });
+    return cameBack;
+}
+
+/// Removes rows, given in ascending order, and leaves the others as they are.
+void CFBListCtrl::remove(const std::vector<int>& rows) const
+{
+    // Either the rows that go are touched, or those that stay.
+    if (rows.size() > static_cast<std::size_t>(rowCount()) - rows.size()) {
+        rebuildWithout(rows);
+        return;
+    }
+    for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+        deleteRow(*row); // from the end, where the fewest rows move up
+    }
+}
+
+void CFBListCtrl::rebuildWithout(const std::vector<int>& rows) const
+{
+    std::vector<SavedRow> staying;
+    const auto marked = static_cast<int>(send(LVM_GETSELECTIONMARK));
+    int newMark = -1;
+    const int count = rowCount();
+    auto gone = rows.begin();
+    for (int row = 0; row < count; ++row) {
+        if (gone != rows.end() && *gone == row) {
+            ++gone;
+            continue;
+        }
+        if (row == marked) {
+            newMark = static_cast<int>(staying.size());
+        }
+        staying.push_back(save(row));
+    }
+    deleteAllRows();
+    for (const SavedRow& row : staying) {
+        putBack(row);
+    }
+    send(LVM_SETSELECTIONMARK, 0, newMark);
+}

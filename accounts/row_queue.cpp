@@ -1,0 +1,120 @@
+#include "accounts/row_queue.h"
+
+#include <mutex>
+#include <utility>
+
+namespace {
+
+// A list that does not take rows for a while, under a message box of the host, is not flooded meanwhile.
+constexpr std::size_t kMostWaiting = 16384;
+// How often a fill thread that waits for room makes sure that the window is still there.
+constexpr DWORD kLookMilliseconds = 500;
+
+} // namespace
+
+bool RowQueue::alive()
+{
+    const std::lock_guard lock(m_lock);
+    return m_list != nullptr;
+}
+
+int RowQueue::rowCount()
+{
+    const std::lock_guard lock(m_lock);
+    return m_rowCount;
+}
+
+void RowQueue::insert(int index, int image, const wchar_t* account, const wchar_t* fullName,
+                      const wchar_t* type, void* data)
+{
+    RowBatch::Entry entry{false, index, image, 0, AccountData(data)};
+    std::wstring texts;
+    for (const wchar_t* text : {account, fullName, type}) {
+        texts += text != nullptr ? text : L"";
+        texts += L'\0';
+    }
+    append(std::move(entry), texts);
+}
+
+void RowQueue::removeFirstInserted()
+{
+    append({true, 0, 0, 0, nullptr}, {});
+}
+
+void RowQueue::append(RowBatch::Entry entry, const std::wstring& texts)
+{
+    const std::lock_guard lock(m_lock);
+    while (m_list != nullptr && m_waiting.entries.size() >= kMostWaiting) {
+        waitForList();
+    }
+    if (m_list == nullptr) {
+        return;
+    }
+    m_rowCount += entry.removesFirst ? -1 : 1;
+    entry.texts = m_waiting.texts.size();
+    m_waiting.texts += texts;
+    m_waiting.entries.push_back(std::move(entry));
+    if (!m_noticed) {
+        notify();
+    }
+}
+
+void RowQueue::end()
+{
+    const std::lock_guard lock(m_lock);
+    m_ended = true;
+    notify();
+    while (m_list != nullptr && !m_noticed)
+    { // a message queue that is full: nothing else would tell of the end
+        waitForList();
+        notify();
+    }
+}
+
+void RowQueue::waitForList()
+{
+    m_lock.wait(m_taken, kLookMilliseconds);
+    if (m_list != nullptr && !IsWindow(m_list)) {
+        m_list = nullptr; // it went with its thread, without a word
+    }
+}
+
+// Under the lock, as is the closing: no notice goes to a window that is gone, or to the next one of that number.
+void RowQueue::notify()
+{
+    m_noticed = m_list != nullptr && PostMessageW(m_list, m_notice, 0, 0);
+}
+
+RowBatch RowQueue::take()
+{
+    const std::lock_guard lock(m_lock);
+    m_noticed = false;
+    WakeAllConditionVariable(&m_taken);
+    return std::exchange(m_waiting, {});
+}
+
+bool RowQueue::ended()
+{
+    const std::lock_guard lock(m_lock);
+    return m_ended && m_waiting.entries.empty();
+}
+
+void RowQueue::setRowCount(int rows)
+{
+    const std::lock_guard lock(m_lock);
+    m_rowCount = rows;
+    for (const RowBatch::Entry& entry : m_waiting.entries) {
+        m_rowCount += entry.removesFirst ? -1 : 1;
+    }
+}
+
+void RowQueue::close()
+{
+    RowBatch dropped;
+    {
+        const std::lock_guard lock(m_lock);
+        m_list = nullptr;
+        std::swap(dropped, m_waiting);
+        WakeAllConditionVariable(&m_taken);
+    }
+}

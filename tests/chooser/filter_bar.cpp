@@ -1,0 +1,81 @@
+#include "tests/chooser/filter_bar.h"
+
+#include <cwchar>
+
+FilterBar::FilterBar(HWND list)
+    : header_(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)))
+{
+    SetWindowSubclass(header_, procedure, 1, reinterpret_cast<DWORD_PTR>(this));
+}
+
+FilterBar::~FilterBar()
+{
+    RemoveWindowSubclass(header_, procedure, 1); // does nothing once the header is gone
+}
+
+void FilterBar::type(int column, const wchar_t* text)
+{
+    texts_[column] = text;
+    NMHEADERW changed{};
+    changed.hdr.hwndFrom = header_;
+    changed.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(header_));
+    changed.hdr.code = HDN_FILTERCHANGE;
+    changed.iItem = column;
+    SendMessageW(GetParent(header_), WM_NOTIFY, changed.hdr.idFrom, reinterpret_cast<LPARAM>(&changed));
+}
+
+LRESULT FilterBar::set(WPARAM column, HDITEMW item)
+{
+    const int index = static_cast<int>(column);
+    if (item.type == HDFT_ISSTRING) {
+        const auto& filter = *static_cast<const HD_TEXTFILTERW*>(item.pvFilter);
+        texts_[index] = filter.pszText;
+        taken_[index] = filter.cchTextMax;
+    }
+    item.mask &= ~static_cast<UINT>(HDI_FILTER);
+    return item.mask == 0 ? TRUE
+                          : DefSubclassProc(header_, HDM_SETITEMW, column, reinterpret_cast<LPARAM>(&item));
+}
+
+LRESULT FilterBar::get(WPARAM column, HDITEMW& item)
+{
+    if (item.type == HDFT_ISSTRING) {
+        const auto& filter = *static_cast<const HD_TEXTFILTERW*>(item.pvFilter);
+        const std::wstring& text = texts_[static_cast<int>(column)];
+        std::wcsncpy(filter.pszText, text.c_str(), static_cast<size_t>(filter.cchTextMax));
+        filter.pszText[filter.cchTextMax - 1] = L'\0';
+    }
+    HDITEMW rest = item;
+    rest.mask &= ~static_cast<UINT>(HDI_FILTER);
+    if (rest.mask == 0) {
+        return TRUE;
+    }
+    const LRESULT result = DefSubclassProc(header_, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&rest));
+    rest.mask = item.mask;
+    item = rest;
+    return result;
+}
+
+LRESULT CALLBACK FilterBar::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                      DWORD_PTR object)
+{
+    auto& bar = *reinterpret_cast<FilterBar*>(object);
+    switch (message) {
+    case HDM_SETITEMW:
+        if ((reinterpret_cast<const HDITEMW*>(lParam)->mask & HDI_FILTER) != 0) {
+            return bar.set(wParam, *reinterpret_cast<const HDITEMW*>(lParam));
+        }
+        break;
+    case HDM_GETITEMW:
+        if ((reinterpret_cast<const HDITEMW*>(lParam)->mask & HDI_FILTER) != 0) {
+            return bar.get(wParam, *reinterpret_cast<HDITEMW*>(lParam));
+        }
+        break;
+    case HDM_SETFILTERCHANGETIMEOUT:
+        bar.delay_ = lParam;
+        return 0;
+    default:
+        break;
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}

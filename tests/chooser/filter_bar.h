@@ -1,0 +1,36 @@
+// A header's filter bar where the runtime has none.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <map>
+#include <string>
+
+/// Makes a header take filters as the platform's does: it keeps a text for each column, gives it back when asked,
+/// and tells its parent of a change. What is not about filters goes on to the header.
+class FilterBar {
+public:
+    explicit FilterBar(HWND list);
+    ~FilterBar();
+    FilterBar(const FilterBar&) = delete;
+    FilterBar& operator=(const FilterBar&) = delete;
+
+    /// What a person types in a column's filter, told of after the header's delay.
+    void type(int column, const wchar_t* text);
+
+    /// The filter's own text, as the header was told to take it.
+    bool takesText(int column) const { return taken_.count(column) != 0; }
+    LPARAM delay() const { return delay_; }
+
+private:
+    static LRESULT CALLBACK procedure(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
+    LRESULT set(WPARAM column, HDITEMW item);
+    LRESULT get(WPARAM column, HDITEMW& item);
+
+    HWND header_;
+    std::map<int, std::wstring> texts_;
+    std::map<int, int> taken_;
+    LPARAM delay_ = 0;
+};

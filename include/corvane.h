@@ -260,6 +260,47 @@ CORVANE_API void* chooseSidFromUserInput2(HWND parent, SidList* presetOwners);
  */
 CORVANE_API int isAdmin(void);
 
+/* ---- policies ------------------------------------------------------------------------------------------- */
+/* Each editor loads its list from the store, changes it there in memory, and on OK stores it and, where the store
+ * has a call for it, applies it; Cancel and the close box drop the changes. The caller learns nothing of them.
+ * One editor of a kind at a time.
+ * @param owner  owner window, may be null.
+ * @return 0 after OK and after Cancel, -1 when the dialog could not be shown.
+ */
+
+/** The modal Notifications dialog: scripts that run when a limit is reached. Stored, not applied. */
+CORVANE_API intptr_t editNotifications(HWND owner);
+
+/** The modal editor of the exception files, which accounting leaves out. OK also has the store write
+ * "excludes.cnf". */
+CORVANE_API intptr_t editExcludes(HWND owner);
+
+/** The modal editor of the blocked file masks, each for one account or for all. */
+CORVANE_API intptr_t editExcludeExts(HWND owner);
+
+/** The modal editor of the accounts that may administer quotas. */
+CORVANE_API intptr_t editMgrAccounts(HWND owner);
+
+/** The modal editor of the backup tools, whose activity is not charged. OK also has the store write
+ * "excludes.cnf". */
+CORVANE_API intptr_t editBackupTools(HWND owner);
+
+/** The modal dialog on one backup tool: a program's image name, typed, or picked from the running processes or
+ * from disk.
+ *
+ * The string's address is always below 4 GiB, as hosts have kept it in 32 bits. A string at the start of its
+ * VirtualQuery region (AllocationBase is its own address) stands in a region of its own, which free must not
+ * get: release it with VirtualFree(string, 0, MEM_RELEASE). No heap block ever looks like that. Any other is a
+ * block of the C runtime, for free; and so is every string in a host whose heap lies below 4 GiB, as in one
+ * linked without high-entropy address randomisation.
+ * @param owner  owner window, may be null.
+ * @param name   text to start with, null for none.
+ * @return 0 after Cancel, -1 when the dialog could not be shown; otherwise the address of a string that passes
+ *         to the caller: what follows the last backslash of the edit's text, at most 259 characters, perhaps
+ *         none. 0 too when there is no memory below 4 GiB left.
+ */
+CORVANE_API intptr_t editBackupToolListEntry(HWND owner, const wchar_t* name);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

@@ -1,0 +1,66 @@
+#include "policies/backup_tool_entry.h"
+
+#include "corvane.h"
+#include "files/select_file.h"
+#include "frame/c_memory.h"
+#include "frame/low_memory.h"
+#include "policies/path_tail.h"
+#include "policies/text_entry_dialog.h"
+#include "res/resource.h"
+
+#include <cstring>
+#include <cwchar>
+
+namespace {
+
+void showTail(HWND dialog, const wchar_t* path)
+{
+    SetDlgItemTextW(dialog, IDC_ENTRY_TEXT, pathTail(path));
+}
+
+void onCommand(HWND dialog, int id)
+{
+    if (id == IDC_ENTRY_BROWSE_RUNNING) {
+        const wchar_t* name = chooseProcess(dialog);
+        if (name != nullptr && reinterpret_cast<INT_PTR>(name) != -1) {
+            showTail(dialog, name);
+            // Not released. Kept: hosts that keep the names chosen so far hand out the same block again.
+        }
+    } else if (id == IDC_ENTRY_BROWSE) {
+        if (const wchar_t* path = selectFile(dialog, select_file_mode::kAnyName)) {
+            showTail(dialog, path);
+        }
+    }
+}
+
+constexpr TextEntryDialog kDialog{IDD_BACKUP_TOOL_ENTRY, crash_sites::kBackupToolEntry, nullptr, onCommand,
+                                  pathTail};
+
+// The host reads the address from the low 32 bits alone.
+// @return the text itself where it lies low enough, otherwise a copy that does, and null when there is no room.
+wchar_t* withLowAddress(CBlock<wchar_t> text)
+{
+    if (isBelowFourGiB(text.get())) {
+        return text.release();
+    }
+    const std::size_t size = (std::wcslen(text.get()) + 1) * sizeof(wchar_t);
+    LowBlock copy = allocateBelowFourGiB(size);
+    if (copy) {
+        std::memcpy(copy.get(), text.get(), size);
+    }
+    return static_cast<wchar_t*>(copy.release());
+}
+
+} // namespace
+
+wchar_t* askBackupTool(HWND owner, const wchar_t* name)
+{
+    return enteredText(openTextEntry(kDialog, owner, name));
+}
+
+intptr_t editBackupToolListEntry(HWND owner, const wchar_t* name)
+{
+    const INT_PTR code = openTextEntry(kDialog, owner, name);
+    CBlock<wchar_t> text(enteredText(code));
+    return text ? reinterpret_cast<intptr_t>(withLowAddress(std::move(text))) : code;
+}

@@ -32,6 +32,11 @@ std::string describe(int64_t number)
     return std::to_string(number);
 }
 
+std::string describe(uint32_t number)
+{
+    return std::to_string(number);
+}
+
 std::string describe(const void* sid)
 {
     if (sid == nullptr) {

@@ -8,6 +8,7 @@
 std::string describe(const wchar_t* text);
 std::string describe(int number);
 std::string describe(int64_t number);
+std::string describe(uint32_t number);
 
 /// A buffer that the call fills: nothing to tell.
 std::string describe(wchar_t* buffer);

@@ -29,4 +29,49 @@
     X(int, sidcmp, (const void* a, const void* b), (a, b))                                                   \
     X(wchar_t*, getAccountBySidW, (const void* sid, wchar_t* buffer, int capacity), (sid, buffer, capacity)) \
     X(void, getTextualSidW, (const void* sid, wchar_t* buffer, int capacity), (sid, buffer, capacity))       \
+    X(int, loadNotifications, (), ())                                                                        \
+    X(uint32_t, getNotificationsCount, (), ())                                                               \
+    X(const wchar_t*, getNotifications, (uint32_t index), (index))                                           \
+    X(const wchar_t*, getNAttr, (uint32_t index, uint32_t attribute), (index, attribute))                    \
+    X(int32_t, getINAttr, (uint32_t index, uint32_t attribute), (index, attribute))                          \
+    X(void, setNAttr, (uint32_t index, uint32_t attribute, const wchar_t* text), (index, attribute, text))   \
+    X(uint32_t, addToNotifications, (const wchar_t* script), (script))                                       \
+    X(void, updateNotifications, (uint32_t index, const wchar_t* script), (index, script))                   \
+    X(void, removeNotifications, (uint32_t index), (index))                                                  \
+    X(void, storeNotifications, (), ())                                                                      \
+    X(void, freeNotifications, (), ())                                                                       \
+    X(int, loadExcludes, (), ())                                                                             \
+    X(const wchar_t*, getExcludes, (uint32_t index), (index))                                                \
+    X(uint32_t, addToExcludes, (const wchar_t* path), (path))                                                \
+    X(void, updateExcludes, (uint32_t index, const wchar_t* path), (index, path))                            \
+    X(void, removeExcludes, (uint32_t index), (index))                                                       \
+    X(void, storeExcludes, (), ())                                                                           \
+    X(void, applyExcludes, (), ())                                                                           \
+    X(void, freeExcludes, (), ())                                                                            \
+    X(int, loadExcludeExts, (), ())                                                                          \
+    X(const wchar_t*, getExcludeExtsPath, (uint32_t index), (index))                                         \
+    X(const void*, getExcludeExtsSid, (uint32_t index), (index))                                             \
+    X(uint32_t, addToExcludeExts, (const wchar_t* mask, const void* sid), (mask, sid))                       \
+    X(void, updateExcludeExts, (uint32_t index, const wchar_t* mask, const void* sid), (index, mask, sid))   \
+    X(void, removeExcludeExts, (uint32_t index), (index))                                                    \
+    X(void, storeExcludeExts, (), ())                                                                        \
+    X(void, applyExcludeExts, (), ())                                                                        \
+    X(void, freeExcludeExts, (), ())                                                                         \
+    X(int, loadMgrAccounts, (), ())                                                                          \
+    X(const wchar_t*, getMgrAccounts, (uint32_t index), (index))                                             \
+    X(uint32_t, addToMgrAccounts, (const wchar_t* name), (name))                                             \
+    X(void, updateMgrAccounts, (uint32_t index, const wchar_t* name), (index, name))                         \
+    X(void, removeMgrAccounts, (uint32_t index), (index))                                                    \
+    X(void, storeMgrAccounts, (), ())                                                                        \
+    X(void, applyMgrAccounts, (), ())                                                                        \
+    X(void, freeMgrAccounts, (), ())                                                                         \
+    X(int, loadBackupTools, (), ())                                                                          \
+    X(const wchar_t*, getBackupTools, (uint32_t index), (index))                                             \
+    X(uint32_t, addToBackupTools, (const wchar_t* name), (name))                                             \
+    X(void, updateBackupTools, (uint32_t index, const wchar_t* name), (index, name))                         \
+    X(void, removeBackupTools, (uint32_t index), (index))                                                    \
+    X(void, storeBackupTools, (), ())                                                                        \
+    X(void, applyBackupTools, (), ())                                                                        \
+    X(void, freeBackupTools, (), ())                                                                         \
+    X(void, storeRulesFromDriver, (const wchar_t* fileName), (fileName))                                     \
     X(void, debug, (const QuotaRule* rule), (rule))

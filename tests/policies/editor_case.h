@@ -1,0 +1,47 @@
+// What is to be seen of each list editor.
+#pragma once
+
+#include "corvane.h"
+#include "tests/policies/policy_store.h"
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+struct ColumnLook {
+    std::string heading;
+    int width;
+    bool right;
+    friend bool operator==(const ColumnLook&, const ColumnLook&) = default;
+    friend std::ostream& operator<<(std::ostream& out, const ColumnLook& column);
+};
+
+struct EditorCase {
+    const char* name;
+    intptr_t (*open)(HWND owner);
+    const char* caption;
+    int listId;
+    const char* removeButton;
+    bool hasEditButton;
+    bool sorted; ///< shows the texts in ascending order; the others show the store's order reversed
+    std::vector<ColumnLook> columns;
+    const char* crashLine;
+
+    void (*put)(PolicyStore& store, const wchar_t* text); ///< adds an entry without anything special
+    const char* moreCells;                                ///< what its row shows after the text
+
+    std::string load;
+    std::vector<std::string> (*readEntry)(
+        int index);                                 ///< the calls that read an entry while the list is filled
+    std::vector<std::string> (*readEnd)(int count); ///< the calls that find the end
+    std::string removeCall;                         ///< without the index
+    std::vector<std::string> storing;               ///< the calls of OK
+    std::string free;
+
+    /// The calls of an opening with a number of entries.
+    std::vector<std::string> opening(int count) const;
+};
+
+extern const std::vector<EditorCase> kEditors;
+
+std::ostream& operator<<(std::ostream& out, const EditorCase& editor);

@@ -1,0 +1,262 @@
+// Manage exception files, and its entry dialog.
+#include "corvane.h"
+#include "tests/policies/editor_visit.h"
+#include "tests/policies/file_dialogs.h"
+#include "tests/support/text.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr char kEntry[] = "Exclude file";
+
+class ExcludesTest : public testing::Test {
+protected:
+    PolicyStore store;
+    EditorVisit visit{store};
+};
+
+} // namespace
+
+TEST_F(ExcludesTest, AddsOnTopAndStores)
+{
+    store.putExclude(L"C:\\old");
+    visit.add()
+        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, ids::kText), ""); })
+        .enter(kEntry, L"C:\\new")
+        .list([this](HWND dialog, const ListInDialog& list) {
+            EXPECT_THAT(store.recording.takeCalls(), ElementsAre("addToExcludes C:\\new"));
+            EXPECT_THAT(list.rows(), ElementsAre("C:\\new", "C:\\old"));
+            EXPECT_THAT(list.allData(), ElementsAre(1, 0));
+            clickLater(dialog, IDOK);
+        });
+    EXPECT_EQ(visit.run(editExcludes), 0);
+    EXPECT_THAT(store.recording.calls(), ElementsAre("storeExcludes", "applyExcludes",
+                                                     "storeRulesFromDriver excludes.cnf", "freeExcludes"));
+    EXPECT_THAT(store.excludes.present(), ElementsAre(L"C:\\old", L"C:\\new"));
+}
+
+TEST_F(ExcludesTest, EditsInPlace)
+{
+    store.putExclude(L"C:\\a");
+    store.putExclude(L"C:\\b");
+    store.putExclude(L"C:\\c");
+    visit.edit(1)
+        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, ids::kText), "C:\\b"); })
+        .enter(kEntry, L"D:\\b")
+        .list([this](HWND, const ListInDialog& list) {
+            EXPECT_THAT(store.recording.takeCalls(), ElementsAre("getExcludes 1", "updateExcludes 1 D:\\b"));
+            EXPECT_THAT(list.rows(), ElementsAre("C:\\c", "D:\\b", "C:\\a"));
+            EXPECT_THAT(list.allData(), ElementsAre(2, 1, 0));
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editExcludes), 0);
+    EXPECT_THAT(store.recording.calls(), ElementsAre("freeExcludes"));
+}
+
+TEST_F(ExcludesTest, ADoubleClickEdits)
+{
+    store.putExclude(L"C:\\a");
+    visit
+        .list([this](HWND, const ListInDialog& list) {
+            list.selectOnly(0);
+            store.recording.takeCalls();
+            list.doubleClick();
+        })
+        .enter(kEntry, L"C:\\b")
+        .press(IDCANCEL);
+    visit.run(editExcludes);
+    EXPECT_THAT(store.recording.calls(),
+                ElementsAre("getExcludes 0", "updateExcludes 0 C:\\b", "freeExcludes"));
+}
+
+TEST_F(ExcludesTest, ARealDoubleClickEdits)
+{
+    store.putExclude(L"C:\\a");
+    visit
+        .list([this](HWND, const ListInDialog& list) {
+            RECT cell{};
+            ListView_GetItemRect(list.window(), 0, &cell, LVIR_LABEL);
+            const LPARAM at = MAKELPARAM(cell.left + 5, (cell.top + cell.bottom) / 2);
+            store.recording.takeCalls();
+            // The list waits for a drag until the button comes up: that must be on its way before.
+            PostMessageW(list.window(), WM_LBUTTONUP, 0, at);
+            SendMessageW(list.window(), WM_LBUTTONDOWN, MK_LBUTTON, at);
+            PostMessageW(list.window(), WM_LBUTTONDBLCLK, MK_LBUTTON, at);
+        })
+        .enter(kEntry, L"C:\\b")
+        .press(IDCANCEL);
+    visit.run(editExcludes);
+    EXPECT_THAT(store.recording.calls(),
+                ElementsAre("getExcludes 0", "updateExcludes 0 C:\\b", "freeExcludes"));
+}
+
+TEST_F(ExcludesTest, ACancelledEntryChangesNothing)
+{
+    store.putExclude(L"C:\\a");
+    visit.add()
+        .entry(kEntry, [](HWND entry) { type(entry, ids::kText, L"unwanted"); })
+        .press(IDCANCEL)
+        .list([this](HWND, const ListInDialog&) { EXPECT_THAT(store.recording.takeCalls(), IsEmpty()); })
+        .edit(0)
+        .entry(kEntry,
+               [](HWND entry) {
+                   type(entry, ids::kText, L"unwanted");
+                   PostMessageW(entry, WM_CLOSE, 0, 0);
+               })
+        .list([this](HWND, const ListInDialog& list) {
+            EXPECT_THAT(store.recording.takeCalls(), ElementsAre("getExcludes 0"));
+            EXPECT_THAT(list.rows(), ElementsAre("C:\\a"));
+        })
+        .press(IDCANCEL);
+    visit.run(editExcludes);
+}
+
+TEST_F(ExcludesTest, AnEmptyTextIsAnEntry)
+{
+    visit.add()
+        .press(IDOK)
+        .list([this](HWND, const ListInDialog& list) {
+            EXPECT_EQ(list.rowCount(), 1);
+            EXPECT_EQ(store.recording.takeCalls().size(), 1u);
+        })
+        .press(IDOK);
+    visit.run(editExcludes);
+    EXPECT_THAT(store.excludes.present(), ElementsAre(L""));
+}
+
+TEST_F(ExcludesTest, KeepsIndexesThroughRemovalsAndLaterEdits)
+{
+    store.putExclude(L"zero");
+    visit.add()
+        .enter(kEntry, L"one")
+        .add()
+        .enter(kEntry, L"two")
+        .remove(1) // "one"
+        .list([this](HWND, const ListInDialog& list) {
+            EXPECT_THAT(store.recording.takeCalls(), ElementsAre("removeExcludes 1"));
+            EXPECT_THAT(list.rows(), ElementsAre("two", "zero"));
+            EXPECT_THAT(list.allData(), ElementsAre(2, 0));
+        })
+        .edit(0)
+        .enter(kEntry, L"two again")
+        .list([this](HWND, const ListInDialog&) {
+            EXPECT_THAT(store.recording.takeCalls(),
+                        ElementsAre("getExcludes 2", "updateExcludes 2 two again"));
+        })
+        .press(IDOK);
+    visit.run(editExcludes);
+    EXPECT_THAT(store.excludes.present(), ElementsAre(L"zero", L"two again"));
+}
+
+TEST_F(ExcludesTest, ARowWhoseEntryIsGoneOpensAnEmptyDialog)
+{
+    store.putExclude(L"C:\\a");
+    store.recording.answer.updateExcludes = [](uint32_t, const wchar_t*) {
+    };
+    visit.list([this](HWND, const ListInDialog&) { store.excludes.remove(0); })
+        .edit(0)
+        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, ids::kText), ""); })
+        .press(IDCANCEL)
+        .press(IDCANCEL);
+    visit.run(editExcludes);
+}
+
+TEST_F(ExcludesTest, CutsWhatIsTypedAt259Characters)
+{
+    const auto enterLength = [this](size_t length) {
+        visit.add().enter(kEntry, std::wstring(length, L'x'));
+    };
+    enterLength(259);
+    enterLength(260);
+    enterLength(10000);
+    visit.press(IDOK);
+    visit.run(editExcludes);
+    const std::wstring longest(259, L'x');
+    EXPECT_THAT(store.excludes.present(), ElementsAre(longest, longest, longest));
+}
+
+TEST_F(ExcludesTest, AStoredTextIsShownWholeAndCutByOkAlone)
+{
+    const std::wstring stored = L"C:\\" + std::wstring(9997, L'y');
+    store.putExclude(stored.c_str());
+    visit.edit(0)
+        .entry(kEntry, [&](HWND entry) { EXPECT_EQ(controlText(entry, ids::kText), utf8(stored)); })
+        .press(IDCANCEL)
+        .list([&](HWND, const ListInDialog& list) { EXPECT_EQ(list.cell(0, 0), stored); })
+        .edit(0)
+        .press(IDOK)
+        .press(IDOK);
+    visit.run(editExcludes);
+    EXPECT_THAT(store.excludes.present(), ElementsAre(stored.substr(0, 259)));
+}
+
+TEST_F(ExcludesTest, BrowsesForAnyName)
+{
+    FileDialogs files;
+    files.answer = L"C:\\pages\\not there yet.sys";
+    visit.add()
+        .entry(kEntry,
+               [&](HWND entry) {
+                   type(entry, ids::kText, L"before");
+                   click(entry, ids::kBrowse);
+                   EXPECT_EQ(files.asked, "save, All files, Exclude file");
+                   EXPECT_EQ(controlText(entry, ids::kText), "C:\\pages\\not there yet.sys");
+
+                   files.answer.clear();
+                   click(entry, ids::kBrowse);
+                   EXPECT_EQ(controlText(entry, ids::kText), "C:\\pages\\not there yet.sys");
+               })
+        .press(IDOK)
+        .press(IDOK);
+    visit.run(editExcludes);
+    EXPECT_THAT(store.excludes.present(), ElementsAre(L"C:\\pages\\not there yet.sys"));
+}
+
+TEST_F(ExcludesTest, AFaultWhileBrowsingLeavesTheEntryDialogOpen)
+{
+    const auto fault = [](OPENFILENAMEW*) -> BOOL {
+        RaiseException(EXCEPTION_INT_OVERFLOW, 0, 0, nullptr);
+        return TRUE;
+    };
+    FileDialogs files;
+    const ImportPatch save(ImportPatch::corvane(), "GetSaveFileNameW",
+                           static_cast<BOOL(WINAPI*)(OPENFILENAMEW*)>(fault));
+    ASSERT_EQ(save.count(), 1);
+    visit.add()
+        .entry(kEntry, [](HWND entry) { click(entry, ids::kBrowse); })
+        .entry(kEntry,
+               [this](HWND entry) {
+                   EXPECT_THAT(store.recording.takeCalls(),
+                               ElementsAre("ODS UI CRASH: eleDlg, MyDlgProc, 56\n"));
+                   EXPECT_TRUE(isEnabled(entry, IDOK));
+               })
+        .enter(kEntry, L"C:\\typed")
+        .press(IDOK);
+    visit.run(editExcludes);
+    EXPECT_THAT(store.excludes.present(), ElementsAre(L"C:\\typed"));
+}
+
+TEST_F(ExcludesTest, AnEntryDialogThatCannotBeShownIsACancelledOne)
+{
+    static int lookups = 0;
+    lookups = 0;
+    static HRSRC(WINAPI * find)(HMODULE, LPCWSTR, LPCWSTR) = nullptr;
+    const auto findFirstOnly = [](HMODULE module, LPCWSTR name, LPCWSTR kind) {
+        return lookups++ == 0 ? find(module, name, kind) : nullptr;
+    };
+    const ImportPatch resources(ImportPatch::corvane(), "FindResourceW",
+                                static_cast<HRSRC(WINAPI*)(HMODULE, LPCWSTR, LPCWSTR)>(findFirstOnly));
+    find = resources.original<HRSRC WINAPI(HMODULE, LPCWSTR, LPCWSTR)>();
+    visit.add()
+        .list([this](HWND, const ListInDialog& list) {
+            EXPECT_EQ(lookups, 2);
+            EXPECT_EQ(list.rowCount(), 0);
+            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editExcludes), 0);
+}

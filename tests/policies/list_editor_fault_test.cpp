@@ -1,0 +1,135 @@
+// Faults in every store call of every list editor: one line with the editor's site, and the dialog goes on.
+#include "tests/policies/editor_case.h"
+#include "tests/policies/editor_visit.h"
+#include "tests/policies/list_in_dialog.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+using testing::ElementsAre;
+
+namespace {
+
+/// A store call, by its function and by how many calls to the function there were up to it.
+struct StoreCall {
+    std::string function;
+    int nth;
+};
+
+class ListEditorFaultTest : public testing::TestWithParam<EditorCase> {
+protected:
+    /// One entry is added, one edited, one removed, and all is stored. What a fault takes away is left out: an
+    /// entry dialog that did not open, a row that is not there.
+    void visit(PolicyStore& store)
+    {
+        editor.put(store, L"one");
+        editor.put(store, L"two");
+        const EditorCase& shown = editor;
+        void* const jane = store.recording.account("jane");
+        store.recording.answer.getSidByNameW = [&store, jane](const wchar_t*) {
+            return store.recording.answer.sidDup(jane);
+        };
+
+        DialogScript script;
+        const auto onList = [&](const char* what, EditorVisit::OnList act) {
+            script.onDialog(what, [&shown, act](HWND dialog) {
+                ASSERT_EQ(windowText(dialog), shown.caption);
+                act(dialog, ListInDialog(dialog, shown.listId));
+            });
+        };
+        const auto enter = [&] {
+            script.onDialog("enter", [&shown](HWND dialog) {
+                if (windowText(dialog) == shown.caption) {
+                    return; // the fault came before
+                }
+                if (GetDlgItem(dialog, ids::kText) != nullptr) {
+                    type(dialog, ids::kText, L"entered");
+                } else { // the account chooser
+                    click(dialog, 1014);
+                    type(dialog, 1009, L"jane");
+                }
+                clickLater(dialog, IDOK);
+            });
+        };
+        onList("add",
+               [](HWND dialog, const ListInDialog&) { PostMessageW(dialog, WM_COMMAND, ids::kAdd, 0); });
+        enter();
+        onList("edit", [](HWND dialog, const ListInDialog& list) {
+            list.selectOnly(0);
+            PostMessageW(dialog, WM_COMMAND, ids::kEdit, 0);
+        });
+        enter();
+        onList("remove and store", [](HWND dialog, const ListInDialog& list) {
+            list.selectOnly(0);
+            SendMessageW(dialog, WM_COMMAND, ids::kRemove, 0);
+            SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+            if (IsWindowVisible(dialog)) {
+                EXPECT_TRUE(IsWindowEnabled(dialog));
+                SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+            }
+        });
+        EXPECT_EQ(script.run([&] { return editor.open(nullptr); }), 0);
+    }
+
+    static std::vector<std::string> crashLines(const PolicyStore& store)
+    {
+        std::vector<std::string> lines = store.recording.lines();
+        std::erase_if(lines, [](const std::string& line) { return !line.starts_with("UI CRASH"); });
+        return lines;
+    }
+
+    /// The calls of a visit without faults, those that the account chooser makes for itself left out.
+    std::vector<StoreCall> callsOfAVisit()
+    {
+        static const std::set<std::string> kOfTheChooser = {"getSidByNameW", "getDomainSid",
+                                                            "getDomainServer", "sidDup", "ODS"};
+        PolicyStore store;
+        visit(store);
+        EXPECT_THAT(crashLines(store), testing::IsEmpty());
+        std::map<std::string, int> counts;
+        std::vector<StoreCall> calls;
+        for (const std::string& call : store.recording.calls()) {
+            const std::string function = call.substr(0, call.find(' '));
+            if (!kOfTheChooser.contains(function)) {
+                calls.push_back({function, ++counts[function]});
+            }
+        }
+        return calls;
+    }
+
+    const EditorCase& editor = GetParam();
+};
+
+} // namespace
+
+TEST_P(ListEditorFaultTest, AFaultInAnyStoreCallLeavesTheDialogAlive)
+{
+    const std::vector<StoreCall> calls = callsOfAVisit();
+    ASSERT_GT(calls.size(), 8u);
+    size_t kind = 0;
+    for (const StoreCall& call : calls) {
+        const Fault fault = kEveryFault[kind++ % std::size(kEveryFault)];
+        SCOPED_TRACE(call.function + " " + std::to_string(call.nth) + ", " + faultName(fault));
+        PolicyStore store;
+        store.recording.raise(call.function, fault, call.nth);
+        visit(store);
+        EXPECT_THAT(crashLines(store), ElementsAre(editor.crashLine));
+        // However it went, the list was given back at the end.
+        EXPECT_EQ(store.recording.calls().back(), editor.free);
+    }
+}
+
+TEST_P(ListEditorFaultTest, SurvivesADebugChannelThatFaultsToo)
+{
+    PolicyStore store;
+    store.recording.raise(editor.load, Fault::AccessViolation);
+    store.recording.raise("ODS", Fault::AccessViolation);
+    visit(store);
+    EXPECT_THAT(crashLines(store), ElementsAre(editor.crashLine));
+}
+
+INSTANTIATE_TEST_SUITE_P(Editors, ListEditorFaultTest, testing::ValuesIn(kEditors),
+                         [](const auto& tested) { return tested.param.name; });

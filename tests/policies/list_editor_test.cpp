@@ -1,0 +1,366 @@
+// What all five list editors do alike: opening, selecting, removing, sorting, storing, surviving.
+#include "tests/policies/editor_case.h"
+#include "tests/policies/list_in_dialog.h"
+#include "tests/support/dialog_script.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/leak_count.h"
+#include "tests/support/text.h"
+#include "tests/support/window_text.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr int kAdd = 1005;
+constexpr int kRemove = 1006;
+constexpr int kEdit = 1008;
+constexpr int kEntries = 10000;
+
+class ListEditorTest : public testing::TestWithParam<EditorCase> {
+protected:
+    ListInDialog list(HWND dialog) const { return {dialog, editor.listId}; }
+
+    void put(const std::vector<const wchar_t*>& texts)
+    {
+        for (const wchar_t* text : texts) {
+            editor.put(store, text);
+        }
+    }
+
+    /// Opens the editor, looks at it, and closes it with Cancel.
+    intptr_t look(DialogScript::Act act)
+    {
+        DialogScript script;
+        script.onDialog("look", [act](HWND dialog) {
+            act(dialog);
+            clickLater(dialog, IDCANCEL);
+        });
+        return script.run([this] { return editor.open(nullptr); });
+    }
+
+    std::vector<std::string> withCells(std::vector<std::string> texts) const
+    {
+        for (std::string& text : texts) {
+            text += editor.moreCells;
+        }
+        return texts;
+    }
+
+    /// Whether the buttons for a selected row are enabled; both must agree.
+    bool selectionButtons(HWND dialog) const
+    {
+        const bool remove = isEnabled(dialog, kRemove);
+        if (editor.hasEditButton) {
+            EXPECT_EQ(isEnabled(dialog, kEdit), remove);
+        }
+        return remove;
+    }
+
+    const EditorCase& editor = GetParam();
+    PolicyStore store;
+};
+
+std::vector<std::string> joined(std::vector<std::string> first, const std::vector<std::string>& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+std::vector<ColumnLook> columnsOf(HWND list)
+{
+    std::vector<ColumnLook> columns;
+    for (int i = 0;; ++i) {
+        wchar_t heading[64] = L"";
+        LVCOLUMNW column{};
+        column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
+        column.pszText = heading;
+        column.cchTextMax = static_cast<int>(std::size(heading));
+        if (!SendMessageW(list, LVM_GETCOLUMNW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&column))) {
+            return columns;
+        }
+        columns.push_back({utf8(heading), column.cx, (column.fmt & LVCFMT_JUSTIFYMASK) == LVCFMT_RIGHT});
+    }
+}
+
+HRSRC WINAPI noResource(HMODULE, LPCWSTR, LPCWSTR)
+{
+    return nullptr;
+}
+
+std::vector<std::string> iconRequests;
+HMODULE(WINAPI* realGetModuleHandle)(LPCWSTR) = nullptr;
+const auto kQuotaModule = reinterpret_cast<HMODULE>(UINT_PTR{0x12340000});
+
+HMODULE WINAPI moduleOfTheTest(LPCWSTR name)
+{
+    return name != nullptr && std::wstring_view(name) == L"quota" ? kQuotaModule : realGetModuleHandle(name);
+}
+
+HICON WINAPI iconOfTheTest(HINSTANCE module, LPCWSTR icon)
+{
+    iconRequests.push_back((module == kQuotaModule ? "quota " : "other ") +
+                           std::to_string(reinterpret_cast<UINT_PTR>(icon)));
+    return nullptr;
+}
+
+} // namespace
+
+TEST_P(ListEditorTest, ShowsItsColumnsAndStyles)
+{
+    look([this](HWND dialog) {
+        EXPECT_EQ(windowText(dialog), editor.caption);
+        const HWND window = list(dialog).window();
+        EXPECT_THAT(columnsOf(window), ElementsAreArray(editor.columns));
+        EXPECT_EQ(ListView_GetExtendedListViewStyle(window),
+                  static_cast<DWORD>(LVS_EX_GRIDLINES | LVS_EX_HEADERDRAGDROP | LVS_EX_FULLROWSELECT |
+                                     LVS_EX_LABELTIP));
+        const auto style = static_cast<DWORD>(GetWindowLongPtrW(window, GWL_STYLE));
+        EXPECT_EQ(style & LVS_TYPEMASK, static_cast<DWORD>(LVS_REPORT));
+        EXPECT_EQ((style & LVS_SORTASCENDING) != 0, editor.sorted);
+        EXPECT_NE(style & LVS_SHOWSELALWAYS, 0u);
+        EXPECT_EQ(controlText(dialog, kAdd), "Add...");
+        EXPECT_EQ(controlText(dialog, kRemove), editor.removeButton);
+        EXPECT_EQ(GetDlgItem(dialog, kEdit) != nullptr, editor.hasEditButton);
+    });
+}
+
+TEST_P(ListEditorTest, AsksTheHostForIconsBeforeItLoads)
+{
+    iconRequests.clear();
+    const ImportPatch icons(ImportPatch::corvane(), "LoadIconW", iconOfTheTest);
+    const ImportPatch modules(ImportPatch::corvane(), "GetModuleHandleW", moduleOfTheTest);
+    realGetModuleHandle = modules.original<HMODULE WINAPI(LPCWSTR)>();
+    std::vector<std::string> seenByLoad;
+    const auto load = [&seenByLoad] {
+        seenByLoad = iconRequests;
+        return 1;
+    };
+    store.recording.answer.loadNotifications = load;
+    store.recording.answer.loadExcludes = load;
+    store.recording.answer.loadExcludeExts = load;
+    store.recording.answer.loadMgrAccounts = load;
+    store.recording.answer.loadBackupTools = load;
+    look([](HWND) {});
+    EXPECT_THAT(seenByLoad, ElementsAre("quota 138", "quota 139", "quota 140"));
+    EXPECT_EQ(iconRequests, seenByLoad);
+}
+
+TEST_P(ListEditorTest, ShowsAnEmptyStoreWithoutButtonsToPress)
+{
+    EXPECT_EQ(look([this](HWND dialog) {
+                  EXPECT_EQ(list(dialog).rowCount(), 0);
+                  EXPECT_FALSE(selectionButtons(dialog));
+                  EXPECT_TRUE(isEnabled(dialog, kAdd));
+                  EXPECT_THAT(store.recording.takeCalls(), ElementsAreArray(editor.opening(0)));
+              }),
+              0);
+    EXPECT_THAT(store.recording.calls(), ElementsAre(editor.free));
+}
+
+TEST_P(ListEditorTest, ShowsTheEntriesWithTheirIndexes)
+{
+    put({L"beta", L"Alpha", L"gamma"});
+    look([this](HWND dialog) {
+        if (editor.sorted) {
+            EXPECT_THAT(list(dialog).rows(), ElementsAreArray(withCells({"Alpha", "beta", "gamma"})));
+            EXPECT_THAT(list(dialog).allData(), ElementsAre(1, 0, 2));
+        } else {
+            EXPECT_THAT(list(dialog).rows(), ElementsAreArray(withCells({"gamma", "Alpha", "beta"})));
+            EXPECT_THAT(list(dialog).allData(), ElementsAre(2, 1, 0));
+        }
+        EXPECT_FALSE(selectionButtons(dialog));
+    });
+    EXPECT_THAT(store.recording.calls(), ElementsAreArray(joined(editor.opening(3), {editor.free})));
+}
+
+TEST_P(ListEditorTest, StoresOnOkAlsoWithoutChanges)
+{
+    put({L"one"});
+    DialogScript script;
+    script.onDialog("press OK", [this](HWND dialog) {
+        store.recording.takeCalls();
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(script.run([this] { return editor.open(nullptr); }), 0);
+    EXPECT_THAT(store.recording.calls(), ElementsAreArray(editor.storing));
+}
+
+TEST_P(ListEditorTest, ClosesLikeCancelAndStoresNothing)
+{
+    put({L"one", L"two"});
+    const auto close = {WM_CLOSE, WM_COMMAND};
+    for (const int message : close) {
+        DialogScript script;
+        script.onDialog("remove and close", [this, message](HWND dialog) {
+            list(dialog).selectOnly(0);
+            click(dialog, kRemove);
+            store.recording.takeCalls();
+            PostMessageW(dialog, static_cast<UINT>(message), message == WM_COMMAND ? IDCANCEL : 0, 0);
+        });
+        EXPECT_EQ(script.run([this] { return editor.open(nullptr); }), 0);
+        EXPECT_THAT(store.recording.takeCalls(), ElementsAre(editor.free));
+    }
+}
+
+TEST_P(ListEditorTest, EnablesItsButtonsWhileARowIsSelected)
+{
+    put({L"one", L"two"});
+    look([this](HWND dialog) {
+        list(dialog).select(1);
+        EXPECT_TRUE(selectionButtons(dialog));
+        list(dialog).select(1, false);
+        EXPECT_FALSE(selectionButtons(dialog));
+    });
+}
+
+TEST_P(ListEditorTest, RemovesTheFirstSelectedRowAndLeavesTheOthersTheirIndexes)
+{
+    put({L"aa", L"bb", L"cc", L"dd"});
+    look([this](HWND dialog) {
+        const ListInDialog rows = list(dialog);
+        const int first = editor.sorted ? 1 : 2; // the row of the second entry
+        ASSERT_EQ(rows.data(first), 1);
+        rows.selectOnly(first);
+        store.recording.takeCalls();
+        click(dialog, kRemove);
+        EXPECT_THAT(store.recording.takeCalls(), ElementsAre(editor.removeCall + " 1"));
+        EXPECT_THAT(rows.allData(), ElementsAreArray(editor.sorted ? std::vector<LPARAM>{0, 2, 3}
+                                                                   : std::vector<LPARAM>{3, 2, 0}));
+
+        // Of several selected rows the first one alone.
+        rows.select(-1, false);
+        rows.select(1);
+        rows.select(2);
+        click(dialog, kRemove);
+        EXPECT_THAT(store.recording.takeCalls(), ElementsAre(editor.removeCall + " 2"));
+        EXPECT_THAT(rows.allData(),
+                    ElementsAreArray(editor.sorted ? std::vector<LPARAM>{0, 3} : std::vector<LPARAM>{3, 0}));
+    });
+}
+
+TEST_P(ListEditorTest, DoesNothingWithoutASelection)
+{
+    put({L"one"});
+    look([this](HWND dialog) {
+        store.recording.takeCalls();
+        // The buttons are disabled; the commands come all the same from elsewhere.
+        SendMessageW(dialog, WM_COMMAND, kRemove, 0);
+        SendMessageW(dialog, WM_COMMAND, kEdit, 0);
+        list(dialog).doubleClick();
+        EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+        EXPECT_EQ(list(dialog).rowCount(), 1);
+    });
+}
+
+TEST_P(ListEditorTest, SortsByAClickedColumn)
+{
+    put({L"b", L"c", L"a"});
+    look([this](HWND dialog) {
+        const ListInDialog rows = list(dialog);
+        const auto firstColumn = [&rows] {
+            std::string texts;
+            for (int i = 0; i < rows.rowCount(); ++i) {
+                texts += utf8(rows.cell(i, 0));
+            }
+            return texts;
+        };
+        const std::string before = firstColumn();
+        rows.clickColumn(-1);
+        EXPECT_EQ(firstColumn(), before);
+
+        // The order that a list was sorted in last is the process's: the first click may give either.
+        rows.clickColumn(0);
+        const std::string first = firstColumn();
+        rows.clickColumn(0);
+        const std::string second = firstColumn();
+        EXPECT_TRUE((first == "abc" && second == "cba") || (first == "cba" && second == "abc"))
+            << first << ' ' << second;
+        // Item data goes with its row.
+        EXPECT_EQ(rows.data(second == "abc" ? 0 : 2), 2);
+    });
+}
+
+TEST_P(ListEditorTest, SortsByARealClickOnTheHeader)
+{
+    put({L"b", L"c", L"a"});
+    look([this](HWND dialog) {
+        const ListInDialog rows = list(dialog);
+        rows.clickColumn(0);
+        const std::wstring before = rows.cell(0, 0);
+        const HWND header = ListView_GetHeader(rows.window());
+        SendMessageW(header, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(20, 5));
+        SendMessageW(header, WM_LBUTTONUP, 0, MAKELPARAM(20, 5));
+        EXPECT_NE(rows.cell(0, 0), before);
+    });
+}
+
+TEST_P(ListEditorTest, GivesMinusOneWhenItCannotBeShown)
+{
+    const ImportPatch resources(ImportPatch::corvane(), "FindResourceW", noResource);
+    ASSERT_EQ(resources.count(), 1);
+    EXPECT_EQ(editor.open(nullptr), -1);
+    EXPECT_THAT(store.recording.calls(), IsEmpty());
+}
+
+TEST_P(ListEditorTest, ShowsTextsOfAnyLengthWhole)
+{
+    for (const size_t length : {259u, 260u, 10000u}) {
+        editor.put(store,
+                   (std::wstring(1, L'a' + static_cast<wchar_t>(length % 7)) + std::wstring(length - 1, L'x'))
+                       .c_str());
+    }
+    look([this](HWND dialog) {
+        std::vector<size_t> lengths;
+        for (int row = 0; row < 3; ++row) {
+            lengths.push_back(list(dialog).cell(row, 0).size());
+        }
+        EXPECT_THAT(lengths, testing::UnorderedElementsAre(259u, 260u, 10000u));
+    });
+}
+
+TEST_P(ListEditorTest, ShowsTenThousandEntries)
+{
+    for (int i = 0; i < kEntries; ++i) {
+        editor.put(store, (L"entry " + std::to_wstring(i * 7919 % kEntries)).c_str());
+    }
+    look([this](HWND dialog) {
+        const ListInDialog rows = list(dialog);
+        ASSERT_EQ(rows.rowCount(), kEntries);
+        std::vector<LPARAM> data = rows.allData();
+        if (editor.sorted) {
+            for (int row = 1; row < kEntries; ++row) {
+                ASSERT_LE(lstrcmpiW(rows.cell(row - 1, 0).c_str(), rows.cell(row, 0).c_str()), 0) << row;
+            }
+        } else {
+            EXPECT_EQ(data.front(), kEntries - 1);
+        }
+        std::sort(data.begin(), data.end());
+        for (int i = 0; i < kEntries; ++i) {
+            ASSERT_EQ(data[static_cast<size_t>(i)], i);
+        }
+        EXPECT_NE(GetWindowLongPtrW(rows.window(), GWL_STYLE) & WS_VISIBLE, 0) << "redrawing is still off";
+    });
+}
+
+TEST_P(ListEditorTest, HoldsNothingAfterItIsClosed)
+{
+    put({L"one", L"two"});
+    const auto visit = [this] {
+        look([this](HWND dialog) { list(dialog).selectOnly(0); });
+        store.recording.takeCalls();
+    };
+    visit(); // what the platform keeps once
+    visit();
+    const LeakCount before = LeakCount::now();
+    visit();
+    EXPECT_EQ(LeakCount::now(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Editors, ListEditorTest, testing::ValuesIn(kEditors),
+                         [](const auto& tested) { return tested.param.name; });

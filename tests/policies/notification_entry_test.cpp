@@ -1,0 +1,247 @@
+// The dialog on one notification: what it shows, what it takes.
+#include "corvane.h"
+#include "tests/policies/editor_visit.h"
+#include "tests/policies/file_dialogs.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+
+namespace {
+
+constexpr char kEntry[] = "Notification script and options...";
+constexpr int kAccount = 1026;
+constexpr int kRunAs = 1028;
+constexpr int kPassword = 1029;
+constexpr int kIncrement = 1030;
+constexpr int kForWhom[] = {1022, 1023, 1024, 1025}; // by the value that they stand for
+constexpr int kRates[] = {1031, 1032, 1033, 1034, 1035, 1036, 1037};
+
+constexpr const wchar_t* kNotSet = nullptr;
+
+class NotificationEntryTest : public testing::Test {
+protected:
+    /// Opens the entry dialog on a notification with these attributes, acts in it and presses OK.
+    void edit(const std::array<const wchar_t*, 6>& attributes, EditorVisit::OnEntry act)
+    {
+        const uint32_t index = store.putNotification(L"script", attributes);
+        EditorVisit visit(store, 1015);
+        visit.edit(0)
+            .entry(kEntry,
+                   [act](HWND entry) {
+                       act(entry);
+                       clickLater(entry, IDOK);
+                   })
+            .press(IDCANCEL);
+        EXPECT_EQ(visit.run(editNotifications), 0);
+        edited = index;
+    }
+
+    const wchar_t* attribute(uint32_t which) const { return store.attribute(edited, which); }
+
+    PolicyStore store;
+    uint32_t edited = 0;
+};
+
+/// The one checked button of a group, 0 for none.
+template <size_t N>
+int checkedOf(HWND dialog, const int (&buttons)[N])
+{
+    int checked = 0;
+    for (const int button : buttons) {
+        if (isChecked(dialog, button)) {
+            EXPECT_EQ(checked, 0) << "more than one is checked";
+            checked = button;
+        }
+    }
+    return checked;
+}
+
+} // namespace
+
+TEST_F(NotificationEntryTest, ANewOneIsForAnyoneOnceADay)
+{
+    EditorVisit visit(store, 1015);
+    visit.add()
+        .entry(kEntry,
+               [](HWND entry) {
+                   EXPECT_EQ(checkedOf(entry, kForWhom), 1022);
+                   EXPECT_EQ(checkedOf(entry, kRates), 1036);
+                   EXPECT_FALSE(isEnabled(entry, kAccount));
+                   EXPECT_EQ(controlText(entry, ids::kText), "");
+                   EXPECT_EQ(controlText(entry, kAccount), "");
+                   EXPECT_EQ(controlText(entry, kRunAs), "");
+                   EXPECT_EQ(controlText(entry, kPassword), "");
+                   EXPECT_EQ(controlText(entry, kIncrement), "0");
+               })
+        .press(IDCANCEL)
+        .press(IDCANCEL);
+    visit.run(editNotifications);
+}
+
+TEST_F(NotificationEntryTest, EachForWhomHasItsButton)
+{
+    for (int value = 0; value < 4; ++value) {
+        const std::wstring text = std::to_wstring(value);
+        edit({L"jane", text.c_str(), L"0", kNotSet, kNotSet, L"0"}, [value](HWND entry) {
+            EXPECT_EQ(checkedOf(entry, kForWhom), kForWhom[value]);
+            EXPECT_EQ(isEnabled(entry, kAccount), value == 1);
+        });
+        EXPECT_STREQ(attribute(1), text.c_str());
+        EXPECT_STREQ(attribute(0), L"jane"); // also where its edit is disabled
+    }
+}
+
+TEST_F(NotificationEntryTest, ChoosingForWhomEnablesTheAccountAndIsStored)
+{
+    for (int value = 0; value < 4; ++value) {
+        edit({kNotSet, value == 0 ? L"3" : L"0", L"0", kNotSet, kNotSet, L"0"}, [value](HWND entry) {
+            click(entry, kForWhom[value]);
+            EXPECT_EQ(checkedOf(entry, kForWhom), kForWhom[value]);
+            EXPECT_EQ(isEnabled(entry, kAccount), value == 1);
+        });
+        EXPECT_EQ(std::wstring(attribute(1)), std::to_wstring(value));
+    }
+}
+
+TEST_F(NotificationEntryTest, AForWhomThatIsNoneStaysUnlessOneIsChosen)
+{
+    for (const wchar_t* stored : {L"4", L"-1", L"-1k"}) {
+        edit({kNotSet, stored, L"0", kNotSet, kNotSet, L"0"}, [](HWND entry) {
+            EXPECT_EQ(checkedOf(entry, kForWhom), 0);
+            EXPECT_FALSE(isEnabled(entry, kAccount));
+        });
+        EXPECT_STREQ(attribute(1), stored);
+    }
+    edit({kNotSet, L"4", L"0", kNotSet, kNotSet, L"0"}, [](HWND entry) { click(entry, 1025); });
+    EXPECT_STREQ(attribute(1), L"3");
+}
+
+TEST_F(NotificationEntryTest, AMissingForWhomIsAnyone)
+{
+    edit({kNotSet, kNotSet, kNotSet, kNotSet, kNotSet, kNotSet}, [](HWND entry) {
+        EXPECT_EQ(checkedOf(entry, kForWhom), 1022);
+        EXPECT_EQ(checkedOf(entry, kRates), 1036);
+        EXPECT_EQ(controlText(entry, kIncrement), "0");
+    });
+    EXPECT_STREQ(attribute(1), L"0");
+    EXPECT_STREQ(attribute(2), L"86400");
+    EXPECT_STREQ(attribute(5), L"0");
+}
+
+TEST_F(NotificationEntryTest, EachRateHasItsButton)
+{
+    struct Rate {
+        int button;
+        const wchar_t* text;
+    };
+    for (const Rate rate : {Rate{1031, L"-1"}, Rate{1032, L"1"}, Rate{1033, L"60"}, Rate{1034, L"300"},
+                            Rate{1035, L"3600"}, Rate{1036, L"86400"}, Rate{1037, L"604800"}})
+    {
+        edit({kNotSet, L"0", rate.text, kNotSet, kNotSet, L"0"},
+             [rate](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), rate.button); });
+        EXPECT_STREQ(attribute(2), rate.text);
+
+        edit({kNotSet, L"0", rate.button == 1031 ? L"1" : L"-1", kNotSet, kNotSet, L"0"}, [rate](HWND entry) {
+            click(entry, rate.button);
+            EXPECT_EQ(checkedOf(entry, kRates), rate.button);
+            EXPECT_EQ(checkedOf(entry, kForWhom), 1022) << "the groups are one";
+        });
+        EXPECT_STREQ(attribute(2), rate.text);
+    }
+}
+
+TEST_F(NotificationEntryTest, ARateOfNothingIsADay)
+{
+    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"},
+         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 1036); });
+    EXPECT_STREQ(attribute(2), L"86400");
+}
+
+TEST_F(NotificationEntryTest, ARateThatIsNoChoiceStaysUnlessOneIsChosen)
+{
+    edit({kNotSet, L"0", L"5m", kNotSet, kNotSet, L"0"},
+         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 0); });
+    EXPECT_STREQ(attribute(2), L"5m");
+    edit({kNotSet, L"0", L"5m", kNotSet, kNotSet, L"0"}, [](HWND entry) { click(entry, 1033); });
+    EXPECT_STREQ(attribute(2), L"60");
+}
+
+TEST_F(NotificationEntryTest, AUnitLetterCountsInARate)
+{
+    // 60 * 1024 is no choice, 300 followed by anything else is.
+    edit({kNotSet, L"0", L"60k", kNotSet, kNotSet, L"0"},
+         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 0); });
+    edit({kNotSet, L"0", L"300x", kNotSet, kNotSet, L"0"},
+         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 1034); });
+    EXPECT_STREQ(attribute(2), L"300");
+    edit({kNotSet, L"0", L"-1x", kNotSet, kNotSet, L"0"},
+         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 1031); });
+}
+
+TEST_F(NotificationEntryTest, AnEmptyFieldIsNotSet)
+{
+    edit({L"jane", L"1", L"60", L"runner", L"pw", L"3k"}, [](HWND entry) {
+        for (const int field : {kAccount, kRunAs, kPassword, kIncrement}) {
+            type(entry, field, L"");
+        }
+    });
+    for (const uint32_t which : {0u, 3u, 4u, 5u}) {
+        EXPECT_EQ(attribute(which), nullptr) << which;
+    }
+}
+
+TEST_F(NotificationEntryTest, ThePasswordIsHiddenAndKept)
+{
+    edit({kNotSet, L"0", L"0", L"runner", L"p\u00e4ss \u4e16", L"0"},
+         [](HWND entry) { EXPECT_NE(SendDlgItemMessageW(entry, kPassword, EM_GETPASSWORDCHAR, 0, 0), 0); });
+    EXPECT_STREQ(attribute(4), L"p\u00e4ss \u4e16");
+}
+
+TEST_F(NotificationEntryTest, NoAccountIsProposedToRunAs)
+{
+    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"},
+         [](HWND entry) { EXPECT_EQ(controlText(entry, kRunAs), ""); });
+    EXPECT_EQ(attribute(3), nullptr);
+}
+
+TEST_F(NotificationEntryTest, TheIncrementIsTakenAsTyped)
+{
+    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"},
+         [](HWND entry) { type(entry, kIncrement, L" not a number"); });
+    EXPECT_STREQ(attribute(5), L" not a number");
+}
+
+TEST_F(NotificationEntryTest, BrowsesForAProgram)
+{
+    FileDialogs files;
+    files.answer = L"C:\\scripts\\mail.vbs";
+    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"}, [&](HWND entry) {
+        click(entry, ids::kBrowse);
+        EXPECT_EQ(files.asked, "open, Executable Files, Notification script and options...");
+        EXPECT_EQ(controlText(entry, ids::kText), "C:\\scripts\\mail.vbs");
+        files.answer.clear();
+        click(entry, ids::kBrowse);
+        EXPECT_EQ(controlText(entry, ids::kText), "C:\\scripts\\mail.vbs");
+    });
+    EXPECT_THAT(store.scripts.present(), ElementsAre(L"C:\\scripts\\mail.vbs"));
+}
+
+TEST_F(NotificationEntryTest, AFaultLeavesItOpenWithWhatWasTyped)
+{
+    FileDialogs files;
+    const auto fault = [](OPENFILENAMEW*) -> BOOL {
+        RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
+        return TRUE;
+    };
+    const ImportPatch open(ImportPatch::corvane(), "GetOpenFileNameW",
+                           static_cast<BOOL(WINAPI*)(OPENFILENAMEW*)>(fault));
+    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"}, [&](HWND entry) {
+        type(entry, ids::kText, L"typed");
+        store.recording.takeCalls();
+        click(entry, ids::kBrowse);
+        EXPECT_THAT(store.recording.takeCalls(), ElementsAre("ODS UI CRASH: nleDlg, MyDlgProc, 193\n"));
+        EXPECT_EQ(controlText(entry, ids::kText), "typed");
+    });
+    EXPECT_THAT(store.scripts.present(), ElementsAre(L"typed"));
+}

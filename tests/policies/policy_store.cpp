@@ -1,0 +1,213 @@
+#include "tests/policies/policy_store.h"
+
+#include <windows.h>
+
+#include <cwchar>
+
+namespace {
+
+CBlock<wchar_t> takeOver(const wchar_t* text)
+{
+    return CBlock<wchar_t>(const_cast<wchar_t*>(text));
+}
+
+std::vector<unsigned char> bytesOf(const void* sid)
+{
+    const auto* const bytes = static_cast<const unsigned char*>(sid);
+    return sid == nullptr ? std::vector<unsigned char>()
+                          : std::vector<unsigned char>(bytes, bytes + GetLengthSid(const_cast<void*>(sid)));
+}
+
+// The number that an attribute's text stands for, as far as these tests use it.
+int32_t numberOf(const wchar_t* text)
+{
+    if (text == nullptr) {
+        return 0;
+    }
+    wchar_t* end = nullptr;
+    const long number = std::wcstol(text, &end, 10);
+    switch (*end) {
+    case L'k':
+        return number * 1024;
+    case L'm':
+        return number * 1024 * 1024;
+    default:
+        return number;
+    }
+}
+
+} // namespace
+
+std::uint32_t StoredTexts::add(const wchar_t* text)
+{
+    texts_.push_back(takeOver(text));
+    return count() - 1;
+}
+
+void StoredTexts::update(std::uint32_t index, const wchar_t* text)
+{
+    if (texts_.at(index).get() != text) { // its own string back
+        texts_[index] = takeOver(text);
+    }
+}
+
+void StoredTexts::remove(std::uint32_t index)
+{
+    texts_.at(index).reset();
+}
+
+const wchar_t* StoredTexts::get(std::uint32_t index) const
+{
+    return index < texts_.size() ? texts_[index].get() : nullptr;
+}
+
+std::vector<std::wstring> StoredTexts::present() const
+{
+    std::vector<std::wstring> texts;
+    for (const auto& text : texts_) {
+        if (text) {
+            texts.emplace_back(text.get());
+        }
+    }
+    return texts;
+}
+
+PolicyStore::PolicyStore()
+{
+    answerForNotifications();
+    answerForTexts();
+    answerForMasks();
+}
+
+void PolicyStore::answerForNotifications()
+{
+    StoreAnswers& answer = recording.answer;
+    answer.getNotificationsCount = [this] {
+        return scripts.count();
+    };
+    answer.getNotifications = [this](uint32_t index) {
+        return scripts.get(index);
+    };
+    answer.getNAttr = [this](uint32_t index, uint32_t which) {
+        return attribute(index, which);
+    };
+    answer.getINAttr = [this](uint32_t index, uint32_t which) {
+        return numberOf(attribute(index, which));
+    };
+    answer.setNAttr = [this](uint32_t index, uint32_t which, const wchar_t* text) {
+        attributes_.at(index).at(which) = takeOver(text);
+    };
+    answer.addToNotifications = [this](const wchar_t* script) {
+        attributes_.emplace_back();
+        return scripts.add(script);
+    };
+    answer.updateNotifications = [this](uint32_t index, const wchar_t* script) {
+        scripts.update(index, script);
+    };
+    answer.removeNotifications = [this](uint32_t index) {
+        scripts.remove(index);
+    };
+}
+
+void PolicyStore::answerForTexts()
+{
+    StoreAnswers& answer = recording.answer;
+    const auto get = [](StoredTexts& texts) {
+        return [&texts](uint32_t index) {
+            return texts.get(index);
+        };
+    };
+    const auto add = [](StoredTexts& texts) {
+        return [&texts](const wchar_t* text) {
+            return texts.add(text);
+        };
+    };
+    const auto update = [](StoredTexts& texts) {
+        return [&texts](uint32_t index, const wchar_t* text) {
+            texts.update(index, text);
+        };
+    };
+    const auto remove = [](StoredTexts& texts) {
+        return [&texts](uint32_t index) {
+            texts.remove(index);
+        };
+    };
+    answer.getExcludes = get(excludes);
+    answer.addToExcludes = add(excludes);
+    answer.updateExcludes = update(excludes);
+    answer.removeExcludes = remove(excludes);
+    answer.getMgrAccounts = get(accounts);
+    answer.addToMgrAccounts = add(accounts);
+    answer.updateMgrAccounts = update(accounts);
+    answer.removeMgrAccounts = remove(accounts);
+    answer.getBackupTools = get(tools);
+    answer.addToBackupTools = add(tools);
+    answer.updateBackupTools = update(tools);
+    answer.removeBackupTools = remove(tools);
+}
+
+void PolicyStore::answerForMasks()
+{
+    StoreAnswers& answer = recording.answer;
+    answer.getExcludeExtsPath = [this](uint32_t index) {
+        return masks.get(index);
+    };
+    answer.getExcludeExtsSid = [this](uint32_t index) {
+        return maskAccount(index);
+    };
+    answer.addToExcludeExts = [this](const wchar_t* mask, const void* sid) {
+        maskAccounts_.push_back(bytesOf(sid));
+        return masks.add(mask);
+    };
+    answer.updateExcludeExts = [this](uint32_t index, const wchar_t* mask, const void* sid) {
+        masks.update(index, mask);
+        maskAccounts_.at(index) = bytesOf(sid);
+    };
+    answer.removeExcludeExts = [this](uint32_t index) {
+        masks.remove(index);
+    };
+}
+
+std::uint32_t PolicyStore::putNotification(const wchar_t* script,
+                                           const std::array<const wchar_t*, 6>& attributes)
+{
+    attributes_.emplace_back();
+    for (size_t i = 0; i < attributes.size(); ++i) {
+        if (attributes[i] != nullptr) {
+            attributes_.back()[i].reset(_wcsdup(attributes[i]));
+        }
+    }
+    return scripts.add(_wcsdup(script));
+}
+
+void PolicyStore::putExclude(const wchar_t* path)
+{
+    excludes.add(_wcsdup(path));
+}
+
+void PolicyStore::putMask(const wchar_t* mask, const void* sid)
+{
+    masks.add(_wcsdup(mask));
+    maskAccounts_.push_back(bytesOf(sid));
+}
+
+void PolicyStore::putAccount(const wchar_t* name)
+{
+    accounts.add(_wcsdup(name));
+}
+
+void PolicyStore::putTool(const wchar_t* name)
+{
+    tools.add(_wcsdup(name));
+}
+
+const wchar_t* PolicyStore::attribute(std::uint32_t index, std::uint32_t attribute) const
+{
+    return attributes_.at(index).at(attribute).get();
+}
+
+const void* PolicyStore::maskAccount(std::uint32_t index) const
+{
+    const std::vector<unsigned char>& bytes = maskAccounts_.at(index);
+    return bytes.empty() ? nullptr : bytes.data();
+}

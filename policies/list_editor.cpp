@@ -6,12 +6,34 @@
 #include "frame/selection_buttons.h"
 #include "res/resource.h"
 
-#include <list>
+#include <algorithm>
+#include <vector>
 
 namespace {
 
 /// Raised again after the rows read before a fault were shown.
 struct FillInterrupted {};
+
+// The bytes of a text by which the platform's texts are compared without regard to case.
+std::string lexicalKey(const wchar_t* text)
+{
+    constexpr DWORD kFlags = LCMAP_SORTKEY | NORM_IGNORECASE;
+    char start[256];
+    // The key is made of bytes, and its size is counted in bytes.
+    int size =
+        LCMapStringW(LOCALE_USER_DEFAULT, kFlags, text, -1, reinterpret_cast<wchar_t*>(start), sizeof start);
+    if (size > 0) {
+        return {start, static_cast<std::size_t>(size)};
+    }
+    size = LCMapStringW(LOCALE_USER_DEFAULT, kFlags, text, -1, nullptr, 0);
+    std::string key(static_cast<std::size_t>(size), '\0');
+    LCMapStringW(LOCALE_USER_DEFAULT, kFlags, text, -1, reinterpret_cast<wchar_t*>(key.data()), size);
+    return key;
+}
+
+struct SortableEntry : ListEntry {
+    std::string key;
+};
 
 class Dialog {
 public:
@@ -122,19 +144,25 @@ private:
     // order of the store.
     void fillSorted() const
     {
-        std::list<ListEntry> entries;
+        std::vector<SortableEntry> entries;
         const bool complete = runGuarded([&] {
             std::uint32_t index = 0;
             for (const wchar_t* text = m_editor.entry(0); text != nullptr; text = m_editor.entry(++index)) {
-                entries.push_back({index, text});
+                entries.push_back({{index, text}, lexicalKey(text)});
             }
         });
-        entries.sort([](const ListEntry& a, const ListEntry& b) {
-            return lstrcmpiW(a.text.c_str(), b.text.c_str()) > 0;
-        }); // keeps the order of equal ones
+        std::vector<const SortableEntry*> rows;
+        rows.reserve(entries.size());
+        for (const SortableEntry& entry : entries) {
+            rows.push_back(&entry);
+        }
+        std::sort(rows.begin(), rows.end(), [](const SortableEntry* a, const SortableEntry* b) {
+            const int order = a->key.compare(b->key);
+            return order != 0 ? order > 0 : a->index < b->index;
+        });
         withRedrawOff(m_list, [&] {
-            for (const ListEntry& entry : entries) {
-                insert(0, entry.index, entry.text.c_str());
+            for (const SortableEntry* row : rows) {
+                insert(0, row->index, row->text.c_str());
             }
         });
         if (!complete) {
@@ -187,6 +215,32 @@ private:
     DialogList m_list;
 };
 
+INT_PTR answer(HWND window, const ListEditor& editor, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_INITDIALOG:
+        Dialog(window, editor).onInit();
+        return TRUE;
+    case WM_COMMAND:
+        Dialog(window, editor).onCommand(LOWORD(wParam));
+        return TRUE;
+    case WM_NOTIFY:
+        // Filling a list sends a notification for each row: those of no interest must cost nothing.
+        if (const auto& notification = *reinterpret_cast<const NMHDR*>(lParam);
+            notification.code == LVN_ITEMCHANGED || notification.code == LVN_COLUMNCLICK ||
+            notification.code == static_cast<UINT>(NM_DBLCLK))
+        {
+            Dialog(window, editor).onNotify(notification);
+            return TRUE;
+        }
+        return FALSE;
+    case WM_DESTROY:
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
 INT_PTR CALLBACK MyDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_INITDIALOG) {
@@ -196,23 +250,7 @@ INT_PTR CALLBACK MyDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
     if (editor == nullptr) {
         return FALSE; // what comes before WM_INITDIALOG
     }
-    return guardProcedure(editor->site, [&]() -> INT_PTR {
-        switch (message) {
-        case WM_INITDIALOG:
-            Dialog(window, *editor).onInit();
-            return TRUE;
-        case WM_COMMAND:
-            Dialog(window, *editor).onCommand(LOWORD(wParam));
-            return TRUE;
-        case WM_NOTIFY:
-            Dialog(window, *editor).onNotify(*reinterpret_cast<const NMHDR*>(lParam));
-            return TRUE;
-        case WM_DESTROY:
-            return TRUE;
-        default:
-            return FALSE;
-        }
-    });
+    return guardProcedure(editor->site, [&] { return answer(window, *editor, message, wParam, lParam); });
 }
 
 } // namespace

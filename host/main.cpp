@@ -4,6 +4,7 @@
 #include "host/dump.h"
 #include "host/message.h"
 #include "host/panel_window.h"
+#include "host/runtime_gaps.h"
 
 #include "lornix/lornix_host.h"
 
@@ -73,6 +74,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
     const HRESULT com = OleInitialize(nullptr); // the shell's folder dialog wants it
     int result = kFailed;
     {
+        const host::RuntimeGaps gaps;
         host::PanelWindow panel;
         if (panel.open(instance, line.folders)) {
             panel.run();

@@ -20,16 +20,18 @@ constexpr int kLabelGap = 2; // between a label and what it labels
 constexpr int kFolderLabelWidth = 24;
 constexpr int kLeastFolders = 44;
 constexpr int kMostFolders = 80;
-constexpr int kLeastWidth = 330;
+constexpr int kLeastWidth = 384;
 constexpr int kLeastHeight = 210;
 
 struct Button {
     int id;
     int width;
 };
-// From the left: "Add for account..." takes the first place here when accounts can be chosen. And from the right.
-constexpr Button kLeftButtons[] = {
-    {IDC_ADD_FOR_ANYONE, kWideButtonWidth}, {IDC_EDIT, kButtonWidth}, {IDC_DROP, kButtonWidth}};
+// From the left, and from the right.
+constexpr Button kLeftButtons[] = {{IDC_ADD_FOR_ACCOUNT, kWideButtonWidth},
+                                   {IDC_ADD_FOR_ANYONE, kWideButtonWidth},
+                                   {IDC_EDIT, kButtonWidth},
+                                   {IDC_DROP, kButtonWidth}};
 constexpr Button kRightButtons[] = {{IDC_APPLY, kButtonWidth}, {IDC_RELOAD, kButtonWidth}};
 
 /// Turns dialog units into pixels, so that the page follows the font.

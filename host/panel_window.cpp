@@ -1,6 +1,8 @@
 #include "host/panel_window.h"
 
+#include "host/accounts.h"
 #include "host/folder_name.h"
+#include "host/library_dialogs.h"
 #include "host/message.h"
 #include "host/panel_layout.h"
 #include "host/resource.h"
@@ -9,6 +11,8 @@
 #include "lornix/lornix_host.h"
 
 #include <commctrl.h>
+
+#include <initializer_list>
 
 namespace host {
 namespace {
@@ -157,7 +161,10 @@ void PanelWindow::setUp()
     page_->fitColumns();
     status_->showDataFolder(lornixDataFolder());
     status_->showError({});
-    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    mayEdit_ = isAdmin() != 0;
+    status_->showRights(mayEdit_);
+    enable(IDC_EDIT, false);
+    enable(IDC_DROP, false);
     rulesChanged();
     selectionChanged();
 }
@@ -195,7 +202,11 @@ void PanelWindow::command(int id, int code)
     case IDC_FOLDER_REMOVE:
         return removeFolders();
     case IDC_ADD_FOR_ANYONE:
-        return addForAnyone();
+        return addFor(CORVANE_ANYONE);
+    case IDC_ADD_FOR_ACCOUNT:
+        return addForAccount();
+    case IDM_ADD_OWNERS_FIRST:
+        return addForOwner();
     case IDC_EDIT:
         return edit();
     case IDM_EDIT_SOFT_LIMIT:
@@ -213,6 +224,7 @@ void PanelWindow::command(int id, int code)
         PostMessageW(window_, WM_CLOSE, 0, 0);
         return;
     default:
+        openLibraryDialog(window_, id);
         return; // Esc, among others: a window with unsaved work does not close by one key
     }
 }
@@ -239,7 +251,7 @@ void PanelWindow::notified(const NMHDR& header)
     }
     switch (header.code) {
     case LVN_ITEMCHANGED:
-        checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+        updateRuleButtons();
         break;
     case LVN_COLUMNCLICK:
         if (finishCell()) {
@@ -288,10 +300,20 @@ void PanelWindow::updateMenu(HMENU menu)
     };
     const bool ruleSelected = page_->selectedRow() >= 0;
     set(IDC_APPLY, modified_ || cell_->isOpen());
-    set(IDC_ADD_FOR_ANYONE, !folders_->selected().empty());
-    set(IDC_EDIT, ruleSelected);
-    set(IDM_EDIT_SOFT_LIMIT, ruleSelected);
-    set(IDC_DROP, ruleSelected);
+    const bool folderSelected = mayEdit_ && !folders_->selected().empty();
+    for (const UINT id :
+         std::initializer_list<UINT>{IDC_ADD_FOR_ACCOUNT, IDM_ADD_OWNERS_FIRST, IDC_ADD_FOR_ANYONE})
+    {
+        set(id, folderSelected);
+    }
+    for (const UINT id : std::initializer_list<UINT>{IDC_EDIT, IDM_EDIT_SOFT_LIMIT, IDC_DROP}) {
+        set(id, mayEdit_ && ruleSelected);
+    }
+    for (const UINT id : std::initializer_list<UINT>{IDM_NOTIFICATIONS, IDM_EXCLUDES, IDM_EXCLUDE_EXTS,
+                                                     IDM_MGR_ACCOUNTS, IDM_BACKUP_TOOLS})
+    {
+        set(id, mayEdit_);
+    }
     set(IDM_SELECT_ALL, page_->count() > 0);
 }
 
@@ -351,26 +373,54 @@ void PanelWindow::removeFolders()
     selectionChanged();
 }
 
-void PanelWindow::addForAnyone()
+void PanelWindow::addFor(void* sid)
 {
     const std::vector<std::wstring> chosen = folders_->selected();
-    if (!chosen.empty()) {
-        page_->addForAnyone(chosen);
+    if (mayEdit_ && !chosen.empty()) {
+        page_->add(sid, chosen);
         rulesChanged();
+    }
+}
+
+void PanelWindow::addForAccount()
+{
+    if (const AccountChoice account = chooseAccount(window_); account.made()) {
+        addFor(account.sid());
+    }
+}
+
+void PanelWindow::addForOwner()
+{
+    if (const AccountChoice account = chooseAccountOwnersFirst(window_, folders_->selected()); account.made())
+    {
+        addFor(account.sid());
     }
 }
 
 void PanelWindow::edit()
 {
-    page_->edit();
-    rulesChanged();
+    if (mayEdit_) {
+        page_->edit();
+        rulesChanged();
+    }
+}
+
+/// Edit and Drop are there for those who may change rules, while a row is selected.
+void PanelWindow::updateRuleButtons()
+{
+    if (mayEdit_) {
+        checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    }
 }
 
 void PanelWindow::drop()
 {
+    if (!mayEdit_) {
+        return;
+    }
     page_->drop();
     rulesChanged();
-    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    updateRuleButtons();
     SetFocus(
         page_->list()); // the button that was pressed is disabled now, and a disabled window gets no keys
 }
@@ -402,7 +452,7 @@ void PanelWindow::reload()
     const std::wstring error = page_->show(folders_->all());
     status_->showError({});
     rulesChanged();
-    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    updateRuleButtons();
     if (!error.empty()) {
         reportStore(L"Not all rules could be read.", error);
     }
@@ -430,6 +480,9 @@ bool PanelWindow::mayClose()
 
 void PanelWindow::openCell(int row)
 {
+    if (!mayEdit_) {
+        return;
+    }
     cell_->open(row);
     if (cell_->isOpen()) {
         enable(IDC_APPLY, true); // it would take what is being typed
@@ -461,7 +514,8 @@ void PanelWindow::selectionChanged()
 {
     const std::vector<std::wstring> chosen = folders_->selected();
     enable(IDC_FOLDER_REMOVE, !chosen.empty());
-    enable(IDC_ADD_FOR_ANYONE, !chosen.empty());
+    enable(IDC_ADD_FOR_ACCOUNT, mayEdit_ && !chosen.empty());
+    enable(IDC_ADD_FOR_ANYONE, mayEdit_ && !chosen.empty());
     std::wstring hint = L"Select the folders that new rules are for.";
     if (chosen.size() == 1) {
         hint = L"New rules are for " + chosen.front() + L".";

@@ -38,7 +38,10 @@ private:
     void addTypedFolder(const std::wstring& typed);
     void showFolders(const std::vector<std::wstring>& folders);
     void removeFolders();
-    void addForAnyone();
+    void addFor(void* sid);
+    void addForAccount();
+    void addForOwner();
+    void updateRuleButtons();
     void edit();
     void drop();
     bool apply();
@@ -59,6 +62,7 @@ private:
     std::unique_ptr<CellEditor> cell_;
     std::unique_ptr<StatusLine> status_;
     bool modified_ = false;
+    bool mayEdit_ = false; // administrators only
 };
 
 } // namespace host

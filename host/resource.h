@@ -19,6 +19,7 @@
 
 // The menu entries of the same commands have the same numbers.
 #define IDC_ADD_FOR_ANYONE 1010
+#define IDC_ADD_FOR_ACCOUNT 1011
 #define IDC_EDIT 1012
 #define IDC_DROP 1013
 #define IDC_RELOAD 1014
@@ -28,3 +29,14 @@
 #define IDM_EDIT_SOFT_LIMIT 2000
 #define IDM_SELECT_ALL 2001
 #define IDM_EXIT 2002
+#define IDM_ADD_OWNERS_FIRST 2003
+
+#define IDM_NOTIFICATIONS 2010
+#define IDM_EXCLUDES 2011
+#define IDM_EXCLUDE_EXTS 2012
+#define IDM_MGR_ACCOUNTS 2013
+#define IDM_BACKUP_TOOLS 2014
+#define IDM_CHOOSE_FILE 2020
+#define IDM_CHOOSE_PROCESS 2021
+#define IDM_HELP_CONTENTS 2030
+#define IDM_ABOUT 2031

@@ -148,12 +148,12 @@ void RulePage::hide(const std::vector<std::wstring>& folders)
     drop();
 }
 
-void RulePage::addForAnyone(const std::vector<std::wstring>& folders)
+void RulePage::add(void* sid, const std::vector<std::wstring>& folders)
 {
     PathBlock paths(folders);
     // The result only tells whether a dialog was cancelled; rules of other folders may have been added all
     // the same, so what changed is found by comparing.
-    addToListCtrl(dialog_, listId_, CORVANE_ANYONE, paths.list());
+    addToListCtrl(dialog_, listId_, sid, paths.list());
     showBackslashes();
 }
 

@@ -36,8 +36,9 @@ public:
     /// Takes the rows of some folders out of the list, saved or not, and releases their rules.
     void hide(const std::vector<std::wstring>& folders);
 
-    /// Adds a rule for anyone on each of some folders, through the library's dialog.
-    void addForAnyone(const std::vector<std::wstring>& folders);
+    /// Adds a rule on each of some folders, through the library's dialog.
+    /// @param sid  account, null or CORVANE_ANYONE for anyone.
+    void add(void* sid, const std::vector<std::wstring>& folders);
 
     /// Opens the library's dialog on the first selected row.
     void edit();

@@ -10,8 +10,9 @@ namespace {
 // The parts, from left to right.
 constexpr size_t kRules = 0;
 constexpr size_t kModified = 1;
-constexpr size_t kError = 2;
-constexpr size_t kDataFolder = 3;
+constexpr size_t kRights = 2;
+constexpr size_t kError = 3;
+constexpr size_t kDataFolder = 4;
 
 constexpr int kTextMargin = 6; // pixels on both sides of a text
 
@@ -75,13 +76,15 @@ void StatusLine::resize()
     // The short texts get what they need, error and folder share the rest; without an error the folder gets more.
     const int rules = pen.widthOf(texts_[kRules]);
     const int modified = pen.widthOf(texts_[kModified]);
-    const int rest = std::max<int>(area.right - rules - modified - grip, 0);
+    const int rights = pen.widthOf(texts_[kRights]);
+    const int rest = std::max<int>(area.right - rules - modified - rights - grip, 0);
     const int error = std::min(pen.widthOf(texts_[kError]), rest * 3 / 5);
     const int folder = rest - error;
 
-    const std::array<int, kParts> edges{rules, rules + modified, rules + modified + error, -1};
+    const std::array<int, kParts> edges{rules, rules + modified, rules + modified + rights,
+                                        rules + modified + rights + error, -1};
     SendMessageW(bar_, SB_SETPARTS, kParts, reinterpret_cast<LPARAM>(edges.data()));
-    const std::array<std::wstring, kParts> shown{texts_[kRules], texts_[kModified],
+    const std::array<std::wstring, kParts> shown{texts_[kRules], texts_[kModified], texts_[kRights],
                                                  pen.fitted(texts_[kError], error, DT_END_ELLIPSIS),
                                                  pen.fitted(texts_[kDataFolder], folder, DT_PATH_ELLIPSIS)};
     for (size_t part = 0; part < kParts; ++part) {
@@ -106,6 +109,11 @@ void StatusLine::showRules(int rules, size_t folders)
 void StatusLine::showModified(bool modified)
 {
     show(kModified, modified ? L"Unsaved changes" : L"All changes stored");
+}
+
+void StatusLine::showRights(bool administrator)
+{
+    show(kRights, administrator ? L"Administrator" : L"Not an administrator: view only");
 }
 
 void StatusLine::showError(const std::wstring& error)

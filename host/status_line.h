@@ -21,13 +21,16 @@ public:
     void showRules(int rules, size_t folders);
     void showModified(bool modified);
 
+    /// Whether the panel runs for an administrator, who may change rules.
+    void showRights(bool administrator);
+
     /// @param error  empty: none since the last call that did its work.
     void showError(const std::wstring& error);
 
     void showDataFolder(const std::wstring& folder);
 
 private:
-    static constexpr int kParts = 4;
+    static constexpr int kParts = 5;
 
     void show(size_t part, const std::wstring& text);
 

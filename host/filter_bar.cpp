@@ -1,0 +1,296 @@
+#include "host/filter_bar.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace host {
+namespace {
+
+constexpr UINT_PTR kSubclass = 1;
+constexpr UINT_PTR kChangeTimer = 0x46;
+constexpr int kRowHeight = 19; // pixels: an edit in the dialogs' font
+constexpr int kTextMargin = 6; // pixels beside a heading
+
+/// What belongs to one header: its filters, one per column, and their edits.
+class FilterBar {
+public:
+    explicit FilterBar(HWND header)
+        : header_(header)
+    {
+    }
+
+    LRESULT handle(UINT message, WPARAM wParam, LPARAM lParam);
+
+    /// One edit per column, each under its cell.
+    void arrange();
+
+private:
+    struct Filter {
+        HWND edit = nullptr;
+        std::wstring text;
+        bool changed = false;
+    };
+
+    LRESULT pass(UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        return DefSubclassProc(header_, message, wParam, lParam);
+    }
+    LRESULT setItem(WPARAM column, const HDITEMW& item);
+    LRESULT getItem(WPARAM column, HDITEMW& item);
+    void clear(int column);
+    void typed(HWND edit);
+    void notify();
+    void paint();
+    void paintCell(HDC dc, int column) const;
+    HWND newEdit();
+
+    HWND header_;
+    std::vector<Filter> filters_;
+    UINT timeout_ = 1000; // milliseconds between typing and telling, until the owner says otherwise
+    bool setting_ = false;
+};
+
+LRESULT FilterBar::handle(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case HDM_LAYOUT: {
+        const LRESULT result = pass(message, wParam, lParam);
+        const auto* layout = reinterpret_cast<const HDLAYOUT*>(lParam);
+        layout->pwpos->cy += kRowHeight;
+        layout->prc->top += kRowHeight;
+        return result;
+    }
+    case HDM_SETITEMW:
+        return setItem(wParam, *reinterpret_cast<const HDITEMW*>(lParam));
+    case HDM_GETITEMW:
+        return getItem(wParam, *reinterpret_cast<HDITEMW*>(lParam));
+    case HDM_SETFILTERCHANGETIMEOUT:
+        return static_cast<LRESULT>(std::exchange(timeout_, static_cast<UINT>(lParam)));
+    case HDM_CLEARFILTER:
+        clear(static_cast<int>(wParam));
+        return 1;
+    case HDM_INSERTITEMW:
+    case HDM_DELETEITEM:
+    case HDM_SETORDERARRAY:
+    case WM_SIZE:
+    case WM_LBUTTONUP: {
+        const LRESULT result = pass(message, wParam, lParam);
+        arrange();
+        return result;
+    }
+    case WM_MOUSEMOVE: {
+        const LRESULT result = pass(message, wParam, lParam);
+        if (GetCapture() == header_) {
+            arrange(); // a divider is being dragged
+        }
+        return result;
+    }
+    case WM_COMMAND:
+        if (HIWORD(wParam) == EN_CHANGE && !setting_) {
+            typed(reinterpret_cast<HWND>(lParam));
+        }
+        return 0;
+    case WM_TIMER:
+        if (wParam == kChangeTimer) {
+            notify();
+            return 0;
+        }
+        return pass(message, wParam, lParam);
+    case WM_ERASEBKGND:
+        return 1;
+    case WM_PAINT:
+        paint();
+        return 0;
+    default:
+        return pass(message, wParam, lParam);
+    }
+}
+
+HWND FilterBar::newEdit()
+{
+    const HWND edit = CreateWindowExW(0, WC_EDITW, L"", WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL, 0,
+                                      0, 0, 0, header_, nullptr, nullptr, nullptr);
+    SendMessageW(edit, WM_SETFONT, static_cast<WPARAM>(SendMessageW(header_, WM_GETFONT, 0, 0)), FALSE);
+    return edit;
+}
+
+void FilterBar::arrange()
+{
+    const auto columns =
+        static_cast<size_t>(std::max<LRESULT>(SendMessageW(header_, HDM_GETITEMCOUNT, 0, 0), 0));
+    while (filters_.size() > columns) {
+        DestroyWindow(filters_.back().edit);
+        filters_.pop_back();
+    }
+    while (filters_.size() < columns) {
+        filters_.push_back({newEdit(), {}, false});
+    }
+    RECT client{};
+    GetClientRect(header_, &client);
+    for (size_t column = 0; column < columns; ++column) {
+        RECT cell{};
+        SendMessageW(header_, HDM_GETITEMRECT, column, reinterpret_cast<LPARAM>(&cell));
+        MoveWindow(filters_[column].edit, cell.left, client.bottom - kRowHeight, cell.right - cell.left,
+                   kRowHeight, TRUE);
+    }
+}
+
+LRESULT FilterBar::setItem(WPARAM column, const HDITEMW& item)
+{
+    if ((item.mask & HDI_FILTER) != 0 && column < filters_.size() && item.pvFilter != nullptr &&
+        (item.type & ~static_cast<UINT>(HDFT_HASNOVALUE)) == HDFT_ISSTRING)
+    {
+        const bool none = (item.type & HDFT_HASNOVALUE) != 0;
+        const wchar_t* text = static_cast<const HD_TEXTFILTERW*>(item.pvFilter)->pszText;
+        filters_[column].text = none || text == nullptr ? L"" : text;
+        setting_ = true;
+        SetWindowTextW(filters_[column].edit, filters_[column].text.c_str());
+        setting_ = false;
+    }
+    HDITEMW rest = item;
+    rest.mask &= ~static_cast<UINT>(HDI_FILTER);
+    const LRESULT result =
+        rest.mask == 0 ? TRUE : pass(HDM_SETITEMW, column, reinterpret_cast<LPARAM>(&rest));
+    arrange();
+    return result;
+}
+
+LRESULT FilterBar::getItem(WPARAM column, HDITEMW& item)
+{
+    HDITEMW rest = item;
+    rest.mask &= ~static_cast<UINT>(HDI_FILTER);
+    const LRESULT result =
+        rest.mask == 0 ? TRUE : pass(HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&rest));
+    const UINT mask = item.mask;
+    const UINT type = item.type;
+    void* const filter = item.pvFilter;
+    item = rest;
+    item.mask = mask;
+    item.type = type;
+    item.pvFilter = filter;
+    if ((mask & HDI_FILTER) != 0 && column < filters_.size()) {
+        const std::wstring& text = filters_[column].text;
+        item.type = HDFT_ISSTRING | (text.empty() ? static_cast<UINT>(HDFT_HASNOVALUE) : 0u);
+        auto* target = static_cast<HD_TEXTFILTERW*>(filter);
+        if (target != nullptr && target->pszText != nullptr && target->cchTextMax > 0) {
+            const size_t length = text.copy(target->pszText, static_cast<size_t>(target->cchTextMax) - 1);
+            target->pszText[length] = L'\0';
+        }
+    }
+    return result;
+}
+
+void FilterBar::clear(int column)
+{
+    for (size_t i = 0; i < filters_.size(); ++i) {
+        if (column == -1 || static_cast<size_t>(column) == i) {
+            SetWindowTextW(filters_[i].edit, L""); // its change goes the way of a typed one
+        }
+    }
+}
+
+void FilterBar::typed(HWND edit)
+{
+    for (Filter& filter : filters_) {
+        if (filter.edit == edit) {
+            std::wstring text(static_cast<size_t>(GetWindowTextLengthW(edit)) + 1, L'\0');
+            text.resize(
+                static_cast<size_t>(GetWindowTextW(edit, text.data(), static_cast<int>(text.size()))));
+            filter.text = std::move(text);
+            filter.changed = true;
+            SetTimer(header_, kChangeTimer, timeout_, nullptr);
+        }
+    }
+}
+
+void FilterBar::notify()
+{
+    KillTimer(header_, kChangeTimer);
+    // The runtime's list view keeps this notification to itself: it goes straight to the list's own parent.
+    const HWND listener = GetParent(GetParent(header_));
+    for (size_t column = 0; column < filters_.size(); ++column) {
+        if (std::exchange(filters_[column].changed, false)) {
+            NMHEADERW change{};
+            change.hdr = {header_, static_cast<UINT_PTR>(GetDlgCtrlID(header_)),
+                          static_cast<UINT>(HDN_FILTERCHANGE)};
+            change.iItem = static_cast<int>(column);
+            SendMessageW(listener, WM_NOTIFY, change.hdr.idFrom, reinterpret_cast<LPARAM>(&change));
+        }
+    }
+}
+
+// The control would centre its headings in the whole height, under the edits.
+void FilterBar::paint()
+{
+    PAINTSTRUCT paint{};
+    const HDC dc = BeginPaint(header_, &paint);
+    RECT client{};
+    GetClientRect(header_, &client);
+    FillRect(dc, &client, GetSysColorBrush(COLOR_3DFACE));
+    const HGDIOBJ font = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(header_, WM_GETFONT, 0, 0)));
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+    for (size_t column = 0; column < filters_.size(); ++column) {
+        paintCell(dc, static_cast<int>(column));
+    }
+    SelectObject(dc, font);
+    EndPaint(header_, &paint);
+}
+
+void FilterBar::paintCell(HDC dc, int column) const
+{
+    wchar_t heading[128] = {};
+    HDITEMW item{};
+    item.mask = HDI_TEXT | HDI_FORMAT;
+    item.pszText = heading;
+    item.cchTextMax = static_cast<int>(std::size(heading));
+    DefSubclassProc(header_, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+    RECT cell{};
+    SendMessageW(header_, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&cell));
+    cell.bottom -= kRowHeight;
+    DrawEdge(dc, &cell, EDGE_RAISED, BF_RECT | BF_SOFT);
+    InflateRect(&cell, -kTextMargin, 0);
+    const int justify = item.fmt & HDF_JUSTIFYMASK;
+    const UINT side = justify == HDF_RIGHT ? DT_RIGHT : justify == HDF_CENTER ? DT_CENTER : DT_LEFT;
+    DrawTextW(dc, heading, -1, &cell, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX | side);
+}
+
+LRESULT CALLBACK subclass(HWND header, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                          DWORD_PTR data)
+{
+    auto* bar = reinterpret_cast<FilterBar*>(data);
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(header, subclass, id);
+        const std::unique_ptr<FilterBar> end(bar);
+        return DefSubclassProc(header, message, wParam, lParam);
+    }
+    return bar->handle(message, wParam, lParam);
+}
+
+} // namespace
+
+void addFilterBar(HWND header)
+{
+    DWORD_PTR present = 0;
+    if (GetWindowSubclass(header, subclass, kSubclass, &present)) {
+        return;
+    }
+    auto bar = std::make_unique<FilterBar>(header);
+    if (!SetWindowSubclass(header, subclass, kSubclass, reinterpret_cast<DWORD_PTR>(bar.get()))) {
+        return;
+    }
+    bar.release()->arrange(); // the header's own from here on, until it is destroyed
+
+    const HWND list = GetParent(header);
+    RECT client{};
+    GetClientRect(list, &client);
+    SendMessageW(list, WM_SIZE, SIZE_RESTORED,
+                 MAKELPARAM(client.right, client.bottom)); // makes room for the row
+}
+
+} // namespace host

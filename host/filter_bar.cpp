@@ -12,6 +12,7 @@ namespace host {
 namespace {
 
 constexpr UINT_PTR kSubclass = 1;
+constexpr wchar_t kHasBar[] = L"FilterBar"; // a property of the header
 constexpr UINT_PTR kChangeTimer = 0x46;
 constexpr int kRowHeight = 19; // pixels: an edit in the dialogs' font
 constexpr int kTextMargin = 6; // pixels beside a heading
@@ -265,6 +266,7 @@ LRESULT CALLBACK subclass(HWND header, UINT message, WPARAM wParam, LPARAM lPara
 {
     auto* bar = reinterpret_cast<FilterBar*>(data);
     if (message == WM_NCDESTROY) {
+        RemovePropW(header, kHasBar);
         RemoveWindowSubclass(header, subclass, id);
         const std::unique_ptr<FilterBar> end(bar);
         return DefSubclassProc(header, message, wParam, lParam);
@@ -276,14 +278,14 @@ LRESULT CALLBACK subclass(HWND header, UINT message, WPARAM wParam, LPARAM lPara
 
 void addFilterBar(HWND header)
 {
-    DWORD_PTR present = 0;
-    if (GetWindowSubclass(header, subclass, kSubclass, &present)) {
+    if (GetPropW(header, kHasBar) != nullptr) {
         return;
     }
     auto bar = std::make_unique<FilterBar>(header);
     if (!SetWindowSubclass(header, subclass, kSubclass, reinterpret_cast<DWORD_PTR>(bar.get()))) {
         return;
     }
+    SetPropW(header, kHasBar, header);
     bar.release()->arrange(); // the header's own from here on, until it is destroyed
 
     const HWND list = GetParent(header);

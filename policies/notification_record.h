@@ -16,7 +16,8 @@ struct NotificationRecord {
     /// The text of an attribute, null when it is not set.
     const wchar_t* text(std::size_t attribute) const
     {
-        return attributes[attribute] ? attributes[attribute]->c_str() : nullptr;
+        const Attribute& value = attributes[attribute];
+        return value ? value->c_str() : nullptr;
     }
 
     /// A notification that is not there yet: for anyone, once a day, any increment.

@@ -64,11 +64,16 @@ void render(const CListCtrl& list, int row, std::uint32_t index)
     list.setText(row, column::kMinIncrement, increment);
 }
 
+/// A copy that passes to the store; null stays null.
+wchar_t* copyForStore(const wchar_t* text)
+{
+    return text != nullptr ? _wcsdup(text) : nullptr;
+}
+
 void setAttributes(std::uint32_t index, const NotificationRecord& record)
 {
     for (std::uint32_t attribute = 0; attribute < NOTIFICATION_ATTRIBUTE_COUNT; ++attribute) {
-        const wchar_t* text = record.text(attribute);
-        setNAttr(index, attribute, text != nullptr ? _wcsdup(text) : nullptr);
+        setNAttr(index, attribute, copyForStore(record.text(attribute)));
     }
 }
 
@@ -78,7 +83,8 @@ std::optional<ListEntry> add(HWND dialog)
     if (!record) {
         return std::nullopt;
     }
-    const std::uint32_t index = addToNotifications(_wcsdup(record->script.c_str()));
+    // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the copy is the store's now
+    const std::uint32_t index = addToNotifications(copyForStore(record->script.c_str()));
     setAttributes(index, *record);
     return ListEntry{index, record->script};
 }
@@ -96,7 +102,7 @@ std::optional<std::wstring> edit(HWND dialog, std::uint32_t index)
     if (!record) {
         return std::nullopt;
     }
-    updateNotifications(index, _wcsdup(record->script.c_str()));
+    updateNotifications(index, copyForStore(record->script.c_str()));
     setAttributes(index, *record);
     return record->script;
 }

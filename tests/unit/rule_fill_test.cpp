@@ -1,0 +1,164 @@
+// Filling beside the plain way to say it: a rule is shown when no row has the same limits, folder and account.
+#include "tests/support/list_host.h"
+#include "tests/support/recording_store.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cwchar>
+#include <random>
+
+#include <commctrl.h>
+
+namespace {
+
+/// A path list on the stack, for up to eight folders.
+struct Folders {
+    explicit Folders(std::initializer_list<const wchar_t*> paths)
+    {
+        for (const wchar_t* path : paths) {
+            list.paths[list.count++] = const_cast<wchar_t*>(path);
+        }
+    }
+    const PathList* get() const { return reinterpret_cast<const PathList*>(&list); }
+    struct {
+        int32_t count = 0;
+        wchar_t* paths[8] = {};
+    } list;
+};
+
+struct RuleFillTest : testing::Test {
+    RecordingStore store;
+    ListHost host;
+
+    void SetUp() override { initializeListCtrl2(host.object(), nullptr); }
+
+    long callsOf(std::string_view function) const
+    {
+        const auto calls = store.calls();
+        return std::count_if(calls.begin(), calls.end(),
+                             [&](const std::string& call) { return call.starts_with(function); });
+    }
+
+    /// The records of all rows, from the top, form one chain.
+    void expectChained()
+    {
+        const QuotaRule* previous = nullptr;
+        for (int row = 0; row < host.rowCount(); ++row) {
+            const QuotaRule* rule = host.record(row);
+            ASSERT_EQ(rule->prev, previous) << row;
+            ASSERT_TRUE(previous == nullptr || previous->next == rule) << row;
+            previous = rule;
+        }
+        ASSERT_TRUE(previous == nullptr || previous->next == nullptr);
+    }
+};
+
+TEST_F(RuleFillTest, RandomRulesWithRepetitions)
+{
+    std::mt19937 random(1);
+    std::vector<void*> accounts{nullptr};
+    for (int i = 0; i < 100; ++i) {
+        accounts.push_back(store.account("account" + std::to_string(i)));
+    }
+    const wchar_t* const folders[] = {L"C:\\a", L"C:\\b", L"c:\\A", L"C:\\c"};
+    struct Said {
+        std::wstring path;
+        void* account;
+        int64_t hardLimit;
+        int64_t softLimit;
+        bool operator==(const Said&) const = default;
+    };
+    std::vector<Said> expected;
+    for (const wchar_t* folder : folders) {
+        std::vector<Said> shown;
+        for (int i = 0; i < 400; ++i)
+        { // few limits, so that groups become larger than what is compared directly
+            const Said said{folder, accounts[random() % accounts.size()], 2048 + random() % 2 * 1024, 1024};
+            store.put(folder, said.account, said.hardLimit, said.softLimit, i);
+            if (std::find(expected.begin(), expected.end(), said) == expected.end()) {
+                expected.push_back(said);
+            }
+        }
+    }
+    const Folders paths{folders[0], folders[1], folders[2], folders[3]};
+    fillUpListCtrl2(paths.get(), host.object());
+
+    ASSERT_EQ(static_cast<std::size_t>(host.rowCount()), expected.size());
+    for (int row = 0; row < host.rowCount(); ++row) {
+        const Said& said = expected[expected.size() - 1 - static_cast<std::size_t>(row)];
+        const QuotaRule& rule = *host.record(row);
+        ASSERT_EQ(rule.path, said.path);
+        ASSERT_EQ(RecordingStore::nameOf(rule.sid), RecordingStore::nameOf(said.account));
+        ASSERT_EQ(rule.hardLimit, said.hardLimit);
+    }
+    expectChained();
+
+    fillUpListCtrl2(paths.get(), host.object());
+    EXPECT_EQ(static_cast<std::size_t>(host.rowCount()), expected.size());
+    expectChained();
+}
+
+TEST_F(RuleFillTest, AccountsAreComparedOnlyWhereLimitsAndFolderAgree)
+{
+    void* alice = store.account("alice");
+    void* bob = store.account("bob");
+    store.put(L"C:\\a", alice, 2048, 1024, 0);
+    store.put(L"C:\\a", bob, 4096, 1024, 0);
+    store.put(L"C:\\b", bob, 2048, 1024, 0);
+    const Folders paths{L"C:\\a", L"C:\\b"};
+    fillUpListCtrl2(paths.get(), host.object());
+    EXPECT_EQ(callsOf("sidcmp"), 0);
+    EXPECT_EQ(host.rowCount(), 3);
+}
+
+TEST_F(RuleFillTest, AccountsAreComparedInTheOrderOfTheRows)
+{
+    for (const char* name : {"alice", "bob", "carol"}) {
+        store.put(L"C:\\a", store.account(name), 2048, 1024, 0);
+    }
+    const Folders paths{L"C:\\a"};
+    fillUpListCtrl2(paths.get(), host.object());
+    store.takeCalls();
+    fillUpListCtrl2(paths.get(), host.object());
+    EXPECT_THAT(store.calls(),
+                testing::ElementsAre("getQuotaList C:\\a", "sidcmp carol alice", "sidcmp bob alice",
+                                     "sidcmp alice alice", "sidcmp carol bob", "sidcmp bob bob",
+                                     "sidcmp carol carol"));
+}
+
+TEST_F(RuleFillTest, AListThatShowsEverythingIsNotRedrawn)
+{
+    store.put(L"C:\\a", nullptr, 2048, 1024, 0);
+    const Folders paths{L"C:\\a"};
+    int switched = 0;
+    const auto count = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                          DWORD_PTR counter) {
+        *reinterpret_cast<int*>(counter) += message == WM_SETREDRAW ? 1 : 0;
+        return DefSubclassProc(window, message, wParam, lParam);
+    };
+    SetWindowSubclass(host.list(), count, 1, reinterpret_cast<DWORD_PTR>(&switched));
+    fillUpListCtrl2(paths.get(), host.object());
+    EXPECT_EQ(switched, 2);
+    fillUpListCtrl2(paths.get(), host.object());
+    EXPECT_EQ(switched, 2);
+    RemoveWindowSubclass(host.list(), count, 1);
+}
+
+TEST_F(RuleFillTest, ListThatSortsByItselfIsChainedInItsOwnOrder)
+{
+    ListHost sorting(LVS_SORTASCENDING);
+    initializeListCtrl2(sorting.object(), nullptr);
+    for (const char* name : {"bob", "carol", "alice"}) {
+        store.put(L"C:\\a", store.account(name), 2048, 1024, 0);
+    }
+    const Folders paths{L"C:\\a"};
+    fillUpListCtrl2(paths.get(), sorting.object());
+    std::vector<std::string> names;
+    for (const QuotaRule* rule = sorting.record(0); rule != nullptr; rule = rule->next) {
+        names.push_back(RecordingStore::nameOf(rule->sid));
+    }
+    EXPECT_THAT(names, testing::ElementsAre("alice", "bob", "carol"));
+}
+
+} // namespace

@@ -3,13 +3,13 @@
 #include "frame/platform.h"
 #include "quota/rule.h"
 
-#include <algorithm>
+#include <functional>
 #include <string_view>
 
 namespace {
 
 // Up to this many rules are compared one by one, in the order of the rows.
-constexpr std::size_t kDirectlyCompared = 32;
+constexpr std::uint32_t kDirectlyCompared = 32;
 
 std::uint64_t mix(std::uint64_t hash, std::uint64_t value)
 {
@@ -24,18 +24,19 @@ std::uint64_t hashOf(const QuotaRule& rule)
                static_cast<std::uint64_t>(rule.softLimit));
 }
 
-/// Hash of an account by its binary form; false for what is no valid identifier and can only be compared.
-bool hashAccount(void* sid, std::uint64_t& hash)
+/// Hash of a rule and its account by its binary form; false for what is no valid identifier and can only be
+/// compared.
+bool addAccount(void* sid, std::uint64_t& hash)
 {
     if (sid == nullptr) {
-        hash = 0;
+        hash = mix(hash, 0);
         return true;
     }
     if (IsValidSid(sid) == FALSE) {
         return false;
     }
     const std::string_view bytes(static_cast<const char*>(sid), GetLengthSid(sid));
-    hash = std::hash<std::string_view>{}(bytes);
+    hash = mix(hash, std::hash<std::string_view>{}(bytes));
     return true;
 }
 
@@ -43,33 +44,31 @@ bool hashAccount(void* sid, std::uint64_t& hash)
 
 void RuleIndex::addOnTop(QuotaRule& rule)
 {
-    Bucket& bucket = m_buckets[hashOf(rule)];
-    bucket.rules.push_back(&rule);
-    const auto addByAccount = [&](QuotaRule* added) {
-        std::uint64_t account = 0;
-        if (hashAccount(added->sid, account)) {
-            bucket.byAccount.emplace(account, added);
+    const std::uint64_t alike = hashOf(rule);
+    const std::uint32_t count = m_alike.addOnTop(alike, rule);
+    const auto addByAccount = [&](QuotaRule& added) {
+        std::uint64_t hash = alike;
+        if (addAccount(added.sid, hash)) {
+            m_byAccount.addOnTop(hash, added);
         }
+        return false;
     };
-    if (bucket.rules.size() == kDirectlyCompared + 1) {
-        std::for_each(bucket.rules.begin(), bucket.rules.end(), addByAccount);
-    } else if (bucket.rules.size() > kDirectlyCompared) {
-        addByAccount(&rule);
+    if (count == kDirectlyCompared + 1) {
+        m_alike.any(alike, addByAccount);
+    } else if (count > kDirectlyCompared) {
+        addByAccount(rule);
     }
 }
 
 bool RuleIndex::contains(const QuotaRule& rule) const
 {
-    const auto found = m_buckets.find(hashOf(rule));
-    if (found == m_buckets.end()) {
-        return false;
+    const std::uint64_t alike = hashOf(rule);
+    const auto isSame = [&](const QuotaRule& shown) {
+        return sameRule(shown, rule);
+    };
+    std::uint64_t hash = alike;
+    if (m_alike.size(alike) > kDirectlyCompared && addAccount(rule.sid, hash)) {
+        return m_byAccount.any(hash, isSame);
     }
-    const Bucket& bucket = found->second;
-    std::uint64_t account = 0;
-    if (bucket.rules.size() > kDirectlyCompared && hashAccount(rule.sid, account)) {
-        const auto [first, last] = bucket.byAccount.equal_range(account);
-        return std::any_of(first, last, [&](const auto& entry) { return sameRule(*entry.second, rule); });
-    }
-    return std::any_of(bucket.rules.rbegin(), bucket.rules.rend(),
-                       [&](const QuotaRule* shown) { return sameRule(*shown, rule); });
+    return m_alike.any(alike, isSame);
 }

@@ -2,10 +2,7 @@
 #pragma once
 
 #include "corvane_types.h"
-
-#include <cstdint>
-#include <unordered_map>
-#include <vector>
+#include "quota/rule_groups.h"
 
 /// Answers whether a list already shows a rule, as comparing it with every row from the top would, but
 /// without looking at the rows that differ in limits or folder.
@@ -18,12 +15,9 @@ public:
     bool contains(const QuotaRule& rule) const;
 
 private:
-    /// Rules alike in limits and folder, the lowest row first. A group's rule copied to its members fills one
-    /// such bucket with as many rules as the group has members, so that large ones are split by account.
-    struct Bucket {
-        std::vector<QuotaRule*> rules;
-        std::unordered_multimap<std::uint64_t, QuotaRule*> byAccount;
-    };
-
-    std::unordered_map<std::uint64_t, Bucket> m_buckets;
+    /// Rules alike in limits and folder.
+    RuleGroups m_alike;
+    /// A group's rule copied to its members makes as many rules alike as the group has members: large groups are
+    /// split by account.
+    RuleGroups m_byAccount;
 };

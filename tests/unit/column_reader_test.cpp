@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -167,10 +169,10 @@ TEST_F(ColumnReaderTest, SortingWithAndWithoutTheFirstRowsData)
 {
     sortListCtrl2(host.object(), 0); // leaves the column behind that other tests may have sorted by
     sortListCtrl2(host.object(), 1);
-    EXPECT_EQ(host.column(1), (std::vector<std::wstring>{L"10K", L"20K", L"30K"}));
+    EXPECT_EQ(host.column(1), (std::vector<std::string>{"10K", "20K", "30K"}));
     list.setData(0, 0);
     sortListCtrl2(host.object(), 1);
-    EXPECT_EQ(host.column(1), (std::vector<std::wstring>{L"30K", L"20K", L"10K"}));
+    EXPECT_EQ(host.column(1), (std::vector<std::string>{"30K", "20K", "10K"}));
 }
 
 } // namespace

@@ -33,7 +33,7 @@ struct RuleFillTest : testing::Test {
 
     void SetUp() override { initializeListCtrl2(host.object(), nullptr); }
 
-    long callsOf(std::string_view function) const
+    auto callsOf(std::string_view function) const
     {
         const auto calls = store.calls();
         return std::count_if(calls.begin(), calls.end(),

@@ -35,6 +35,11 @@ FillThreads::FillThreads()
 
 FillThreads::~FillThreads()
 {
+    forget();
+}
+
+void FillThreads::forget()
+{
     waitForAll();
     for (const HANDLE thread : startedThreads) {
         CloseHandle(thread);

@@ -32,6 +32,8 @@ public:
     int started() const;
     /// Waits for the end of all; fails the test when one does not end.
     void waitForAll();
+    /// Waits, and lets go of what is kept of them.
+    void forget();
 
 private:
     ImportPatch start_;

@@ -69,14 +69,14 @@ void startFillThread(const std::shared_ptr<AccountFill>& fill)
         fill->rows.end();
         return;
     }
-    const HMODULE module = start->module;
+    Start* const argument = start.release(); // the thread's
     const std::lock_guard starting(fill->starting);
-    const auto thread = _beginthread(fillThread, 0, start.get());
+    const auto thread = _beginthread(fillThread, 0, argument);
     if (thread == static_cast<std::uintptr_t>(-1)) {
-        FreeLibrary(module);
+        start.reset(argument);
+        FreeLibrary(start->module);
         fill->rows.end();
         return;
     }
     fill->thread = reinterpret_cast<HANDLE>(thread);
-    start.release(); // the thread's
 }

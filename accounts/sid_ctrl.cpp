@@ -47,27 +47,28 @@ int addIcon(HIMAGELIST images, int id)
     return index;
 }
 
+struct TextKey {
+    const wchar_t* text; ///< null when reading it raised a fault
+};
+
 struct Sorting {
-    ColumnKeys<const wchar_t*> texts;
+    ColumnKeys<TextKey> keys;
     int sign;
 };
 
 int CALLBACK compareRows(LPARAM first, LPARAM second, LPARAM context)
 {
     const auto& sorting = *reinterpret_cast<const Sorting*>(context);
-    const wchar_t* const* const a = sorting.texts.of(first);
-    const wchar_t* const* const b = sorting.texts.of(second);
-    int result = 0;
-    // Second against first, so that a first click sorts from Z to A. Wanted: it is how this list has always sorted.
-    const bool done = a != nullptr && b != nullptr &&
-                      runGuarded([&] { result = sorting.sign * compareIgnoringCase(*b, *a); });
-    if (!done) {
+    const wchar_t* const a = sorting.keys.of(first).text;
+    const wchar_t* const b = sorting.keys.of(second).text;
+    if (a == nullptr || b == nullptr) {
         runGuarded([&] {
             ODS("*** FAIL in comparison: %d vs %d ***\n", static_cast<int>(first), static_cast<int>(second));
         });
         return 0;
     }
-    return result;
+    // Second against first, so that a first click sorts from Z to A. Wanted: it is how this list has always sorted.
+    return sorting.sign * compareIgnoringCase(b, a);
 }
 
 } // namespace
@@ -153,7 +154,7 @@ void CSidCtrl::onColumnClick(int column)
     m_sortColumn = column;
     const Sorting sorting{{*this, column,
                            [](const wchar_t* text) {
-                               return text;
+                               return TextKey{text};
                            }},
                           m_sortFlag == 1 ? -1 : 1};
     send(LVM_SORTITEMS, reinterpret_cast<WPARAM>(&sorting), reinterpret_cast<LPARAM>(&compareRows));
@@ -174,17 +175,17 @@ LRESULT CSidCtrl::colorCell(NMLVCUSTOMDRAW& draw)
 {
     switch (draw.nmcd.dwDrawStage) {
     case CDDS_PREPAINT:
-        return CDRF_NOTIFYITEMDRAW;
     case CDDS_ITEMPREPAINT:
-        return CDRF_NOTIFYSUBITEMDRAW;
+        return CDRF_NOTIFYITEMDRAW; // for a row: CDRF_NOTIFYSUBITEMDRAW, which is the same number
     case CDDS_ITEMPREPAINT | CDDS_SUBITEM: {
         const std::wstring cell = text(static_cast<int>(draw.nmcd.dwItemSpec), draw.iSubItem);
         draw.clrText = equalsFilter(cell.c_str(), filter(draw.iSubItem)) ? kMatchColor : kOtherColor;
-        return CDRF_DODEFAULT;
+        break;
     }
     default:
-        return CDRF_DODEFAULT;
+        break;
     }
+    return CDRF_DODEFAULT;
 }
 
 // ---- the fill, on the list's own thread ----

@@ -46,7 +46,10 @@ protected:
 /// Makes reading one row's text fail, as a broken control may.
 LRESULT CALLBACK faultAtRow(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR row)
 {
-    if (message == LVM_GETITEMTEXTW && wParam == row) {
+    const auto* const item = reinterpret_cast<const LVITEMW*>(lParam);
+    if ((message == LVM_GETITEMTEXTW && wParam == row) ||
+        (message == LVM_GETITEMW && item->iItem == static_cast<int>(row) && (item->mask & LVIF_TEXT) != 0))
+    {
         RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
     }
     return DefSubclassProc(window, message, wParam, lParam);
@@ -143,7 +146,10 @@ TEST_F(SidCtrlTest, ReadsEachRowOnceForASort)
     reads = 0;
     const auto count = [](HWND target, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                           DWORD_PTR) -> LRESULT {
-        reads += message == LVM_GETITEMTEXTW ? 1 : 0;
+        const bool text =
+            message == LVM_GETITEMTEXTW ||
+            (message == LVM_GETITEMW && (reinterpret_cast<const LVITEMW*>(lParam)->mask & LVIF_TEXT) != 0);
+        reads += text ? 1 : 0;
         return DefSubclassProc(target, message, wParam, lParam);
     };
     SetWindowSubclass(window, count, 1, 0);

@@ -47,20 +47,16 @@ int addIcon(HIMAGELIST images, int id)
     return index;
 }
 
-struct TextKey {
-    const wchar_t* text; ///< null when reading it raised a fault
-};
-
 struct Sorting {
-    ColumnKeys<TextKey> keys;
+    ColumnKeys<const wchar_t*> texts;
     int sign;
 };
 
 int CALLBACK compareRows(LPARAM first, LPARAM second, LPARAM context)
 {
     const auto& sorting = *reinterpret_cast<const Sorting*>(context);
-    const wchar_t* const a = sorting.keys.of(first).text;
-    const wchar_t* const b = sorting.keys.of(second).text;
+    const wchar_t* const* const a = sorting.texts.of(first);
+    const wchar_t* const* const b = sorting.texts.of(second);
     if (a == nullptr || b == nullptr) {
         runGuarded([&] {
             ODS("*** FAIL in comparison: %d vs %d ***\n", static_cast<int>(first), static_cast<int>(second));
@@ -68,7 +64,7 @@ int CALLBACK compareRows(LPARAM first, LPARAM second, LPARAM context)
         return 0;
     }
     // Second against first, so that a first click sorts from Z to A. Wanted: it is how this list has always sorted.
-    return sorting.sign * compareIgnoringCase(b, a);
+    return sorting.sign * compareIgnoringCase(*b, *a);
 }
 
 } // namespace
@@ -154,7 +150,7 @@ void CSidCtrl::onColumnClick(int column)
     m_sortColumn = column;
     const Sorting sorting{{*this, column,
                            [](const wchar_t* text) {
-                               return TextKey{text};
+                               return text;
                            }},
                           m_sortFlag == 1 ? -1 : 1};
     send(LVM_SORTITEMS, reinterpret_cast<WPARAM>(&sorting), reinterpret_cast<LPARAM>(&compareRows));

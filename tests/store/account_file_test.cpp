@@ -380,7 +380,12 @@ TEST_F(AccountFileTest, ManyThreadsAskWhileTheFileChanges)
         writeBytes(next, small ? "lornix accounts 1\ndomain EXAMPLE S-1-5-21-1-2-3\nserver DC1\n"
                                  "user S-1-5-21-1-2-3-1001 EXAMPLE\\alice\nend\n"
                                : kExample);
-        ASSERT_TRUE(MoveFileExW(next.c_str(), file().c_str(), MOVEFILE_REPLACE_EXISTING)) << GetLastError();
+        // A file that somebody reads at this moment cannot be replaced: as an editor would, try again.
+        bool replaced = false;
+        for (int tries = 0; !replaced && tries < 100000; ++tries) {
+            replaced = MoveFileExW(next.c_str(), file().c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE;
+        }
+        EXPECT_TRUE(replaced) << GetLastError();
         EXPECT_EQ(users(L"DC1").size(), small ? 1u : 2u);
     }
     stop = true;

@@ -22,7 +22,7 @@ wait_for 'the second folder' folder_is_shown "$tree\\Two"
 step 'the tab key goes round in reading order'
 press alt+o
 wait_shows $id_folder focus "$panel"
-for id in $id_folder_add $id_folder_browse $id_folders $id_folder_remove $id_rules $id_add $id_reload $id_folder; do
+for id in $id_folder_add $id_folder_browse $id_folders $id_folder_remove $id_rules $id_add_account $id_add $id_reload $id_folder; do
     press Tab
     wait_shows "$id" focus "$panel"
 done

@@ -97,6 +97,20 @@ TEST_F(AdministrativeAccountsTest, AnAccountWithoutANameAddsNothing)
     EXPECT_THAT(store.accounts.present(), IsEmpty());
 }
 
+TEST_F(AdministrativeAccountsTest, AnEditToAnAccountWithoutANameKeepsTheName)
+{
+    store.putAccount(L"a");
+    visit.edit(0)
+        .chooseByName(L"ghost")
+        .list([this](HWND, const ListInDialog& list) {
+            EXPECT_THAT(ownCalls(), ElementsAre("getMgrAccounts 0", testing::StartsWith("getAccountBySidW"),
+                                                "updateMgrAccounts 0 a"));
+            EXPECT_THAT(list.rows(), ElementsAre("a"));
+        })
+        .press(IDCANCEL);
+    visit.run(editMgrAccounts);
+}
+
 TEST_F(AdministrativeAccountsTest, ADoubleClickReplacesTheName)
 {
     store.putAccount(L"a");

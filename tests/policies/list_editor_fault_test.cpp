@@ -117,8 +117,11 @@ TEST_P(ListEditorFaultTest, AFaultInAnyStoreCallLeavesTheDialogAlive)
         store.recording.raise(call.function, fault, call.nth);
         visit(store);
         EXPECT_THAT(crashLines(store), ElementsAre(editor.crashLine));
-        // However it went, the list was given back at the end.
-        EXPECT_EQ(store.recording.calls().back(), editor.free);
+        // However it went, the list was given back at the end; when that was what faulted, the dialog was still there
+        // for a second try.
+        const std::vector<std::string> made = store.recording.calls();
+        EXPECT_EQ(made.back(), editor.free);
+        EXPECT_EQ(std::count(made.begin(), made.end(), editor.free), call.function == editor.free ? 2 : 1);
     }
 }
 

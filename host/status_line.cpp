@@ -90,6 +90,7 @@ void StatusLine::resize()
     for (size_t part = 0; part < kParts; ++part) {
         SendMessageW(bar_, SB_SETTEXTW, part, reinterpret_cast<LPARAM>(shown[part].c_str()));
     }
+    InvalidateRect(bar_, nullptr, TRUE); // the grip of the former size would stay
 }
 
 void StatusLine::show(size_t part, const std::wstring& text)

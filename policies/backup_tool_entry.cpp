@@ -24,7 +24,7 @@ void onCommand(HWND dialog, int id)
         const wchar_t* name = chooseProcess(dialog);
         if (name != nullptr && reinterpret_cast<INT_PTR>(name) != -1) {
             showTail(dialog, name);
-            // Not released. Kept: hosts that keep the names chosen so far hand out the same block again.
+            // Not released. Kept, it is harmless: once per choice, and nobody can hold a name that is gone.
         }
     } else if (id == IDC_ENTRY_BROWSE) {
         if (const wchar_t* path = selectFile(dialog, select_file_mode::kAnyName)) {

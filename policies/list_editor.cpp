@@ -106,7 +106,7 @@ public:
 private:
     static constexpr int kSelectionButtons[] = {IDC_POLICY_EDIT, IDC_POLICY_REMOVE};
 
-    // The host's icons are asked for and not used. Kept: it has hosts load their icons before the first row.
+    // The panel's icons are asked for and not used. Kept, it is harmless: a host without them sees no difference.
     static void loadHostIcons()
     {
         const HMODULE host = GetModuleHandleW(L"quota");

@@ -6,6 +6,7 @@
 #include "frame/c_memory.h"
 #include "frame/crash_guard.h"
 #include "frame/dialog.h"
+#include "frame/dialog_items.h"
 #include "frame/format_text.h"
 #include "frame/message_box.h"
 #include "res/resource.h"
@@ -32,26 +33,6 @@ struct Chooser {
     CSidCtrl list;
     const SidList* presetOwners;
 };
-
-bool exists(HWND dialog, int id)
-{
-    return GetDlgItem(dialog, id) != nullptr;
-}
-
-void enable(HWND dialog, int id, bool enabled)
-{
-    EnableWindow(GetDlgItem(dialog, id), enabled);
-}
-
-bool isChecked(HWND dialog, int id)
-{
-    return IsDlgButtonChecked(dialog, id) == BST_CHECKED;
-}
-
-void check(HWND dialog, int id, bool checked)
-{
-    CheckDlgButton(dialog, id, checked ? BST_CHECKED : BST_UNCHECKED);
-}
 
 template <std::size_t N>
 void readText(HWND dialog, int id, wchar_t (&text)[N])
@@ -85,34 +66,34 @@ BOOL onInit(HWND dialog, Chooser& chooser)
     state.selection = nullptr;
     proposeSearchBase(dialog);
     state.searchStarted = false;
-    check(dialog, IDC_CHOOSER_SEARCH, true);
-    check(dialog, IDC_CHOOSER_TYPE, false);
-    check(dialog, IDC_CHOOSER_CUSTOM_BASE, false);
-    enable(dialog, IDC_CHOOSER_BASE, false);
-    enable(dialog, IDC_CHOOSER_NAME, false);
+    checkItem(dialog, IDC_CHOOSER_SEARCH, true);
+    checkItem(dialog, IDC_CHOOSER_TYPE, false);
+    checkItem(dialog, IDC_CHOOSER_CUSTOM_BASE, false);
+    enableItem(dialog, IDC_CHOOSER_BASE, false);
+    enableItem(dialog, IDC_CHOOSER_NAME, false);
     return TRUE;
 }
 
 void enableSearchBase(HWND dialog)
 {
-    enable(dialog, IDC_CHOOSER_BASE, isChecked(dialog, IDC_CHOOSER_CUSTOM_BASE));
+    enableItem(dialog, IDC_CHOOSER_BASE, itemIsChecked(dialog, IDC_CHOOSER_CUSTOM_BASE));
 }
 
 void onMode(HWND dialog, int clicked, int other)
 {
-    if (!isChecked(dialog, clicked)) {
+    if (!itemIsChecked(dialog, clicked)) {
         return;
     }
     const bool typing = clicked == IDC_CHOOSER_TYPE;
-    check(dialog, other, false);
+    checkItem(dialog, other, false);
     if (typing) {
-        enable(dialog, IDC_CHOOSER_BASE, false);
+        enableItem(dialog, IDC_CHOOSER_BASE, false);
     } else {
         enableSearchBase(dialog);
     }
-    enable(dialog, IDC_CHOOSER_NAME, typing);
-    enable(dialog, IDC_CHOOSER_LIST, !typing);
-    enable(dialog, IDC_CHOOSER_CUSTOM_BASE, !typing);
+    enableItem(dialog, IDC_CHOOSER_NAME, typing);
+    enableItem(dialog, IDC_CHOOSER_LIST, !typing);
+    enableItem(dialog, IDC_CHOOSER_CUSTOM_BASE, !typing);
 }
 
 void onNameChange(HWND dialog)
@@ -146,13 +127,13 @@ void chooseTypedName(HWND dialog)
 void startSearch(HWND dialog, const wchar_t* base)
 {
     SetDlgItemTextW(dialog, IDOK, L"Add");
-    enable(dialog, IDOK, false);
-    enable(dialog, IDCANCEL, false);
+    enableItem(dialog, IDOK, false);
+    enableItem(dialog, IDCANCEL, false);
     state.list->startFill(base);
     for (const int id :
          {IDC_CHOOSER_LIST, IDC_CHOOSER_BASE, IDC_CHOOSER_SEARCH, IDC_CHOOSER_TYPE, IDC_CHOOSER_CUSTOM_BASE})
     {
-        enable(dialog, id, false);
+        enableItem(dialog, id, false);
     }
     state.searchStarted = true;
 }
@@ -174,15 +155,15 @@ void pickSelected(HWND dialog)
 
 void onOk(HWND dialog)
 {
-    if (exists(dialog, IDC_CHOOSER_NAME) && isChecked(dialog, IDC_CHOOSER_TYPE)) {
+    if (itemExists(dialog, IDC_CHOOSER_NAME) && itemIsChecked(dialog, IDC_CHOOSER_TYPE)) {
         readText(dialog, IDC_CHOOSER_NAME, state.typedName);
         if (state.typedName[0] != L'\0') {
             chooseTypedName(dialog);
             return;
         }
     }
-    if (exists(dialog, IDC_CHOOSER_BASE) && !state.searchStarted) {
-        if (isChecked(dialog, IDC_CHOOSER_CUSTOM_BASE)) {
+    if (itemExists(dialog, IDC_CHOOSER_BASE) && !state.searchStarted) {
+        if (itemIsChecked(dialog, IDC_CHOOSER_CUSTOM_BASE)) {
             readText(dialog, IDC_CHOOSER_BASE, state.searchBase);
             startSearch(dialog, state.searchBase);
             return;
@@ -227,7 +208,7 @@ void onSelection(HWND dialog)
     }
     state.selection = reinterpret_cast<void*>(state.list->data(row));
     if (IsWindowEnabled(GetDlgItem(dialog, IDCANCEL))) { // no fill runs
-        enable(dialog, IDOK, state.selection != nullptr);
+        enableItem(dialog, IDOK, state.selection != nullptr);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "accounts/filter_match.h"
 #include "frame/column_keys.h"
 #include "frame/crash_guard.h"
+#include "frame/dialog_items.h"
 #include "frame/ignore_case.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
@@ -320,8 +321,8 @@ void CSidCtrl::onFillEnd()
     dropFill();
     const bool done = runGuarded([&] {
         HWND dialog = GetParent(handle());
-        EnableWindow(GetDlgItem(dialog, IDCANCEL), TRUE);
-        EnableWindow(GetDlgItem(dialog, IDC_CHOOSER_LIST), TRUE);
+        enableItem(dialog, IDCANCEL, true);
+        enableItem(dialog, IDC_CHOOSER_LIST, true);
         // All that had the keyboard was disabled: it goes to what the person waits for.
         if (GetActiveWindow() == dialog && (GetFocus() == nullptr || !IsWindowEnabled(GetFocus()))) {
             SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(handle()), TRUE);

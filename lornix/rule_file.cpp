@@ -80,9 +80,21 @@ const char* readRule(std::string_view& line, StoredRule& rule)
     return nullptr;
 }
 
-Condition conditionOf(const std::vector<Flaw>& flaws)
+/// Reads what is left of a file into `result`: an entry from each line, or the flaw that keeps it from being one.
+/// @param readEntry  reads a line into an entry. Gives what is wrong with it, or null.
+template <class Result, class Entry, class ReadEntry>
+void readLines(TextReader& reader, Result& result, std::vector<Entry>& entries, ReadEntry readEntry)
 {
-    return flaws.empty() ? Condition::kGood : Condition::kDamaged;
+    for (std::string_view line; reader.next(line);) {
+        Entry entry;
+        if (const char* flaw = readEntry(line, entry)) {
+            reader.reject(flaw);
+        } else {
+            entries.push_back(std::move(entry));
+        }
+    }
+    result.flaws = std::move(reader.flaws());
+    result.condition = result.flaws.empty() ? Condition::kGood : Condition::kDamaged;
 }
 
 } // namespace
@@ -131,24 +143,19 @@ FolderRules readFolderRules(std::string_view text)
         return result;
     }
     const std::u16string key = folderKey(result.folder);
-    while (reader.next(line)) {
-        StoredRule rule;
-        const char* flaw = readRule(line, rule);
-        if (flaw == nullptr && line.empty()) {
+    readLines(reader, result, result.rules, [&](std::string_view rest, StoredRule& rule) -> const char* {
+        if (const char* flaw = readRule(rest, rule)) {
+            return flaw;
+        }
+        if (rest.empty()) {
             rule.folder = result.folder;
-        } else if (flaw == nullptr && !readFolder(line, rule.folder)) {
-            flaw = kNoText;
-        } else if (flaw == nullptr && folderKey(rule.folder) != key) {
-            flaw = "it belongs to another folder";
+            return nullptr;
         }
-        if (flaw != nullptr) {
-            reader.reject(flaw);
-        } else {
-            result.rules.push_back(std::move(rule));
+        if (!readFolder(rest, rule.folder)) {
+            return kNoText;
         }
-    }
-    result.flaws = std::move(reader.flaws());
-    result.condition = conditionOf(result.flaws);
+        return folderKey(rule.folder) == key ? nullptr : "it belongs to another folder";
+    });
     return result;
 }
 
@@ -172,20 +179,12 @@ TrackedRules readTrackedRules(std::string_view text)
     if (!reader.isOurs()) {
         return result;
     }
-    for (std::string_view line; reader.next(line);) {
-        StoredRule rule;
-        const char* flaw = readRule(line, rule);
-        if (flaw == nullptr && !readFolder(line, rule.folder)) {
-            flaw = kNoText;
+    readLines(reader, result, result.rules, [](std::string_view rest, StoredRule& rule) -> const char* {
+        if (const char* flaw = readRule(rest, rule)) {
+            return flaw;
         }
-        if (flaw != nullptr) {
-            reader.reject(flaw);
-        } else {
-            result.rules.push_back(std::move(rule));
-        }
-    }
-    result.flaws = std::move(reader.flaws());
-    result.condition = conditionOf(result.flaws);
+        return readFolder(rest, rule.folder) ? nullptr : kNoText;
+    });
     return result;
 }
 
@@ -209,18 +208,13 @@ KnownFolders readKnownFolders(std::string_view text)
     if (!reader.isOurs()) {
         return result;
     }
-    for (std::string_view line; reader.next(line);) {
-        std::u16string folder;
-        if (takeWord(line) != kFolderWord) {
-            reader.reject("a folder is expected");
-        } else if (!readFolder(line, folder)) {
-            reader.reject(kNoText);
-        } else {
-            result.folders.push_back(std::move(folder));
-        }
-    }
-    result.flaws = std::move(reader.flaws());
-    result.condition = conditionOf(result.flaws);
+    readLines(reader, result, result.folders,
+              [](std::string_view rest, std::u16string& folder) -> const char* {
+                  if (takeWord(rest) != kFolderWord) {
+                      return "a folder is expected";
+                  }
+                  return readFolder(rest, folder) ? nullptr : kNoText;
+              });
     return result;
 }
 

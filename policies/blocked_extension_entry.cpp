@@ -1,5 +1,6 @@
 #include "policies/blocked_extension_entry.h"
 
+#include "frame/dialog_items.h"
 #include "policies/account_choice.h"
 #include "policies/text_entry_dialog.h"
 #include "res/resource.h"
@@ -32,7 +33,7 @@ void showAccount(HWND dialog)
 void onInit(HWND dialog)
 {
     showAccount(dialog);
-    EnableWindow(GetDlgItem(dialog, IDC_ENTRY_ACCOUNT), FALSE);
+    enableItem(dialog, IDC_ENTRY_ACCOUNT, false);
 }
 
 void onCommand(HWND dialog, int id)

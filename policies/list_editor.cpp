@@ -1,6 +1,7 @@
 #include "policies/list_editor.h"
 
 #include "frame/dialog.h"
+#include "frame/dialog_items.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
 #include "frame/selection_buttons.h"
@@ -55,7 +56,7 @@ public:
         m_editor.load();
         sortsByItself() ? fillSorted() : fill();
         for (const int id : kSelectionButtons) {
-            EnableWindow(GetDlgItem(m_window, id), FALSE);
+            enableItem(m_window, id, false);
         }
     }
 

@@ -4,6 +4,7 @@
 #include "files/select_file.h"
 #include "frame/crash_guard.h"
 #include "frame/dialog.h"
+#include "frame/dialog_items.h"
 #include "policies/attribute_number.h"
 #include "policies/control_text.h"
 #include "policies/rate_text.h"
@@ -68,7 +69,7 @@ void take(HWND dialog, const Choice (&choices)[N], NotificationRecord::Attribute
 
 void enableAccount(HWND dialog, bool enabled)
 {
-    EnableWindow(GetDlgItem(dialog, IDC_NOTIFY_ACCOUNT), enabled);
+    enableItem(dialog, IDC_NOTIFY_ACCOUNT, enabled);
 }
 
 void onInit(HWND dialog, const NotificationRecord& record)

@@ -2,6 +2,7 @@
 
 #include "frame/crash_guard.h"
 #include "frame/dialog.h"
+#include "frame/dialog_items.h"
 #include "frame/list_ctrl.h"
 #include "frame/list_sort.h"
 #include "frame/selection_buttons.h"
@@ -37,7 +38,7 @@ BOOL onInit(HWND dialog)
     const DialogList list(dialog, IDC_PROCESS_LIST);
     list.insertColumn(0, kColumn);
     list.addExtendedStyle(kListStyles);
-    EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
+    enableItem(dialog, IDOK, false);
     rowCounter = 0;
     enumerateProcessSnapshot(nullptr, myCallBack, dialog); // on failure the list stays empty
     return TRUE;

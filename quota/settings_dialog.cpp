@@ -2,6 +2,7 @@
 
 #include "frame/crash_guard.h"
 #include "frame/dialog.h"
+#include "frame/dialog_items.h"
 #include "frame/domain_servers.h"
 #include "frame/message_box.h"
 #include "frame/narrow_handle.h"
@@ -24,21 +25,6 @@ struct State {
     SidList* members = nullptr;  ///< members of the group that the rule is for; null when there are none
 };
 State state;
-
-bool exists(HWND dialog, int id)
-{
-    return GetDlgItem(dialog, id) != nullptr;
-}
-
-void enable(HWND dialog, int id, bool enabled)
-{
-    EnableWindow(GetDlgItem(dialog, id), enabled);
-}
-
-bool isChecked(HWND dialog, int id)
-{
-    return IsDlgButtonChecked(dialog, id) == BST_CHECKED;
-}
 
 // Checks one of the three radio buttons about existing files, where the template has them, and makes it the
 // tab stop of the three.
@@ -114,7 +100,7 @@ BOOL onInit(HWND dialog, QuotaRule* rule)
     showSize(dialog, IDC_QUOTA_OBJECT_SIZE, state.objectSize);
     showSize(dialog, IDC_QUOTA_IN_USE, rule->inUse);
     if (rule->sid == nullptr) {
-        enable(dialog, IDC_QUOTA_OWNED_FILES, false);
+        enableItem(dialog, IDC_QUOTA_OWNED_FILES, false);
         chooseFiles(dialog, IDC_QUOTA_ALL_FILES);
     }
 
@@ -124,20 +110,20 @@ BOOL onInit(HWND dialog, QuotaRule* rule)
     showSize(dialog, IDC_QUOTA_HARD_LIMIT, limits.hard);
     showSize(dialog, IDC_QUOTA_SOFT_LIMIT, limits.soft);
 
-    const bool mayHaveMembers = rule->sid != nullptr && exists(dialog, IDC_QUOTA_GROUP_MEMBERS);
+    const bool mayHaveMembers = rule->sid != nullptr && itemExists(dialog, IDC_QUOTA_GROUP_MEMBERS);
     if (!mayHaveMembers || !findMembers()) {
-        enable(dialog, IDC_QUOTA_GROUP_MEMBERS, false);
+        enableItem(dialog, IDC_QUOTA_GROUP_MEMBERS, false);
     }
-    enable(dialog, IDC_QUOTA_NEW_MEMBERS, false);
+    enableItem(dialog, IDC_QUOTA_NEW_MEMBERS, false);
     return TRUE;
 }
 
 void onFilesChoice(HWND dialog)
 {
     std::int64_t& inUse = state.rule->inUse;
-    if (isChecked(dialog, IDC_QUOTA_ALL_FILES)) {
+    if (itemIsChecked(dialog, IDC_QUOTA_ALL_FILES)) {
         inUse = state.objectSize;
-    } else if (isChecked(dialog, IDC_QUOTA_OWNED_FILES)) {
+    } else if (itemIsChecked(dialog, IDC_QUOTA_OWNED_FILES)) {
         inUse = state.ownedSize;
     } else {
         inUse = 0;
@@ -162,7 +148,7 @@ void applyToMembers(HWND dialog)
         member->softLimit = rule.softLimit;
         chain.append(member);
     }
-    if (isChecked(dialog, IDC_QUOTA_NEW_MEMBERS)) {
+    if (itemIsChecked(dialog, IDC_QUOTA_NEW_MEMBERS)) {
         ODS("Now keeping for future tracking...\n");
         addToTrackList(&rule);
     }
@@ -175,15 +161,15 @@ void onOk(HWND dialog)
     rules.forAnyone = rule.sid == nullptr;
     rules.objectSize = state.objectSize;
     rules.ownedSize = state.ownedSize;
-    rules.ownedCounts = isChecked(dialog, IDC_QUOTA_OWNED_FILES);
-    rules.allCounts = isChecked(dialog, IDC_QUOTA_ALL_FILES);
-    rules.allowBelow = isChecked(dialog, IDC_QUOTA_ALLOW_BELOW);
+    rules.ownedCounts = itemIsChecked(dialog, IDC_QUOTA_OWNED_FILES);
+    rules.allCounts = itemIsChecked(dialog, IDC_QUOTA_ALL_FILES);
+    rules.allowBelow = itemIsChecked(dialog, IDC_QUOTA_ALLOW_BELOW);
 
     const Limits typed{readSize(dialog, IDC_QUOTA_HARD_LIMIT), readSize(dialog, IDC_QUOTA_SOFT_LIMIT)};
     const CorrectedLimits corrected = correctLimits(typed, rules);
     rule.hardLimit = corrected.limits.hard;
     rule.softLimit = corrected.limits.soft;
-    if (exists(dialog, IDC_QUOTA_GROUP_MEMBERS)) {
+    if (itemExists(dialog, IDC_QUOTA_GROUP_MEMBERS)) {
         rule.next = nullptr;
         rule.prev = nullptr;
     }
@@ -194,7 +180,7 @@ void onOk(HWND dialog)
                     captions::kInformation);
         return;
     }
-    if (state.members != nullptr && isChecked(dialog, IDC_QUOTA_GROUP_MEMBERS)) {
+    if (state.members != nullptr && itemIsChecked(dialog, IDC_QUOTA_GROUP_MEMBERS)) {
         applyToMembers(dialog);
     }
     EndDialog(dialog, NarrowHandle::of(&rule).carrier());
@@ -209,7 +195,7 @@ BOOL onCommand(HWND dialog, int id)
         onFilesChoice(dialog);
         return TRUE;
     case IDC_QUOTA_GROUP_MEMBERS:
-        enable(dialog, IDC_QUOTA_NEW_MEMBERS, isChecked(dialog, IDC_QUOTA_GROUP_MEMBERS));
+        enableItem(dialog, IDC_QUOTA_NEW_MEMBERS, itemIsChecked(dialog, IDC_QUOTA_GROUP_MEMBERS));
         return TRUE;
     case IDOK:
         onOk(dialog);

@@ -13,7 +13,8 @@ install_packages() {
     echo "Installing:$missing"
     local as_root=""
     [ "$(id -u)" = 0 ] || as_root=sudo
-    $as_root apt-get update -qq
+    # One source out of reach is no reason to stop: what counts is whether the packages come.
+    $as_root apt-get update -qq || echo "Not every package list could be refreshed."
     # shellcheck disable=SC2086 # one word per package
     DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -qq --no-install-recommends $missing >/dev/null
 }

@@ -1,0 +1,25 @@
+// The controls of a dialog, by their ids. A control that the template does not hold is passed over.
+#pragma once
+
+#include "frame/platform.h"
+
+inline bool itemExists(HWND dialog, int id)
+{
+    return GetDlgItem(dialog, id) != nullptr;
+}
+
+inline void enableItem(HWND dialog, int id, bool enabled)
+{
+    EnableWindow(GetDlgItem(dialog, id), enabled ? TRUE : FALSE);
+}
+
+/// Whether a check box or radio button is checked; false when there is none.
+inline bool itemIsChecked(HWND dialog, int id)
+{
+    return IsDlgButtonChecked(dialog, id) == BST_CHECKED;
+}
+
+inline void checkItem(HWND dialog, int id, bool checked)
+{
+    CheckDlgButton(dialog, id, checked ? BST_CHECKED : BST_UNCHECKED);
+}

@@ -325,7 +325,7 @@ TEST_F(ChooserTest, AfterTheFillOnlyTheListAndCancelAreEnabled)
         {
             EXPECT_FALSE(isEnabled(dialog, id)) << id;
         }
-        EXPECT_EQ(GetFocus(), list(dialog)) << "the keyboard must not be lost";
+        EXPECT_EQ(focusOf(dialog), list(dialog)) << "the keyboard must not be lost";
     });
     cancel();
     choose();

@@ -118,7 +118,7 @@ TEST_F(ChooserTemplateTest, StartsInTheListModeWithNothingChecked)
         for (const int id : {1007, 1009}) {
             EXPECT_FALSE(isEnabled(dialog, id)) << id;
         }
-        EXPECT_EQ(GetDlgCtrlID(GetFocus()), 1013);
+        EXPECT_EQ(GetDlgCtrlID(focusOf(dialog)), 1013);
         EXPECT_EQ(rowCount(dialog), 0);
     });
 }

@@ -281,7 +281,7 @@ TEST_F(SettingsOpenTest, PutsTheFocusOnTheFirstFieldToFill)
 {
     for (const int mode : {kAdd, kEdit}) {
         whileOpen(newRule(), mode,
-                  [](HWND dialog) { EXPECT_EQ(GetFocus(), GetDlgItem(dialog, kSoftLimit)); });
+                  [](HWND dialog) { EXPECT_EQ(focusOf(dialog), GetDlgItem(dialog, kSoftLimit)); });
     }
 }
 

@@ -47,6 +47,16 @@ bool isChecked(HWND dialog, int id)
     return SendMessageW(control(dialog, id), BM_GETCHECK, 0, 0) == BST_CHECKED;
 }
 
+HWND focusOf(HWND dialog)
+{
+    const ULONGLONG end = GetTickCount64() + 10000;
+    while (GetFocus() == nullptr && GetTickCount64() < end) {
+        SetForegroundWindow(dialog);
+        Sleep(10);
+    }
+    return GetFocus();
+}
+
 void type(HWND dialog, int id, const wchar_t* text)
 {
     SendMessageW(control(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));

@@ -12,6 +12,10 @@ std::string className(HWND window);
 bool isEnabled(HWND dialog, int id);
 bool isChecked(HWND dialog, int id);
 
+/// The control of a dialog that has the keyboard. Test programs run side by side on one desktop, and one that opens a
+/// window takes the keyboard from the others: the dialog is then brought to the front again first.
+HWND focusOf(HWND dialog);
+
 /// Replaces the text of a field.
 void type(HWND dialog, int id, const wchar_t* text);
 

@@ -1,6 +1,7 @@
+#include "bench/support/list_view.h"
 #include "bench_store.h"
 #include "frame/sort_key.h"
-#include "list_view.h"
+#include "row_text.h"
 #include "side.h"
 
 #include <array>
@@ -29,9 +30,9 @@ public:
     {
         for (int i = 0; i < folders.count; ++i) {
             for (const QuotaRule* rule = getQuotaList(folders.paths[i]); rule != nullptr; rule = rule->next) {
-                list_view::RowText& text = m_texts.emplace_back();
-                list_view::writeNumbers(text, *rule);
-                list_view::writeName(text, *rule);
+                RowText& text = m_texts.emplace_back();
+                text.writeNumbers(*rule);
+                text.writeName(*rule);
             }
         }
         m_rows.resize(m_texts.size());
@@ -50,13 +51,13 @@ public:
         list_view::setRedraw(list, false);
         QuotaRule* last = nullptr;
         Row* row = m_rows.data();
-        list_view::RowText* text = m_texts.data();
+        RowText* text = m_texts.data();
         for (int i = 0; i < folders.count; ++i) {
             for (QuotaRule* rule = getQuotaList(folders.paths[i]); rule != nullptr; ++row, ++text) {
                 QuotaRule* const next = rule->next;
-                list_view::writeName(*text, *rule);
+                text->writeName(*rule);
                 row->rule = rule;
-                list_view::insertOnTop(list, *text, rule->path, reinterpret_cast<LPARAM>(row));
+                text->insertInto(list, rule->path, reinterpret_cast<LPARAM>(row));
                 rule->next = last;
                 rule->prev = nullptr;
                 if (last != nullptr) {
@@ -113,7 +114,7 @@ public:
 
 private:
     std::vector<Row> m_rows;
-    std::vector<list_view::RowText> m_texts;
+    std::vector<RowText> m_texts;
     std::vector<std::array<wchar_t, 24>> m_names; ///< side by side, for the comparisons
 };
 

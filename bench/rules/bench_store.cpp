@@ -1,10 +1,10 @@
 #include "bench_store.h"
 
+#include "bench/support/account_sid.h"
 #include "frame/c_memory.h"
 
 #include <windows.h>
 
-#include <cstring>
 #include <cwchar>
 #include <vector>
 
@@ -15,19 +15,11 @@ int servedFolders = 1;
 bool servedSameLimit = false;
 std::vector<QuotaRule*> given;
 
-/// S-1-5-21-1-2-3-(1000 + account), as the platform lays it out.
-struct AccountSid {
-    BYTE revision = SID_REVISION;
-    BYTE subAuthorityCount = 5;
-    SID_IDENTIFIER_AUTHORITY authority = SECURITY_NT_AUTHORITY;
-    DWORD subAuthority[5] = {21, 1, 2, 3, 0};
-};
-
 constexpr DWORD kFirstAccount = 1000;
 
 DWORD accountOf(const void* sid)
 {
-    return static_cast<const AccountSid*>(sid)->subAuthority[4] - kFirstAccount;
+    return AccountSid::numberOf(sid) - kFirstAccount;
 }
 
 std::uint64_t scattered(std::uint64_t number)
@@ -54,9 +46,7 @@ void writeNumbered(wchar_t* to, const wchar_t* text, std::uint32_t number, int d
 QuotaRule* makeRule(int index, const wchar_t* folder)
 {
     auto* rule = static_cast<QuotaRule*>(std::malloc(sizeof(QuotaRule)));
-    auto* sid = static_cast<AccountSid*>(std::malloc(sizeof(AccountSid)));
-    *sid = AccountSid{};
-    sid->subAuthority[4] = kFirstAccount + static_cast<DWORD>(index);
+    const AccountSid sid(kFirstAccount + static_cast<DWORD>(index));
     const std::uint64_t random = scattered(static_cast<std::uint64_t>(index));
     *rule = QuotaRule{};
     rule->type = QUOTA_RULE_FOR_ACCOUNT;
@@ -64,7 +54,7 @@ QuotaRule* makeRule(int index, const wchar_t* folder)
     rule->hardLimit =
         servedSameLimit ? 1 << 30 : static_cast<std::int64_t>((random >> 32) % 200 + 1) * 104857600;
     rule->softLimit = rule->hardLimit - rule->hardLimit / 20;
-    rule->sid = sid;
+    rule->sid = AccountSid::copy(&sid);
     rule->path = _wcsdup(folder);
     given.push_back(rule);
     return rule;
@@ -111,14 +101,12 @@ QuotaRule* getQuotaList(const wchar_t* folder)
 
 void* sidDup(const void* sid)
 {
-    void* copy = std::malloc(sizeof(AccountSid));
-    std::memcpy(copy, sid, sizeof(AccountSid));
-    return copy;
+    return AccountSid::copy(sid);
 }
 
 int sidcmp(const void* a, const void* b)
 {
-    return a == nullptr || b == nullptr ? 1 : std::memcmp(a, b, sizeof(AccountSid));
+    return AccountSid::compare(a, b);
 }
 
 // Names are scattered over the alphabet, so that rows arrive in no order; no two accounts share one.

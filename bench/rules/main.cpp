@@ -1,63 +1,16 @@
 // corvane's rule list beside the bare control and beside the straightforward way, in one process.
 //   corvane_bench [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times]
 // Exit code 1 when the sides did not show the same.
+#include "bench/support/list_view.h"
+#include "bench/support/options.h"
+#include "bench/support/table.h"
 #include "bench_store.h"
-#include "frame/platform.h"
-#include "table.h"
+#include "rule_table.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <string>
 
 namespace {
-
-struct Options {
-    std::vector<int> sizes{1000, 10000, 100000};
-    int rounds = 0; ///< 0: more for small lists, whose times are short
-    bool rowByRow = true;
-    bool times = false;
-};
-
-/// The straightforward way is left out where its slowest measure would take longer.
-constexpr double kPatience = 60;
-
-bool readOptions(int count, char** arguments, Options& options)
-{
-    for (int i = 1; i < count; ++i) {
-        const std::string argument = arguments[i];
-        if (argument.starts_with("--sizes=")) {
-            options.sizes.clear();
-            for (std::size_t at = 8; at < argument.size(); ++at) {
-                options.sizes.push_back(std::atoi(argument.c_str() + at));
-                at = std::min(argument.find(',', at), argument.size());
-            }
-        } else if (argument.starts_with("--rounds=")) {
-            options.rounds = std::atoi(argument.c_str() + 9);
-        } else if (argument == "--no-row-by-row") {
-            options.rowByRow = false;
-        } else if (argument == "--times") {
-            options.times = true;
-        } else {
-            std::fprintf(stderr, "Unknown option: %s\n", argument.c_str());
-            return false;
-        }
-    }
-    const bool sizesFit = std::all_of(options.sizes.begin(), options.sizes.end(), [](int size) {
-        return size >= 100 && size % 100 == 0 && size <= 1000000;
-    });
-    if (!sizesFit || options.sizes.empty() || options.rounds < 0) {
-        std::fprintf(stderr, "Sizes are hundreds, up to 1000000\n");
-        return false;
-    }
-    return true;
-}
-
-int roundsOf(const Options& options, int rules)
-{
-    return options.rounds != 0 ? options.rounds : rules <= 1000 ? 25 : rules <= 10000 ? 11 : 5;
-}
 
 class Bench {
 public:
@@ -77,23 +30,23 @@ public:
         const auto bare = bareSide(folders.list());
         const auto rowByRow = rowByRowSide();
         m_expected.reset();
-        Tally corvaneTally;
-        Tally bareTally;
-        const int rounds = roundsOf(m_options, workload.rules);
+        Lives corvaneLives;
+        Lives bareLives;
+        const int rounds = m_options.roundsOf(workload.rules);
         for (int round = 0; round < rounds; ++round) {
             // Each goes first as often as the other.
             for (const int turn : {round, round + 1}) {
                 const bool isCorvane = turn % 2 == 0;
-                live(*(isCorvane ? corvane : bare), folders, isCorvane ? corvaneTally : bareTally);
+                live(*(isCorvane ? corvane : bare), folders, isCorvane ? corvaneLives : bareLives);
             }
         }
-        Times times{corvaneTally.seconds(), bareTally.seconds(), std::nullopt};
-        if (m_options.rowByRow && endsInTime(workload, smaller, smallerRules)) {
-            Tally tally;
+        Times times{corvaneLives.seconds(), bareLives.seconds(), std::nullopt};
+        if (m_options.rowByRow && toBeMeasured(workload, smaller, smallerRules)) {
+            Lives lives;
             for (int round = workload.rules <= 1000 ? 5 : 1; round > 0; --round) {
-                live(*rowByRow, folders, tally);
+                live(*rowByRow, folders, lives);
             }
-            times.rowByRow = tally.seconds();
+            times.rowByRow = lives.seconds();
         }
         return times;
     }
@@ -101,28 +54,25 @@ public:
     bool allSame() const { return m_allSame; }
 
 private:
-    void live(Side& side, const Folders& folders, Tally& tally)
+    void live(Side& side, const Folders& folders, Lives& lives)
     {
         const Life life = runLife(m_window, side, folders.list());
-        tally.add(life);
+        lives.add(life);
         if (!m_expected) {
             m_expected = life.shown;
         }
         m_allSame = m_allSame && life.shown == *m_expected;
     }
 
-    // Quadratic work and a little more.
-    static bool endsInTime(const Workload& workload, const Times* smaller, int smallerRules)
+    // Quadratic work.
+    static bool toBeMeasured(const Workload& workload, const Times* smaller, int smallerRules)
     {
         if (smaller == nullptr) {
             return true;
         }
-        if (!smaller->rowByRow) {
-            return false;
-        }
-        const double slowest = *std::max_element(smaller->rowByRow->begin(), smaller->rowByRow->end());
         const double times = static_cast<double>(workload.rules) / smallerRules;
-        return slowest * times * times * 1.4 < kPatience;
+        const auto& before = smaller->rowByRow;
+        return before && endsInTime(*std::max_element(before->begin(), before->end()), times * times);
     }
 
     HWND m_window;
@@ -147,8 +97,8 @@ void printTimes(const std::vector<SizeTimes>& sizes)
 
 int main(int count, char** arguments)
 {
-    Options options;
-    if (!readOptions(count, arguments, options)) {
+    Options options{.sizes = {1000, 10000, 100000}};
+    if (!readOptions(count, arguments, 100, options)) {
         return 2;
     }
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES};

@@ -1,64 +1,11 @@
 #include "measure.h"
 
+#include "bench/support/list_view.h"
 #include "bench_store.h"
-#include "list_view.h"
 
 #include <algorithm>
-#include <functional>
-#include <string_view>
 
 namespace {
-
-double wallClock()
-{
-    LARGE_INTEGER ticks;
-    LARGE_INTEGER perSecond;
-    QueryPerformanceCounter(&ticks);
-    QueryPerformanceFrequency(&perSecond);
-    return static_cast<double>(ticks.QuadPart) / static_cast<double>(perSecond.QuadPart);
-}
-
-// Of this thread. It ticks in hundredths of a second.
-double processorTime()
-{
-    FILETIME created;
-    FILETIME ended;
-    FILETIME kernel;
-    FILETIME user;
-    GetThreadTimes(GetCurrentThread(), &created, &ended, &kernel, &user);
-    const auto seconds = [](const FILETIME& time) {
-        return (static_cast<double>(time.dwHighDateTime) * 4294967296.0 + time.dwLowDateTime) * 1e-7;
-    };
-    return seconds(kernel) + seconds(user);
-}
-
-// Painting and whatever else waits is done between the steps and not within one.
-void settle(HWND window)
-{
-    UpdateWindow(window);
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        DispatchMessageW(&message);
-    }
-}
-
-std::uint64_t hashOfRows(HWND list)
-{
-    std::uint64_t hash = 0;
-    wchar_t text[260];
-    const int rows = list_view::rowCount(list);
-    for (int row = 0; row < rows; ++row) {
-        for (const int column : {kNameColumn, kInUseColumn}) {
-            LVITEMW item{};
-            item.iSubItem = column;
-            item.pszText = text;
-            item.cchTextMax = 260;
-            SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-            hash = hash * 31 + std::hash<std::wstring_view>{}(text);
-        }
-    }
-    return hash;
-}
 
 void selectEverySecondRow(HWND list)
 {
@@ -99,21 +46,18 @@ Folders::Folders(int count)
     }
 }
 
-void Tally::add(const Life& life)
+void Lives::add(const Life& life)
 {
     for (std::size_t m = 0; m < kMeasures.size(); ++m) {
-        m_shortest[m] = m_lives == 0 ? life.wall[m] : std::min(m_shortest[m], life.wall[m]);
-        m_processor[m] += life.processor[m];
+        m_tallies[m].add(life.times[m]);
     }
-    ++m_lives;
 }
 
-Seconds Tally::seconds() const
+Seconds Lives::seconds() const
 {
     Seconds seconds;
-    for (std::size_t m = 0; m < kMeasures.size(); ++m) {
-        seconds[m] = m_shortest[m] < kShort ? m_shortest[m] : m_processor[m] / m_lives;
-    }
+    std::transform(m_tallies.begin(), m_tallies.end(), seconds.begin(),
+                   [](const Tally& tally) { return tally.seconds(); });
     return seconds;
 }
 
@@ -123,23 +67,19 @@ Life runLife(HWND window, Side& side, const PathList& folders)
     settle(window);
     Life life;
     std::size_t step = 0;
-    const auto timed = [&](const std::function<void()>& work) {
-        const double clockStart = wallClock();
-        const double processorStart = processorTime();
-        work();
-        life.processor[step] = processorTime() - processorStart;
-        life.wall[step] = wallClock() - clockStart;
+    const auto take = [&](const std::function<void()>& work) {
+        life.times[step] = timed(work);
         settle(window);
-        life.shown[step++] = hashOfRows(list);
+        life.shown[step++] = list_view::hashOfRows(list, {kNameColumn, kInUseColumn});
     };
-    timed([&] { side.fill(list, folders); });
-    timed([&] { side.refill(list, folders); });
-    timed([&] { side.sort(list, kInUseColumn); }); // the rows stand in no order of their uses
-    timed([&] { side.sort(list, kNameColumn); });  // nor of their names now
-    timed([&] { side.chain(list); });
+    take([&] { side.fill(list, folders); });
+    take([&] { side.refill(list, folders); });
+    take([&] { side.sort(list, kInUseColumn); }); // the rows stand in no order of their uses
+    take([&] { side.sort(list, kNameColumn); });  // nor of their names now
+    take([&] { side.chain(list); });
     selectEverySecondRow(list);
     settle(window);
-    timed([&] { side.drop(list); });
+    take([&] { side.drop(list); });
     DestroyWindow(list);
     benchStoreReleaseAll();
     return life;

@@ -1,6 +1,7 @@
 // The life of one list, from empty to half empty, with every step timed.
 #pragma once
 
+#include "bench/support/time.h"
 #include "side.h"
 
 #include <array>
@@ -9,9 +10,6 @@
 
 inline constexpr std::array kMeasures{"fill",         "re-fill, all duplicates", "sort by number",
                                       "sort by text", "getDataModified2",        "drop of every second row"};
-inline constexpr std::size_t kFill = 0;
-inline constexpr std::size_t kSortByNumber = 2;
-inline constexpr std::size_t kSortByText = 3;
 
 struct Workload {
     int rules;
@@ -34,25 +32,19 @@ private:
 using Seconds = std::array<double, kMeasures.size()>;
 
 struct Life {
-    Seconds wall{};
-    Seconds processor{}; ///< of this thread; ticks in hundredths of a second
-    /// What the list showed after each step, as a hash: the same on all sides, or they did not do the same.
+    std::array<Time, kMeasures.size()> times{};
+    /// What the list showed after each step: the same on all sides, or they did not do the same.
     std::array<std::uint64_t, kMeasures.size()> shown{};
 };
 
-/// Several lives taken together, fit for a machine that others use too: a short measure has the machine for itself in
-/// one life or another, and its shortest wall time counts. A long one never has, and its processor time counts, the
-/// mean of all lives.
-class Tally {
+/// Several lives taken together.
+class Lives {
 public:
     void add(const Life& life);
     Seconds seconds() const;
 
 private:
-    static constexpr double kShort = 0.02;
-    Seconds m_shortest{};
-    Seconds m_processor{};
-    int m_lives = 0;
+    std::array<Tally, kMeasures.size()> m_tallies{};
 };
 
 /// @param window  visible parent of the list.

@@ -1,6 +1,7 @@
+#include "bench/support/list_view.h"
 #include "bench_store.h"
 #include "frame/sort_key.h"
-#include "list_view.h"
+#include "row_text.h"
 #include "side.h"
 
 #include <cwchar>
@@ -59,10 +60,10 @@ public:
             {
                 next = rule->next;
                 if (!isShown(list, *rule)) {
-                    list_view::RowText text;
-                    list_view::writeName(text, *rule);
-                    list_view::writeNumbers(text, *rule);
-                    list_view::insertOnTop(list, text, rule->path, reinterpret_cast<LPARAM>(rule));
+                    RowText text;
+                    text.writeName(*rule);
+                    text.writeNumbers(*rule);
+                    text.insertInto(list, rule->path, reinterpret_cast<LPARAM>(rule));
                 }
             }
             chain(list);

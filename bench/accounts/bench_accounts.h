@@ -1,0 +1,24 @@
+// Accounts that cost next to nothing to find: what a fill takes is then the library's own.
+#pragma once
+
+#include <string>
+
+/// Which road a fill takes to its accounts.
+enum class Road { kStore, kDirectory };
+
+/// Serves as many users on a road, and nothing on the other. Names stand in no order; every tenth begins with "b",
+/// every thousandth with "bq", the others with "a".
+void serveAccounts(int users, Road road);
+
+/// Users that the directory has.
+extern int directoryUsers;
+
+/// The search base for a road.
+const wchar_t* searchBase(Road road);
+
+/// Name and full name of the account with a number, as a fill finds them.
+std::wstring accountName(int number);
+std::wstring accountFullName(int number);
+
+/// Puts the bench's own directory and network in place of the platform's, for good.
+void replacePlatform();

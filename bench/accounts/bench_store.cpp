@@ -1,0 +1,142 @@
+// The store's functions, part of this program.
+#include "bench/support/account_sid.h"
+#include "bench_accounts.h"
+#include "corvane_types.h"
+
+#include <bit>
+#include <cstddef>
+#include <cstdlib>
+#include <cwchar>
+
+namespace {
+
+int servedUsers = 0;
+
+// A list has room for the next power of two, so that a walk of many objects is not about copying lists.
+SidList* makeList(int count)
+{
+    const std::size_t room = std::bit_ceil(static_cast<unsigned>(count));
+    auto* list = static_cast<SidList*>(std::malloc(offsetof(SidList, sids) + room * sizeof(void*)));
+    list->count = count;
+    return list;
+}
+
+} // namespace
+
+void serveAccounts(int users, Road road)
+{
+    servedUsers = road == Road::kStore ? users : 0;
+    directoryUsers = road == Road::kDirectory ? users : 0;
+}
+
+const wchar_t* searchBase(Road road)
+{
+    return road == Road::kStore ? L"SERVER" : L"WinNT://CORP";
+}
+
+std::wstring accountName(int number)
+{
+    const wchar_t* start = number % 1000 == 0 ? L"bq" : number % 10 == 0 ? L"b" : L"a";
+    wchar_t name[32];
+    const auto scattered = static_cast<unsigned>(number) * 2654435761u;
+    swprintf(name, 32, L"%ls%08x", start, scattered);
+    return name;
+}
+
+std::wstring accountFullName(int number)
+{
+    return L"CORP\\" + accountName(number);
+}
+
+extern "C" {
+
+void ODS(const char*, ...) {}
+
+void* sidDup(const void* sid)
+{
+    return AccountSid::copy(sid);
+}
+
+int sidcmp(const void* a, const void* b)
+{
+    return AccountSid::compare(a, b);
+}
+
+wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int)
+{
+    return std::wcscpy(buffer, accountFullName(static_cast<int>(AccountSid::numberOf(sid))).c_str());
+}
+
+SidList* createEmptySidList()
+{
+    return makeList(0);
+}
+
+void freeSidList(SidList* list)
+{
+    for (int i = 0; list != nullptr && i < list->count; ++i) {
+        std::free(list->sids[i]);
+    }
+    std::free(list);
+}
+
+SidList* appendToSidList(SidList* list, void* sid)
+{
+    const auto count = static_cast<unsigned>(list->count);
+    if (std::has_single_bit(count)) {
+        list = static_cast<SidList*>(std::realloc(list, offsetof(SidList, sids) + count * 2 * sizeof(void*)));
+    }
+    list->sids[count] = sid;
+    ++list->count;
+    return list;
+}
+
+SidList* appendToSidList2(SidList* destination, SidList* source)
+{
+    for (int i = 0; source != nullptr && i < source->count; ++i) {
+        destination = appendToSidList(destination, sidDup(source->sids[i]));
+    }
+    return destination;
+}
+
+// The machine's own accounts are asked for last on either road, and are all that there is on the store's.
+SidList* enumerateUsers(const wchar_t* server, SidList* list)
+{
+    if (server != nullptr) {
+        return list;
+    }
+    freeSidList(list);
+    list = makeList(servedUsers);
+    for (int i = 0; i < servedUsers; ++i) {
+        const AccountSid sid(static_cast<DWORD>(i));
+        list->sids[i] = AccountSid::copy(&sid);
+    }
+    return list;
+}
+
+SidList* enumerateGroups(const wchar_t*, SidList* list)
+{
+    return list != nullptr ? list : createEmptySidList();
+}
+
+wchar_t* getDomainServer()
+{
+    return nullptr;
+}
+
+wchar_t* getDomainServerByName(const wchar_t*)
+{
+    return nullptr;
+}
+
+void* getDomainSid()
+{
+    return nullptr;
+}
+
+void* getSidByNameW(const wchar_t*)
+{
+    return nullptr;
+}
+
+} // extern "C"

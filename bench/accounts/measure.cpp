@@ -1,0 +1,176 @@
+#include "measure.h"
+
+#include "accounts/sid_ctrl.h"
+#include "bench/support/list_view.h"
+#include "row_by_row.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr const char* kSort = "sort by account";
+
+const char* fillName(Road road)
+{
+    return road == Road::kStore ? "fill from the store" : "fill from the directory";
+}
+
+void prepareColumns(HWND window)
+{
+    CSidCtrl list;
+    list.attach(window);
+    list.initColumns();
+    list.detach();
+}
+
+// All lists of the process share one order for rows that come back; it turns round each time.
+bool nextIsFromZ(int& sorts)
+{
+    return sorts++ % 2 == 0;
+}
+int corvaneSorts = 0;
+int bareSorts = 0;
+
+} // namespace
+
+const Measure::Filter Measure::kFilters[] = {
+    {L"b", "filter, one in 10 stays", "filter, the others come back", Road::kStore},
+    {L"bq", "filter, one in 1,000 stays", "filter, the others come back (1,000)", Road::kDirectory},
+    {L"x", "filter, none stays", "filter, all come back", Road::kStore},
+};
+
+bool Measure::run(int fewer, std::optional<double> rowByRow)
+{
+    std::fprintf(stderr, "%d accounts\n", m_users);
+    const int rounds = m_options.roundsOf(m_users);
+    for (int round = 0; round < rounds; ++round) {
+        // Each goes first as often as the other.
+        for (const int turn : {round, round + 1}) {
+            turn % 2 == 0 ? corvaneRound() : bareRound(round == 0);
+        }
+    }
+    if (m_options.rowByRow && (fewer == 0 || endsInTime(rowByRow, static_cast<double>(m_users) / fewer))) {
+        rowByRowRound(Road::kStore);
+        rowByRowRound(Road::kDirectory);
+    }
+    return m_allSame;
+}
+
+void Measure::same(const std::string& measure, const ListWindow& window)
+{
+    settle(window.window());
+    const std::uint64_t shown = list_view::hashOfRows(window.list(), {0, 1, 2});
+    if (m_shown.try_emplace(measure, shown).first->second != shown) {
+        std::fprintf(stderr, "Not the same rows: %s\n", measure.c_str());
+        m_allSame = false;
+    }
+}
+
+void Measure::corvaneRound()
+{
+    const auto fill = [&](const ListWindow& window, CSidCtrl& list, Road road) {
+        serveAccounts(m_users, road);
+        list.attach(window.list());
+        m_corvane[fillName(road)].add(timed([&] {
+            list.startFill(searchBase(road));
+            window.waitForFill();
+        }));
+        same("fill", window);
+    };
+    for (const Filter& filter : kFilters) {
+        CSidCtrl list; // outlives its window, which releases the rows' identifiers through it
+        ListWindow window;
+        fill(window, list, filter.road);
+        window.filters().type(0, filter.text);
+        m_corvane[filter.narrow].add(timed([&] { list.applyFilter(0); }));
+        same(filter.narrow, window);
+        window.filters().type(0, L"");
+        m_corvane[filter.widen].add(timed([&] { list.applyFilter(0); }));
+        same(nextIsFromZ(corvaneSorts) ? "Z to A" : "A to Z", window);
+    }
+    CSidCtrl list;
+    const ListWindow window;
+    fill(window, list, Road::kDirectory);
+    m_corvane[kSort].add(timed([&] { list.onColumnClick(0); }));
+    same("Z to A", window);
+}
+
+void Measure::bareFill(const ListWindow& window)
+{
+    m_bare["fill"].add(timed([&] {
+        prepareColumns(window.list());
+        m_bareList.fill(window.list());
+        UpdateWindow(window.list());
+    }));
+    same("fill", window);
+}
+
+void Measure::bareFilter(const Filter& filter, bool rebuilding)
+{
+    const ListWindow window;
+    bareFill(window);
+    const std::vector<int> staying = m_bareList.rows(filter.text, true);
+    const std::vector<int> going = m_bareList.rows(filter.text, false);
+    (rebuilding ? m_rebuilding : m_deleting)[filter.narrow].add(timed([&] {
+        rebuilding ? m_bareList.rebuild(window.list(), staying)
+                   : m_bareList.removeOneByOne(window.list(), going);
+    }));
+    same(filter.narrow, window);
+    if (rebuilding) {
+        const bool fromZ = nextIsFromZ(bareSorts);
+        m_bare[filter.widen].add(timed([&] { m_bareList.putBack(window.list(), going, fromZ); }));
+        same(fromZ ? "Z to A" : "A to Z", window);
+    }
+}
+
+void Measure::bareRound(bool bothWays)
+{
+    for (const Filter& filter : kFilters) {
+        bareFilter(filter, true);
+        if (bothWays) {
+            bareFilter(filter, false);
+        }
+    }
+    const ListWindow window;
+    bareFill(window);
+    m_bare[kSort].add(timed([&] { m_bareList.sort(window.list(), true); }));
+    same("Z to A", window);
+}
+
+void Measure::rowByRowRound(Road road)
+{
+    serveAccounts(m_users, road);
+    const ListWindow window;
+    m_rowByRow[fillName(road)].add(timed([&] {
+        prepareColumns(window.list());
+        fillRowByRow(window, road);
+    }));
+    same("fill", window);
+}
+
+std::optional<double> Measure::rowByRow() const
+{
+    const auto found = m_rowByRow.find(fillName(Road::kStore));
+    return found != m_rowByRow.end() ? std::optional(found->second.shortest()) : std::nullopt;
+}
+
+std::vector<Comparison> Measure::comparisons() const
+{
+    std::vector<Comparison> all;
+    for (const Road road : {Road::kStore, Road::kDirectory}) {
+        const char* const name = fillName(road);
+        const auto slow = m_rowByRow.find(name);
+        all.push_back({name, m_users, m_corvane.at(name).shortest(), m_bare.at("fill").shortest(),
+                       slow != m_rowByRow.end() ? std::optional(slow->second.shortest()) : std::nullopt});
+    }
+    for (const Filter& filter : kFilters) {
+        all.push_back(
+            {filter.narrow, m_users, m_corvane.at(filter.narrow).seconds(),
+             std::min(m_deleting.at(filter.narrow).seconds(), m_rebuilding.at(filter.narrow).seconds())});
+        all.push_back(
+            {filter.widen, m_users, m_corvane.at(filter.widen).seconds(), m_bare.at(filter.widen).seconds()});
+    }
+    all.push_back({kSort, m_users, m_corvane.at(kSort).seconds(), m_bare.at(kSort).seconds()});
+    return all;
+}

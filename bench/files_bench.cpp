@@ -3,27 +3,22 @@
 //
 // The shell's look-ups of icons cost most by far, and the same on both sides. So that they hide nothing, the large
 // folder is opened with a fixed answer in their place, and a small one with the shell's own.
-//   files_bench FOLDER SMALL_FOLDER RUNS      the smallest of the runs counts; bench/files makes the folders
+//   files_bench FOLDER [--sizes=1000,10000,100000] [--rounds=N] [--times]
+// FOLDER holds a folder of so many files for each size, under the number as name, and one more named "shell".
+#include "bench/support/options.h"
+#include "bench/support/table.h"
+#include "bench/support/time.h"
 #include "files/dir_tree_ctrl.h"
 #include "tests/support/import_patch.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <functional>
+#include <filesystem>
 #include <shellapi.h>
 #include <string>
 #include <vector>
 
 namespace {
-
-double seconds(const std::function<void()>& work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 HWND makeTree()
 {
@@ -99,66 +94,50 @@ private:
 };
 
 struct Measured {
-    double list;  ///< one listing
-    double open;  ///< opened by the user: emptied, listed, emptied, listed
-    double close; ///< emptied
+    Tally list;  ///< one listing
+    Tally open;  ///< opened by the user: emptied, listed, emptied, listed
+    Tally close; ///< emptied
 };
 
-Measured measureBare(const std::wstring& folder)
+void measureBare(const std::wstring& folder, Measured& result)
 {
     HWND tree = makeTree();
     BareTree bare(tree, folder);
-    Measured result{};
     HTREEITEM root = bare.insertRoot();
-    result.list = seconds([&] {
+    result.list.add(timed([&] {
         SendMessageW(tree, WM_SETREDRAW, FALSE, 0);
         bare.list(root);
         SendMessageW(tree, WM_SETREDRAW, TRUE, 0);
-    });
+    }));
     SendMessageW(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(root));
-    result.open = seconds([&] {
+    result.open.add(timed([&] {
         SendMessageW(tree, WM_SETREDRAW, FALSE, 0);
         for (int i = 0; i < 2; ++i) {
             bare.clear(root);
             bare.list(root);
         }
         SendMessageW(tree, WM_SETREDRAW, TRUE, 0);
-    });
-    result.close = seconds([&] {
+    }));
+    result.close.add(timed([&] {
         SendMessageW(tree, WM_SETREDRAW, FALSE, 0);
         bare.clear(root);
         SendMessageW(tree, WM_SETREDRAW, TRUE, 0);
-    });
+    }));
     DestroyWindow(GetParent(tree));
-    return result;
 }
 
-Measured measureOurs(const std::wstring& folder)
+void measureCorvane(const std::wstring& folder, Measured& result)
 {
     CDirTreeCtrl tree(makeTree());
-    Measured result{};
-    result.list = seconds([&] { tree.display(folder.c_str(), true); });
+    result.list.add(timed([&] { tree.display(folder.c_str(), true); }));
     NMTREEVIEWW notification{};
     notification.itemNew.hItem = tree.firstChild(TVI_ROOT);
     tree.expand(notification.itemNew.hItem, TVE_EXPAND);
     notification.itemNew.state = TVIS_EXPANDED;
-    result.open = seconds([&] { tree.onItemExpanded(notification); });
+    result.open.add(timed([&] { tree.onItemExpanded(notification); }));
     notification.itemNew.state = 0;
-    result.close = seconds([&] { tree.onItemExpanded(notification); });
+    result.close.add(timed([&] { tree.onItemExpanded(notification); }));
     DestroyWindow(GetParent(tree.handle()));
-    return result;
-}
-
-void keepSmallest(Measured& best, const Measured& run, bool first)
-{
-    best.list = first ? run.list : std::min(best.list, run.list);
-    best.open = first ? run.open : std::min(best.open, run.open);
-    best.close = first ? run.close : std::min(best.close, run.close);
-}
-
-void print(const char* what, double ours, double bare)
-{
-    std::printf("%-24s %9.3f s %9.3f s %7.2f\n", what, ours, bare, ours / bare);
 }
 
 DWORD_PTR WINAPI fixedInfo(const wchar_t* path, DWORD attributes, SHFILEINFOW* info, UINT size, UINT flags)
@@ -173,36 +152,54 @@ DWORD_PTR WINAPI fixedInfo(const wchar_t* path, DWORD attributes, SHFILEINFOW* i
     return 1;
 }
 
-void compare(const char* title, const std::wstring& folder, int runs)
+/// @param files  how many the folder holds.
+/// @param how    behind the names of the measures.
+void compare(const std::wstring& folder, int files, int rounds, const std::string& how,
+             std::vector<Comparison>& comparisons)
 {
-    Measured bare{};
-    Measured ours{};
-    for (int run = 0; run < runs; ++run) {
-        keepSmallest(bare, measureBare(folder), run == 0);
-        keepSmallest(ours, measureOurs(folder), run == 0);
+    std::fprintf(stderr, "%d files%s\n", files, how.c_str());
+    Measured corvane;
+    Measured bare;
+    for (int round = 0; round < rounds; ++round) {
+        // Each goes first as often as the other.
+        for (const int turn : {round, round + 1}) {
+            turn % 2 == 0 ? measureCorvane(folder, corvane) : measureBare(folder, bare);
+        }
     }
-    std::printf("%-24s %11s %11s %7s\n", title, "tree", "bare", "ratio");
-    print("list", ours.list, bare.list);
-    print("open (lists twice)", ours.open, bare.open);
-    print("close", ours.close, bare.close);
-    std::fflush(stdout);
+    const auto add = [&](const char* measure, const Tally& ours, const Tally& control) {
+        comparisons.push_back({measure + how, files, ours.seconds(), control.seconds()});
+    };
+    add("list a folder", corvane.list, bare.list);
+    add("open a folder, which lists it twice", corvane.open, bare.open);
+    add("close a folder", corvane.close, bare.close);
 }
 
 } // namespace
 
-int wmain(int argc, wchar_t** argv)
+int main(int count, char** arguments)
 {
-    if (argc != 4) {
-        std::fputs("usage: files_bench FOLDER SMALL_FOLDER RUNS\n", stderr);
+    Options options{.sizes = {1000, 10000, 100000}};
+    if (count < 2) {
+        std::fputs("usage: files_bench FOLDER [OPTION ...]\n", stderr);
         return 2;
     }
-    const int runs = std::max(_wtoi(argv[3]), 1);
+    if (!readOptions(count - 1, arguments + 1, 1, options)) {
+        return 2;
+    }
+    const std::wstring folder = std::filesystem::path(arguments[1]).wstring() + L'\\';
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TREEVIEW_CLASSES};
     InitCommonControlsEx(&classes);
+
+    std::vector<Comparison> comparisons;
     {
         const ImportPatch icons(GetModuleHandleW(nullptr), "SHGetFileInfoW", &fixedInfo);
-        compare("icons by a fixed answer", argv[1], runs);
+        for (const int size : options.sizes) {
+            compare(folder + std::to_wstring(size), size, options.roundsOf(size), "", comparisons);
+        }
     }
-    compare("icons by the shell", argv[2], runs);
+    constexpr int kShellFiles = 300;
+    compare(folder + L"shell", kShellFiles, options.roundsOf(100000), " *", comparisons);
+    printComparisons("files", comparisons, options.times);
+    std::printf("* with the icons of the shell; else with a fixed answer in their place\n");
     return 0;
 }

@@ -1,5 +1,5 @@
 // corvane's rule list beside the bare control and beside the straightforward way, in one process.
-//   corvane_bench [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times]
+//   rules_bench [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times]
 // Exit code 1 when the sides did not show the same.
 #include "bench/support/list_view.h"
 #include "bench/support/options.h"

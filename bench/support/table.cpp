@@ -52,7 +52,7 @@ void printComparisons(const char* sizes, std::vector<Comparison> comparisons, bo
     });
     const bool rowByRow = std::any_of(comparisons.begin(), comparisons.end(),
                                       [](const Comparison& comparison) { return comparison.rowByRow; });
-    std::vector<int> widths{36, 9, 14};
+    std::vector<int> widths{38, 9, 14};
     std::vector<std::string> headings{"measure", sizes, "corvane : bare"};
     if (rowByRow) {
         widths.push_back(20);
@@ -66,7 +66,7 @@ void printComparisons(const char* sizes, std::vector<Comparison> comparisons, bo
                     ratio(comparison.corvane, comparison.bare),
                     comparison.rowByRow ? ratio(*comparison.rowByRow, comparison.corvane) : "-"});
         if (times) {
-            std::fprintf(stderr, "%-36s %9d  %12.3f %12.3f %12.3f ms\n", comparison.measure.c_str(),
+            std::fprintf(stderr, "%-38s %9d  %12.3f %12.3f %12.3f ms\n", comparison.measure.c_str(),
                          comparison.size, comparison.corvane * 1e3, comparison.bare * 1e3,
                          comparison.rowByRow.value_or(0) * 1e3);
         }

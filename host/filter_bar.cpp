@@ -1,5 +1,9 @@
 #include "host/filter_bar.h"
 
+#include "host/filter_edit.h"
+#include "host/heading_paint.h"
+#include "host/window_text.h"
+
 #include <commctrl.h>
 
 #include <algorithm>
@@ -15,7 +19,6 @@ constexpr UINT_PTR kSubclass = 1;
 constexpr wchar_t kHasBar[] = L"FilterBar"; // a property of the header
 constexpr UINT_PTR kChangeTimer = 0x46;
 constexpr int kRowHeight = 19; // pixels: an edit in the dialogs' font
-constexpr int kTextMargin = 6; // pixels beside a heading
 
 /// What belongs to one header: its filters, one per column, and their edits.
 class FilterBar {
@@ -47,8 +50,6 @@ private:
     void typed(HWND edit);
     void notify();
     void paint();
-    void paintCell(HDC dc, int column) const;
-    HWND newEdit();
 
     HWND header_;
     std::vector<Filter> filters_;
@@ -96,6 +97,9 @@ LRESULT FilterBar::handle(UINT message, WPARAM wParam, LPARAM lParam)
             typed(reinterpret_cast<HWND>(lParam));
         }
         return 0;
+    case kFilterEntered:
+        notify();
+        return 0;
     case WM_TIMER:
         if (wParam == kChangeTimer) {
             notify();
@@ -112,14 +116,6 @@ LRESULT FilterBar::handle(UINT message, WPARAM wParam, LPARAM lParam)
     }
 }
 
-HWND FilterBar::newEdit()
-{
-    const HWND edit = CreateWindowExW(0, WC_EDITW, L"", WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL, 0,
-                                      0, 0, 0, header_, nullptr, nullptr, nullptr);
-    SendMessageW(edit, WM_SETFONT, static_cast<WPARAM>(SendMessageW(header_, WM_GETFONT, 0, 0)), FALSE);
-    return edit;
-}
-
 void FilterBar::arrange()
 {
     const auto columns =
@@ -129,7 +125,7 @@ void FilterBar::arrange()
         filters_.pop_back();
     }
     while (filters_.size() < columns) {
-        filters_.push_back({newEdit(), {}, false});
+        filters_.push_back({newFilterEdit(header_), {}, false});
     }
     RECT client{};
     GetClientRect(header_, &client);
@@ -199,10 +195,7 @@ void FilterBar::typed(HWND edit)
 {
     for (Filter& filter : filters_) {
         if (filter.edit == edit) {
-            std::wstring text(static_cast<size_t>(GetWindowTextLengthW(edit)) + 1, L'\0');
-            text.resize(
-                static_cast<size_t>(GetWindowTextW(edit, text.data(), static_cast<int>(text.size()))));
-            filter.text = std::move(text);
+            filter.text = windowText(edit);
             filter.changed = true;
             SetTimer(header_, kChangeTimer, timeout_, nullptr);
         }
@@ -230,35 +223,8 @@ void FilterBar::paint()
 {
     PAINTSTRUCT paint{};
     const HDC dc = BeginPaint(header_, &paint);
-    RECT client{};
-    GetClientRect(header_, &client);
-    FillRect(dc, &client, GetSysColorBrush(COLOR_3DFACE));
-    const HGDIOBJ font = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(header_, WM_GETFONT, 0, 0)));
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
-    for (size_t column = 0; column < filters_.size(); ++column) {
-        paintCell(dc, static_cast<int>(column));
-    }
-    SelectObject(dc, font);
+    paintHeadings(header_, dc, kRowHeight);
     EndPaint(header_, &paint);
-}
-
-void FilterBar::paintCell(HDC dc, int column) const
-{
-    wchar_t heading[128] = {};
-    HDITEMW item{};
-    item.mask = HDI_TEXT | HDI_FORMAT;
-    item.pszText = heading;
-    item.cchTextMax = static_cast<int>(std::size(heading));
-    DefSubclassProc(header_, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
-    RECT cell{};
-    SendMessageW(header_, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&cell));
-    cell.bottom -= kRowHeight;
-    DrawEdge(dc, &cell, EDGE_RAISED, BF_RECT | BF_SOFT);
-    InflateRect(&cell, -kTextMargin, 0);
-    const int justify = item.fmt & HDF_JUSTIFYMASK;
-    const UINT side = justify == HDF_RIGHT ? DT_RIGHT : justify == HDF_CENTER ? DT_CENTER : DT_LEFT;
-    DrawTextW(dc, heading, -1, &cell, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX | side);
 }
 
 LRESULT CALLBACK subclass(HWND header, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,

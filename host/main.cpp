@@ -74,7 +74,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
     const HRESULT com = OleInitialize(nullptr); // the shell's folder dialog wants it
     int result = kFailed;
     {
-        const host::RuntimeGaps gaps;
+        host::fillRuntimeGaps();
         host::PanelWindow panel;
         if (panel.open(instance, line.folders)) {
             panel.run();

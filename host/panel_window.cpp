@@ -6,6 +6,7 @@
 #include "host/message.h"
 #include "host/panel_layout.h"
 #include "host/resource.h"
+#include "host/window_text.h"
 
 #include "corvane.h"
 #include "lornix/lornix_host.h"
@@ -21,13 +22,6 @@ constexpr wchar_t kCaption[] = L"Quota Control Panel";
 constexpr wchar_t kUnsaved[] = L"Unsaved Changes";
 
 constexpr UINT kCellDone = WM_APP;
-
-std::wstring textOf(HWND control)
-{
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(control, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
 
 std::vector<std::wstring> knownFolders()
 {
@@ -193,7 +187,7 @@ void PanelWindow::command(int id, int code)
     case IDOK:
         return enterPressed();
     case IDC_FOLDER_ADD:
-        return addTypedFolder(textOf(GetDlgItem(window_, IDC_FOLDER_EDIT)));
+        return addTypedFolder(windowText(GetDlgItem(window_, IDC_FOLDER_EDIT)));
     case IDC_FOLDER_BROWSE:
         if (const std::wstring chosen = browseForFolder(window_); !chosen.empty()) {
             addTypedFolder(chosen);
@@ -233,7 +227,7 @@ void PanelWindow::enterPressed()
 {
     const HWND focus = GetFocus();
     if (focus == GetDlgItem(window_, IDC_FOLDER_EDIT)) {
-        addTypedFolder(textOf(focus));
+        addTypedFolder(windowText(focus));
     } else if (focus == page_->list()) {
         edit();
     }
@@ -517,7 +511,9 @@ void PanelWindow::selectionChanged()
     enable(IDC_ADD_FOR_ACCOUNT, mayEdit_ && !chosen.empty());
     enable(IDC_ADD_FOR_ANYONE, mayEdit_ && !chosen.empty());
     std::wstring hint = L"Select the folders that new rules are for.";
-    if (chosen.size() == 1) {
+    if (!mayEdit_) {
+        hint = L"Only an administrator can change rules and policies.";
+    } else if (chosen.size() == 1) {
         hint = L"New rules are for " + chosen.front() + L".";
     } else if (chosen.size() > 1) {
         hint = L"New rules are for each of the " + std::to_wstring(chosen.size()) + L" selected folders.";

@@ -59,7 +59,7 @@ RulePage::RulePage(HWND dialog, int listId)
     initializeListCtrl(dialog_, listId_, nullptr);
 
     // The library's widths are those of a narrow page. This window has room for the headings.
-    constexpr int kWidths[] = {74, 52, 66, 52, 32}; // dialog units
+    constexpr int kWidths[] = {96, 52, 66, 52, 32}; // dialog units
     for (int column = 0; column < kFolder; ++column) {
         RECT unit{0, 0, kWidths[column], 0};
         MapDialogRect(dialog_, &unit);

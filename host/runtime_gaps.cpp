@@ -17,21 +17,22 @@ bool onLinuxRuntime()
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
 
-/// Sees every message of this thread after it was handled: a header that has just been given the filter-bar style
-/// gets its bar.
-LRESULT CALLBACK afterMessage(int code, WPARAM wParam, LPARAM lParam)
+bool isHeader(HWND window)
 {
-    const auto& sent = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-    if (code == HC_ACTION && sent.message == WM_STYLECHANGED && static_cast<int>(sent.wParam) == GWL_STYLE &&
-        (reinterpret_cast<const STYLESTRUCT*>(sent.lParam)->styleNew & HDS_FILTERBAR) != 0)
-    {
-        wchar_t name[32] = {};
-        GetClassNameW(sent.hwnd, name, static_cast<int>(std::size(name)));
-        if (lstrcmpiW(name, WC_HEADERW) == 0) {
-            addFilterBar(sent.hwnd);
-        }
+    wchar_t name[32] = {};
+    GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    return lstrcmpiW(name, WC_HEADERW) == 0;
+}
+
+/// A header that is given the filter-bar style gets its bar. Watching the library's call costs nothing, while a hook
+/// would slow down every message, thousands of rows long.
+LONG_PTR WINAPI setWindowLong(HWND window, int index, LONG_PTR value)
+{
+    const LONG_PTR before = SetWindowLongPtrW(window, index, value);
+    if (index == GWL_STYLE && (value & HDS_FILTERBAR) != 0 && isHeader(window)) {
+        addFilterBar(window);
     }
-    return CallNextHookEx(nullptr, code, wParam, lParam);
+    return before;
 }
 
 BOOL WINAPI volumeWithStreams(LPCWSTR root, LPWSTR name, DWORD nameRoom, DWORD* serial, DWORD* component,
@@ -76,21 +77,14 @@ void replaceImport(HMODULE module, const char* name, ULONGLONG replacement)
 
 } // namespace
 
-RuntimeGaps::RuntimeGaps()
+void fillRuntimeGaps()
 {
     if (!onLinuxRuntime()) {
         return;
     }
-    hook_ = SetWindowsHookExW(WH_CALLWNDPROCRET, afterMessage, nullptr, GetCurrentThreadId());
-    replaceImport(GetModuleHandleW(L"corvane"), "GetVolumeInformationW",
-                  reinterpret_cast<ULONGLONG>(volumeWithStreams));
-}
-
-RuntimeGaps::~RuntimeGaps()
-{
-    if (hook_ != nullptr) {
-        UnhookWindowsHookEx(static_cast<HHOOK>(hook_));
-    }
+    const HMODULE corvane = GetModuleHandleW(L"corvane");
+    replaceImport(corvane, "SetWindowLongPtrW", reinterpret_cast<ULONGLONG>(setWindowLong));
+    replaceImport(corvane, "GetVolumeInformationW", reinterpret_cast<ULONGLONG>(volumeWithStreams));
 }
 
 } // namespace host

@@ -3,17 +3,8 @@
 
 namespace host {
 
-/// Fills the gaps as long as it lives; does nothing on Windows. Headers get their filter bar, and drives say that
+/// Fills the gaps; does nothing on Windows. Headers that the library gives a filter bar get one, and drives say that
 /// they keep named streams, as every drive of a quota server does.
-class RuntimeGaps {
-public:
-    RuntimeGaps();
-    RuntimeGaps(const RuntimeGaps&) = delete;
-    RuntimeGaps& operator=(const RuntimeGaps&) = delete;
-    ~RuntimeGaps();
-
-private:
-    void* hook_ = nullptr;
-};
+void fillRuntimeGaps();
 
 } // namespace host

@@ -1,7 +1,8 @@
 # Drives the sample host as a person does: real keys and mouse movements on an X display, and a look at what
-# stands in its windows. Sourced by tools/tour.sh and by the tests in tests/system. The caller has selected a
+# stands in its windows. Sourced by the parts of the tour and by the tests in tests/system. The caller has selected a
 # display and a Windows runtime, and then calls
-#   tour_begin BUILD OUT    BUILD: folder of the build; OUT: folder for data, pictures and logs, emptied first
+#   tour_begin BUILD OUT    BUILD: folder of the build; OUT: folder for data, pictures and logs, emptied first. For
+#                           the programs that are driven it is C:\Quota.
 #
 # Nothing waits for a guessed time: every wait is for a state, ends as soon as it is there, and fails after
 # $patience seconds with the name of the step.
@@ -22,6 +23,8 @@ id_ok=1 id_message=65535
 current_step=start
 shots=0
 host_pid=
+at_end=()      # commands that put things back, the last one first
+launcher=()    # a program and its options, which starts the host
 
 tour_begin() {
     build=$(cd "$1" && pwd) || exit 2
@@ -30,10 +33,21 @@ tour_begin() {
     mkdir -p "$out" || exit 2
     out=$(cd "$out" && pwd)
     data=$out/data
+    # Programs see the output folder under a short name, the same on every machine.
+    short_name=$WINEPREFIX/drive_c/Quota
+    ln -sfn "$out" "$short_name"
     trap tour_end EXIT
 }
 
+# at_end COMMAND...: runs it when the script ends, however that comes.
+at_end() { at_end=("$(printf '%q ' "$@")" "${at_end[@]}"); }
+
 tour_end() {
+    local command
+    for command in "${at_end[@]}"; do
+        eval "$command"
+    done
+    [ -L "$short_name" ] && rm "$short_name"
     [ -n "$host_pid" ] && kill "$host_pid" 2>/dev/null
     host_pid=
 }
@@ -77,7 +91,7 @@ wait_for() {
 
 # ---- looking ----
 
-# peek REQUEST...: see tests/system/peek.cpp.
+# peek REQUEST...: see tests/system/peek/main.cpp.
 peek() {
     local text
     text=$(wine "$build/tests/system/peek.exe" "$@" 2>/dev/null </dev/null) || return
@@ -155,14 +169,17 @@ at() {
 }
 finds_place() { place=$(peek "$@"); }
 click() { at point "$@" && xdotool click 1; }
+click_row() { at cell "$1" "$2" "$3" 0 && xdotool click 1; }
+double_click_row() { at cell "$1" "$2" "$3" 0 && xdotool click --repeat 2 --delay 60 1; }
 click_cell() { at cell "$panel" $id_rules "$1" "$2" && xdotool click 1; }
 double_click_cell() { at cell "$panel" $id_rules "$1" "$2" && xdotool click --repeat 2 --delay 60 1; }
 # Each click stands a little beside the last one, or two of them would be a double click.
 beside=8
-click_header() {
+click_heading() {
     beside=$((-beside))
-    at header "$panel" $id_rules "$1" && xdotool mousemove_relative -- "$beside" 0 click 1
+    at header "$1" "$2" "$3" && xdotool mousemove_relative -- "$beside" 0 click 1
 }
+click_header() { click_heading "$panel" $id_rules "$1"; }
 click_folder() { at entry "$panel" $id_folders "$1" && xdotool click 1; }
 ctrl_click_folder() {
     xdotool keydown ctrl
@@ -202,13 +219,20 @@ folder_is_shown() { grep -qxF "$1" <<<"$(peek entries "$panel" $id_folders)"; }
 
 # ---- the host ----
 
-windows_path() { printf 'Z:%s' "${1//\//\\}"; }
+# windows_path PATH: as a program reads it.
+windows_path() {
+    local path=Z:$1
+    [ -n "${short_name:-}" ] && path=${path/#"Z:$out"/C:/Quota}
+    printf '%s' "${path//\//\\}"
+}
 
 # host_start OPTION...: starts the host on $data and waits for its window.
 host_start() {
     # A second panel would be looked at in place of this one.
     is_gone "$panel" || fail 'another control panel is on the display'
-    wine "$build/bin/corvane_host.exe" --data "$(windows_path "$data")" "$@" >>"$out/host.log" 2>&1 </dev/null &
+    # It begins where nothing of this machine is in sight.
+    (cd "$WINEPREFIX/drive_c" && exec wine "${launcher[@]}" "$(windows_path "$build/bin/corvane_host.exe")" \
+        --data "$(windows_path "$data")" "$@" >>"$out/host.log" 2>&1 </dev/null) &
     host_pid=$!
     wait_window "$panel"
 }

@@ -1,5 +1,6 @@
 # What the stories share. Sourced by each with the build folder and its own output folder.
 . "$(dirname "${BASH_SOURCE[0]}")/../../tools/tour_lib.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/../../tools/dialog_lib.sh"
 
 # story_begin BUILD OUT FOLDER...: an empty data folder, and a tree with one small folder of files per name.
 story_begin() {
@@ -12,8 +13,6 @@ story_begin() {
         make_files "$out/tree/$folder" 40 "$seed"
     done
 }
-
-settings='Quota Settings'
 
 # add_rule HARD SOFT: a rule for anyone on the selected folder.
 add_rule() {

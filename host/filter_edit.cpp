@@ -1,0 +1,96 @@
+#include "host/filter_edit.h"
+
+#include "host/window_text.h"
+
+#include <commctrl.h>
+
+#include <memory>
+
+namespace host {
+namespace {
+
+constexpr UINT_PTR kSubclass = 1;
+constexpr int kTextMargin = 4; // pixels
+
+class FilterEdit {
+public:
+    explicit FilterEdit(HWND edit)
+        : edit_(edit)
+    {
+    }
+
+    LRESULT handle(UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        switch (message) {
+        case WM_SETFOCUS:
+            before_ = windowText(edit_);
+            break;
+        case WM_GETDLGCODE:
+            if (const auto* key = reinterpret_cast<const MSG*>(lParam);
+                key != nullptr && key->message == WM_KEYDOWN && isOurs(key->wParam))
+            {
+                return DLGC_WANTMESSAGE;
+            }
+            break;
+        case WM_KEYDOWN:
+            if (isOurs(wParam)) {
+                end(wParam);
+                return 0;
+            }
+            break;
+        case WM_CHAR:
+            if (wParam == VK_RETURN || wParam == VK_ESCAPE) {
+                return 0; // the edit would beep
+            }
+            break;
+        default:
+            break;
+        }
+        return DefSubclassProc(edit_, message, wParam, lParam);
+    }
+
+private:
+    static bool isOurs(WPARAM key) { return key == VK_RETURN || key == VK_ESCAPE; }
+
+    void end(WPARAM key)
+    {
+        if (key == VK_ESCAPE) {
+            SetWindowTextW(edit_, before_.c_str());
+        }
+        const HWND header = GetParent(edit_);
+        SendMessageW(header, kFilterEntered, 0, 0);
+        SetFocus(GetParent(header));
+    }
+
+    HWND edit_;
+    std::wstring before_; ///< the text that Esc brings back
+};
+
+LRESULT CALLBACK subclass(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                          DWORD_PTR data)
+{
+    auto* edit = reinterpret_cast<FilterEdit*>(data);
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, subclass, id);
+        const std::unique_ptr<FilterEdit> end(edit);
+        return DefSubclassProc(window, message, wParam, lParam);
+    }
+    return edit->handle(message, wParam, lParam);
+}
+
+} // namespace
+
+HWND newFilterEdit(HWND header)
+{
+    const HWND edit = CreateWindowExW(0, WC_EDITW, L"", WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL, 0,
+                                      0, 0, 0, header, nullptr, nullptr, nullptr);
+    auto keys = std::make_unique<FilterEdit>(edit);
+    if (SetWindowSubclass(edit, subclass, kSubclass, reinterpret_cast<DWORD_PTR>(keys.get()))) {
+        keys.release(); // the edit's own, until it is destroyed
+    }
+    SendMessageW(edit, WM_SETFONT, static_cast<WPARAM>(SendMessageW(header, WM_GETFONT, 0, 0)), FALSE);
+    SendMessageW(edit, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(kTextMargin, kTextMargin));
+    return edit;
+}
+
+} // namespace host

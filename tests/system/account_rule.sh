@@ -1,0 +1,80 @@
+#!/usr/bin/env bash
+# Rules for accounts, stored with the right SIDs: a user, an owner of files, one account on two folders.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2" One Two
+write_accounts
+alice=S-1-5-21-1111-2222-3333-1001 bob=S-1-5-21-1111-2222-3333-1002 olivia=S-1-5-21-0-0-0-1000
+
+# stored_accounts FOLDER: the accounts of the rules in a folder's file, sorted.
+stored_accounts() { cat "$data/rules/$1"_*.txt | tr -d '\r' | grep '^[0-9]' | cut -f 4 | sort; }
+
+step 'a user'
+host_start --folder "$tree\\One" --folder "$tree\\Two"
+click_folder 0
+click "$panel" $id_add_account
+wait_window "$chooser"
+pick 'EXAMPLE\alice'
+wait_window "$settings"
+set_limits 30M 20M
+wait_gone "$settings"
+wait_column 0 'EXAMPLE\alice'
+
+step 'the same one again is refused'
+click "$panel" $id_add_account
+wait_window "$chooser"
+pick 'EXAMPLE\alice'
+wait_window Information
+answer Information Return
+wait_status '1 rule in 2 folders'
+
+step 'the owner of the files'
+menu r o
+wait_window "$chooser"
+search
+expect 'the second account' "olivia|EXAMPLE\\olivia|File owner" "$(accounts | sed -n 2p)"
+expect 'olivia is listed' 1 "$(accounts | grep -c olivia)"
+click_row "$chooser" $id_accounts 1
+wait_shows yes enabled "$chooser" $id_ok
+press Return
+wait_window "$settings"
+set_limits 40M 30M
+wait_gone "$settings"
+wait_column 0 'EXAMPLE\olivia|EXAMPLE\alice'
+
+step 'one account on two folders at once'
+ctrl_click_folder 1
+click "$panel" $id_add_account
+wait_window "$chooser"
+pick 'EXAMPLE\bob'
+wait_for 'the dialog of the first folder' in_applied_to One
+wait_window "$settings"
+set_limits 50M 40M
+wait_for 'the dialog of the second folder' in_applied_to Two
+wait_window "$settings"
+set_limits 60M 50M
+wait_gone "$settings"
+wait_status '4 rules in 2 folders'
+
+step 'Cancel in the chooser adds nothing'
+click "$panel" $id_add_account
+wait_window "$chooser"
+answer "$chooser" Escape
+wait_status '4 rules in 2 folders'
+press ctrl+s
+wait_saved
+host_close
+
+step 'the stored SIDs'
+expect 'the accounts of One' "$olivia
+$alice
+$bob" "$(stored_accounts one)"
+expect 'the accounts of Two' "$bob" "$(stored_accounts two)"
+
+step 'the names are back'
+host_start
+wait_status '4 rules in 2 folders'
+expect 'the accounts' 'EXAMPLE\alice
+EXAMPLE\bob
+EXAMPLE\bob
+EXAMPLE\olivia' "$(rules | cut -f 1 | sort)"
+host_close

@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# Cancel in a policy editor stores nothing, whatever was done before; Cancel in an entry dialog adds nothing.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
+write_accounts
+
+# try_editor KEY TITLE LIST FILE ENTRY_DIALOG: with an entry dialog that begins with a text to type.
+try_editor() {
+    local key=$1 title=$2 list=$3 file=$4 entry=$5
+    step "$title"
+    editor_open "$key" "$title" "$list"
+    editor_add "$entry"
+    type_text never
+    answer "$entry" Escape
+    wait_entries ''
+    editor_add "$entry"
+    type_text first
+    press Return
+    wait_gone "$entry"
+    wait_shows 1 count "$editor" "$entries"
+    click "$editor" $id_cancel
+    wait_gone "$editor"
+    [ ! -e "$data/$file" ] || fail "$file was stored"
+
+    editor_open "$key" "$title" "$list"
+    wait_entries ''
+    for text in one two; do
+        editor_add "$entry"
+        type_text $text
+        press Return
+        wait_gone "$entry"
+    done
+    wait_shows 2 count "$editor" "$entries"
+    finish "$editor"
+    before=$(cksum <"$data/$file")
+
+    editor_open "$key" "$title" "$list"
+    wait_shows 2 count "$editor" "$entries"
+    rows=$(editor_rows)
+    editor_edit 0 "$entry"
+    fill "$entry" $id_entry_text other
+    answer "$entry" Escape
+    wait_entries "$rows"
+    editor_edit 0 "$entry"
+    fill "$entry" $id_entry_text other
+    finish "$entry"
+    wait_for 'the other text' grep -q ^other <(editor_rows)
+    editor_remove 1
+    wait_shows 1 count "$editor" "$entries"
+    answer "$editor" Escape
+    expect "$file" "$before" "$(cksum <"$data/$file")"
+
+    editor_open "$key" "$title" "$list"
+    wait_entries "$rows"
+    answer "$editor" Escape
+}
+
+host_start
+try_editor n Notifications $id_notifications notifications.txt 'Notification script'
+try_editor x 'Manage exception files' $id_entries excludes.txt 'Exclude file'
+try_editor e 'Manage blocked extensions' $id_entries blocked-extensions.txt 'Blocked extension'
+try_editor b 'Manage backup tools' $id_entries backup-tools.txt 'Backup Processes'
+
+step 'Manage Administrative Accounts'
+editor_open a 'Manage Administrative Accounts'
+editor_add "$chooser"
+answer "$chooser" Escape
+wait_entries ''
+editor_add "$chooser"
+pick 'EXAMPLE\alice'
+wait_entries 'EXAMPLE\alice'
+answer "$editor" Escape
+[ ! -e "$data/administrative-accounts.txt" ] || fail 'the accounts were stored'
+editor_open a 'Manage Administrative Accounts'
+wait_entries ''
+answer "$editor" Escape
+wait_saved
+host_close

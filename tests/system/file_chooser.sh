@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# Choosing a file in the tree of drives, and a running process.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
+files='Choose file' processes='Select program'
+
+# The tree shows the files of a drive's first folder, in the order of their names but for the last one.
+for name in alpha.txt bravo.txt charlie.txt; do
+    at_end rm -f "$WINEPREFIX/drive_c/$name"
+    echo "$name" >"$WINEPREFIX/drive_c/$name"
+done
+
+step 'the drives; the one that the host stands on is open'
+host_start
+menu t f
+wait_window "$files"
+shown=$(peek tree "$files" $id_tree)
+expect 'the files of the drive' 3 "$(grep -cxE $'\t(alpha|bravo|charlie)\\.txt' <<<"$shown")"
+expect 'the first drive' C: "$(head -n 1 <<<"$shown")"
+expect 'the selected node' C: "$(peek chosen "$files" $id_tree)"
+
+step 'OK with a drive'
+press Return
+wait_window 'Chosen File'
+expect 'what was chosen' C: "$(peek text 'Chosen File' $id_message)"
+answer 'Chosen File' Return
+
+step 'OK with a file, found by typing its name'
+menu t f
+wait_window "$files"
+click "$files" $id_tree
+wait_shows $id_tree focus "$files"
+type_text brav
+wait_shows bravo.txt chosen "$files" $id_tree
+press Return
+wait_window 'Chosen File'
+expect 'what was chosen' 'C:\bravo.txt' "$(peek text 'Chosen File' $id_message)"
+answer 'Chosen File' Return
+
+step 'a drive that is closed and opened is read again'
+menu t f
+wait_window "$files"
+click "$files" $id_tree
+wait_shows $id_tree focus "$files"
+press Home Left
+at_end rm -f "$WINEPREFIX/drive_c/delta.txt"
+touch "$WINEPREFIX/drive_c/delta.txt"
+has_delta() { peek tree "$files" $id_tree | grep -qx $'\tdelta.txt'; }
+! has_delta || fail 'the closed drive shows a file'
+press Right
+wait_for 'the new file' has_delta
+
+step 'Cancel chooses nothing'
+answer "$files" Escape
+wait_window "$panel"
+menu t p
+wait_window "$processes"
+answer "$processes" Escape
+wait_window "$panel"
+
+step 'a process, by its name'
+menu t p
+wait_window "$processes"
+expect 'the order' "$(peek list "$processes" $id_processes | sort -f)" "$(peek list "$processes" $id_processes)"
+expect 'OK with nothing selected' no "$(peek enabled "$processes" $id_ok)"
+click "$processes" $id_processes
+type_text corv
+wait_shows yes enabled "$processes" $id_ok
+press Return
+wait_window 'Chosen Process'
+expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' $id_message)"
+answer 'Chosen Process' Return
+wait_window "$panel"
+host_close

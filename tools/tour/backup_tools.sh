@@ -1,0 +1,58 @@
+#!/bin/bash
+# The editor of backup tools: names typed, picked from the running processes, picked from the disk.
+. "$(dirname "$0")/../tour_lib.sh"
+. "$(dirname "$0")/../dialog_lib.sh"
+tour_begin "$1" "$2"
+entry='Backup Processes'
+processes='Select program'
+
+step 'add one by typing'
+host_start
+editor_open b 'Manage backup tools'
+editor_add "$entry"
+type_text nightly.exe
+shot entry
+finish "$entry"
+
+step 'one that is running'
+editor_add "$entry"
+click "$entry" $id_entry_browse_running
+wait_window "$processes"
+expect 'OK with nothing selected' no "$(peek enabled "$processes" $id_ok)"
+row=$(peek list "$processes" $id_processes | grep -n -m 1 -x corvane_host.exe | cut -d : -f 1)
+click_row "$processes" $id_processes $((row - 1))
+wait_shows yes enabled "$processes" $id_ok
+shot running-processes
+finish "$processes"
+wait_shows corvane_host.exe text "$entry" $id_entry_text
+finish "$entry"
+
+step 'one from the disk: its name counts, not its folder'
+editor_add "$entry"
+click "$entry" $id_entry_browse
+wait_window 'Select file'
+type_text 'C:\Tools\archive.exe'
+press Return
+wait_gone 'Select file'
+wait_shows archive.exe text "$entry" $id_entry_text
+finish "$entry"
+wait_entries 'archive.exe
+corvane_host.exe
+nightly.exe'
+shot three
+
+step 'edit one, remove one'
+editor_edit 2 "$entry"
+fill "$entry" $id_entry_text weekly.exe
+finish "$entry"
+editor_remove 1
+wait_entries 'archive.exe
+weekly.exe'
+
+step 'store'
+finish "$editor"
+host_close
+show_files backup-tools.txt active-backup-tools.txt excludes.cnf
+expect_file backup-tools.txt 'tool weekly.exe
+tool archive.exe'
+expect_file active-backup-tools.txt "$(in_file backup-tools.txt)"

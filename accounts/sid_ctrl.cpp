@@ -323,10 +323,7 @@ void CSidCtrl::onFillEnd()
         HWND dialog = GetParent(handle());
         enableItem(dialog, IDCANCEL, true);
         enableItem(dialog, IDC_CHOOSER_LIST, true);
-        // All that had the keyboard was disabled: it goes to what the person waits for.
-        if (GetActiveWindow() == dialog && (GetFocus() == nullptr || !IsWindowEnabled(GetFocus()))) {
-            SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(handle()), TRUE);
-        }
+        rescueKeyboard(dialog, handle()); // to what the person waits for
     });
     if (!done) {
         runGuarded([] { ODS("fillTree => sigsegv at UI mgr\n"); });

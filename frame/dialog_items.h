@@ -23,3 +23,11 @@ inline void checkItem(HWND dialog, int id, bool checked)
 {
     CheckDlgButton(dialog, id, checked ? BST_CHECKED : BST_UNCHECKED);
 }
+
+/// Gives the keyboard to a control when what had it was disabled: keys would go nowhere.
+inline void rescueKeyboard(HWND dialog, HWND control)
+{
+    if (GetActiveWindow() == dialog && (GetFocus() == nullptr || !IsWindowEnabled(GetFocus()))) {
+        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+    }
+}

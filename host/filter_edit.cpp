@@ -86,7 +86,7 @@ HWND newFilterEdit(HWND header)
                                       0, 0, 0, header, nullptr, nullptr, nullptr);
     auto keys = std::make_unique<FilterEdit>(edit);
     if (SetWindowSubclass(edit, subclass, kSubclass, reinterpret_cast<DWORD_PTR>(keys.get()))) {
-        keys.release(); // the edit's own, until it is destroyed
+        static_cast<void>(keys.release()); // the edit's own, until it is destroyed
     }
     SendMessageW(edit, WM_SETFONT, static_cast<WPARAM>(SendMessageW(header, WM_GETFONT, 0, 0)), FALSE);
     SendMessageW(edit, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(kTextMargin, kTextMargin));

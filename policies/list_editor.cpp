@@ -190,6 +190,7 @@ private:
         if (const std::optional<std::wstring> text = m_editor.edit(m_window, index)) {
             m_list.deleteRow(row);
             insert(row, index, text->c_str());
+            rescueKeyboard(m_window, m_list.handle());
         }
     }
 
@@ -203,6 +204,7 @@ private:
         const std::uint32_t index = indexOf(row);
         m_list.deleteRow(row);
         m_editor.remove(index);
+        rescueKeyboard(m_window, m_list.handle()); // the button is disabled with the selection
     }
 
     void close() const

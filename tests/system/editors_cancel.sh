@@ -4,6 +4,8 @@
 story_begin "$1" "$2"
 write_accounts
 
+is_other() { editor_rows | grep -q '^other'; }
+
 # try_editor KEY TITLE LIST FILE ENTRY_DIALOG: with an entry dialog that begins with a text to type.
 try_editor() {
     local key=$1 title=$2 list=$3 file=$4 entry=$5
@@ -24,18 +26,16 @@ try_editor() {
 
     editor_open "$key" "$title" "$list"
     wait_entries ''
-    for text in one two; do
-        editor_add "$entry"
-        type_text $text
-        press Return
-        wait_gone "$entry"
-    done
-    wait_shows 2 count "$editor" "$entries"
+    editor_add "$entry"
+    type_text one
+    press Return
+    wait_gone "$entry"
+    wait_shows 1 count "$editor" "$entries"
     finish "$editor"
     before=$(cksum <"$data/$file")
 
     editor_open "$key" "$title" "$list"
-    wait_shows 2 count "$editor" "$entries"
+    wait_shows 1 count "$editor" "$entries"
     rows=$(editor_rows)
     editor_edit 0 "$entry"
     fill "$entry" $id_entry_text other
@@ -43,16 +43,15 @@ try_editor() {
     wait_entries "$rows"
     editor_edit 0 "$entry"
     fill "$entry" $id_entry_text other
-    finish "$entry"
-    wait_for 'the other text' grep -q ^other <(editor_rows)
-    editor_remove 1
-    wait_shows 1 count "$editor" "$entries"
+    press Return
+    wait_gone "$entry"
+    wait_for 'the other text' is_other
+    press Home space
+    wait_shows yes enabled "$editor" $id_entry_remove
+    press Tab Tab Tab space
+    wait_entries ''
     answer "$editor" Escape
     expect "$file" "$before" "$(cksum <"$data/$file")"
-
-    editor_open "$key" "$title" "$list"
-    wait_entries "$rows"
-    answer "$editor" Escape
 }
 
 host_start

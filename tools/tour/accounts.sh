@@ -93,3 +93,9 @@ host_close
 
 step 'look at what is stored'
 dump
+stored_accounts() { dump | sed '1d; s/  .*//' | sort; }
+expect 'the accounts with rules' 'EXAMPLE\Accounting
+EXAMPLE\alice
+EXAMPLE\bob
+EXAMPLE\carol
+EXAMPLE\olivia' "$(stored_accounts)"

@@ -1,19 +1,18 @@
 // Opening each policy editor, beside a dialog of the same template whose list is given the same rows by nobody but
 // the control: texts made beforehand, redraw off, no store. Timed from the call to the end of WM_INITDIALOG; what
 // follows, showing and painting, is the control's own on both sides.
-//   policies_bench [ENTRIES ...]     default 1000 10000; the smallest of several runs counts
+//   policies_bench [--sizes=1000,10000] [--rounds=N] [--times]
 // Exit code 1 when the two sides did not show the same rows.
+#include "bench/support/list_view.h"
+#include "bench/support/opening.h"
+#include "bench/support/options.h"
+#include "bench/support/table.h"
 #include "corvane.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/store_table.h"
 
-#include <windows.h>
-
-#include <commctrl.h>
-
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <numeric>
 #include <random>
 #include <string>
@@ -75,15 +74,6 @@ const Editor kEditors[] = {{"notifications", editNotifications, 142, 1015, false
                            {"administrative accounts", editMgrAccounts, 149, 1011, false},
                            {"backup tools", editBackupTools, 152, 1011, true}};
 
-double now()
-{
-    LARGE_INTEGER ticks;
-    LARGE_INTEGER perSecond;
-    QueryPerformanceCounter(&ticks);
-    QueryPerformanceFrequency(&perSecond);
-    return static_cast<double>(ticks.QuadPart) / static_cast<double>(perSecond.QuadPart);
-}
-
 /// What a list shows, read after one opening to be given to the bare control, and to compare the two.
 struct Row {
     LPARAM data = 0;
@@ -116,24 +106,21 @@ Content contentOf(HWND list)
         }
         content.columns.push_back({text, column.cx, column.fmt});
     }
-    const int rows = ListView_GetItemCount(list);
+    const int rows = list_view::rowCount(list);
     for (int i = 0; i < rows; ++i) {
         Row row;
-        LVITEMW item{};
-        item.iItem = i;
-        item.mask = LVIF_PARAM;
-        SendMessageW(list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-        row.data = item.lParam;
+        row.data = list_view::dataOf(list, i);
         for (size_t column = 0; column < content.columns.size(); ++column) {
-            item.iSubItem = static_cast<int>(column);
-            item.pszText = text;
-            item.cchTextMax = static_cast<int>(std::size(text));
-            SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
-            row.cells.emplace_back(text);
+            row.cells.emplace_back(list_view::textOf(list, i, static_cast<int>(column)));
         }
         content.rows.push_back(std::move(row));
     }
     return content;
+}
+
+std::function<void(HWND)> looking(Content* content)
+{
+    return content != nullptr ? [content](HWND list) { *content = contentOf(list); } : std::function<void(HWND)>{};
 }
 
 /// The rows in the order in which the bare control is to get them, each at the top.
@@ -150,42 +137,15 @@ void fillBare(HWND list, const Content& content, const std::vector<size_t>& orde
     }
     ListView_SetExtendedListViewStyle(list, LVS_EX_GRIDLINES | LVS_EX_HEADERDRAGDROP | LVS_EX_FULLROWSELECT |
                                                 LVS_EX_LABELTIP);
-    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    list_view::setRedraw(list, false);
     for (const size_t index : order) {
         const Row& row = content.rows[index];
-        LVITEMW item{};
-        item.mask = LVIF_TEXT | LVIF_PARAM;
-        item.pszText = const_cast<wchar_t*>(row.cells[0].c_str());
-        item.lParam = row.data;
-        const LRESULT at = SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
-        for (size_t column = 1; column < row.cells.size(); ++column) {
-            item.iSubItem = static_cast<int>(column);
-            item.pszText = const_cast<wchar_t*>(row.cells[column].c_str());
-            SendMessageW(list, LVM_SETITEMTEXTW, static_cast<WPARAM>(at), reinterpret_cast<LPARAM>(&item));
-        }
+        wchar_t* cells[8];
+        std::transform(row.cells.begin(), row.cells.end(), cells,
+                       [](const std::wstring& cell) { return const_cast<wchar_t*>(cell.c_str()); });
+        list_view::insert(list, 0, {cells, row.cells.size()}, row.data);
     }
-    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
-}
-
-/// What is timed: the opening of one dialog. Once it stands and nothing is left to do, it is looked at and closed.
-struct Opening {
-    int listId;
-    Content* look;    ///< null: not wanted
-    double ready = 0; ///< when WM_INITDIALOG was done
-};
-Opening* current = nullptr;
-
-void CALLBACK whenIdle(HWND, UINT, UINT_PTR, DWORD)
-{
-    HWND dialog = GetActiveWindow();
-    HWND list = dialog != nullptr ? GetDlgItem(dialog, current->listId) : nullptr;
-    if (list == nullptr) {
-        return;
-    }
-    if (current->look != nullptr) {
-        *current->look = contentOf(list);
-    }
-    SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    list_view::setRedraw(list, true);
 }
 
 // The last thing that an editor does in WM_INITDIALOG is to disable its two buttons. A hook on the message would cost
@@ -193,60 +153,29 @@ void CALLBACK whenIdle(HWND, UINT, UINT_PTR, DWORD)
 BOOL WINAPI disabling(HWND window, BOOL enable)
 {
     const BOOL before = EnableWindow(window, enable);
-    current->ready = now();
+    dialogReady();
     return before;
 }
 
-template <class Open>
-double timed(int listId, Content* look, Open&& open)
+Time openCorvane(const Editor& editor, Content* look = nullptr)
 {
-    Opening opening{listId, look};
-    current = &opening;
-    const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, whenIdle);
-    const double start = now();
-    open();
-    KillTimer(nullptr, timer);
-    current = nullptr;
-    return opening.ready - start;
+    return timedOpening([&] { editor.open(nullptr); }, editor.listId, looking(look));
 }
 
-struct BareFill {
-    const Content* content;
-    const std::vector<size_t>* order;
-    int listId;
-};
-
-INT_PTR CALLBACK bareProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+Time openBare(const Editor& editor, const Content& content, const std::vector<size_t>& order,
+              Content* look = nullptr)
 {
-    if (message == WM_INITDIALOG) {
-        const auto& fill = *reinterpret_cast<const BareFill*>(lParam);
+    const auto fill = [&](HWND dialog) {
         HMODULE host = GetModuleHandleW(L"quota"); // every editor asks for icons: it is no affair of the list
         for (const int icon : {138, 139, 140}) {
             LoadIconW(host, MAKEINTRESOURCEW(icon));
         }
-        fillBare(GetDlgItem(dialog, fill.listId), *fill.content, *fill.order);
+        fillBare(GetDlgItem(dialog, editor.listId), content, order);
         for (const int button : {1008, 1006}) {
             EnableWindow(GetDlgItem(dialog, button), FALSE);
         }
-        current->ready = now();
-        return TRUE;
-    }
-    if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
-        EndDialog(dialog, 0);
-        return TRUE;
-    }
-    return FALSE;
-}
-
-double openBare(const Editor& editor, const Content& content, const std::vector<size_t>& order, Content* look)
-{
-    HMODULE module = GetModuleHandleW(L"corvane");
-    const auto* loaded = static_cast<LPCDLGTEMPLATEW>(
-        LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(editor.templateId), RT_DIALOG)));
-    const BareFill fill{&content, &order, editor.listId};
-    return timed(editor.listId, look, [&] {
-        DialogBoxIndirectParamW(nullptr, loaded, nullptr, bareProcedure, reinterpret_cast<LPARAM>(&fill));
-    });
+    };
+    return timedOpening([&] { openBareDialog(editor.templateId, fill); }, editor.listId, looking(look));
 }
 
 void makeEntries(int count)
@@ -261,72 +190,68 @@ void makeEntries(int count)
 }
 
 /// @return whether both sides showed the same.
-bool measure(const Editor& editor, int count)
+bool measure(const Editor& editor, int count, int rounds, std::vector<Comparison>& comparisons)
 {
     Content content;
-    timed(editor.listId, &content, [&] { editor.open(nullptr); });
+    openCorvane(editor, &content);
 
     // The bare control gets the rows from the lowest to the topmost. One that sorts by itself then finds each place
-    // at once; its own way, in the order of the store, is timed beside it where that ends in time.
+    // at once; its own way, in the order of the store, is timed beside it.
     std::vector<size_t> upwards(content.rows.size());
     std::iota(upwards.rbegin(), upwards.rend(), 0);
     Content bare;
     openBare(editor, content, upwards, &bare);
+    bool same = bare.rows == content.rows;
 
-    const int rounds = count <= 1000 ? 21 : 9;
-    double corvane = 1e9;
-    double control = 1e9;
+    Tally corvane;
+    Tally control;
     for (int round = 0; round < rounds; ++round) {
         for (const int turn : {round, round + 1}) { // each goes first as often as the other
-            double& best = turn % 2 == 0 ? corvane : control;
-            best = std::min(best, turn % 2 == 0 ? timed(editor.listId, nullptr, [&] { editor.open(nullptr); })
-                                                : openBare(editor, content, upwards, nullptr));
+            turn % 2 == 0 ? corvane.add(openCorvane(editor))
+                          : control.add(openBare(editor, content, upwards));
         }
     }
-    std::printf("%-24s %7d %12.2f %12.2f %8.2f", editor.name, count, corvane * 1e3, control * 1e3,
-                corvane / control);
+    comparisons.push_back({editor.name, count, corvane.seconds(), control.seconds()});
     if (editor.sorted) {
         std::vector<size_t> byStore(content.rows.size());
         std::iota(byStore.begin(), byStore.end(), 0);
         std::sort(byStore.begin(), byStore.end(),
                   [&](size_t a, size_t b) { return content.rows[a].data < content.rows[b].data; });
         Content itsOwn;
-        const double own = openBare(editor, content, byStore, &itsOwn);
-        std::printf("   in the order of the store: %.2f, %.3f times that", own * 1e3, corvane / own);
-        if (itsOwn.rows != content.rows) {
-            return false;
-        }
+        Tally own;
+        own.add(openBare(editor, content, byStore, &itsOwn));
+        comparisons.push_back({std::string(editor.name) + " *", count, corvane.seconds(), own.seconds()});
+        same = same && itsOwn.rows == content.rows;
     }
-    std::printf("\n");
-    std::fflush(stdout);
-    return bare.rows == content.rows;
+    return same;
 }
 
 } // namespace
 
 int main(int count, char** arguments)
 {
-    std::vector<int> sizes;
-    for (int i = 1; i < count; ++i) {
-        sizes.push_back(std::atoi(arguments[i]));
-    }
-    if (sizes.empty()) {
-        sizes = {1000, 10000};
+    Options options{.sizes = {1000, 10000}};
+    if (!readOptions(count, arguments, 1, options)) {
+        return 2;
     }
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&classes);
     const StoreTable store = thinStore();
     installStore(&store);
     const ImportPatch patch(ImportPatch::corvane(), "EnableWindow", disabling);
-    std::printf("%-24s %7s %12s %12s %8s\n", "opening", "entries", "corvane ms", "control ms", "ratio");
+    std::vector<Comparison> comparisons;
     bool same = true;
-    for (const int size : sizes) {
+    for (const int size : options.sizes) {
         makeEntries(size);
         for (const Editor& editor : kEditors) {
-            same = measure(editor, size) && same;
+            std::fprintf(stderr, "%s, %d entries\n", editor.name, size);
+            same = measure(editor, size, options.roundsOf(size), comparisons) && same;
         }
     }
     installStore(nullptr);
+    printComparisons("entries", comparisons, options.times);
+    std::printf(
+        "* beside a control that is given the rows in the order of the store and sorts them by itself\n");
     if (!same) {
         std::fprintf(stderr, "The two sides did not show the same rows\n");
         return 1;

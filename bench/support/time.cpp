@@ -8,6 +8,15 @@ namespace {
 
 constexpr double kShort = 0.02;
 
+double wallClock()
+{
+    LARGE_INTEGER ticks;
+    LARGE_INTEGER perSecond;
+    QueryPerformanceCounter(&ticks);
+    QueryPerformanceFrequency(&perSecond);
+    return static_cast<double>(ticks.QuadPart) / static_cast<double>(perSecond.QuadPart);
+}
+
 double processorTime()
 {
     FILETIME created;
@@ -23,22 +32,16 @@ double processorTime()
 
 } // namespace
 
-double wallClock()
+Time now()
 {
-    LARGE_INTEGER ticks;
-    LARGE_INTEGER perSecond;
-    QueryPerformanceCounter(&ticks);
-    QueryPerformanceFrequency(&perSecond);
-    return static_cast<double>(ticks.QuadPart) / static_cast<double>(perSecond.QuadPart);
+    return {wallClock(), processorTime()};
 }
 
 Time timed(const std::function<void()>& work)
 {
-    const double wall = wallClock();
-    const double processor = processorTime();
+    const Time start = now();
     work();
-    const double spent = processorTime() - processor;
-    return {wallClock() - wall, spent};
+    return now() - start;
 }
 
 void Tally::add(Time time)

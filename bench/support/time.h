@@ -7,10 +7,11 @@
 struct Time {
     double wall = 0;
     double processor = 0; ///< of the calling thread; ticks in hundredths of a second
+    friend Time operator-(Time a, Time b) { return {a.wall - b.wall, a.processor - b.processor}; }
 };
 
-/// Seconds by the wall, since some moment of the past.
-double wallClock();
+/// Since some moment of the past.
+Time now();
 
 Time timed(const std::function<void()>& work);
 

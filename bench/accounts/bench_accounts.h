@@ -19,6 +19,8 @@ const wchar_t* searchBase(Road road);
 /// Name and full name of the account with a number, as a fill finds them.
 std::wstring accountName(int number);
 std::wstring accountFullName(int number);
+/// The same of an account that is served.
+const wchar_t* servedFullName(int number);
 
 /// Puts the bench's own directory and network in place of the platform's, for good.
 void replacePlatform();

@@ -63,7 +63,7 @@ public:
     }
     HRESULT WINAPI get_Name(BSTR* name) override
     {
-        *name = SysAllocString(accountName(m_number).c_str());
+        *name = SysAllocString(std::wcschr(servedFullName(m_number), L'\\') + 1);
         return S_OK;
     }
     HRESULT WINAPI get_Class(BSTR* name) override

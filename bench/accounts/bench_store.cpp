@@ -7,10 +7,12 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cwchar>
+#include <vector>
 
 namespace {
 
 int servedUsers = 0;
+std::vector<std::wstring> fullNames;
 
 // A list has room for the next power of two, so that a walk of many objects is not about copying lists.
 SidList* makeList(int count)
@@ -27,6 +29,10 @@ void serveAccounts(int users, Road road)
 {
     servedUsers = road == Road::kStore ? users : 0;
     directoryUsers = road == Road::kDirectory ? users : 0;
+    // Written beforehand: to format a text costs more than to hand it out.
+    for (int number = static_cast<int>(fullNames.size()); number < users; ++number) {
+        fullNames.push_back(accountFullName(number));
+    }
 }
 
 const wchar_t* searchBase(Road road)
@@ -48,6 +54,11 @@ std::wstring accountFullName(int number)
     return L"CORP\\" + accountName(number);
 }
 
+const wchar_t* servedFullName(int number)
+{
+    return fullNames[static_cast<std::size_t>(number)].c_str();
+}
+
 extern "C" {
 
 void ODS(const char*, ...) {}
@@ -64,7 +75,7 @@ int sidcmp(const void* a, const void* b)
 
 wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int)
 {
-    return std::wcscpy(buffer, accountFullName(static_cast<int>(AccountSid::numberOf(sid))).c_str());
+    return std::wcscpy(buffer, servedFullName(static_cast<int>(AccountSid::numberOf(sid))));
 }
 
 SidList* createEmptySidList()

@@ -5,12 +5,15 @@
 FilterBar::FilterBar(HWND list)
     : header_(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)))
 {
-    SetWindowSubclass(header_, procedure, 1, reinterpret_cast<DWORD_PTR>(this));
+    // Not the platform's subclassing, which costs a look-up at each message: a list sends its header many.
+    SetWindowLongPtrW(header_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    before_ = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(header_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&procedure)));
 }
 
 FilterBar::~FilterBar()
 {
-    RemoveWindowSubclass(header_, procedure, 1); // does nothing once the header is gone
+    SetWindowLongPtrW(header_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(before_)); // nothing once it is gone
 }
 
 void FilterBar::type(int column, const wchar_t* text)
@@ -33,8 +36,9 @@ LRESULT FilterBar::set(WPARAM column, HDITEMW item)
         taken_[index] = filter.cchTextMax;
     }
     item.mask &= ~static_cast<UINT>(HDI_FILTER);
-    return item.mask == 0 ? TRUE
-                          : DefSubclassProc(header_, HDM_SETITEMW, column, reinterpret_cast<LPARAM>(&item));
+    return item.mask == 0
+               ? TRUE
+               : CallWindowProcW(before_, header_, HDM_SETITEMW, column, reinterpret_cast<LPARAM>(&item));
 }
 
 LRESULT FilterBar::get(WPARAM column, HDITEMW& item)
@@ -50,16 +54,16 @@ LRESULT FilterBar::get(WPARAM column, HDITEMW& item)
     if (rest.mask == 0) {
         return TRUE;
     }
-    const LRESULT result = DefSubclassProc(header_, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&rest));
+    const LRESULT result =
+        CallWindowProcW(before_, header_, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&rest));
     rest.mask = item.mask;
     item = rest;
     return result;
 }
 
-LRESULT CALLBACK FilterBar::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
-                                      DWORD_PTR object)
+LRESULT CALLBACK FilterBar::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    auto& bar = *reinterpret_cast<FilterBar*>(object);
+    auto& bar = *reinterpret_cast<FilterBar*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     switch (message) {
     case HDM_SETITEMW:
         if ((reinterpret_cast<const HDITEMW*>(lParam)->mask & HDI_FILTER) != 0) {
@@ -77,5 +81,5 @@ LRESULT CALLBACK FilterBar::procedure(HWND window, UINT message, WPARAM wParam, 
     default:
         break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return CallWindowProcW(bar.before_, window, message, wParam, lParam);
 }

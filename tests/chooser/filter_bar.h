@@ -25,11 +25,12 @@ public:
     LPARAM delay() const { return delay_; }
 
 private:
-    static LRESULT CALLBACK procedure(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
+    static LRESULT CALLBACK procedure(HWND, UINT, WPARAM, LPARAM);
     LRESULT set(WPARAM column, HDITEMW item);
     LRESULT get(WPARAM column, HDITEMW& item);
 
     HWND header_;
+    WNDPROC before_ = nullptr;
     std::map<int, std::wstring> texts_;
     std::map<int, int> taken_;
     LPARAM delay_ = 0;

@@ -77,11 +77,63 @@ void CFBListCtrl::readFilters()
     }
 }
 
-bool CFBListCtrl::rejects(int row) const
+/// Reads rows one by one. A message for the first column brings all but the other columns' texts: of a large list the
+/// messages cost more than anything else.
+class CFBListCtrl::RowReader {
+public:
+    explicit RowReader(const CFBListCtrl& list)
+        : m_list(list)
+    {
+    }
+
+    /// Reads a row's first text, image, data and state.
+    void read(int row)
+    {
+        m_item = {};
+        m_item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM | LVIF_STATE;
+        m_item.stateMask = kKeptState;
+        m_item.iItem = row;
+        m_text[0] = L'\0';
+        m_item.pszText = m_text;
+        m_item.cchTextMax = static_cast<int>(std::size(m_text));
+        m_list.send(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&m_item));
+        // A full buffer may mean a longer text, and a control may also leave its text where it is.
+        if (m_item.pszText != m_text || wcsnlen(m_text, std::size(m_text)) + 1 >= std::size(m_text)) {
+            m_longText = m_list.text(row, 0);
+            m_item.pszText = m_longText.data();
+        }
+    }
+
+    const wchar_t* firstText() const { return m_item.pszText; }
+
+    /// The whole row that was read.
+    SavedRow save()
+    {
+        m_texts = m_item.pszText;
+        m_texts += L'\0';
+        for (int column = 1; column < static_cast<int>(m_list.m_filters.size()); ++column) {
+            m_texts += m_list.text(m_item.iItem, column);
+            m_texts += L'\0';
+        }
+        return {m_item.iImage, m_item.lParam, m_item.state, m_texts};
+    }
+
+private:
+    const CFBListCtrl& m_list;
+    LVITEMW m_item{};
+    wchar_t m_text[260];
+    std::wstring m_longText;
+    std::wstring m_texts;
+};
+
+bool CFBListCtrl::rejects(int row, const wchar_t* firstText) const
 {
     for (std::size_t column = 0; column < m_filters.size(); ++column) {
-        const std::wstring& filter = m_filters[column];
-        if (!filter.empty() && !passesFilter(text(row, static_cast<int>(column)).c_str(), filter.c_str())) {
+        const wchar_t* const filter = m_filters[column].c_str();
+        if (*filter != L'\0' &&
+            !(column == 0 ? passesFilter(firstText, filter)
+                          : passesFilter(text(row, static_cast<int>(column)).c_str(), filter)))
+        {
             return true;
         }
     }
@@ -98,24 +150,6 @@ bool CFBListCtrl::rejects(const SavedRow& row) const
         text += wcslen(text) + 1;
     }
     return false;
-}
-
-CFBListCtrl::SavedRow CFBListCtrl::save(int row) const
-{
-    SavedRow saved;
-    LVITEMW item{};
-    item.mask = LVIF_IMAGE | LVIF_PARAM | LVIF_STATE;
-    item.stateMask = kKeptState;
-    item.iItem = row;
-    send(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    saved.image = item.iImage;
-    saved.data = item.lParam;
-    saved.state = item.state;
-    for (int column = 0; column < static_cast<int>(m_filters.size()); ++column) {
-        saved.texts += text(row, column);
-        saved.texts += L'\0';
-    }
-    return saved;
 }
 
 void CFBListCtrl::putBack(const SavedRow& saved) const
@@ -143,11 +177,13 @@ bool CFBListCtrl::filterRows()
     withRedrawOff(*this, [&] {
         std::vector<int> rejected;
         std::vector<SavedRow> saved;
+        RowReader reader(*this);
         const int rows = rowCount();
         for (int row = 0; row < rows; ++row) {
-            if (rejects(row)) {
+            reader.read(row);
+            if (rejects(row, reader.firstText())) {
                 rejected.push_back(row);
-                saved.push_back(save(row));
+                saved.push_back(reader.save());
                 saved.back().state = 0; // hidden, a row loses its selection
             }
         }
@@ -184,6 +220,7 @@ void CFBListCtrl::remove(const std::vector<int>& rows) const
 void CFBListCtrl::rebuildWithout(const std::vector<int>& rows) const
 {
     std::vector<SavedRow> staying;
+    RowReader reader(*this);
     const auto marked = static_cast<int>(send(LVM_GETSELECTIONMARK));
     int newMark = -1;
     const int count = rowCount();
@@ -196,7 +233,8 @@ void CFBListCtrl::rebuildWithout(const std::vector<int>& rows) const
         if (row == marked) {
             newMark = static_cast<int>(staying.size());
         }
-        staying.push_back(save(row));
+        reader.read(row);
+        staying.push_back(reader.save());
     }
     deleteAllRows();
     for (const SavedRow& row : staying) {

@@ -36,9 +36,9 @@ public:
 
 private:
     void readFilters();
-    bool rejects(int row) const;
+    bool rejects(int row, const wchar_t* firstText) const;
     bool rejects(const SavedRow& row) const;
-    SavedRow save(int row) const;
+    class RowReader;
     void putBack(const SavedRow& row) const;
     void remove(const std::vector<int>& rows) const;
     void rebuildWithout(const std::vector<int>& rows) const;

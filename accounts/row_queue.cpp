@@ -28,12 +28,12 @@ void RowQueue::insert(int index, int image, const wchar_t* account, const wchar_
                       const wchar_t* type, void* data)
 {
     RowBatch::Entry entry{false, index, image, 0, AccountData(data)};
-    std::wstring texts;
+    m_texts.clear();
     for (const wchar_t* text : {account, fullName, type}) {
-        texts += text != nullptr ? text : L"";
-        texts += L'\0';
+        m_texts += text != nullptr ? text : L"";
+        m_texts += L'\0';
     }
-    append(std::move(entry), texts);
+    append(std::move(entry), m_texts);
 }
 
 void RowQueue::removeFirstInserted()

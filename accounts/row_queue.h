@@ -63,6 +63,8 @@ private:
     void notify();
     void waitForList();
 
+    std::wstring m_texts; ///< of the row at hand; the fill thread's own
+
     Lock m_lock;
     CONDITION_VARIABLE m_taken = CONDITION_VARIABLE_INIT;
     HWND m_list; ///< null when the window is gone

@@ -28,15 +28,16 @@ constexpr int kImageGrowth = 4;
 constexpr COLORREF kMatchColor = RGB(255, 0, 127);
 constexpr COLORREF kOtherColor = RGB(127, 127, 127);
 
-// The control's own message: rows wait, or the fill has ended.
+// The control's own messages: rows wait, or the fill has ended; and go on with those that wait.
 constexpr UINT kNotice = WM_APP + 1;
+constexpr UINT kGoOn = WM_APP + 2;
 constexpr UINT_PTR kTimer = 0x5349;
 
 // Rows are put into the list in batches this far apart, and for this long at once; the dialog takes input and paints
 // in between. Together they stay below a tenth of a second.
 constexpr UINT kPauseMilliseconds = 20;
 constexpr ULONGLONG kTakeMilliseconds = 60;
-// With more rows ready the pause is only as long as the platform's shortest timer.
+// With more rows ready and something else to do, the pause is only as long as the platform's shortest timer.
 constexpr UINT kShortPauseMilliseconds = USER_TIMER_MINIMUM;
 
 int addIcon(HIMAGELIST images, int id)
@@ -204,14 +205,26 @@ int CSidCtrl::startFill(const wchar_t* host)
 
 void CSidCtrl::onNotice()
 {
-    if (!m_fill || m_timerSet) {
+    if (!m_fill || m_timerSet || m_goingOn) {
         return;
     }
     const ULONGLONG now = GetTickCount64();
     if (m_fill->rows.ended() || now - m_lastTaken >= kPauseMilliseconds) {
-        takeRows(now + kTakeMilliseconds);
+        takeRowsNow();
     } else {
         takeRowsLater(kPauseMilliseconds);
+    }
+}
+
+/// Goes on with the rows that wait, once the dialog has done what waits for it.
+void CSidCtrl::goOn()
+{
+    // A message that is posted comes after all that were posted before, and before everything else. So it will do
+    // when nothing else waits; a timer comes last of all.
+    const bool othersWait = HIWORD(GetQueueStatus(QS_INPUT | QS_PAINT | QS_TIMER | QS_SENDMESSAGE)) != 0;
+    m_goingOn = !othersWait && PostMessageW(handle(), kGoOn, 0, 0) != FALSE;
+    if (!m_goingOn) {
+        takeRowsLater(kShortPauseMilliseconds);
     }
 }
 
@@ -256,9 +269,16 @@ void CSidCtrl::takeRows(ULONGLONG until)
     }
     m_lastTaken = GetTickCount64();
     if (more) {
-        takeRowsLater(kShortPauseMilliseconds);
+        goOn();
     } else if (m_fill->rows.ended()) {
         onFillEnd();
+    }
+}
+
+void CSidCtrl::takeRowsNow()
+{
+    if (m_fill) {
+        takeRows(GetTickCount64() + kTakeMilliseconds);
     }
 }
 
@@ -380,13 +400,15 @@ LRESULT CSidCtrl::onMessage(UINT message, WPARAM wParam, LPARAM lParam)
     case kNotice:
         onNotice();
         return 0;
+    case kGoOn:
+        m_goingOn = false;
+        takeRowsNow();
+        return 0;
     case WM_TIMER:
         if (wParam == kTimer) {
             KillTimer(handle(), kTimer);
             m_timerSet = false;
-            if (m_fill) {
-                takeRows(GetTickCount64() + kTakeMilliseconds);
-            }
+            takeRowsNow();
             return 0;
         }
         break;

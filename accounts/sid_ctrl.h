@@ -60,7 +60,9 @@ private:
     void loadImages();
 
     void onNotice();
+    void goOn();
     void takeRowsLater(UINT milliseconds);
+    void takeRowsNow();
     void takeRows(ULONGLONG until);
     void takeAllRows();
     bool nextBatch();
@@ -85,6 +87,7 @@ private:
     std::size_t m_next = 0;
     ULONGLONG m_lastTaken = 0; ///< when rows were last put into the list
     bool m_timerSet = false;
+    bool m_goingOn = false;       ///< a message to go on is under way
     std::wstring m_firstTexts[3]; ///< of the row that was inserted first
     LPARAM m_firstData = 0;
     bool m_anyInserted = false;

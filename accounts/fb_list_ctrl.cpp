@@ -144,7 +144,7 @@ bool CFBListCtrl::rejects(const SavedRow& row) const
 {
     const wchar_t* text = row.texts.c_str();
     for (const std::wstring& filter : m_filters) {
-        if (!passesFilter(text, filter.c_str())) {
+        if (!filter.empty() && !passesFilter(text, filter.c_str())) {
             return true;
         }
         text += wcslen(text) + 1;
@@ -155,7 +155,7 @@ bool CFBListCtrl::rejects(const SavedRow& row) const
 void CFBListCtrl::putBack(const SavedRow& saved) const
 {
     LVITEMW item{};
-    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM | LVIF_STATE;
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM | (saved.state != 0 ? LVIF_STATE : 0u);
     item.iItem = INT_MAX;
     item.iImage = saved.image;
     item.lParam = saved.data;

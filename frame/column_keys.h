@@ -21,7 +21,8 @@ public:
         : m_reader(list, column)
     {
         const int rows = list.rowCount();
-        m_slots.resize(std::bit_ceil(static_cast<std::size_t>(rows) * 2 + 1));
+        // Four in five at most: the smaller the table, the more of it stays in the processor's caches.
+        m_slots.resize(std::bit_ceil(static_cast<std::size_t>(rows) * 5 / 4 + 2));
         for (int row = 0; row < rows; ++row) {
             LPARAM data = 0;
             const wchar_t* text = m_reader.read(row, data);

@@ -5,6 +5,7 @@
 #include "frame/dialog_items.h"
 #include "frame/list_ctrl.h"
 #include "frame/list_sort.h"
+#include "frame/redraw_off.h"
 #include "frame/selection_buttons.h"
 #include "policies/process_enumerators.h"
 #include "res/resource.h"
@@ -25,7 +26,7 @@ std::uint32_t rowCounter = 0;
 int myCallBack(DWORD /*processId*/, const wchar_t* imageName, void* context)
 {
     return static_cast<int>(guardProcedure(crash_sites::kProcessChooserRow, [&]() -> INT_PTR {
-        const DialogList list(static_cast<HWND>(context), IDC_PROCESS_LIST);
+        const auto& list = *static_cast<const CListCtrl*>(context);
         const int row = list.insertRow(0, imageName != nullptr ? imageName : L"", 0);
         list.setData(row, static_cast<LPARAM>(rowCounter));
         ++rowCounter;
@@ -35,12 +36,14 @@ int myCallBack(DWORD /*processId*/, const wchar_t* imageName, void* context)
 
 BOOL onInit(HWND dialog)
 {
-    const DialogList list(dialog, IDC_PROCESS_LIST);
+    DialogList list(dialog, IDC_PROCESS_LIST);
     list.insertColumn(0, kColumn);
     list.addExtendedStyle(kListStyles);
     enableItem(dialog, IDOK, false);
     rowCounter = 0;
-    enumerateProcessSnapshot(nullptr, myCallBack, dialog); // on failure the list stays empty
+    // On failure the list stays empty.
+    withRedrawOff(list,
+                  [&] { enumerateProcessSnapshot(nullptr, myCallBack, static_cast<CListCtrl*>(&list)); });
     return TRUE;
 }
 
@@ -48,6 +51,12 @@ BOOL onNotify(HWND dialog, const NMHDR* header)
 {
     if (header->idFrom != IDC_PROCESS_LIST) {
         return FALSE;
+    }
+    // Each row's item data, when the list is filled: what is selected stays as it is.
+    if (header->code == LVN_ITEMCHANGED &&
+        reinterpret_cast<const NMLISTVIEW*>(header)->uChanged == LVIF_PARAM)
+    {
+        return TRUE;
     }
     const DialogList list(dialog, IDC_PROCESS_LIST);
     switch (header->code) {

@@ -6,7 +6,7 @@
 
 namespace list_view {
 
-void insert(HWND list, int at, std::span<wchar_t* const> cells, LPARAM data, int image)
+int insert(HWND list, int at, std::span<wchar_t* const> cells, LPARAM data, int image)
 {
     LVITEMW item{};
     item.mask = LVIF_TEXT | LVIF_PARAM | (image >= 0 ? LVIF_IMAGE : 0u);
@@ -14,13 +14,13 @@ void insert(HWND list, int at, std::span<wchar_t* const> cells, LPARAM data, int
     item.iImage = image;
     item.pszText = cells[0];
     item.lParam = data;
-    const auto row =
-        static_cast<WPARAM>(SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+    const auto row = SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
     for (wchar_t* const cell : cells.subspan(1)) {
         ++item.iSubItem;
         item.pszText = cell;
-        SendMessageW(list, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+        SendMessageW(list, LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     }
+    return static_cast<int>(row);
 }
 
 int rowCount(HWND list)

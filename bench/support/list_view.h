@@ -14,7 +14,8 @@ namespace list_view {
 /// Inserts a row with the texts of its cells.
 /// @param at     index; INT_MAX for the end.
 /// @param image  -1: none.
-void insert(HWND list, int at, std::span<wchar_t* const> cells, LPARAM data, int image = -1);
+/// @return the row's index.
+int insert(HWND list, int at, std::span<wchar_t* const> cells, LPARAM data, int image = -1);
 int rowCount(HWND list);
 LPARAM dataOf(HWND list, int row);
 /// @return the text, in a buffer that the next call uses again.

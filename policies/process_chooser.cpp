@@ -47,31 +47,26 @@ BOOL onInit(HWND dialog)
     return TRUE;
 }
 
+// While the list is filled there are several of these for each row, none of which concerns the dialog: they end here
+// before anything is looked up.
 BOOL onNotify(HWND dialog, const NMHDR* header)
 {
     if (header->idFrom != IDC_PROCESS_LIST) {
         return FALSE;
     }
-    // Each row's item data, when the list is filled: what is selected stays as it is.
-    if (header->code == LVN_ITEMCHANGED &&
-        reinterpret_cast<const NMLISTVIEW*>(header)->uChanged == LVIF_PARAM)
-    {
-        return TRUE;
-    }
-    const DialogList list(dialog, IDC_PROCESS_LIST);
+    const auto* const change = reinterpret_cast<const NMLISTVIEW*>(header);
     switch (header->code) {
-    case LVN_COLUMNCLICK: {
-        const int column = reinterpret_cast<const NMLISTVIEW*>(header)->iSubItem;
-        if (column >= 0) {
-            sortRows(list, column);
+    case LVN_COLUMNCLICK:
+        if (change->iSubItem >= 0) {
+            sortRows(DialogList(dialog, IDC_PROCESS_LIST), change->iSubItem);
         }
         return TRUE;
-    }
-    case LVN_ITEMCHANGED: {
-        constexpr int kButtons[] = {IDOK};
-        enableBySelection(dialog, list, kButtons);
+    case LVN_ITEMCHANGED:
+        if (change->uChanged != LVIF_PARAM) {
+            constexpr int kButtons[] = {IDOK};
+            enableBySelection(dialog, DialogList(dialog, IDC_PROCESS_LIST), kButtons);
+        }
         return TRUE;
-    }
     default:
         return FALSE;
     }

@@ -2,7 +2,9 @@
 
 #include <aclapi.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <set>
 
 namespace host {
@@ -72,11 +74,33 @@ std::vector<Sid> ownersIn(const std::vector<std::wstring>& folders)
     return owners;
 }
 
+struct Free {
+    void operator()(void* block) const
+    {
+        std::free(block);
+    } // the shared C runtime's, like the store's malloc
+};
+
+/// Takes what the library's chooser gave; a SID is ours then. A chooser that cannot be shown gives its last answer
+/// once more, so that one is kept until there is another: it is never released twice, and known again.
+AccountChoice taken(void* value)
+{
+    static std::unique_ptr<void, Free> last;
+    if (value == nullptr || value == CORVANE_ANYONE) {
+        return {value != nullptr, nullptr};
+    }
+    if (value == last.get()) {
+        return {false, nullptr};
+    }
+    last.reset(value);
+    return {true, value};
+}
+
 } // namespace
 
 AccountChoice chooseAccount(HWND owner)
 {
-    return AccountChoice(chooseSidFromUserInput(owner));
+    return taken(chooseSidFromUserInput(owner));
 }
 
 AccountChoice chooseAccountOwnersFirst(HWND owner, const std::vector<std::wstring>& folders)
@@ -88,7 +112,7 @@ AccountChoice chooseAccountOwnersFirst(HWND owner, const std::vector<std::wstrin
     for (size_t i = 0; i < owners.size(); ++i) {
         block[1 + i] = owners[i].data();
     }
-    return AccountChoice(chooseSidFromUserInput2(owner, list));
+    return taken(chooseSidFromUserInput2(owner, list));
 }
 
 } // namespace host

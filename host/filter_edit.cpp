@@ -19,11 +19,14 @@ public:
     {
     }
 
+    /// What stands there now is what Esc brings back.
+    void begin() { before_ = windowText(edit_); }
+
     LRESULT handle(UINT message, WPARAM wParam, LPARAM lParam)
     {
         switch (message) {
         case WM_SETFOCUS:
-            before_ = windowText(edit_);
+            begin();
             break;
         case WM_GETDLGCODE:
             if (const auto* key = reinterpret_cast<const MSG*>(lParam);
@@ -63,7 +66,7 @@ private:
     }
 
     HWND edit_;
-    std::wstring before_; ///< the text that Esc brings back
+    std::wstring before_;
 };
 
 LRESULT CALLBACK subclass(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
@@ -86,7 +89,7 @@ HWND newFilterEdit(HWND header)
                                       0, 0, 0, header, nullptr, nullptr, nullptr);
     auto keys = std::make_unique<FilterEdit>(edit);
     if (SetWindowSubclass(edit, subclass, kSubclass, reinterpret_cast<DWORD_PTR>(keys.get()))) {
-        static_cast<void>(keys.release()); // the edit's own, until it is destroyed
+        keys.release()->begin(); // the edit's own, until it is destroyed
     }
     SendMessageW(edit, WM_SETFONT, static_cast<WPARAM>(SendMessageW(header, WM_GETFONT, 0, 0)), FALSE);
     SendMessageW(edit, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(kTextMargin, kTextMargin));

@@ -378,16 +378,15 @@ void PanelWindow::addFor(void* sid)
 
 void PanelWindow::addForAccount()
 {
-    if (const AccountChoice account = chooseAccount(window_); account.made()) {
-        addFor(account.sid());
+    if (const AccountChoice account = chooseAccount(window_); account.made) {
+        addFor(account.sid);
     }
 }
 
 void PanelWindow::addForOwner()
 {
-    if (const AccountChoice account = chooseAccountOwnersFirst(window_, folders_->selected()); account.made())
-    {
-        addFor(account.sid());
+    if (const AccountChoice account = chooseAccountOwnersFirst(window_, folders_->selected()); account.made) {
+        addFor(account.sid);
     }
 }
 

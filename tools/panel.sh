@@ -3,17 +3,19 @@
 # again at the next start, and are printed when the panel is closed.
 #   tools/panel.sh BUILD OUT    with the Windows runtime that the caller has selected
 . "$(dirname "$0")/tour_lib.sh"
+. "$(dirname "$0")/dialog_lib.sh"
 build=$(cd "$1" && pwd)
 mkdir -p "$2"
 out=$(cd "$2" && pwd)
 data=$out/data
 
 if [ ! -e "$out/tree/complete" ]; then
-    echo "Making a folder tree"
+    echo "Making a folder tree, and accounts to choose from"
     make_files "$out/tree/Projects" 1900 1
     make_files "$out/tree/Users" 1200 2
     make_files "$out/tree/Media" 600 3
     mkdir -p "$out/tree/Archive"
+    write_accounts 500
     touch "$out/tree/complete"
 fi
 

@@ -343,7 +343,8 @@ void CSidCtrl::onFillEnd()
         HWND dialog = GetParent(handle());
         enableItem(dialog, IDCANCEL, true);
         enableItem(dialog, IDC_CHOOSER_LIST, true);
-        rescueKeyboard(dialog, handle()); // to what the person waits for
+        RedrawWindow(handle(), nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE); // its scroll bar looks disabled
+        rescueKeyboard(dialog, handle());                                     // to what the person waits for
     });
     if (!done) {
         runGuarded([] { ODS("fillTree => sigsegv at UI mgr\n"); });

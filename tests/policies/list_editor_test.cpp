@@ -244,6 +244,20 @@ TEST_P(ListEditorTest, RemovesTheFirstSelectedRowAndLeavesTheOthersTheirIndexes)
     });
 }
 
+TEST_P(ListEditorTest, KeepsTheKeyboardWhenTheButtonThatHadItIsDisabled)
+{
+    put({L"one", L"two"});
+    look([this](HWND dialog) {
+        const ListInDialog rows = list(dialog);
+        rows.selectOnly(0);
+        ASSERT_NE(focusOf(dialog), nullptr);
+        SetFocus(GetDlgItem(dialog, kRemove));
+        click(dialog, kRemove);
+        EXPECT_FALSE(isEnabled(dialog, kRemove));
+        EXPECT_EQ(GetDlgCtrlID(focusOf(dialog)), editor.listId);
+    });
+}
+
 TEST_P(ListEditorTest, DoesNothingWithoutASelection)
 {
     put({L"one"});

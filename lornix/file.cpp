@@ -6,7 +6,6 @@ namespace lornix {
 namespace {
 
 constexpr DWORD kStep = 10; // milliseconds
-constexpr DWORD kLongest = 3000;
 
 // A hundred times what 100,000 rules need. A file above is none of ours.
 constexpr LONGLONG kLargestFile = 1 << 30;
@@ -25,10 +24,18 @@ DWORD persistently(Patience& patience, Call call)
     }
 }
 
-bool isReadOnly(const std::wstring& path)
+/// Where access is denied for a reason that no waiting helps against, tells the reason instead.
+/// @param toWrite  whether the file was to be written.
+DWORD settled(DWORD error, const std::wstring& path, bool toWrite)
 {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+    const DWORD attributes = error == ERROR_ACCESS_DENIED ? GetFileAttributesW(path.c_str()) : 0;
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        return error;
+    }
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        return ERROR_DIRECTORY;
+    }
+    return toWrite && (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? ERROR_WRITE_PROTECT : error;
 }
 
 DWORD move(const std::wstring& source, const std::wstring& target, DWORD flags, Patience& patience)
@@ -39,12 +46,7 @@ DWORD move(const std::wstring& source, const std::wstring& target, DWORD flags, 
         if (MoveFileExW(from.c_str(), to.c_str(), flags | MOVEFILE_WRITE_THROUGH)) {
             return true;
         }
-        const DWORD error = GetLastError();
-        if (error == ERROR_ACCESS_DENIED && isReadOnly(to)) {
-            SetLastError(ERROR_WRITE_PROTECT); // waiting does not help against the attribute
-        } else {
-            SetLastError(error);
-        }
+        SetLastError(settled(GetLastError(), to, true));
         return false;
     });
 }
@@ -76,7 +78,7 @@ bool Patience::waitFor(DWORD error)
     if (error != ERROR_SHARING_VIOLATION && error != ERROR_LOCK_VIOLATION && error != ERROR_ACCESS_DENIED) {
         return false;
     }
-    if (waited_ >= kLongest) {
+    if (waited_ >= longest_) {
         SetLastError(error);
         return false;
     }
@@ -115,7 +117,11 @@ DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience)
         opened =
             CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                         nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-        return opened != INVALID_HANDLE_VALUE;
+        if (opened != INVALID_HANDLE_VALUE) {
+            return true;
+        }
+        SetLastError(settled(GetLastError(), name, false));
+        return false;
     });
     const Handle file(opened);
     if (error != ERROR_SUCCESS) {
@@ -168,7 +174,13 @@ DWORD renameFile(const std::wstring& source, const std::wstring& target, Patienc
 DWORD removeFile(const std::wstring& path, Patience& patience)
 {
     const std::wstring name = longPath(path);
-    return persistently(patience, [&] { return DeleteFileW(name.c_str()) != FALSE; });
+    return persistently(patience, [&] {
+        if (DeleteFileW(name.c_str())) {
+            return true;
+        }
+        SetLastError(settled(GetLastError(), name, true));
+        return false;
+    });
 }
 
 DWORD makeFolder(const std::wstring& path)

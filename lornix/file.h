@@ -39,11 +39,20 @@ private:
 /// whole call, so that a thousand files that stay locked do not cost a thousand times the wait.
 class Patience {
 public:
+    /// @param longest  milliseconds in all. Somebody who only wants to look does not wait as long.
+    explicit Patience(DWORD longest = 3000)
+        : longest_(longest)
+    {
+    }
+
+    static Patience toRead() { return Patience(300); }
+
     /// Waits a moment when the error may pass.
     /// @return false when it is one that stays, or when the time is over.
     bool waitFor(DWORD error);
 
 private:
+    DWORD longest_;
     DWORD waited_ = 0;
 };
 

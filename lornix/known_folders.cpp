@@ -51,7 +51,7 @@ PathList* loadFolders()
         if (!data.isKnown()) {
             return nullptr;
         }
-        Patience patience;
+        Patience patience = Patience::toRead();
         const auto content = readFolders(knownFoldersFile(data), nullptr, patience);
         std::unique_ptr<PathList, PathListDelete> list;
         if (content) {

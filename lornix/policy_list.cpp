@@ -19,7 +19,7 @@ KeptFile PolicyList::activeFile(const DataFolder& data) const
 
 std::optional<PolicyRecords> PolicyList::read(const KeptFile& file, const StoreLock* lock) const
 {
-    Patience patience;
+    Patience patience = lock == nullptr ? Patience::toRead() : Patience();
     return readKept<PolicyRecords>(
         file, lock, patience, [this](std::string_view text) { return readPolicy(format_, text); },
         [this](const PolicyRecords& content) { return writePolicy(format_, content.entries); });

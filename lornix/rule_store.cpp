@@ -105,7 +105,7 @@ QuotaRule* loadRules(const wchar_t* folder)
         }
         const std::u16string name = fromWide(folder);
         const std::u16string key = folderKey(name);
-        Patience patience;
+        Patience patience = Patience::toRead();
         const auto content = readRules(rulesFileOf(data, key, name), key, nullptr, patience);
         return content ? chainOf(content->rules).release() : nullptr;
     });

@@ -31,6 +31,31 @@ std::wstring logName()
     return name;
 }
 
+/// Keeps other processes from writing to a log at the same moment: not every system appends in one step, so that one
+/// line would take the place of another. A process that was killed or stopped meanwhile does not hold the others up.
+class LogTurn {
+public:
+    LogTurn()
+        : mutex_(CreateMutexW(nullptr, FALSE, L"Local\\lornix log"))
+    {
+        constexpr DWORD kLongest = 1000; // milliseconds
+        const DWORD result = mutex_.isOpen() ? WaitForSingleObject(mutex_.get(), kLongest) : WAIT_FAILED;
+        isMine_ = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+    }
+    LogTurn(const LogTurn&) = delete;
+    LogTurn& operator=(const LogTurn&) = delete;
+    ~LogTurn()
+    {
+        if (isMine_) {
+            ReleaseMutex(mutex_.get());
+        }
+    }
+
+private:
+    Handle mutex_;
+    bool isMine_ = false;
+};
+
 /// The log as it is asked for now. It stays open for one call only: it may be moved away or deleted at any time.
 class Log {
 public:
@@ -64,6 +89,7 @@ public:
         }
         std::string bytes;
         appendUtf8(bytes, fromWide(text));
+        const LogTurn turn;
         DWORD written = 0;
         WriteFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
     }

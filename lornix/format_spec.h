@@ -1,6 +1,7 @@
 // Taking a printf format apart.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -8,7 +9,7 @@ namespace lornix {
 
 /// One conversion of a format, "%-8.3ls" say, or the plain text in front of it.
 struct FormatSpec {
-    enum class Kind {
+    enum class Kind : std::uint8_t {
         kText,     ///< plain text, no argument
         kPercent,  ///< %%
         kWideText, ///< a wide string

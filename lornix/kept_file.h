@@ -5,6 +5,7 @@
 #include "lornix/data_folder.h"
 #include "lornix/text_file.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,7 +19,7 @@ struct KeptFile {
     std::wstring title; ///< starts a sentence: "The file with ..."
 };
 
-enum class Reading {
+enum class Reading : std::uint8_t {
     kDone,
     kMissing, ///< and the bytes are none
     kFailed   ///< which has been reported

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +22,7 @@ struct Flaw {
     const char* reason; ///< a static text, "this is so and so" in a few words
 };
 
-enum class Condition {
+enum class Condition : std::uint8_t {
     kGood,    ///< all of it was understood
     kDamaged, ///< the file is one of ours, and what is listed in the flaws was left out
     kForeign, ///< no file of this kind, or none that tells what it belongs to

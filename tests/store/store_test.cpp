@@ -1,5 +1,7 @@
 #include "store_test.h"
 
+#include "tree.h"
+
 #include <sddl.h>
 
 #include <algorithm>
@@ -151,8 +153,9 @@ void StoreTest::SetUp()
 {
     const auto* info = testing::UnitTest::GetInstance()->current_test_info();
     root_ = std::filesystem::current_path() / "scratch" /
-            (std::string(info->test_suite_name()) + "." + info->name());
-    std::filesystem::remove_all(root_);
+            (std::string(info->test_suite_name()) + "." + info->name() + "." +
+             std::to_string(GetCurrentProcessId()));
+    EXPECT_TRUE(removeTree(root_.wstring()));
     std::filesystem::create_directories(root_);
     ASSERT_EQ(lornixSetDataFolder(data().c_str()), 1) << testing::PrintToString(lornixLastError());
     ASSERT_STREQ(lornixLastError(), L"");
@@ -162,8 +165,7 @@ void StoreTest::TearDown()
 {
     lornixSetDataFolder(nullptr);
     if (!HasFailure()) {
-        std::error_code none;
-        std::filesystem::remove_all(root_, none);
+        EXPECT_TRUE(removeTree(root_.wstring()));
     }
 }
 

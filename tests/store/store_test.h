@@ -49,6 +49,12 @@ struct FreeBlock {
 template <class Type>
 using Block = std::unique_ptr<Type, FreeBlock>;
 
+/// The library that is tested, for replacing what it calls.
+inline HMODULE storeModule()
+{
+    return GetModuleHandleW(L"lornix.dll");
+}
+
 /// A SID from its text, by the platform.
 Block<void> sidOf(const std::wstring& text);
 std::wstring textOf(const void* sid);

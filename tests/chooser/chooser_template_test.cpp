@@ -1,5 +1,6 @@
 // What the dialog looks like before anything is done in it.
 #include "tests/chooser/chooser_fixture.h"
+#include "tests/support/dialog_look.h"
 
 #include <commctrl.h>
 
@@ -10,68 +11,6 @@
 using testing::ElementsAre;
 
 namespace {
-
-struct Control {
-    int id;
-    std::string kind;
-    std::string text;
-    friend bool operator==(const Control&, const Control&) = default;
-    friend std::ostream& operator<<(std::ostream& out, const Control& control)
-    {
-        return out << control.id << " " << control.kind << " \"" << control.text << "\"";
-    }
-};
-
-std::vector<HWND> children(HWND dialog)
-{
-    std::vector<HWND> found;
-    for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-        found.push_back(child);
-    }
-    return found;
-}
-
-std::string kindOf(HWND control)
-{
-    const std::string name = className(control);
-    if (name != "Button") {
-        return name;
-    }
-    switch (GetWindowLongW(control, GWL_STYLE) & BS_TYPEMASK) {
-    case BS_AUTORADIOBUTTON:
-        return "radio";
-    case BS_AUTOCHECKBOX:
-        return "check";
-    case BS_DEFPUSHBUTTON:
-        return "default";
-    case BS_PUSHBUTTON:
-        return "push";
-    default:
-        return "button";
-    }
-}
-
-RECT placeOf(HWND control, HWND dialog)
-{
-    RECT place;
-    GetWindowRect(control, &place);
-    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-    return place;
-}
-
-SIZE sizeOfText(HWND control)
-{
-    const HDC dc = GetDC(control);
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
-    const HGDIOBJ before = SelectObject(dc, font);
-    wchar_t text[128];
-    const int length = GetWindowTextW(control, text, 128);
-    SIZE size;
-    GetTextExtentPoint32W(dc, text, length, &size);
-    SelectObject(dc, before);
-    ReleaseDC(control, dc);
-    return size;
-}
 
 class ChooserTemplateTest : public ChooserFixture {
 protected:
@@ -91,18 +30,12 @@ TEST_F(ChooserTemplateTest, HasItsCaptionAndControlsInTabOrder)
 {
     look([](HWND dialog) {
         EXPECT_EQ(windowText(dialog), "Choose subject");
-        std::vector<Control> controls;
-        for (const HWND child : children(dialog)) {
-            controls.push_back({static_cast<short>(GetDlgCtrlID(child)), kindOf(child), windowText(child)});
-        }
-        EXPECT_THAT(controls, ElementsAre(Control{1013, "radio", "Search account"},
-                                          Control{1014, "radio", "Type exact account name"},
-                                          Control{1006, "check", "Customize search base"},
-                                          Control{-1, "Static", "Search base:"},
-                                          Control{1007, "Edit", controlText(dialog, 1007)},
-                                          Control{1008, "SysListView32", "SidList"},
-                                          Control{-1, "Static", "User/Group:"}, Control{1009, "Edit", ""},
-                                          Control{1, "default", "Search..."}, Control{2, "push", "Cancel"}));
+        EXPECT_THAT(inWords(controlsOf(dialog)),
+                    ElementsAre("radio 1013 \"Search account\"", "radio 1014 \"Type exact account name\"",
+                                "check 1006 \"Customize search base\"", "label \"Search base:\"",
+                                "edit 1007 disabled", "list 1008 \"SidList\"", "label \"User/Group:\"",
+                                "edit 1009 disabled", "default button 1 \"Search...\"",
+                                "button 2 \"Cancel\""));
     });
 }
 
@@ -143,34 +76,14 @@ TEST_F(ChooserTemplateTest, TabReachesEveryControlThatTakesInput)
     });
 }
 
-TEST_F(ChooserTemplateTest, NothingIsCutAndNothingOverlaps)
+TEST_F(ChooserTemplateTest, IsLaidOutWithCare)
 {
     look([](HWND dialog) {
-        RECT client;
-        GetClientRect(dialog, &client);
-        RECT margin{7, 7, 7, 7};
-        MapDialogRect(dialog, &margin);
-        const std::vector<HWND> controls = children(dialog);
-        for (const HWND control : controls) {
-            const RECT place = placeOf(control, dialog);
-            const std::string text = windowText(control);
-            EXPECT_GE(place.left, margin.left) << text;
-            EXPECT_GE(place.top, margin.top) << text;
-            EXPECT_LE(place.right, client.right - margin.left + 1) << text;
-            EXPECT_LE(place.bottom, client.bottom - margin.top + 1) << text;
-            if (className(control) == "Button" || className(control) == "Static") {
-                const SIZE size = sizeOfText(control);
-                const int mark = kindOf(control) == "radio" || kindOf(control) == "check" ? 18 : 0;
-                EXPECT_LE(size.cx + mark, place.right - place.left) << text;
-                EXPECT_LE(size.cy, place.bottom - place.top) << text;
-            }
-            for (const HWND other : controls) {
-                RECT both;
-                const RECT otherPlace = placeOf(other, dialog);
-                EXPECT_FALSE(other != control && IntersectRect(&both, &place, &otherPlace))
-                    << text << " and " << windowText(other);
-            }
-        }
+        expectNothingCutOff(dialog);
+        expectNoOverlap(dialog);
+        expectMargins(dialog);
+        expectUsualFont(dialog);
+        expectModalFrame(dialog);
     });
 }
 
@@ -178,7 +91,7 @@ TEST_F(ChooserTemplateTest, ControlsStandInLine)
 {
     look([](HWND dialog) {
         const auto place = [&](int id) {
-            return placeOf(GetDlgItem(dialog, id), dialog);
+            return placeOf(GetDlgItem(dialog, id));
         };
         EXPECT_EQ(place(1013).left, place(1014).left);
         EXPECT_EQ(place(1006).left, place(1008).left);

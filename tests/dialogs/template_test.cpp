@@ -1,10 +1,7 @@
 // The dialog templates, control by control, and whether they are fit to be looked at.
-#include "tests/support/text.h"
+#include "tests/support/bare_dialog.h"
+#include "tests/support/dialog_look.h"
 #include "tests/support/window_text.h"
-
-#include "corvane.h"
-
-#include <commctrl.h>
 
 #include <gmock/gmock.h>
 
@@ -18,132 +15,10 @@ using testing::ElementsAreArray;
 
 namespace {
 
-HMODULE library()
-{
-    static const auto unused = &countItems2; // an import, so that the library is loaded
-    (void)unused;
-    return GetModuleHandleW(L"corvane");
-}
-
-INT_PTR CALLBACK ignore(HWND, UINT, WPARAM, LPARAM)
-{
-    return FALSE;
-}
-
-/// A template as the platform makes it a window, without any of the library's code.
-class BareDialog {
-public:
-    explicit BareDialog(int number)
-    {
-        const HRSRC found = FindResourceW(library(), MAKEINTRESOURCEW(number), RT_DIALOG);
-        const HGLOBAL loaded = found == nullptr ? nullptr : LoadResource(library(), found);
-        if (loaded != nullptr) {
-            window_ = CreateDialogIndirectParamW(nullptr, static_cast<LPCDLGTEMPLATEW>(LockResource(loaded)),
-                                                 nullptr, ignore, 0);
-        }
-    }
-    ~BareDialog() { DestroyWindow(window_); }
-    BareDialog(const BareDialog&) = delete;
-    BareDialog& operator=(const BareDialog&) = delete;
-
-    HWND window() const { return window_; }
-
-    std::vector<HWND> controls() const
-    {
-        std::vector<HWND> found;
-        for (HWND child = GetWindow(window_, GW_CHILD); child != nullptr;
-             child = GetWindow(child, GW_HWNDNEXT))
-        {
-            found.push_back(child);
-        }
-        return found;
-    }
-
-    RECT area(HWND control) const
-    {
-        RECT rect{};
-        GetWindowRect(control, &rect);
-        MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&rect), 2);
-        return rect;
-    }
-
-    /// Dialog units as pixels.
-    SIZE pixels(LONG width, LONG height) const
-    {
-        RECT rect = {0, 0, width, height};
-        MapDialogRect(window_, &rect);
-        return {rect.right, rect.bottom};
-    }
-
-private:
-    HWND window_ = nullptr;
-};
-
-DWORD styleOf(HWND control)
-{
-    return static_cast<DWORD>(GetWindowLongW(control, GWL_STYLE));
-}
-
-bool isClass(HWND control, const char* name)
-{
-    return className(control) == name;
-}
-
-DWORD buttonType(HWND control)
-{
-    return isClass(control, "Button") ? styleOf(control) & BS_TYPEMASK : ~DWORD{0};
-}
-
-bool isGroupBox(HWND control)
-{
-    return buttonType(control) == BS_GROUPBOX;
-}
-
-/// What a control is, in words: "edit 1002 read-only", "label \"In Use:\"".
-std::string inWords(HWND control)
-{
-    const int id = GetDlgCtrlID(control);
-    const std::string quoted = '"' + windowText(control) + '"';
-    std::string words;
-    if (isClass(control, "Static")) {
-        words = "label " + quoted;
-    } else if (isClass(control, "Edit")) {
-        words = "edit " + std::to_string(id);
-        words += (styleOf(control) & ES_READONLY) != 0 ? " read-only" : "";
-    } else {
-        switch (buttonType(control)) {
-        case BS_GROUPBOX:
-            return "group " + quoted;
-        case BS_AUTORADIOBUTTON:
-            words = "radio ";
-            break;
-        case BS_AUTOCHECKBOX:
-            words = "check ";
-            break;
-        case BS_DEFPUSHBUTTON:
-            words = "default button ";
-            break;
-        case BS_PUSHBUTTON:
-            words = "button ";
-            break;
-        default:
-            words = className(control) + ' ';
-        }
-        words += std::to_string(id) + ' ' + quoted;
-    }
-    words += (styleOf(control) & WS_VISIBLE) == 0 ? " hidden" : "";
-    words += (styleOf(control) & WS_DISABLED) != 0 ? " disabled" : "";
-    return words;
-}
-
 std::vector<std::string> controlsInWords(int number)
 {
     const BareDialog dialog(number);
-    std::vector<std::string> words;
-    for (const HWND control : dialog.controls()) {
-        words.push_back(inWords(control));
-    }
-    return words;
+    return inWords(controlsOf(dialog.window()));
 }
 
 const std::vector<std::string> kCommonControls = {
@@ -169,29 +44,6 @@ std::vector<std::string> with(std::vector<std::string> first, const std::vector<
 }
 
 const std::vector<std::string> kEnd = {"default button 1 \"OK\"", "button 2 \"Cancel\""};
-
-SIZE textSize(HWND control, const std::wstring& text)
-{
-    const HDC dc = GetDC(control);
-    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    RECT area{};
-    DrawTextW(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_SINGLELINE);
-    SelectObject(dc, before);
-    ReleaseDC(control, dc);
-    return {area.right, area.bottom};
-}
-
-bool overlap(const RECT& a, const RECT& b)
-{
-    RECT both{};
-    return IntersectRect(&both, &a, &b) != FALSE;
-}
-
-bool within(const RECT& inner, const RECT& outer)
-{
-    return inner.left >= outer.left && inner.right <= outer.right && inner.top >= outer.top &&
-           inner.bottom <= outer.bottom;
-}
 
 constexpr int kQuotaTemplates[] = {148, 141, 140};
 
@@ -230,8 +82,8 @@ TEST(QuotaTemplateTest, ASingleLimit)
 TEST(QuotaTemplateTest, NewMembersAreIndentedBelowMembers)
 {
     const BareDialog dialog(148);
-    const RECT members = dialog.area(GetDlgItem(dialog.window(), 1006));
-    const RECT newMembers = dialog.area(GetDlgItem(dialog.window(), 1040));
+    const RECT members = placeOf(dialog.control(1006));
+    const RECT newMembers = placeOf(dialog.control(1040));
     EXPECT_GT(newMembers.left, members.left);
     EXPECT_GE(newMembers.top, members.bottom);
 }
@@ -239,7 +91,7 @@ TEST(QuotaTemplateTest, NewMembersAreIndentedBelowMembers)
 TEST(QuotaTemplateTest, RadioButtonsAreOneGroupAndOnlyThey)
 {
     const BareDialog dialog(148);
-    const HWND first = GetDlgItem(dialog.window(), 1016);
+    const HWND first = dialog.control(1016);
     std::vector<int> group;
     HWND each = first;
     do {
@@ -277,65 +129,23 @@ TEST_P(TemplateTest, HasTheCaption)
     EXPECT_EQ(windowText(dialog.window()), "Quota Settings");
 }
 
-TEST_P(TemplateTest, HasTheFont)
+TEST_P(TemplateTest, HasTheFontAndTheFrame)
 {
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(dialog.window(), WM_GETFONT, 0, 0));
-    LOGFONTW look{};
-    ASSERT_NE(GetObjectW(font, sizeof look, &look), 0);
-    EXPECT_EQ(utf8(look.lfFaceName), "MS Sans Serif");
-    const HDC screen = GetDC(nullptr);
-    constexpr int kPointSize = 8;
-    constexpr int kPointsPerInch = 72;
-    EXPECT_EQ(look.lfHeight, -MulDiv(kPointSize, GetDeviceCaps(screen, LOGPIXELSY), kPointsPerInch));
-    ReleaseDC(nullptr, screen);
-    for (const HWND control : dialog.controls()) {
-        EXPECT_EQ(reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)), font) << inWords(control);
-    }
+    expectUsualFont(dialog.window());
+    expectModalFrame(dialog.window());
 }
 
-TEST_P(TemplateTest, IsAModalWindowWithACloseBox)
+TEST_P(TemplateTest, IsLaidOutWithCare)
 {
-    const DWORD style = styleOf(dialog.window());
-    EXPECT_EQ(style & WS_CAPTION, static_cast<DWORD>(WS_CAPTION));
-    EXPECT_NE(style & WS_SYSMENU, 0u);
-    EXPECT_NE(style & WS_POPUP, 0u);
-    EXPECT_NE(style & DS_MODALFRAME, 0u);
-    EXPECT_EQ(style & WS_CHILD, 0u);
-}
-
-TEST_P(TemplateTest, CutsNoTextOff)
-{
-    for (const HWND control : dialog.controls()) {
-        const std::wstring text = wide(windowText(control));
-        if (text.empty()) {
-            continue;
-        }
-        const SIZE needed = textSize(control, text);
-        RECT room{};
-        GetClientRect(control, &room);
-        LONG beside = 0;
-        switch (buttonType(control)) {
-        case BS_AUTORADIOBUTTON:
-        case BS_AUTOCHECKBOX:
-            beside = GetSystemMetrics(SM_CXMENUCHECK) + 4; // the mark and the gap after it
-            break;
-        case BS_GROUPBOX:
-        case BS_PUSHBUTTON:
-        case BS_DEFPUSHBUTTON:
-            beside = 8;
-            break;
-        default:
-            break;
-        }
-        EXPECT_LE(needed.cx + beside, room.right) << inWords(control);
-        EXPECT_LE(needed.cy, room.bottom) << inWords(control);
-    }
+    expectNothingCutOff(dialog.window());
+    expectNoOverlap(dialog.window());
+    expectMargins(dialog.window());
 }
 
 TEST_P(TemplateTest, HasRoomForTheLongestSizes)
 {
-    for (const HWND control : dialog.controls()) {
-        if (isClass(control, "Edit")) {
+    for (const HWND control : controlsOf(dialog.window())) {
+        if (kindOf(control) == "edit") {
             RECT room{};
             GetClientRect(control, &room);
             const SIZE needed = textSize(control, L"-1048576K");
@@ -345,47 +155,11 @@ TEST_P(TemplateTest, HasRoomForTheLongestSizes)
     }
 }
 
-TEST_P(TemplateTest, LaysNoControlOverAnother)
-{
-    const auto controls = dialog.controls();
-    for (size_t i = 0; i < controls.size(); ++i) {
-        for (size_t j = i + 1; j < controls.size(); ++j) {
-            const RECT a = dialog.area(controls[i]);
-            const RECT b = dialog.area(controls[j]);
-            const auto both = inWords(controls[i]) + " and " + inWords(controls[j]);
-            if (isGroupBox(controls[i]) != isGroupBox(controls[j])) {
-                const RECT& box = isGroupBox(controls[i]) ? a : b;
-                const RECT& other = isGroupBox(controls[i]) ? b : a;
-                EXPECT_TRUE(!overlap(a, b) || within(other, box)) << both;
-            } else {
-                EXPECT_FALSE(overlap(a, b)) << both;
-            }
-        }
-    }
-}
-
-TEST_P(TemplateTest, KeepsMarginsOfSevenUnits)
-{
-    RECT all{};
-    RECT client{};
-    GetClientRect(dialog.window(), &client);
-    for (const HWND control : dialog.controls()) {
-        const RECT area = dialog.area(control);
-        UnionRect(&all, &all, &area);
-    }
-    const SIZE margin = dialog.pixels(7, 7);
-    constexpr int kRounding = 1;
-    EXPECT_NEAR(all.left, margin.cx, kRounding);
-    EXPECT_NEAR(all.top, margin.cy, kRounding);
-    EXPECT_NEAR(client.right - all.right, margin.cx, kRounding);
-    EXPECT_NEAR(client.bottom - all.bottom, margin.cy, kRounding);
-}
-
 TEST_P(TemplateTest, HasButtonsOfTheUsualSize)
 {
-    const SIZE usual = dialog.pixels(50, 14);
+    const SIZE usual = unitsAsPixels(dialog.window(), 50, 14);
     for (const int id : {IDOK, IDCANCEL}) {
-        const RECT area = dialog.area(GetDlgItem(dialog.window(), id));
+        const RECT area = placeOf(dialog.control(id));
         EXPECT_NEAR(area.right - area.left, usual.cx, 1);
         EXPECT_NEAR(area.bottom - area.top, usual.cy, 1);
     }
@@ -393,14 +167,14 @@ TEST_P(TemplateTest, HasButtonsOfTheUsualSize)
 
 TEST_P(TemplateTest, LinesLabelsUpWithTheirFields)
 {
-    const auto controls = dialog.controls();
+    const auto controls = controlsOf(dialog.window());
     for (size_t i = 0; i + 1 < controls.size(); ++i) {
-        if (!isClass(controls[i], "Static")) {
+        if (kindOf(controls[i]) != "label") {
             continue;
         }
-        const RECT label = dialog.area(controls[i]);
-        const RECT field = dialog.area(controls[i + 1]);
-        ASSERT_TRUE(isClass(controls[i + 1], "Edit"))
+        const RECT label = placeOf(controls[i]);
+        const RECT field = placeOf(controls[i + 1]);
+        ASSERT_TRUE(kindOf(controls[i + 1]) == "edit")
             << "a label stands before its field: " << inWords(controls[i]);
         EXPECT_LE(label.right, field.left) << inWords(controls[i]);
         EXPECT_NEAR((label.top + label.bottom) / 2, (field.top + field.bottom) / 2, 2)
@@ -411,9 +185,9 @@ TEST_P(TemplateTest, LinesLabelsUpWithTheirFields)
 TEST_P(TemplateTest, GivesNoNumberTwice)
 {
     std::set<int> seen;
-    for (const HWND control : dialog.controls()) {
+    for (const HWND control : controlsOf(dialog.window())) {
         const int id = GetDlgCtrlID(control);
-        if (!isClass(control, "Static") && !isGroupBox(control)) {
+        if (kindOf(control) != "label" && kindOf(control) != "group") {
             EXPECT_TRUE(seen.insert(id).second) << inWords(control);
         }
     }

@@ -1,8 +1,6 @@
 // The templates of the file chooser, the process chooser and the About box, control by control.
-#include "corvane.h"
-#include "tests/shell/dialog_template.h"
-#include "tests/support/import_patch.h"
-#include "tests/support/text.h"
+#include "tests/support/bare_dialog.h"
+#include "tests/support/dialog_look.h"
 #include "tests/support/window_text.h"
 
 #include <commctrl.h>
@@ -13,184 +11,132 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr char kButton[] = "#128";
-constexpr char kStatic[] = "#130";
-
-HMODULE library()
+DWORD styleOf(HWND control)
 {
-    return LoadLibraryW(L"corvane.dll");
-}
-
-std::vector<std::string> inWords(const DialogTemplate& dialog)
-{
-    std::vector<std::string> words;
-    for (const TemplateControl& control : dialog.controls) {
-        words.push_back(std::to_string(control.id) + " " + control.windowClass + " \"" + control.text + "\"");
-    }
-    return words;
-}
-
-bool isDefaultButton(const TemplateControl& control)
-{
-    return control.windowClass == kButton && (control.style & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+    return static_cast<DWORD>(GetWindowLongW(control, GWL_STYLE));
 }
 
 struct LayoutTest : testing::TestWithParam<int> {
-    const DialogTemplate dialog = DialogTemplate::load(library(), GetParam());
+    const BareDialog dialog{GetParam()};
+    void SetUp() override { ASSERT_NE(dialog.window(), nullptr) << "no template " << GetParam(); }
 };
 
-INT_PTR CALLBACK ignore(HWND, UINT, WPARAM, LPARAM)
+LONG widthOf(const RECT& area)
 {
-    return FALSE;
+    return area.right - area.left;
+}
+
+LONG heightOf(const RECT& area)
+{
+    return area.bottom - area.top;
 }
 
 } // namespace
 
 TEST(TemplatesTest, ChooseFile)
 {
-    const DialogTemplate dialog = DialogTemplate::load(library(), 155);
-    EXPECT_EQ(dialog.caption, "Choose file...");
+    const BareDialog dialog(155);
+    EXPECT_EQ(windowText(dialog.window()), "Choose file...");
     // The tree comes last: the first control gets the focus, and a tree selects a node when it does.
-    EXPECT_THAT(inWords(dialog),
-                ElementsAre("1 #128 \"OK\"", "2 #128 \"Cancel\"", "1038 SysTreeView32 \"\""));
-    const TemplateControl& tree = dialog.at(1038);
-    EXPECT_EQ(tree.style & (TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_EDITLABELS),
+    EXPECT_THAT(inWords(controlsOf(dialog.window())),
+                ElementsAre("default button 1 \"OK\"", "button 2 \"Cancel\"", "SysTreeView32 1038 \"\""));
+    EXPECT_EQ(styleOf(dialog.control(1038)) &
+                  (TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_EDITLABELS),
               static_cast<DWORD>(TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT));
 }
 
 TEST(TemplatesTest, Processes)
 {
-    const DialogTemplate dialog = DialogTemplate::load(library(), 151);
-    EXPECT_EQ(dialog.caption, "Select program from list of running processes");
-    EXPECT_THAT(inWords(dialog),
-                ElementsAre("1020 SysListView32 \"ProcList\"", "1 #128 \"OK\"", "2 #128 \"Cancel\""));
-    EXPECT_EQ(dialog.at(1020).style & 0xFFFF & ~static_cast<DWORD>(LVS_SHAREIMAGELISTS),
+    const BareDialog dialog(151);
+    EXPECT_EQ(windowText(dialog.window()), "Select program from list of running processes");
+    EXPECT_THAT(inWords(controlsOf(dialog.window())),
+                ElementsAre("list 1020 \"ProcList\"", "default button 1 \"OK\"", "button 2 \"Cancel\""));
+    const HWND list = dialog.control(1020);
+    EXPECT_EQ(styleOf(list) & 0xFFFF & ~static_cast<DWORD>(LVS_SHAREIMAGELISTS),
               static_cast<DWORD>(LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_SORTASCENDING));
+    RECT room{};
+    GetClientRect(list, &room);
+    // No bar below its column, also when there is one at the side.
+    EXPECT_GE(room.right, 310 + GetSystemMetrics(SM_CXVSCROLL));
 }
 
 TEST(TemplatesTest, About)
 {
-    const DialogTemplate dialog = DialogTemplate::load(library(), 144);
-    EXPECT_EQ(dialog.caption, "About Vantrel");
-    EXPECT_EQ(dialog.width, 229);
-    EXPECT_EQ(dialog.height, 245);
-    ASSERT_EQ(dialog.controls.size(), 5u);
-    const TemplateControl& logo = dialog.at(1018);
-    const TemplateControl& picture = dialog.at(7019);
-    EXPECT_EQ(logo.width, 66);
-    EXPECT_EQ(logo.height, 14);
-    EXPECT_EQ(picture.width, 188);
-    EXPECT_EQ(picture.height, 157);
-    for (const TemplateControl* control : {&logo, &picture}) {
-        EXPECT_EQ(control->style & SS_TYPEMASK, static_cast<DWORD>(SS_BITMAP));
-        EXPECT_NE(control->style & WS_VISIBLE, 0u);
+    const BareDialog dialog(144);
+    EXPECT_EQ(windowText(dialog.window()), "About Vantrel");
+    RECT client{};
+    GetClientRect(dialog.window(), &client);
+    const SIZE size = unitsAsPixels(dialog.window(), 229, 245);
+    EXPECT_EQ(client.right, size.cx);
+    EXPECT_EQ(client.bottom, size.cy);
+    const std::vector<HWND> controls = controlsOf(dialog.window());
+    ASSERT_EQ(controls.size(), 5u);
+    const RECT logo = placeOf(dialog.control(1018));
+    const RECT picture = placeOf(dialog.control(7019));
+    const SIZE logoSize = unitsAsPixels(dialog.window(), 66, 14);
+    const SIZE pictureSize = unitsAsPixels(dialog.window(), 188, 157);
+    EXPECT_NEAR(widthOf(logo), logoSize.cx, 1);
+    EXPECT_NEAR(heightOf(logo), logoSize.cy, 1);
+    EXPECT_NEAR(widthOf(picture), pictureSize.cx, 1);
+    EXPECT_NEAR(heightOf(picture), pictureSize.cy, 1);
+    for (const int id : {1018, 7019}) {
+        EXPECT_EQ(styleOf(dialog.control(id)) & SS_TYPEMASK, static_cast<DWORD>(SS_BITMAP));
+        EXPECT_NE(styleOf(dialog.control(id)) & WS_VISIBLE, 0u);
     }
     // At the top right, in line with the picture below.
-    EXPECT_GT(logo.x, dialog.width / 2);
-    EXPECT_LT(logo.y + logo.height, picture.y);
-    EXPECT_EQ(logo.x + logo.width, picture.x + picture.width);
+    EXPECT_GT(logo.left, size.cx / 2);
+    EXPECT_LT(logo.bottom, picture.top);
+    EXPECT_EQ(logo.right, picture.right);
     int lines = 0;
-    for (const TemplateControl& control : dialog.controls) {
-        if (control.windowClass == kStatic && control.id != 1018 && control.id != 7019) {
+    for (const HWND control : controls) {
+        const int id = GetDlgCtrlID(control);
+        if (kindOf(control) == "label" && id != 1018 && id != 7019) {
             ++lines;
-            EXPECT_GE(control.y, picture.y + picture.height);
-            EXPECT_EQ(control.x, picture.x);
-            EXPECT_NE(control.text, "");
+            const RECT place = placeOf(control);
+            EXPECT_GE(place.top, picture.bottom);
+            EXPECT_EQ(place.left, picture.left);
+            EXPECT_NE(windowText(control), "");
         }
     }
     EXPECT_EQ(lines, 2);
-    EXPECT_EQ(dialog.at(IDOK).text, "OK");
+    EXPECT_EQ(controlText(dialog.window(), IDOK), "OK");
 }
 
 INSTANTIATE_TEST_SUITE_P(All, LayoutTest, testing::Values(144, 151, 155), testing::PrintToStringParamName());
 
 TEST_P(LayoutTest, HasTheFontAndTheFrame)
 {
-    EXPECT_EQ(dialog.font, "MS Sans Serif");
-    EXPECT_EQ(dialog.points, 8);
-    constexpr DWORD kFrame = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFONT;
-    EXPECT_EQ(dialog.style & (kFrame | WS_CHILD | WS_THICKFRAME), kFrame);
+    expectUsualFont(dialog.window());
+    expectModalFrame(dialog.window());
 }
 
-TEST_P(LayoutTest, KeepsMarginsOfSevenUnits)
+TEST_P(LayoutTest, IsLaidOutWithCare)
 {
-    int right = 0;
-    int bottom = 0;
-    for (const TemplateControl& control : dialog.controls) {
-        EXPECT_GE(control.x, 7) << control.id;
-        EXPECT_GE(control.y, 7) << control.id;
-        right = std::max(right, control.x + control.width);
-        bottom = std::max(bottom, control.y + control.height);
-    }
-    EXPECT_LE(right, dialog.width - 7);
-    EXPECT_EQ(bottom, dialog.height - 7);
-}
-
-TEST_P(LayoutTest, LaysNoControlOverAnother)
-{
-    for (const TemplateControl& a : dialog.controls) {
-        for (const TemplateControl& b : dialog.controls) {
-            const bool apart = a.x + a.width <= b.x || b.x + b.width <= a.x || a.y + a.height <= b.y ||
-                               b.y + b.height <= a.y;
-            EXPECT_TRUE(&a == &b || apart) << a.id << " and " << b.id;
-        }
-    }
+    // The About box stands its picture in the middle, and so leaves more at its sides.
+    const SIZE least = unitsAsPixels(dialog.window(), 7, 7);
+    const Margins margins = marginsOf(dialog.window());
+    EXPECT_GE(margins.left + 1, least.cx);
+    EXPECT_GE(margins.right + 1, least.cx);
+    EXPECT_GE(margins.top + 1, least.cy);
+    EXPECT_NEAR(margins.bottom, least.cy, 1);
+    expectNoOverlap(dialog.window());
+    expectNothingCutOff(dialog.window());
 }
 
 TEST_P(LayoutTest, HasButtonsInARowOneOfThemTheDefault)
 {
+    const SIZE usual = unitsAsPixels(dialog.window(), 50, 14);
     int defaults = 0;
-    for (const TemplateControl& control : dialog.controls) {
-        defaults += isDefaultButton(control) ? 1 : 0;
-        if (control.windowClass == kButton) {
-            EXPECT_EQ(control.width, 50);
-            EXPECT_EQ(control.height, 14);
-            EXPECT_EQ(control.y, dialog.at(IDOK).y);
-            EXPECT_NE(control.style & WS_TABSTOP, 0u);
+    for (const HWND control : controlsOf(dialog.window())) {
+        defaults += kindOf(control) == "default button" ? 1 : 0;
+        if (kindOf(control).ends_with("button")) {
+            const RECT place = placeOf(control);
+            EXPECT_NEAR(widthOf(place), usual.cx, 1);
+            EXPECT_NEAR(heightOf(place), usual.cy, 1);
+            EXPECT_EQ(place.top, placeOf(dialog.control(IDOK)).top);
+            EXPECT_NE(styleOf(control) & WS_TABSTOP, 0u);
         }
     }
     EXPECT_EQ(defaults, 1);
-    EXPECT_TRUE(isDefaultButton(dialog.at(IDOK)));
-}
-
-TEST_P(LayoutTest, CutsNoTextOff)
-{
-    HMODULE module = library();
-    const auto* resource = static_cast<LPCDLGTEMPLATEW>(
-        LockResource(LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(GetParam()), RT_DIALOG))));
-    HWND window = CreateDialogIndirectParamW(nullptr, resource, nullptr, ignore, 0);
-    ASSERT_NE(window, nullptr);
-    HDC dc = GetDC(window);
-    SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)));
-    for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-        const std::string kind = className(child);
-        if (kind != "Button" && kind != "Static") {
-            continue;
-        }
-        const std::wstring text = wide(windowText(child));
-        SIZE needed{};
-        GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &needed);
-        RECT room{};
-        GetClientRect(child, &room);
-        EXPECT_LE(needed.cx + (kind == "Button" ? 8 : 0), room.right) << utf8(text);
-        if (!text.empty()) {
-            EXPECT_LE(needed.cy, room.bottom) << utf8(text);
-        }
-    }
-    ReleaseDC(window, dc);
-    DestroyWindow(window);
-}
-
-TEST(TemplatesTest, TheProcessListHasRoomForItsColumn)
-{
-    HMODULE module = library();
-    const auto* resource = static_cast<LPCDLGTEMPLATEW>(
-        LockResource(LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(151), RT_DIALOG))));
-    HWND window = CreateDialogIndirectParamW(nullptr, resource, nullptr, ignore, 0);
-    ASSERT_NE(window, nullptr);
-    RECT room{};
-    GetClientRect(GetDlgItem(window, 1020), &room);
-    // No bar below, also when there is one at the side.
-    EXPECT_GE(room.right, 310 + GetSystemMetrics(SM_CXVSCROLL));
-    DestroyWindow(window);
+    EXPECT_EQ(kindOf(dialog.control(IDOK)), "default button");
 }

@@ -70,6 +70,10 @@ public:
         , m_walk(walk)
     {
         walk.m_presetOwners = PresetOwners(context != nullptr ? context->presetOwners : nullptr);
+        if (context != nullptr) {
+            formatText(m_host, L"%ls", context->host);
+            m_hasDomain = directoryDomain(m_host, m_domain);
+        }
     }
 
     SidList* run();
@@ -89,6 +93,9 @@ private:
     DirectoryKind m_kind;
     FillContext* m_context;
     DirectoryWalk& m_walk;
+    wchar_t m_host[kTextLimit + 1] = {};
+    bool m_hasDomain = false;
+    std::wstring_view m_domain; ///< in m_host
     int m_total = 0;
 };
 
@@ -238,12 +245,9 @@ void Walker::insertRow(const wchar_t* name, const wchar_t* className, void* sid)
     if (m_walk.m_presetOwners.excludes(sid)) {
         return;
     }
-    wchar_t host[kTextLimit + 1];
-    formatText(host, L"%ls", m_context->host);
     wchar_t account[kTextLimit + 1];
-    std::wstring_view domain;
-    if (directoryDomain(host, domain)) {
-        formatText(account, L"%.*ls\\%ls", static_cast<int>(domain.size()), domain.data(), name);
+    if (m_hasDomain) {
+        formatText(account, L"%.*ls\\%ls", static_cast<int>(m_domain.size()), m_domain.data(), name);
     } else {
         formatText(account, L"%ls", name);
     }

@@ -8,7 +8,7 @@
 int main(int count, char** arguments)
 {
     Options options{.sizes = {1000, 10000, 100000}};
-    if (!readOptions(count, arguments, 1000, options)) {
+    if (!readOptions(count, arguments, 1000, 1000000, options)) {
         return 2;
     }
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES};

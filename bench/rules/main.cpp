@@ -98,7 +98,7 @@ void printTimes(const std::vector<SizeTimes>& sizes)
 int main(int count, char** arguments)
 {
     Options options{.sizes = {1000, 10000, 100000}};
-    if (!readOptions(count, arguments, 100, options)) {
+    if (!readOptions(count, arguments, 100, 1000000, options)) {
         return 2;
     }
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES};

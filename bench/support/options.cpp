@@ -7,21 +7,19 @@
 
 namespace {
 
-constexpr int kLargest = 1000000;
-
 bool readNumber(std::string_view text, int least, int most, int& number)
 {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     return error == std::errc{} && end == text.data() + text.size() && number >= least && number <= most;
 }
 
-bool readSizes(std::string_view text, int step, std::vector<int>& sizes)
+bool readSizes(std::string_view text, int step, int largest, std::vector<int>& sizes)
 {
     sizes.clear();
     for (std::size_t comma = 0; comma != std::string_view::npos;) {
         comma = text.find(',');
         int size = 0;
-        if (step == 0 || !readNumber(text.substr(0, comma), step, kLargest, size) || size % step != 0) {
+        if (!readNumber(text.substr(0, comma), step, largest, size) || size % step != 0) {
             return false;
         }
         sizes.push_back(size);
@@ -30,12 +28,12 @@ bool readSizes(std::string_view text, int step, std::vector<int>& sizes)
     return true;
 }
 
-bool readOption(std::string_view argument, int step, Options& options)
+bool readOption(std::string_view argument, int step, int largest, Options& options)
 {
     constexpr std::string_view kSizes = "--sizes=";
     constexpr std::string_view kRounds = "--rounds=";
     if (argument.starts_with(kSizes)) {
-        return readSizes(argument.substr(kSizes.size()), step, options.sizes);
+        return readSizes(argument.substr(kSizes.size()), step, largest, options.sizes);
     }
     if (argument.starts_with(kRounds)) {
         return readNumber(argument.substr(kRounds.size()), 1, 1000, options.rounds);
@@ -52,17 +50,15 @@ int Options::roundsOf(int size) const
     return rounds != 0 ? rounds : size <= 1000 ? 25 : size <= 10000 ? 11 : 5;
 }
 
-bool readOptions(int count, char** arguments, int step, Options& options)
+bool readOptions(int count, char** arguments, int step, int largest, Options& options)
 {
     const auto wrong = std::find_if(arguments + 1, arguments + count, [&](const char* argument) {
-        return !readOption(argument, step, options);
+        return !readOption(argument, step, largest, options);
     });
     if (wrong == arguments + count) {
         return true;
     }
     std::fprintf(stderr, "Not an option here: %s\n", *wrong);
-    if (step != 0) {
-        std::fprintf(stderr, "Sizes are multiples of %d up to %d\n", step, kLargest);
-    }
+    std::fprintf(stderr, "Sizes are multiples of %d up to %d\n", step, largest);
     return false;
 }

@@ -14,6 +14,7 @@ struct Options {
 };
 
 /// Reads --sizes=1000,10000  --rounds=N  --no-row-by-row  --times.
-/// @param step  sizes are multiples of it, up to 1,000,000; 0: there are no sizes.
+/// @param step     sizes are multiples of it,
+/// @param largest  and not larger than this.
 /// @return false after a message about what is wrong.
-bool readOptions(int count, char** arguments, int step, Options& options);
+bool readOptions(int count, char** arguments, int step, int largest, Options& options);

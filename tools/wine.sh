@@ -59,6 +59,11 @@ wine_use() {
 wine_start() {
     wineserver -p >/dev/null 2>&1
     wine cmd /c exit </dev/null >/dev/null 2>&1
+    # The desktop goes a second after the last program with windows, and would be started anew, with the pipes of
+    # whoever comes next. Where nobody sees it, a program that stays keeps it.
+    case ${WINEPREFIX:-} in
+    */quiet) wine notepad </dev/null >/dev/null 2>&1 & ;;
+    esac
 }
 
 # Ends everything that runs in the selected prefix; never anything of a prefix that is not ours.

@@ -248,7 +248,11 @@ struct CommonDialogTest : testing::Test {
     ~CommonDialogTest() override
     {
         std::filesystem::current_path(before);
-        std::filesystem::remove_all(folder);
+        // The dialogs of tests beside this one start in the folder that was last used, this one, and hold it.
+        std::error_code held;
+        for (int tries = 0; std::filesystem::remove_all(folder, held), held && tries < 1000; ++tries) {
+            Sleep(10);
+        }
     }
 
     /// Types a name as a person does, and presses a button.

@@ -1,4 +1,5 @@
 // The tree of drives and files: on drives that the test makes up, and on those of the running system.
+#include "files/file_search.h"
 #include "tests/files/fake_disk.h"
 #include "tests/files/tree_host.h"
 #include "tests/support/import_patch.h"
@@ -155,6 +156,34 @@ TEST_F(DirTreeTest, ASmallHandleIsNoSearch)
     }
 }
 
+TEST(FileSearchTest, AHandleAbove32IsASearchAndIsClosed)
+{
+    static UINT_PTR answer = 0;
+    static std::vector<UINT_PTR> closed;
+    const ImportPatch first(
+        self(), "FindFirstFileW",
+        +[](const wchar_t*, WIN32_FIND_DATAW*) { return reinterpret_cast<HANDLE>(answer); });
+    const ImportPatch close(
+        self(), "FindClose", +[](HANDLE search) -> BOOL {
+            closed.push_back(reinterpret_cast<UINT_PTR>(search));
+            return TRUE;
+        });
+    ASSERT_EQ(first.count(), 1);
+    ASSERT_EQ(close.count(), 1);
+    const auto started = [](UINT_PTR handle) {
+        answer = handle;
+        closed.clear();
+        const bool result = FileSearch(L"C:\\*.*").started();
+        EXPECT_EQ(closed, result ? std::vector{handle} : std::vector<UINT_PTR>{});
+        return result;
+    };
+    EXPECT_FALSE(started(0));
+    EXPECT_FALSE(started(32));
+    EXPECT_TRUE(started(33));
+    EXPECT_TRUE(started(UINTPTR_MAX - 1));
+    EXPECT_FALSE(started(UINTPTR_MAX)); // how a search fails
+}
+
 TEST_F(DirTreeTest, AFolderThatCannotBeSearchedHasNoChildren)
 {
     disk.addDrive(L"C:\\");
@@ -186,6 +215,10 @@ TEST_F(DirTreeTest, TellsWhichDrivesHaveContents)
     EXPECT_TRUE(placeholder({folder(L"Data", FILE_ATTRIBUTE_HIDDEN)}, false));
     EXPECT_FALSE(placeholder({folder(L".git")}, true));
     EXPECT_TRUE(placeholder({folder(L"Link", FILE_ATTRIBUTE_REPARSE_POINT)}, true));
+    // Although it is not listed.
+    EXPECT_TRUE(placeholder({file(L"linked", FILE_ATTRIBUTE_REPARSE_POINT)}, true));
+    EXPECT_TRUE(placeholder({file(L".profile")}, true));
+    EXPECT_TRUE(placeholder({folder(L".git"), file(L"a", FILE_ATTRIBUTE_HIDDEN), folder(L"Data")}, true));
     EXPECT_EQ(disk.openSearches(), 0);
 }
 
@@ -276,7 +309,9 @@ TEST_F(DirTreeTest, ShowsOneFolder)
 {
     disk.addDrive(L"C:\\");
     disk.setFolder(L"D:\\Shared\\Data", {file(L"b"), file(L"a"), file(L"z"), folder(L"sub")});
+    host.takeMessages();
     EXPECT_TRUE(tree.display(L"D:\\Shared\\Data", true));
+    EXPECT_THAT(host.takeMessages(), ElementsAre("delete all", "redraw 0", "redraw 1"));
     EXPECT_EQ(tree.rootPath(), L"D:\\Shared\\Data\\");
     ASSERT_THAT(host.children(TVI_ROOT), ElementsAre("D:\\Shared\\Data"));
     HTREEITEM root = tree.firstChild(TVI_ROOT);
@@ -363,6 +398,34 @@ TEST_F(DirTreeTest, ReadsANodeAgainThatWasOpenedBefore)
     disk.setFolder(L"C:\\", {file(L"newer.txt"), file(L"b.txt")});
     EXPECT_TRUE(tree.setSelectedPath(L"C:\\"));
     EXPECT_THAT(host.children(host.top(L"C:")), ElementsAre("newer.txt", "b.txt"));
+}
+
+TEST_F(DirTreeTest, SelectsTheNodeOfTheLastSegment)
+{
+    // A folder by the name of a file that is listed: no real drive has both.
+    disk.addDrive(L"C:\\");
+    disk.setFolder(L"C:\\", {file(L"Data"), file(L"z")});
+    disk.setFolder(L"C:\\Data", {});
+    for (const wchar_t* path : {L"C:\\Data", L"C:\\Data\\"}) {
+        ASSERT_TRUE(tree.display(nullptr, true));
+        disk.takeCalls();
+        host.takeMessages();
+        EXPECT_TRUE(tree.setSelectedPath(path));
+        EXPECT_EQ(host.selectedText(), "Data");
+        EXPECT_EQ(tree.fullPath(tree.selected()), L"C:\\Data");
+        EXPECT_EQ(disk.takeCalls().front(), "find C:\\Data\\nul");
+        EXPECT_THAT(host.takeMessages(), ElementsAre("redraw 0", "expand 2", "expand 2", "redraw 1"));
+    }
+}
+
+TEST_F(DirTreeTest, AnEmptySegmentSelectsNothing)
+{
+    disk.addDrive(L"C:\\");
+    disk.setFolder(L"C:\\", {file(L"a.txt"), file(L"b.txt")});
+    ASSERT_TRUE(tree.display(nullptr, true));
+    EXPECT_FALSE(tree.setSelectedPath(L"C:\\\\")); // the check takes both backslashes off, the walk does not
+    EXPECT_EQ(host.selectedText(), "");
+    EXPECT_NE(tree.state(host.top(L"C:"), TVIS_EXPANDED), 0u);
 }
 
 TEST_F(DirTreeTest, AFolderUnderADriveSelectsNothing)

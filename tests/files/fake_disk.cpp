@@ -192,7 +192,7 @@ FakeDisk::FakeDisk(HMODULE module)
 FakeDisk::~FakeDisk()
 {
     patches_.clear();
-    ImageList_Destroy(state->images);
+    EXPECT_TRUE(ImageList_Destroy(state->images)) << "the system's images were destroyed";
     disk = nullptr;
     state = nullptr;
 }

@@ -1,5 +1,6 @@
 #include "corvane.h"
 #include "files/select_file.h"
+#include "tests/files/fake_disk.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/recording_store.h"
@@ -75,6 +76,13 @@ BOOL WINAPI saveFile(OPENFILENAMEW* request)
 HMODULE self()
 {
     return GetModuleHandleW(nullptr);
+}
+
+template <class Function>
+Function* runtimeFunction(const char* name)
+{
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), name)));
 }
 
 struct SelectFileTest : testing::Test {
@@ -212,6 +220,51 @@ TEST_F(SelectFileTest, CopiesWhatTheOwnChooserGives)
         EXPECT_EQ(std::wstring(chosen), std::wstring(expected, expected + std::strlen(expected)));
     }
     EXPECT_FALSE(asked);
+}
+
+TEST_F(SelectFileTest, TheOwnChooserShowsFilesAndBelongsToTheOwner)
+{
+    version = {6, VER_NT_SERVER};
+    RecordingStore store;
+    FakeDisk disk(self());
+    disk.addDrive(L"C:\\");
+    const std::wstring longName(259, L'n'); // with its drive no longer a text that fits into the buffer
+    disk.setFolder(L"C:\\", {file(longName), file(L"z")});
+    // This program's own calls are replaced as well, so the runtime is called where it lies.
+    static const auto duplicate = runtimeFunction<wchar_t*(const wchar_t*)>("_wcsdup");
+    static const auto release = runtimeFunction<void(void*)>("free");
+    static wchar_t* copy = nullptr;
+    static int released = 0;
+    copy = nullptr;
+    released = 0;
+    const ImportPatch copies(self(), "_wcsdup", +[](const wchar_t* text) { return copy = duplicate(text); });
+    const ImportPatch releases(
+        self(), "free", +[](void* block) {
+            if (block != nullptr && block == copy) {
+                ++released;
+                copy = nullptr; // its place may be given to another
+            }
+            release(block);
+        });
+    ASSERT_EQ(copies.count(), 1);
+    ASSERT_GE(releases.count(), 1);
+    HWND owner =
+        CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    DialogScript script;
+    script.onDialog("select a file and press OK", [=](HWND dialog) {
+        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner);
+        HWND tree = GetDlgItem(dialog, 1038);
+        const LRESULT drive = SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
+        SendMessageW(tree, TVM_EXPAND, TVE_EXPAND, drive);
+        SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET,
+                     SendMessageW(tree, TVM_GETNEXTITEM, TVGN_CHILD, drive));
+        clickLater(dialog, IDOK);
+    });
+    const wchar_t* chosen = script.run([=] { return selectFile(owner, 1); });
+    DestroyWindow(owner);
+    ASSERT_NE(chosen, nullptr);
+    EXPECT_EQ(std::wstring(chosen), (L"C:\\" + longName).substr(0, 259));
+    EXPECT_EQ(released, 1);
 }
 
 TEST_F(SelectFileTest, ShowsTheCommonDialogWhenTheVersionIsUnknown)

@@ -160,6 +160,30 @@ TEST_F(BlockedExtensionsTest, AnyoneTurnsAnAccountBackIntoAll)
     EXPECT_EQ(store.maskAccount(0), nullptr);
 }
 
+TEST_F(BlockedExtensionsTest, AnEntryForAllIsShownAndKeptForAll)
+{
+    store.putMask(L"*.a", nullptr);
+    store.putMask(L"*.b", jane);
+    visit
+        .edit(0) // leaves jane behind in the buffer
+        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, kAccount), "jane"); })
+        .press(IDOK)
+        .edit(1)
+        .entry(kEntry,
+               [](HWND entry) {
+                   EXPECT_EQ(controlText(entry, ids::kText), "*.a");
+                   EXPECT_EQ(controlText(entry, kAccount), "(All)");
+               })
+        .press(IDOK)
+        .list([this](HWND, const ListInDialog& list) {
+            EXPECT_THAT(ownCalls(), ElementsAre("getExcludeExtsSid 0", "getExcludeExtsPath 0",
+                                                "updateExcludeExts 0 *.a null"));
+            EXPECT_THAT(list.rows(), ElementsAre("*.b|jane", "*.a|(All)"));
+        })
+        .press(IDCANCEL);
+    visit.run(editExcludeExts);
+}
+
 TEST_F(BlockedExtensionsTest, ACancelledChooserLeavesTheAccount)
 {
     store.putMask(L"*.b", jane);

@@ -74,6 +74,17 @@ protected:
         EXPECT_EQ(script.run([&] { return editor.open(nullptr); }), 0);
     }
 
+    /// The rows of the editor that is open, -1 when none is.
+    int shownRows() const
+    {
+        for (HWND dialog : DialogScript::dialogs()) {
+            if (windowText(dialog) == editor.caption) {
+                return ListInDialog(dialog, editor.listId).rowCount();
+            }
+        }
+        return -1;
+    }
+
     static std::vector<std::string> crashLines(const PolicyStore& store)
     {
         std::vector<std::string> lines = store.recording.lines();
@@ -132,6 +143,37 @@ TEST_P(ListEditorFaultTest, SurvivesADebugChannelThatFaultsToo)
     store.recording.raise("ODS", Fault::AccessViolation);
     visit(store);
     EXPECT_THAT(crashLines(store), ElementsAre(editor.crashLine));
+}
+
+TEST_P(ListEditorFaultTest, TheListFollowsTheStoreExceptInARemoval)
+{
+    // Where a call fails, this is what is left to be seen.
+    PolicyStore store;
+    std::vector<std::string> seen;
+    const auto watch = [&](const char* what, auto& answer) {
+        answer = [this, &seen, what, call = answer](auto... arguments) {
+            seen.push_back(what + std::to_string(shownRows()));
+            return call(arguments...);
+        };
+    };
+    StoreAnswers& answer = store.recording.answer;
+    watch("add ", answer.addToNotifications);
+    watch("add ", answer.addToExcludes);
+    watch("add ", answer.addToExcludeExts);
+    watch("add ", answer.addToMgrAccounts);
+    watch("add ", answer.addToBackupTools);
+    watch("update ", answer.updateNotifications);
+    watch("update ", answer.updateExcludes);
+    watch("update ", answer.updateExcludeExts);
+    watch("update ", answer.updateMgrAccounts);
+    watch("update ", answer.updateBackupTools);
+    watch("remove ", answer.removeNotifications);
+    watch("remove ", answer.removeExcludes);
+    watch("remove ", answer.removeExcludeExts);
+    watch("remove ", answer.removeMgrAccounts);
+    watch("remove ", answer.removeBackupTools);
+    visit(store);
+    EXPECT_THAT(seen, ElementsAre("add 2", "update 3", "remove 2"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Editors, ListEditorFaultTest, testing::ValuesIn(kEditors),

@@ -117,6 +117,32 @@ TEST_F(NotificationEntryTest, AForWhomThatIsNoneStaysUnlessOneIsChosen)
     EXPECT_STREQ(attribute(1), L"3");
 }
 
+TEST_F(NotificationEntryTest, OfSeveralCheckedForWhomsTheLaterCounts)
+{
+    // Clicks check one alone; another program may do otherwise.
+    const auto check = [this](std::initializer_list<int> values) {
+        edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"}, [values = std::vector(values)](HWND entry) {
+            for (const int value : values) {
+                CheckDlgButton(entry, kForWhom[value], BST_CHECKED);
+            }
+        });
+    };
+    check({0, 1});
+    EXPECT_STREQ(attribute(1), L"1");
+    check({1, 2});
+    EXPECT_STREQ(attribute(1), L"2");
+    check({1, 2, 3});
+    EXPECT_STREQ(attribute(1), L"3");
+}
+
+TEST_F(NotificationEntryTest, AnEmptyForWhomIsAnyone)
+{
+    edit({kNotSet, L"", L"", kNotSet, kNotSet, L"0"}, [](HWND entry) {
+        EXPECT_EQ(checkedOf(entry, kForWhom), 1022);
+        EXPECT_EQ(checkedOf(entry, kRates), 1036);
+    });
+}
+
 TEST_F(NotificationEntryTest, AMissingForWhomIsAnyone)
 {
     edit({kNotSet, kNotSet, kNotSet, kNotSet, kNotSet, kNotSet}, [](HWND entry) {

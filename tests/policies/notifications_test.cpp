@@ -1,6 +1,7 @@
 // The Notifications dialog: cells, the store calls of each action, indexes.
 #include "corvane.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/support/import_patch.h"
 
 #include <gmock/gmock.h>
 
@@ -203,6 +204,51 @@ TEST_F(NotificationsTest, ACancelledEntryChangesNothing)
         .press(IDCANCEL);
     visit.run(editNotifications);
     EXPECT_THAT(store.recording.calls(), ElementsAre("freeNotifications"));
+}
+
+TEST_F(NotificationsTest, AnEntryDialogThatCannotBeShownIsACancelledOne)
+{
+    static HRSRC(WINAPI * find)(HMODULE, LPCWSTR, LPCWSTR) = nullptr;
+    const auto allButTheEntry = [](HMODULE module, LPCWSTR name, LPCWSTR kind) {
+        return name == MAKEINTRESOURCEW(153) ? nullptr : find(module, name, kind);
+    };
+    const ImportPatch resources(ImportPatch::corvane(), "FindResourceW",
+                                static_cast<HRSRC(WINAPI*)(HMODULE, LPCWSTR, LPCWSTR)>(allButTheEntry));
+    find = resources.original<HRSRC WINAPI(HMODULE, LPCWSTR, LPCWSTR)>();
+    store.putNotification(L"a", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
+    visit
+        .list([this](HWND dialog, const ListInDialog& list) {
+            list.selectOnly(0);
+            store.recording.takeCalls();
+            click(dialog, ids::kAdd);
+            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+            click(dialog, ids::kEdit);
+            EXPECT_THAT(store.recording.takeCalls(),
+                        testing::Not(testing::Contains(testing::HasSubstr("set"))));
+            EXPECT_THAT(list.rows(), ElementsAre("a|Anyone|1day(s)|IUSR_VANTREL|0 "));
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editNotifications), 0);
+    EXPECT_THAT(store.recording.lines(), IsEmpty());
+}
+
+TEST_F(NotificationsTest, SortsByTheColumnThatIsClicked)
+{
+    store.putNotification(L"1", {kNotSet, L"0", L"0", L"b", kNotSet, L"0"});
+    store.putNotification(L"2", {kNotSet, L"0", L"0", L"c", kNotSet, L"0"});
+    store.putNotification(L"3", {kNotSet, L"0", L"0", L"a", kNotSet, L"0"});
+    visit
+        .list([](HWND, const ListInDialog& list) {
+            constexpr int kRunAsColumn = 3;
+            // The order that a list was sorted in last is the process's: the first click may give either.
+            list.clickColumn(kRunAsColumn);
+            const std::vector<LPARAM> first = list.allData();
+            list.clickColumn(kRunAsColumn);
+            EXPECT_THAT((std::vector{first, list.allData()}),
+                        testing::UnorderedElementsAre(ElementsAre(2, 0, 1), ElementsAre(1, 0, 2)));
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editNotifications), 0);
 }
 
 TEST_F(NotificationsTest, KeepsIndexesThroughRemovals)

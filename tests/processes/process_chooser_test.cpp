@@ -209,6 +209,69 @@ TEST_F(ProcessChooserTest, KeepsTheBackslashOfAFullPath)
     EXPECT_EQ(chosen(script), "\\backup.exe");
 }
 
+TEST_F(ProcessChooserTest, ABackupToolIsTheNameAfterTheBackslash)
+{
+    static std::vector<void*> released;
+    released.clear();
+    static wchar_t* copy = nullptr;
+    const ImportPatch copies(
+        ImportPatch::corvane(), "_wcsdup", +[](const wchar_t* text) { return copy = _wcsdup(text); });
+    const ImportPatch releases(
+        ImportPatch::corvane(), "free", +[](void* block) {
+            released.push_back(block);
+            std::free(block);
+        });
+    ASSERT_EQ(copies.count(), 1);
+    ASSERT_EQ(releases.count(), 1);
+    processes = {L"C:\\Tools\\backup.exe"};
+    wchar_t* chosenName = nullptr;
+    DialogScript script;
+    script
+        .onDialog("browse the running processes",
+                  [](HWND entry) {
+                      constexpr int kBrowseRunning = 4;
+                      clickLater(entry, kBrowseRunning);
+                  })
+        .onDialog("choose",
+                  [](HWND dialog) {
+                      EXPECT_THAT(rowsOf(dialog), ElementsAre("\\backup.exe 0"));
+                      selectRow(dialog, 0);
+                      clickLater(dialog, IDOK);
+                  })
+        .onDialog("look and press OK", [&](HWND entry) {
+            constexpr int kName = 1012;
+            EXPECT_EQ(controlText(entry, kName), "backup.exe");
+            chosenName = copy;
+            EXPECT_STREQ(chosenName, L"\\backup.exe");
+            clickLater(entry, IDOK);
+        });
+    const intptr_t entered = script.run([] { return editBackupToolListEntry(nullptr, nullptr); });
+    const std::unique_ptr<wchar_t, Free> tool(reinterpret_cast<wchar_t*>(entered));
+    EXPECT_STREQ(tool.get(), L"backup.exe");
+    // What the chooser gave is kept.
+    EXPECT_THAT(released, testing::Not(Contains(static_cast<void*>(chosenName))));
+    std::free(chosenName);
+}
+
+TEST_F(ProcessChooserTest, AProcessWithoutANameHasARow)
+{
+    processes = {L"a.exe", L"b.exe"};
+    const auto nameless = [](HANDLE snapshot, PROCESSENTRY32W* entry) -> BOOL {
+        const BOOL found = nextEntry(snapshot, entry);
+        entry->dwSize = offsetof(PROCESSENTRY32W, szExeFile);
+        return found;
+    };
+    functions.put("Process32FirstW", static_cast<BOOL(WINAPI*)(HANDLE, PROCESSENTRY32W*)>(nameless));
+    DialogScript script;
+    script.onDialog("choose it", [](HWND dialog) {
+        EXPECT_THAT(rowsOf(dialog), ElementsAre(" 0", "b.exe 1"));
+        selectRow(dialog, 0);
+        clickLater(dialog, IDOK);
+    });
+    EXPECT_EQ(chosen(script), "");
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
 TEST_F(ProcessChooserTest, CutsANameTo259Characters)
 {
     processes = {std::wstring(300, L'n')}; // 260 fit into an entry

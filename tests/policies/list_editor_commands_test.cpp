@@ -1,0 +1,111 @@
+// Commands that a person does not give by a click: by other ids, with other notifications, on several rows at once.
+#include "tests/policies/editor_case.h"
+#include "tests/policies/editor_visit.h"
+
+#include <gmock/gmock.h>
+
+using testing::IsEmpty;
+
+namespace {
+
+class ListEditorCommandsTest : public testing::TestWithParam<EditorCase> {
+protected:
+    ListEditorCommandsTest()
+    {
+        for (const wchar_t* text : {L"aa", L"bb", L"cc", L"dd"}) {
+            editor.put(store, text);
+        }
+    }
+
+    const EditorCase& editor = GetParam();
+    PolicyStore store;
+    EditorVisit visit{store, editor.listId};
+};
+
+/// What the dialog's own procedure answers; the window gives another result.
+INT_PTR answerOf(HWND dialog, UINT message, WPARAM wParam = 0)
+{
+    const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrW(dialog, DWLP_DLGPROC));
+    return procedure(dialog, message, wParam, 0);
+}
+
+void sendStrangeCommands(HWND dialog)
+{
+    for (const int id : {0, 7, 1011, 1015, 9999}) {
+        EXPECT_EQ(answerOf(dialog, WM_COMMAND, static_cast<WPARAM>(id)), TRUE) << id;
+    }
+}
+
+} // namespace
+
+TEST_P(ListEditorCommandsTest, OtherIdsDoNothing)
+{
+    visit
+        .list([this](HWND dialog, const ListInDialog& list) {
+            list.selectOnly(1);
+            store.recording.takeCalls();
+            sendStrangeCommands(dialog);
+            EXPECT_EQ(answerOf(dialog, WM_DESTROY), TRUE);
+            EXPECT_EQ(answerOf(dialog, WM_SIZE), FALSE);
+            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+            EXPECT_EQ(list.rowCount(), 4);
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+TEST_P(ListEditorCommandsTest, TheIdCountsWhateverTheNotification)
+{
+    visit.list([this](HWND dialog, const ListInDialog& list) {
+        list.selectOnly(1);
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(ids::kRemove, 5), 0);
+        EXPECT_EQ(list.rowCount(), 3);
+        store.recording.takeCalls();
+        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 5), 0);
+    });
+    EXPECT_EQ(visit.run(editor.open), 0);
+    EXPECT_EQ(store.recording.calls(), editor.storing);
+}
+
+TEST_P(ListEditorCommandsTest, EditsTheFirstOfSeveralSelectedRows)
+{
+    const int index = editor.sorted ? 1 : 2;
+    visit
+        .list([this](HWND dialog, const ListInDialog& list) {
+            list.select(-1, false);
+            list.select(3);
+            list.select(1);
+            store.recording.takeCalls();
+            PostMessageW(dialog, WM_COMMAND, ids::kEdit, 0);
+        })
+        .press(IDCANCEL)
+        .list([this, index](HWND, const ListInDialog&) {
+            const std::vector<std::string> calls = store.recording.takeCalls();
+            ASSERT_THAT(calls, testing::Not(IsEmpty()));
+            EXPECT_THAT(calls.front(), testing::EndsWith(" " + std::to_string(index)));
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+TEST_P(ListEditorCommandsTest, OtherIdsDoNothingInTheEntryDialog)
+{
+    if (!editor.hasEditButton) {
+        return; // it has the account chooser for an entry dialog
+    }
+    visit.add();
+    visit.script.onDialog("in the entry dialog", [this](HWND entry) {
+        ASSERT_NE(GetDlgItem(entry, ids::kText), nullptr);
+        type(entry, ids::kText, L"typed");
+        store.recording.takeCalls();
+        sendStrangeCommands(entry);
+        EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+        EXPECT_EQ(controlText(entry, ids::kText), "typed");
+        clickLater(entry, IDCANCEL);
+    });
+    visit.press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Editors, ListEditorCommandsTest, testing::ValuesIn(kEditors),
+                         [](const auto& tested) { return tested.param.name; });

@@ -104,6 +104,19 @@ TEST_F(NotificationEntryTest, ChoosingForWhomEnablesTheAccountAndIsStored)
     }
 }
 
+TEST_F(NotificationEntryTest, LeavingTheAccountDisablesItsEditAndKeepsItsText)
+{
+    for (int value = 0; value < 4; ++value) {
+        edit({L"jane", L"1", L"0", kNotSet, kNotSet, L"0"}, [value](HWND entry) {
+            EXPECT_TRUE(isEnabled(entry, kAccount));
+            click(entry, kForWhom[value]);
+            EXPECT_EQ(isEnabled(entry, kAccount), value == 1);
+        });
+        EXPECT_EQ(std::wstring(attribute(1)), std::to_wstring(value));
+        EXPECT_STREQ(attribute(0), L"jane");
+    }
+}
+
 TEST_F(NotificationEntryTest, AForWhomThatIsNoneStaysUnlessOneIsChosen)
 {
     for (const wchar_t* stored : {L"4", L"-1", L"-1k"}) {

@@ -43,6 +43,28 @@ protected:
     uint32_t edited = 0;
 };
 
+/// Whether a text stands in the writable data of the library.
+bool corvaneHolds(std::wstring_view text)
+{
+    const auto* const module = reinterpret_cast<const BYTE*>(ImportPatch::corvane());
+    MEMORY_BASIC_INFORMATION region{};
+    bool found = false;
+    size_t searched = 0;
+    for (const BYTE* at = module;
+         VirtualQuery(at, &region, sizeof region) != 0 && region.AllocationBase == module;
+         at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize)
+    {
+        if (region.State == MEM_COMMIT && (region.Protect & (PAGE_READWRITE | PAGE_WRITECOPY)) != 0) {
+            const std::wstring_view data(static_cast<const wchar_t*>(region.BaseAddress),
+                                         region.RegionSize / sizeof(wchar_t));
+            searched += data.size();
+            found = found || data.find(text) != std::wstring_view::npos;
+        }
+    }
+    EXPECT_GT(searched, 0u);
+    return found;
+}
+
 /// The one checked button of a group, 0 for none.
 template <size_t N>
 int checkedOf(HWND dialog, const int (&buttons)[N])
@@ -235,6 +257,14 @@ TEST_F(NotificationEntryTest, ThePasswordIsHiddenAndKept)
     edit({kNotSet, L"0", L"0", L"runner", L"p\u00e4ss \u4e16", L"0"},
          [](HWND entry) { EXPECT_NE(SendDlgItemMessageW(entry, kPassword, EM_GETPASSWORDCHAR, 0, 0), 0); });
     EXPECT_STREQ(attribute(4), L"p\u00e4ss \u4e16");
+}
+
+TEST_F(NotificationEntryTest, ThePasswordDoesNotStayInTheLibrarysBuffer)
+{
+    const wchar_t password[] = L"a very rare password";
+    edit({kNotSet, L"0", L"0", L"runner", password, L"0"}, [](HWND) {});
+    EXPECT_STREQ(attribute(4), password);
+    EXPECT_FALSE(corvaneHolds(password));
 }
 
 TEST_F(NotificationEntryTest, NoAccountIsProposedToRunAs)

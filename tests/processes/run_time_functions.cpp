@@ -38,7 +38,9 @@ HMODULE WINAPI load(const wchar_t* name)
 BOOL WINAPI release(HMODULE module)
 {
     held->libraries--;
-    return realFreeLibrary(module);
+    const BOOL released = realFreeLibrary(module);
+    SetLastError(ERROR_MOD_NOT_FOUND); // as the platform may
+    return released;
 }
 
 void* WINAPI allocate(HANDLE heap, DWORD flags, SIZE_T bytes)
@@ -58,7 +60,9 @@ void* WINAPI allocate(HANDLE heap, DWORD flags, SIZE_T bytes)
 BOOL WINAPI freeBlock(HANDLE heap, DWORD flags, void* block)
 {
     held->heapBlocks -= static_cast<int>(blocks.erase(block));
-    return realHeapFree(heap, flags, block);
+    const BOOL freed = realHeapFree(heap, flags, block);
+    SetLastError(ERROR_INVALID_PARAMETER); // as the platform may
+    return freed;
 }
 
 BOOL WINAPI closeHandle(HANDLE handle)

@@ -274,6 +274,19 @@ TEST_F(DirTreeTest, ListsTwiceAndShowsOnce)
     EXPECT_THAT(host.takeMessages(), ElementsAre("redraw 0", "redraw 1"));
 }
 
+TEST_F(DirTreeTest, DrawsOnceAlsoAfterAPathWasSelected)
+{
+    disk.addDrive(L"C:\\");
+    disk.setFolder(L"C:\\", {file(L"a.txt"), file(L"b.txt")});
+    ASSERT_TRUE(tree.display(nullptr, true));
+    for (const wchar_t* path : {L"C:\\", L"C:\\gone"}) {
+        tree.setSelectedPath(path);
+        host.takeMessages();
+        openDrive(L"C:");
+        EXPECT_THAT(host.takeMessages(), ElementsAre("redraw 0", "redraw 1")) << utf8(path);
+    }
+}
+
 TEST_F(DirTreeTest, ClosingThrowsTheContentsAway)
 {
     disk.addDrive(L"C:\\");

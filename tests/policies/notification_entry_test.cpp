@@ -264,7 +264,7 @@ TEST_F(NotificationEntryTest, ThePasswordDoesNotStayInTheLibrarysBuffer)
     const wchar_t password[] = L"a very rare password";
     edit({kNotSet, L"0", L"0", L"runner", password, L"0"}, [](HWND) {});
     EXPECT_STREQ(attribute(4), password);
-    EXPECT_FALSE(corvaneHolds(password));
+    EXPECT_FALSE(corvaneHolds(password + 7)); // its beginning gives way to the next field's text anyhow
 }
 
 TEST_F(NotificationEntryTest, NoAccountIsProposedToRunAs)

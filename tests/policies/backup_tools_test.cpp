@@ -63,16 +63,19 @@ int selectRowWith(HWND list, const wchar_t* text)
     return row;
 }
 
-// A heap above 4 GiB, for the strings that the library makes.
+// A heap at another place, for the strings that the library makes.
 namespace high_heap {
 
 constexpr size_t kSize = 0x10000;
+constexpr UINT_PTR kAboveFourGiB = 0x2'1234'0000;
+constexpr UINT_PTR kUpperHalfBelowFourGiB = 0x8123'0000;
+UINT_PTR place = kAboveFourGiB;
 void* block = nullptr;
 int released = 0;
 
 wchar_t* __cdecl duplicate(const wchar_t* text)
 {
-    for (UINT_PTR wanted = UINT_PTR{0x2'1234'0000}; block == nullptr; wanted += 0x1000'0000) {
+    for (UINT_PTR wanted = place; block == nullptr; wanted += 0x1000'0000) {
         block =
             VirtualAlloc(reinterpret_cast<void*>(wanted), kSize, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
     }
@@ -88,7 +91,23 @@ void __cdecl release(void* given)
     }
 }
 
+void giveBack()
+{
+    VirtualFree(block, 0, MEM_RELEASE);
+    block = nullptr;
+    place = kAboveFourGiB;
+}
+
 } // namespace high_heap
+
+INT_PTR endCode = 0;
+BOOL(WINAPI* reallyEnd)(HWND, INT_PTR) = nullptr;
+
+BOOL WINAPI noteEnd(HWND dialog, INT_PTR code)
+{
+    endCode = code;
+    return reallyEnd(dialog, code);
+}
 
 } // namespace
 
@@ -341,6 +360,25 @@ TEST_F(BackupToolEntryTest, AFaultLeavesItOpen)
     std::free(reinterpret_cast<void*>(result));
 }
 
+TEST_F(BackupToolEntryTest, AnAddressThatLooksNegativeIsExtendedWithZeros)
+{
+    high_heap::place = high_heap::kUpperHalfBelowFourGiB;
+    const ImportPatch duplicates(ImportPatch::corvane(), "_wcsdup", high_heap::duplicate);
+    const ImportPatch releases(ImportPatch::corvane(), "free", high_heap::release);
+    const ImportPatch ends(ImportPatch::corvane(), "EndDialog", noteEnd);
+    reallyEnd = ends.original<BOOL WINAPI(HWND, INT_PTR)>();
+    high_heap::released = 0;
+    enter(L"C:\\Tools\\bk.exe");
+    const intptr_t result = open(nullptr);
+    EXPECT_GT(result, 0x7FFFFFFF);
+    EXPECT_LE(result, 0xFFFFFFFF);
+    EXPECT_EQ(textAt(result), high_heap::block);
+    EXPECT_STREQ(textAt(result), L"bk.exe");
+    EXPECT_EQ(endCode, result);
+    EXPECT_EQ(high_heap::released, 0);
+    high_heap::giveBack();
+}
+
 TEST_F(BackupToolEntryTest, StaysBelowFourGiBWhereTheHeapDoesNot)
 {
     const ImportPatch duplicates(ImportPatch::corvane(), "_wcsdup", high_heap::duplicate);
@@ -360,8 +398,7 @@ TEST_F(BackupToolEntryTest, StaysBelowFourGiBWhereTheHeapDoesNot)
     VirtualQuery(textAt(result), &region, sizeof region);
     EXPECT_EQ(region.AllocationBase, textAt(result));
     EXPECT_TRUE(VirtualFree(reinterpret_cast<void*>(result), 0, MEM_RELEASE));
-    VirtualFree(high_heap::block, 0, MEM_RELEASE);
-    high_heap::block = nullptr;
+    high_heap::giveBack();
 }
 
 TEST_F(BackupToolsTest, HandsHeapBlocksToTheStoreWhereverTheHeapIs)
@@ -383,6 +420,5 @@ TEST_F(BackupToolsTest, HandsHeapBlocksToTheStoreWhereverTheHeapIs)
         .press(IDCANCEL);
     visit.run(editBackupTools);
     EXPECT_EQ(handed, high_heap::block);
-    VirtualFree(high_heap::block, 0, MEM_RELEASE);
-    high_heap::block = nullptr;
+    high_heap::giveBack();
 }

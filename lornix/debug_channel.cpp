@@ -175,7 +175,7 @@ void ODS(const char* format, ...)
     if (format == nullptr) {
         return;
     }
-    va_list arguments;
+    va_list arguments{};
     va_start(arguments, format);
     try {
         const std::wstring line = lornix::formatLine(format, arguments);

@@ -24,7 +24,7 @@ Value valueOf(const char* slot)
     Slot bits = 0;
     std::memcpy(&bits, slot, sizeof bits);
     Value value{};
-    std::memcpy(&value, &bits, sizeof value);
+    std::memcpy(static_cast<void*>(&value), &bits, sizeof value);
     return value;
 }
 

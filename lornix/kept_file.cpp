@@ -95,22 +95,22 @@ bool replaceWith(const KeptFile& file, std::string_view text, Patience& patience
     return error == ERROR_SUCCESS;
 }
 
-bool openForChange(const DataFolder& data, std::optional<StoreLock>& lock, const std::wstring& doing)
+std::unique_ptr<const StoreLock> openForChange(const DataFolder& data, const std::wstring& doing)
 {
     if (!data.isKnown()) {
-        return false;
+        return nullptr;
     }
     if (const DWORD error = data.make(); error != ERROR_SUCCESS) {
         report(doing + L": the data folder " + quoted(data.root()) + L" cannot be made: " + reasonOf(error));
-        return false;
+        return nullptr;
     }
-    lock.emplace(data);
+    auto lock = std::make_unique<const StoreLock>(data);
     if (lock->error() != ERROR_SUCCESS) {
         report(doing + L": the data folder " + quoted(data.root()) +
                L" cannot be locked against other processes: " + reasonOf(lock->error()));
-        return false;
+        return nullptr;
     }
-    return true;
+    return lock;
 }
 
 namespace kept_file_detail {

@@ -6,6 +6,7 @@
 #include "lornix/text_file.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,10 +31,9 @@ enum class Reading : std::uint8_t {
 bool replaceWith(const KeptFile& file, std::string_view text, Patience& patience);
 
 /// Makes the data folder and locks it.
-/// @param lock   receives the lock.
 /// @param doing  what cannot be done without, for the report: "The rules cannot be stored".
-/// @return false with a report.
-bool openForChange(const DataFolder& data, std::optional<StoreLock>& lock, const std::wstring& doing);
+/// @return the lock, held as long as it lives; null with a report.
+std::unique_ptr<const StoreLock> openForChange(const DataFolder& data, const std::wstring& doing);
 
 /// Reads a file as it is.
 Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience);

@@ -75,13 +75,13 @@ bool storeFolders(const PathList* list)
         }
     }
     const DataFolder data = DataFolder::current();
-    std::optional<StoreLock> lock;
-    if (!openForChange(data, lock, L"The known folders cannot be stored")) {
+    const auto lock = openForChange(data, L"The known folders cannot be stored");
+    if (!lock) {
         return false;
     }
     const KeptFile file = knownFoldersFile(data);
     Patience patience;
-    const auto before = readFolders(file, &*lock, patience); // sets aside what is damaged
+    const auto before = readFolders(file, lock.get(), patience); // sets aside what is damaged
     if (!before) {
         return false;
     }

@@ -193,13 +193,13 @@ bool PolicyList::toRecords(std::vector<PolicyRecord>& records)
 
 bool PolicyList::write(const KeptFile& file, const std::string& text) const
 {
-    std::optional<StoreLock> lock;
-    if (!openForChange(file.folder, lock, file.title + L" cannot be stored") || !lock) {
+    const auto lock = openForChange(file.folder, file.title + L" cannot be stored");
+    if (!lock) {
         return false;
     }
     Patience patience;
     // What is damaged is set aside first.
-    return read(file, &*lock).has_value() && replaceWith(file, text, patience);
+    return read(file, lock.get()).has_value() && replaceWith(file, text, patience);
 }
 
 bool PolicyList::store()

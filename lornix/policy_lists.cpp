@@ -83,10 +83,9 @@ bool writeActiveExceptions(const std::wstring& fileName)
         }
     }
     const KeptFile file{data, data.root() + L'\\' + fileName, L"The file with the active exceptions"};
-    std::optional<StoreLock> lock;
+    const auto lock = openForChange(data, file.title + L" cannot be stored");
     Patience patience;
-    return openForChange(data, lock, file.title + L" cannot be stored") &&
-           replaceWith(file, writer.finish(), patience);
+    return lock && replaceWith(file, writer.finish(), patience);
 }
 
 } // namespace lornix

@@ -303,8 +303,8 @@ bool Storing::commit(const DataFolder& data, const StoreLock& lock)
 
 bool Storing::store(const DataFolder& data)
 {
-    std::optional<StoreLock> lock;
-    if (!openForChange(data, lock, L"Nothing was stored")) {
+    const auto lock = openForChange(data, L"Nothing was stored");
+    if (!lock) {
         return false;
     }
     if (!prepare(data, *lock)) {

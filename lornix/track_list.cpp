@@ -37,14 +37,14 @@ bool track(const QuotaRule& rule)
         return false;
     }
     const DataFolder data = DataFolder::current();
-    std::optional<StoreLock> lock;
-    if (!openForChange(data, lock, kCannot)) {
+    const auto lock = openForChange(data, kCannot);
+    if (!lock) {
         return false;
     }
     const KeptFile file{data, data.trackedRulesFile(), L"The file with the tracked rules"};
     Patience patience;
     auto content =
-        readKept<TrackedRules>(file, &*lock, patience, readTrackedRules,
+        readKept<TrackedRules>(file, lock.get(), patience, readTrackedRules,
                                [](const TrackedRules& tracked) { return writeTrackedRules(tracked.rules); });
     if (!content) {
         return false;

@@ -137,13 +137,15 @@ TEST_F(SettingsOpenTest, ChecksAllFilesForAnyoneThoughMeasuredBefore)
 
 TEST_F(SettingsOpenTest, TakesANegativeSizeAsZero)
 {
-    folderHolds(store, -12345);
-    QuotaRule* const rule = newRule();
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kObjectSize), "0 ");
-        EXPECT_EQ(controlText(dialog, kInUse), "0 ");
-    });
-    EXPECT_EQ(rule->inUse, 0);
+    for (const int64_t size : {-1, -12345}) {
+        folderHolds(store, size);
+        QuotaRule* const rule = newRule();
+        whileOpen(rule, kAdd, [](HWND dialog) {
+            EXPECT_EQ(controlText(dialog, kObjectSize), "0 ");
+            EXPECT_EQ(controlText(dialog, kInUse), "0 ");
+        });
+        EXPECT_EQ(rule->inUse, 0);
+    }
 }
 
 TEST_F(SettingsOpenTest, KeepsANegativeSizeByOwner)

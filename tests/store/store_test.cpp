@@ -152,9 +152,10 @@ testing::AssertionResult reported(const std::wstring& part)
 void StoreTest::SetUp()
 {
     const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-    root_ = std::filesystem::current_path() / "scratch" /
-            (std::string(info->test_suite_name()) + "." + info->name() + "." +
-             std::to_string(GetCurrentProcessId()));
+    std::string name = std::string(info->test_suite_name()) + "." + info->name() + "." +
+                       std::to_string(GetCurrentProcessId());
+    std::replace(name.begin(), name.end(), '/', '.'); // of a test with a parameter
+    root_ = std::filesystem::current_path() / "scratch" / name;
     EXPECT_TRUE(removeTree(root_.wstring()));
     std::filesystem::create_directories(root_);
     ASSERT_EQ(lornixSetDataFolder(data().c_str()), 1) << testing::PrintToString(lornixLastError());

@@ -1,0 +1,57 @@
+// What the settings dialog has from the chooser: the servers that the last enumeration asked.
+#include "tests/chooser/chooser_fixture.h"
+#include "tests/dialogs/quota_settings.h"
+
+#include <gmock/gmock.h>
+
+#include <cwchar>
+
+using testing::ElementsAre;
+
+namespace {
+
+class GroupMembersTest : public ChooserFixture {
+protected:
+    void enumerate()
+    {
+        searchServer();
+        script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+        EXPECT_EQ(choose(), nullptr);
+        threads.waitForAll();
+        store.takeCalls();
+    }
+
+    /// Opens the settings of a new rule for a group. @return what the store was asked about its members.
+    std::vector<std::string> questions()
+    {
+        quota_settings::whileOpen(quota_settings::newRule(store.account("DOM\\staff")), quota_settings::kAdd,
+                                  [](HWND) {});
+        std::vector<std::string> asked;
+        for (const std::string& call : store.calls()) {
+            if (call.starts_with("enumerateGroupUsers")) {
+                asked.push_back(call);
+            }
+        }
+        return asked;
+    }
+};
+
+} // namespace
+
+TEST_F(GroupMembersTest, AreAskedOfTheServersOfTheLastEnumerationInTheirOrder)
+{
+    store.answer.getDomainServerByName = [](const wchar_t*) {
+        return _wcsdup(L"SECOND");
+    };
+    enumerate();
+    EXPECT_THAT(questions(), ElementsAre("enumerateGroupUsers null DOM\\staff null",
+                                         "enumerateGroupUsers SERVER DOM\\staff null",
+                                         "enumerateGroupUsers SECOND DOM\\staff null"));
+}
+
+TEST_F(GroupMembersTest, AServerThatWasNotThereIsNotAsked)
+{
+    enumerate();
+    EXPECT_THAT(questions(), ElementsAre("enumerateGroupUsers null DOM\\staff null",
+                                         "enumerateGroupUsers SERVER DOM\\staff null"));
+}

@@ -1,7 +1,11 @@
-// Comparing texts without regard to case, as the C runtime does.
+// Comparing texts without regard to case: as the C runtime does, and as the file system does.
 #pragma once
 
 #include <wchar.h>
+
+#ifdef _WIN32
+#include "frame/platform.h"
+#endif
 
 /// @return less than, equal to or greater than 0, in the runtime's own order: by lower-case characters.
 inline int compareIgnoringCase(const wchar_t* a, const wchar_t* b)
@@ -10,6 +14,17 @@ inline int compareIgnoringCase(const wchar_t* a, const wchar_t* b)
     return _wcsicmp(a, b);
 #else
     return wcscasecmp(a, b);
+#endif
+}
+
+/// Whether two names mean the same file: in all alphabets, where the runtime without a locale knows the letters of
+/// English alone.
+inline bool sameFileName(const wchar_t* a, const wchar_t* b)
+{
+#ifdef _WIN32
+    return CompareStringOrdinal(a, -1, b, -1, TRUE) == CSTR_EQUAL;
+#else
+    return wcscasecmp(a, b) == 0;
 #endif
 }
 

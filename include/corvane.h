@@ -75,7 +75,7 @@ CORVANE_API void initializeListCtrl2(CListCtrl* list, const PathList* paths);
  * The rules come from the store, folder by folder; each new row is put on top. A rule that equals one already
  * shown (limits, path letter by letter, account) is not added again. An account without a name shows its
  * textual SID. Afterwards the records of all rows form one chain in row order.
- * @param paths  folders, in order; not null. Note that this argument comes first.
+ * @param paths  folders, in order; null is none. Note that this argument comes first.
  * @param list   prepared list view. The records of the store become the rows' item data and pass to the list.
  */
 CORVANE_API void fillUpListCtrl2(const PathList* paths, CListCtrl* list);
@@ -89,7 +89,7 @@ CORVANE_API void fillUpListCtrl2(const PathList* paths, CListCtrl* list);
  * the compared records.
  * @param list   prepared list view.
  * @param sid    account; null or CORVANE_ANYONE for anyone. Copied.
- * @param paths  folders, in order; null does nothing. The strings may be rewritten, see above.
+ * @param paths  folders, in order; null is none. The strings may be rewritten, see above.
  * @return non-zero; 0 when the dialog was cancelled, or could not be shown, for any of the folders.
  */
 CORVANE_API unsigned char addToListCtrl2(CListCtrl* list, void* sid, const PathList* paths);
@@ -141,7 +141,8 @@ CORVANE_API void initializeListCtrl(HWND dialog, int listId, const PathList* pat
 /** See fillUpListCtrl2. Note that the folders come first. */
 CORVANE_API void fillUpListCtrl(const PathList* paths, HWND dialog, int listId);
 
-/** See addToListCtrl2. When that gives non-zero, the folders are also added to the store's known folders. */
+/** See addToListCtrl2. When that gives non-zero, the folders are also added to the store's
+ * known folders, which are stored. */
 CORVANE_API unsigned char addToListCtrl(HWND dialog, int listId, void* sid, const PathList* paths);
 
 /** See editFromListCtrl2. */

@@ -1,5 +1,6 @@
 #include "lornix/data_folder.h"
 
+#include "lornix/environment.h"
 #include "lornix/folder_key.h"
 #include "lornix/last_error.h"
 #include "lornix/lornix_host.h"
@@ -29,8 +30,7 @@ std::wstring withoutSlashAtEnd(std::wstring path)
 
 std::wstring fromEnvironment()
 {
-    std::wstring value(GetEnvironmentVariableW(kVariable, nullptr, 0), L'\0');
-    value.resize(GetEnvironmentVariableW(kVariable, value.data(), static_cast<DWORD>(value.size())));
+    const std::wstring value = environmentValue(kVariable);
     if (value.empty()) {
         return {};
     }

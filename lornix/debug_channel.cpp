@@ -1,5 +1,6 @@
 // The debug channel: the debugger, and where the environment variable LORNIX_LOG says.
 #include "lornix/debug_line.h"
+#include "lornix/environment.h"
 #include "lornix/escaped_text.h"
 #include "lornix/file.h"
 #include "lornix/sid.h"
@@ -18,18 +19,6 @@ constexpr const wchar_t* kVariable = L"LORNIX_LOG";
 constexpr std::size_t kBlock = 4000; // what a monitor of debug output takes at once, less its header
 
 std::mutex guard; // lines of several threads do not mix
-
-std::wstring logName()
-{
-    std::wstring name(MAX_PATH, L'\0');
-    DWORD length = GetEnvironmentVariableW(kVariable, name.data(), static_cast<DWORD>(name.size()));
-    if (length > name.size()) {
-        name.resize(length);
-        length = GetEnvironmentVariableW(kVariable, name.data(), length);
-    }
-    name.resize(length < name.size() ? length : 0);
-    return name;
-}
 
 /// Keeps other processes from writing to a log at the same moment: not every system appends in one step, so that one
 /// line would take the place of another. A process that was killed or stopped meanwhile does not hold the others up.
@@ -61,7 +50,7 @@ class Log {
 public:
     Log()
     {
-        const std::wstring name = logName();
+        const std::wstring name = environmentValue(kVariable);
         if (name == L"-") {
             handle_ = GetStdHandle(STD_ERROR_HANDLE);
         } else if (!name.empty()) {

@@ -2,6 +2,7 @@
 #include "lornix/account_directory.h"
 #include "lornix/accounts.h"
 #include "lornix/data_folder.h"
+#include "lornix/environment.h"
 #include "lornix/last_error.h"
 #include "lornix/sid.h"
 #include "lornix/wide_text.h"
@@ -70,13 +71,6 @@ std::shared_ptr<const AccountDirectory> load(const std::wstring& path, bool isEx
     auto directory = std::make_shared<const AccountDirectory>(bytes);
     tell(path, *directory);
     return directory;
-}
-
-std::wstring environmentValue(const wchar_t* name)
-{
-    std::wstring value(GetEnvironmentVariableW(name, nullptr, 0), L'\0');
-    value.resize(GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size())));
-    return value;
 }
 
 std::u16string serverName(const wchar_t* server)

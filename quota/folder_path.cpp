@@ -14,5 +14,5 @@ bool sameFolder(wchar_t* a, wchar_t* b)
 {
     useForwardSlashes(a);
     useForwardSlashes(b);
-    return compareIgnoringCase(a, b) == 0;
+    return sameFileName(a, b);
 }

@@ -5,13 +5,13 @@
 
 int answerLabelEdit(const CListCtrl& list, const NMLVDISPINFOW& notification)
 {
+    // Hosts forward whatever their list sends: the record behind another code may end with its header.
     const LVITEMW& item = notification.item;
-    const bool softLimit = item.iSubItem == rule_column::kSoftLimit;
     switch (notification.hdr.code) {
     case LVN_BEGINLABELEDITW:
-        return softLimit ? 0 : 1;
+        return item.iSubItem == rule_column::kSoftLimit ? 0 : 1;
     case LVN_ENDLABELEDITW: {
-        if (!softLimit || item.pszText == nullptr) {
+        if (item.iSubItem != rule_column::kSoftLimit || item.pszText == nullptr) {
             return 0;
         }
         QuotaRule* rule = ruleOfRow(list, item.iItem);

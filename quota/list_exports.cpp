@@ -27,11 +27,11 @@ std::vector<int> idsUntilZero(va_list arguments)
     return ids;
 }
 
-void rememberFolders(const PathList& paths)
+void rememberFolders(const PathList* paths)
 {
     PathList* known = getKnownPaths();
-    for (int i = 0; i < paths.count; ++i) {
-        known = appendToPaths(known, paths.paths[i]);
+    for (int i = 0; paths != nullptr && i < paths->count; ++i) {
+        known = appendToPaths(known, paths->paths[i]);
     }
     storeKnownPaths(known);
     freePathList(known);
@@ -46,7 +46,7 @@ void initializeListCtrl2(CListCtrl* list, const PathList* paths)
 
 void fillUpListCtrl2(const PathList* paths, CListCtrl* list)
 {
-    rule_list::fill(*list, *paths);
+    rule_list::fill(*list, paths);
 }
 
 unsigned char addToListCtrl2(CListCtrl* list, void* sid, const PathList* paths)
@@ -95,7 +95,7 @@ void initializeListCtrl(HWND dialog, int listId, const PathList* paths)
 
 void fillUpListCtrl(const PathList* paths, HWND dialog, int listId)
 {
-    rule_list::fill(DialogList(dialog, listId), *paths);
+    rule_list::fill(DialogList(dialog, listId), paths);
 }
 
 unsigned char addToListCtrl(HWND dialog, int listId, void* sid, const PathList* paths)
@@ -103,9 +103,7 @@ unsigned char addToListCtrl(HWND dialog, int listId, void* sid, const PathList* 
     if (!rule_list::add(DialogList(dialog, listId), accountOrAnyone(sid), paths)) {
         return 0;
     }
-    if (paths != nullptr) {
-        rememberFolders(*paths);
-    }
+    rememberFolders(paths);
     return 1;
 }
 

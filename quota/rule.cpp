@@ -1,16 +1,21 @@
 #include "quota/rule.h"
 
-#include "frame/c_memory.h"
 #include "quota/folder_path.h"
 #include "store/lornix.h"
 
 #include <cwchar>
+#include <utility>
 
-QuotaRule* newRule(const wchar_t* path, const void* sid)
+CBlock<QuotaRule> ruleMemory()
 {
-    CBlock<QuotaRule> rule(static_cast<QuotaRule*>(std::malloc(sizeof(QuotaRule))));
-    CBlock<wchar_t> ownPath(_wcsdup(path));
-    if (!rule || !ownPath) {
+    return CBlock<QuotaRule>(static_cast<QuotaRule*>(std::malloc(sizeof(QuotaRule))));
+}
+
+QuotaRule* newRule(CBlock<QuotaRule> memory, const wchar_t* path, const void* sid)
+{
+    CBlock<QuotaRule> rule = std::move(memory);
+    CBlock<wchar_t> ownPath(rule ? _wcsdup(path) : nullptr);
+    if (!ownPath) {
         return nullptr;
     }
     *rule = QuotaRule{};

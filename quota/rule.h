@@ -2,12 +2,17 @@
 #pragma once
 
 #include "corvane_types.h"
+#include "frame/c_memory.h"
+
+/// Memory for a record, with nothing in it yet; null when memory is short.
+CBlock<QuotaRule> ruleMemory();
 
 /// Makes a record with a copy of the folder and of the account; limits and use are unknown (-1), the links
 /// null.
-/// @param sid  account, null for anyone; copied through the store.
-/// @return a malloc block that passes to the caller, or null when memory is short.
-QuotaRule* newRule(const wchar_t* path, const void* sid);
+/// @param memory  where, from ruleMemory; null gives null.
+/// @param sid     account, null for anyone; copied through the store.
+/// @return the record, a malloc block that passes to the caller; null when memory is short.
+QuotaRule* newRule(CBlock<QuotaRule> memory, const wchar_t* path, const void* sid);
 
 /// Whether two accounts are the same; the store compares them unless the pointers are equal.
 bool sameAccount(const void* a, const void* b);

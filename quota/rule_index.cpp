@@ -44,7 +44,21 @@ bool addAccount(void* sid, std::uint64_t& hash)
 
 void RuleIndex::addOnTop(QuotaRule& rule)
 {
+    addOnTop(hashOf(rule), rule);
+}
+
+bool RuleIndex::addIfNew(QuotaRule& rule)
+{
     const std::uint64_t alike = hashOf(rule);
+    if (contains(alike, rule)) {
+        return false;
+    }
+    addOnTop(alike, rule);
+    return true;
+}
+
+void RuleIndex::addOnTop(std::uint64_t alike, QuotaRule& rule)
+{
     const std::uint32_t count = m_alike.addOnTop(alike, rule);
     const auto addByAccount = [&](QuotaRule& added) {
         std::uint64_t hash = alike;
@@ -60,9 +74,8 @@ void RuleIndex::addOnTop(QuotaRule& rule)
     }
 }
 
-bool RuleIndex::contains(const QuotaRule& rule) const
+bool RuleIndex::contains(std::uint64_t alike, const QuotaRule& rule) const
 {
-    const std::uint64_t alike = hashOf(rule);
     const auto isSame = [&](const QuotaRule& shown) {
         return sameRule(shown, rule);
     };

@@ -4,6 +4,8 @@
 #include "corvane_types.h"
 #include "quota/rule_groups.h"
 
+#include <cstdint>
+
 /// Answers whether a list already shows a rule, as comparing it with every row from the top would, but
 /// without looking at the rows that differ in limits or folder.
 class RuleIndex {
@@ -11,10 +13,14 @@ public:
     /// Adds the record of a row that stands above all rows added before.
     void addOnTop(QuotaRule& rule);
 
-    /// Whether one of the added records is the same rule.
-    bool contains(const QuotaRule& rule) const;
+    /// Adds a record in the same way, unless one of the added records is the same rule.
+    /// @return whether it was added.
+    bool addIfNew(QuotaRule& rule);
 
 private:
+    bool contains(std::uint64_t alike, const QuotaRule& rule) const;
+    void addOnTop(std::uint64_t alike, QuotaRule& rule);
+
     /// Rules alike in limits and folder.
     RuleGroups m_alike;
     /// A group's rule copied to its members makes as many rules alike as the group has members: large groups are

@@ -1,5 +1,6 @@
 #include "quota/rule_list.h"
 
+#include "frame/c_memory.h"
 #include "frame/list_ctrl.h"
 #include "frame/message_box.h"
 #include "frame/narrow_handle.h"
@@ -21,9 +22,13 @@
 
 namespace {
 
-std::span<wchar_t* const> foldersOf(const PathList& paths)
+/// The folders of a list; none for null.
+std::span<wchar_t* const> foldersOf(const PathList* paths)
 {
-    return {paths.paths, static_cast<std::size_t>(paths.count < 0 ? 0 : paths.count)};
+    if (paths == nullptr || paths->count < 0) {
+        return {};
+    }
+    return {paths->paths, static_cast<std::size_t>(paths->count)};
 }
 
 /// Links the records of all rows in row order. @return the first, null for an empty list.
@@ -61,17 +66,17 @@ bool refusedAsUsed(const CListCtrl& list, QuotaRule* chain, const void* sid, wch
 /// Makes the record of a new rule; says so when memory is short. @return null then.
 QuotaRule* makeRule(const CListCtrl& list, const wchar_t* path, const void* sid)
 {
-    QuotaRule* rule = newRule(path, sid);
+    CBlock<QuotaRule> memory = ruleMemory();
+    // Panels run for days: what the heap no longer needs goes back to the system while a person waits anyway.
+    if (memory && _heapchk() == _HEAPOK) {
+        _heapmin();
+    }
+    QuotaRule* rule = newRule(std::move(memory), path, sid);
     if (rule == nullptr) {
         showMessage(list.topChild(),
                     "Not enough resources. Please try to re-run Vantrel Control Panel, and close unnecessary "
                     "programs.",
                     captions::kInformation);
-        return nullptr;
-    }
-    // Panels run for days: what the heap no longer needs goes back to the system while a person waits anyway.
-    if (_heapchk() == _HEAPOK) {
-        _heapmin();
     }
     return rule;
 }
@@ -130,7 +135,7 @@ HWND ownerForEditing(const CListCtrl& list)
 /// One fill of a list: goes through the rules of all folders, in order, and stops at each that is not shown yet.
 class Filling {
 public:
-    Filling(const CListCtrl& list, const PathList& paths)
+    Filling(const CListCtrl& list, const PathList* paths)
         : m_list(list)
         , m_folders(foldersOf(paths))
     {
@@ -138,18 +143,21 @@ public:
         m_rows.reserve(static_cast<std::size_t>(rows));
         for (int row = rows - 1; row >= 0; --row) {
             if (QuotaRule* rule = ruleOfRow(list, row)) {
-                addOnTop(*rule);
+                m_rows.push_back(rule);
+                m_shown.addOnTop(*rule);
             }
         }
     }
 
-    /// @return the next rule that is to be shown; null at the end.
+    /// @return the next rule, which is to be shown on top of the others; null at the end.
     QuotaRule* nextNew()
     {
         for (;;) {
             while (m_rule != nullptr) {
                 QuotaRule* rule = std::exchange(m_rule, m_rule->next);
-                if (!m_shown.contains(*rule)) {
+                // Noted at once: after a row went in, little of this is left in the processor's cache.
+                if (m_shown.addIfNew(*rule)) {
+                    m_rows.push_back(rule);
                     return rule;
                 }
             }
@@ -165,20 +173,13 @@ public:
         }
     }
 
-    void show(QuotaRule& rule)
+    void show(const QuotaRule& rule) const
     {
         const int row = insertRuleRow(m_list, rule, accountNameOrSid(rule.sid).text);
         showPercent(m_list, row, rule);
-        addOnTop(rule);
     }
 
 private:
-    void addOnTop(QuotaRule& rule)
-    {
-        m_rows.push_back(&rule);
-        m_shown.addOnTop(rule);
-    }
-
     // The rows are known, unless the list has an order of its own: those not linked yet stand on top.
     void finishFolder()
     {
@@ -216,12 +217,10 @@ void initialize(const CListCtrl& list, const PathList* paths)
         list.insertColumn(index++, column);
     }
     list.addExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES | LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
-    if (paths != nullptr) {
-        fill(list, *paths);
-    }
+    fill(list, paths);
 }
 
-void fill(const CListCtrl& list, const PathList& paths)
+void fill(const CListCtrl& list, const PathList* paths)
 {
     Filling filling(list, paths);
     // A list that shows everything already is not repainted.
@@ -241,7 +240,7 @@ bool add(const CListCtrl& list, const void* sid, const PathList* paths)
     }
     bool accepted = true;
     QuotaRule* head = chain(list);
-    for (wchar_t* path : foldersOf(*paths)) {
+    for (wchar_t* path : foldersOf(paths)) {
         if (refusedAsUsed(list, head, sid, path)) {
             continue;
         }

@@ -9,7 +9,7 @@ class CListCtrl;
 namespace rule_list {
 
 void initialize(const CListCtrl& list, const PathList* paths);
-void fill(const CListCtrl& list, const PathList& paths);
+void fill(const CListCtrl& list, const PathList* paths);
 bool add(const CListCtrl& list, const void* sid, const PathList* paths);
 bool editSelected(const CListCtrl& list);
 bool dropSelected(const CListCtrl& list);

@@ -66,7 +66,8 @@ void measureFolder(HWND dialog)
             rule.inUse = state.objectSize;
             return;
         }
-        SidList* account = appendToSidList(createEmptySidList(), sidDup(rule.sid));
+        SidList* account = createEmptySidList();
+        account = appendToSidList(account, sidDup(rule.sid));
         rule.inUse = getRealSizeByOwner(rule.path, account);
         state.ownedSize = rule.inUse;
         chooseFiles(dialog, IDC_QUOTA_OWNED_FILES);
@@ -83,7 +84,9 @@ bool findMembers()
         state.members = enumerateGroupUsers(nullptr, group.text, nullptr);
         for (const wchar_t* server : {lastDomainServer, lastDomainServer2}) {
             if (server[0] != L'\0') {
-                state.members = enumerateGroupUsers(server, group.text, state.members);
+                // Handed over: when this faults, nobody knows whether the list still stands, and it is not freed.
+                SidList* known = std::exchange(state.members, nullptr);
+                state.members = enumerateGroupUsers(server, group.text, known);
             }
         }
     });
@@ -138,7 +141,7 @@ void applyToMembers(HWND dialog)
     ChainBuilder chain;
     chain.append(&rule);
     for (int i = 0; i < state.members->count; ++i) {
-        QuotaRule* member = newRule(rule.path, state.members->sids[i]);
+        QuotaRule* member = newRule(ruleMemory(), rule.path, state.members->sids[i]);
         if (member == nullptr) {
             break; // memory is short: the members so far keep their rules
         }

@@ -60,7 +60,9 @@ LORNIX_API PathList* getKnownPaths(void);
  */
 LORNIX_API PathList* appendToPaths(PathList* list, const wchar_t* folder);
 
-/** Makes a list persistent in place of the one stored before. The list stays the caller's. */
+/** Makes a list persistent in place of the one stored before.
+ * @param list  stays the caller's; null is an empty one.
+ */
 LORNIX_API void storeKnownPaths(const PathList* list);
 
 /** Releases a list that getKnownPaths or appendToPaths gave, with its paths. Null is allowed. */

@@ -21,6 +21,13 @@ protected:
         store.takeCalls();
     }
 
+    void nameASecondServer()
+    {
+        store.answer.getDomainServerByName = [](const wchar_t*) {
+            return _wcsdup(L"SECOND");
+        };
+    }
+
     /// Opens the settings of a new rule for a group. @return what the store was asked about its members.
     std::vector<std::string> questions()
     {
@@ -40,9 +47,7 @@ protected:
 
 TEST_F(GroupMembersTest, AreAskedOfTheServersOfTheLastEnumerationInTheirOrder)
 {
-    store.answer.getDomainServerByName = [](const wchar_t*) {
-        return _wcsdup(L"SECOND");
-    };
+    nameASecondServer();
     enumerate();
     EXPECT_THAT(questions(), ElementsAre("enumerateGroupUsers null DOM\\staff null",
                                          "enumerateGroupUsers SERVER DOM\\staff null",
@@ -54,4 +59,27 @@ TEST_F(GroupMembersTest, AServerThatWasNotThereIsNotAsked)
     enumerate();
     EXPECT_THAT(questions(), ElementsAre("enumerateGroupUsers null DOM\\staff null",
                                          "enumerateGroupUsers SERVER DOM\\staff null"));
+}
+
+TEST_F(GroupMembersTest, AreNoneWhenAServerFaultsAndNoListIsFreedThatItMayHaveTaken)
+{
+    nameASecondServer();
+    enumerate();
+    store.answer.enumerateGroupUsers = [ann = store.account("DOM\\ann")](const wchar_t*, const wchar_t*,
+                                                                         SidList* list) {
+        return list != nullptr ? list : RecordingStore::makeSidList({ann});
+    };
+    for (const int failing : {1, 2, 3}) {
+        for (const Fault fault : kEveryFault) {
+            store.takeCalls();
+            store.raise("enumerateGroupUsers", fault, failing);
+            quota_settings::whileOpen(quota_settings::newRule(store.account("DOM\\staff")),
+                                      quota_settings::kAdd, [this](HWND dialog) {
+                                          EXPECT_FALSE(isEnabled(dialog, quota_settings::kGroupMembers));
+                                          store.takeCalls();
+                                      });
+            EXPECT_THAT(store.calls(), testing::Not(testing::Contains(testing::StartsWith("freeSidList"))))
+                << failing << ' ' << faultName(fault);
+        }
+    }
 }

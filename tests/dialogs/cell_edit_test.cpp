@@ -7,9 +7,16 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+#include <new>
+
 using testing::IsEmpty;
 
 namespace {
+
+struct ReleasePages {
+    void operator()(void* pages) const { VirtualFree(pages, 0, MEM_RELEASE); }
+};
 
 struct CellEditTest : testing::Test {
     RecordingStore store;
@@ -117,6 +124,22 @@ TEST_F(CellEditTest, IgnoresOtherNotifications)
         EXPECT_EQ(notify(code, 0, 2, L"500K"), 0);
     }
     EXPECT_EQ(host.record(0)->softLimit, 2000);
+}
+
+TEST_F(CellEditTest, ANotificationMayBeJustItsHeader)
+{
+    SYSTEM_INFO system;
+    GetSystemInfo(&system);
+    const std::unique_ptr<char, ReleasePages> pages(static_cast<char*>(
+        VirtualAlloc(nullptr, 2 * system.dwPageSize, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
+    ASSERT_NE(pages, nullptr);
+    DWORD before = 0;
+    ASSERT_TRUE(VirtualProtect(pages.get() + system.dwPageSize, system.dwPageSize, PAGE_NOACCESS, &before));
+    const auto header = new (pages.get() + system.dwPageSize - sizeof(NMHDR)) NMHDR;
+    for (const UINT code : {NM_SETFOCUS, NM_KILLFOCUS, NM_RELEASEDCAPTURE}) {
+        *header = {host.list(), ListHost::kListId, code};
+        EXPECT_EQ(hookNotify(host.window(), ListHost::kListId, header), 0);
+    }
 }
 
 TEST_F(CellEditTest, AsksTheStoreNothing)

@@ -339,6 +339,18 @@ TEST_F(ListAddTest, AFolderGivenTwiceConflictsWithItself)
     EXPECT_EQ(host.rowCount(), 1);
 }
 
+TEST_F(ListAddTest, LettersOfAllAlphabetsHaveTwoCases)
+{
+    DialogScript script;
+    script.onDialog("OK", pressOk)
+        .answerBox(kAlreadyUsed, kInformation)
+        .answerBox(kAlreadyUsed, kInformation);
+    EXPECT_NE(add(script, nullptr,
+                  Paths{L"C:\\\u00dcbung \u0416", L"c:/\u00fcbung \u0436", L"C:/\u00dcBUNG \u0416"}),
+              0);
+    EXPECT_EQ(host.rowCount(), 1);
+}
+
 TEST_F(ListAddTest, CancelTakesTheRowAway)
 {
     store.put(L"C:\\old", bob, 2048, 1024, 0);
@@ -389,8 +401,11 @@ TEST_F(ListAddTest, WithoutFoldersNothingIsDone)
 {
     store.put(L"C:\\old", bob, 2048, 1024, 0);
     fillUpListCtrl2(Paths{L"C:\\old"}, host.object());
+    store.takeCalls();
     EXPECT_NE(addToListCtrl2(host.object(), nullptr, nullptr), 0);
+    EXPECT_THAT(store.calls(), IsEmpty());
     EXPECT_NE(addToListCtrl2(host.object(), nullptr, Paths{}), 0);
+    EXPECT_THAT(store.calls(), ElementsAre("debug {bob C:\\old}", "debug {bob C:\\old}"));
     EXPECT_THAT(host.column(5), ElementsAre("C:\\old"));
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("bob C:\\old"));
 }
@@ -501,6 +516,18 @@ TEST_F(ListAddTest, UnusedHeapIsGivenBackAfterACheck)
     heapState = _HEAPOK;
     addWithOk(nullptr, Paths{L"C:\\a", L"C:\\b"}, 2);
     EXPECT_THAT(heapCalls, ElementsAre("check", "minimize", "check", "minimize"));
+    heapCalls.clear();
+    const auto copy = store.answer.sidDup;
+    store.answer.sidDup = [copy](const void* sid) {
+        heapCalls.emplace_back("copy of the account");
+        return copy(sid);
+    };
+    addWithOk(alice, Paths{L"C:\\d"}, 1);
+    ASSERT_GE(heapCalls.size(), 3u);
+    EXPECT_EQ(heapCalls[0], "check");
+    EXPECT_EQ(heapCalls[1], "minimize");
+    EXPECT_EQ(heapCalls[2], "copy of the account");
+    store.answer.sidDup = copy;
     heapCalls.clear();
     heapState = _HEAPBADNODE;
     addWithOk(nullptr, Paths{L"C:\\c"}, 1);

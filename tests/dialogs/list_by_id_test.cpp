@@ -120,6 +120,41 @@ TEST_F(ListByIdTest, AFolderThatIsPassedOverIsMadeKnownAllTheSame)
                                                  "storeKnownPaths [C:/a]", "freePathList [C:/a]"));
 }
 
+TEST_F(ListByIdTest, AddingForNoFolderStoresTheKnownOnesAgain)
+{
+    const auto append = store.answer.appendToPaths;
+    const Paths empty{};
+    for (const PathList* none : {static_cast<const PathList*>(nullptr), static_cast<const PathList*>(empty)})
+    {
+        store.answer.getKnownPaths = [append] {
+            return append(nullptr, L"C:\\known");
+        };
+        DialogScript script;
+        EXPECT_NE(add(none, script), 0);
+        EXPECT_THAT(callsAboutFolders(),
+                    ElementsAre("getKnownPaths", "storeKnownPaths [C:\\known]", "freePathList [C:\\known]"));
+        store.takeCalls();
+        store.answer.getKnownPaths = [] {
+            return nullptr;
+        };
+        EXPECT_NE(add(none, script), 0);
+        EXPECT_THAT(callsAboutFolders(),
+                    ElementsAre("getKnownPaths", "storeKnownPaths null", "freePathList null"));
+        store.takeCalls();
+    }
+}
+
+TEST_F(ListByIdTest, NoFolderFillsNothing)
+{
+    store.put(L"C:\\a", nullptr, 2048, 1024, 0);
+    fillUpListCtrl(Paths{L"C:\\a"}, host.window(), ListHost::kListId);
+    store.takeCalls();
+    fillUpListCtrl(nullptr, host.window(), ListHost::kListId);
+    fillUpListCtrl2(nullptr, host.object());
+    EXPECT_THAT(store.calls(), IsEmpty());
+    EXPECT_THAT(host.column(5), ElementsAre("C:\\a"));
+}
+
 TEST_F(ListByIdTest, AnyoneCanBeOne)
 {
     DialogScript script;

@@ -4,7 +4,10 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace lornix {
 namespace {
@@ -12,6 +15,11 @@ namespace {
 // One user: the host's user-interface thread.
 std::wstring lines;
 const wchar_t* fallback = nullptr; // where even a line is too much
+
+constexpr std::size_t kMostUntold = 100;
+std::vector<std::wstring> untold; // each line once, whatever call it came from
+bool untoldMore = false;          // than there is room for, or memory
+std::wstring taken;
 
 } // namespace
 
@@ -26,6 +34,7 @@ void clear() noexcept
 void noteOutOfMemory() noexcept
 {
     fallback = L"There is not enough memory.";
+    untoldMore = true;
 }
 
 void noteSurprise(const char* what) noexcept
@@ -44,6 +53,14 @@ void report(const std::wstring& line)
 {
     lines += lines.empty() ? L"" : L"\n";
     lines += line;
+    if (std::find(untold.begin(), untold.end(), line) != untold.end()) {
+        return;
+    }
+    if (untold.size() < kMostUntold) {
+        untold.push_back(line);
+    } else {
+        untoldMore = true;
+    }
 }
 
 std::wstring reasonOf(unsigned long error)
@@ -65,4 +82,28 @@ std::wstring reasonOf(unsigned long error)
 const wchar_t* lornixLastError(void)
 {
     return lornix::fallback != nullptr ? lornix::fallback : lornix::lines.c_str();
+}
+
+const wchar_t* lornixTakeErrors(void)
+{
+    using namespace lornix;
+    constexpr const wchar_t* kMore =
+        L"More could not be done, for want of memory or for more reasons than fit here.";
+    try {
+        taken.clear();
+        for (const std::wstring& line : untold) {
+            taken += taken.empty() ? L"" : L"\n";
+            taken += line;
+        }
+        if (untoldMore) {
+            taken += taken.empty() ? kMore : L"\n" + std::wstring(kMore);
+        }
+    } catch (const std::bad_alloc&) {
+        untold.clear();
+        untoldMore = false;
+        return kMore;
+    }
+    untold.clear();
+    untoldMore = false;
+    return taken.c_str();
 }

@@ -76,6 +76,13 @@ LORNIX_API void lornixFreeRules(QuotaRule* chain);
  */
 LORNIX_API const wchar_t* lornixLastError(void);
 
+/** What could not be done since this function was called last, by all calls of the store together: for after a call
+ * of corvane, which calls the store several times, so that a failure is not covered by the success that follows.
+ * @return the lines that lornixLastError told meanwhile, the oldest first, each once; after the first hundred a line
+ *         that says that there were more. An empty text when all was done. Valid until the next call of this function.
+ */
+LORNIX_API const wchar_t* lornixTakeErrors(void);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

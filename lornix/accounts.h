@@ -4,6 +4,7 @@
 #include "store/lornix.h"
 
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -25,14 +26,10 @@ public:
     /// Takes over a malloc block; null is left out.
     void adopt(void* sid)
     {
-        if (sid == nullptr) {
-            return;
+        std::unique_ptr<void, decltype(&std::free)> own(sid, std::free);
+        if (own != nullptr && (known_.empty() || !known_.contains(keyOf(sid)))) {
+            list_ = appendToSidList(list_, own.release());
         }
-        if (!known_.empty() && known_.contains(keyOf(sid))) {
-            std::free(sid);
-            return;
-        }
-        list_ = appendToSidList(list_, sid);
     }
 
     /// From here on, the accounts that stand in the list behind the first so many are left out.

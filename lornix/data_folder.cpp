@@ -2,23 +2,27 @@
 
 #include "lornix/environment.h"
 #include "lornix/folder_key.h"
+#include "lornix/guarded_folder.h"
 #include "lornix/last_error.h"
 #include "lornix/lornix_host.h"
 
 #include <shlobj.h>
 
+#include <memory>
 #include <mutex>
 
 namespace lornix {
 namespace {
 
 constexpr const wchar_t* kVariable = L"LORNIX_DATA";
-constexpr const wchar_t* kDefault = L"\\Vantrel\\lornix";
+constexpr const wchar_t* kMaker = L"\\Vantrel";
+constexpr const wchar_t* kProduct = L"\\lornix";
 constexpr DWORD kLockStep = 20; // milliseconds
 constexpr DWORD kLockLongest = 15000;
 
 std::mutex guard;    // accounts are asked for on other threads, and their file may stand in the folder
 std::wstring chosen; // empty until asked for
+std::uint32_t choices = 0;
 
 std::wstring withoutSlashAtEnd(std::wstring path)
 {
@@ -40,16 +44,47 @@ std::wstring fromEnvironment()
     return withoutSlashAtEnd(full);
 }
 
-std::wstring defaultFolder()
+/// The folder of this product's maker for data common to all users; empty when the system has no such place.
+std::wstring makersFolder()
 {
-    if (std::wstring folder = fromEnvironment(); !folder.empty()) {
-        return folder;
-    }
     wchar_t common[MAX_PATH] = L"";
     if (FAILED(SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, common))) {
         return {};
     }
-    return common + std::wstring(kDefault);
+    return common + std::wstring(kMaker);
+}
+
+/// @param problem  receives why there is none.
+/// @return the folder that is used unless a host chooses one; empty when there is none.
+std::wstring defaultFolder(std::wstring& problem)
+{
+    if (std::wstring folder = fromEnvironment(); !folder.empty()) {
+        return folder;
+    }
+    const std::wstring makers = makersFolder();
+    if (makers.empty()) {
+        problem = L"There is no folder to keep the rules in: the system names none for application data.";
+        return {};
+    }
+    // Every user can make folders there, also before this product does.
+    const std::wstring folder = makers + kProduct;
+    if (!isOurs(folder)) {
+        problem =
+            L"The data folder \"" + folder +
+            L"\" is not used: it belongs to somebody who is no administrator, or its owner cannot be told.";
+        return {};
+    }
+    return folder;
+}
+
+/// @param problem  receives why there is no folder in use.
+std::wstring rootInUse(std::wstring& problem)
+{
+    const std::lock_guard lock(guard);
+    if (chosen.empty()) {
+        chosen = defaultFolder(problem);
+    }
+    return chosen;
 }
 
 bool isAbsolute(const std::wstring& path)
@@ -72,30 +107,43 @@ DWORD lockFileOf(const DataFolder& folder, HANDLE& opened)
 
 void removeLeftovers(const std::wstring& folder)
 {
+    const std::wstring start = longPath(folder) + L'\\';
     WIN32_FIND_DATAW found{};
-    const std::wstring pattern = longPath(folder) + L"\\*.tmp";
-    HANDLE search = FindFirstFileW(pattern.c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) {
+    const HANDLE first = FindFirstFileW(temporaryFor(start + L'*').c_str(), &found);
+    if (first == INVALID_HANDLE_VALUE) {
         return;
     }
+    const std::unique_ptr<void, decltype(&FindClose)> search(first, FindClose);
     do {
-        DeleteFileW((longPath(folder) + L'\\' + found.cFileName).c_str());
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
+        // The pattern also finds what only the short name of a file ends with.
+        if (std::wstring_view(found.cFileName).ends_with(kTemporary)) {
+            DeleteFileW((start + found.cFileName).c_str());
+        }
+    } while (FindNextFileW(search.get(), &found));
 }
 
 } // namespace
 
 DataFolder DataFolder::current()
 {
+    std::wstring problem;
+    DataFolder folder(rootInUse(problem));
+    if (!problem.empty()) {
+        report(problem);
+    }
+    return folder;
+}
+
+std::wstring DataFolder::currentRoot()
+{
+    std::wstring problem;
+    return rootInUse(problem);
+}
+
+std::uint32_t DataFolder::timesChosen()
+{
     const std::lock_guard lock(guard);
-    if (chosen.empty()) {
-        chosen = defaultFolder();
-    }
-    if (chosen.empty()) {
-        report(L"There is no folder to keep the rules in: the system names none for application data.");
-    }
-    return DataFolder(chosen);
+    return choices;
 }
 
 std::wstring DataFolder::rulesFile(std::u16string_view folderKey) const
@@ -106,6 +154,13 @@ std::wstring DataFolder::rulesFile(std::u16string_view folderKey) const
 
 DWORD DataFolder::make() const
 {
+    if (const std::wstring makers = makersFolder(); !makers.empty() && root_ == makers + kProduct) {
+        for (const std::wstring& folder : {makers, root_}) {
+            if (const DWORD error = makeGuardedFolder(folder); error != ERROR_SUCCESS) {
+                return error;
+            }
+        }
+    }
     return makeFolder(rulesFolder());
 }
 
@@ -154,6 +209,7 @@ int lornixSetDataFolder(const wchar_t* folder)
         if (folder == nullptr) {
             const std::lock_guard lock(guard);
             chosen.clear();
+            ++choices;
             return 1;
         }
         const std::wstring path = folder;
@@ -167,6 +223,7 @@ int lornixSetDataFolder(const wchar_t* folder)
         }
         const std::lock_guard lock(guard);
         chosen = withoutSlashAtEnd(path);
+        ++choices;
         return 1;
     });
 }
@@ -175,10 +232,8 @@ const wchar_t* lornixDataFolder(void)
 {
     // Leaves the reports of the last call alone.
     try {
-        const std::lock_guard lock(lornix::guard);
-        if (lornix::chosen.empty()) {
-            lornix::chosen = lornix::defaultFolder();
-        }
+        std::wstring problem;
+        lornix::rootInUse(problem);
         return lornix::chosen.c_str();
     } catch (const std::bad_alloc&) {
         return L"";

@@ -3,6 +3,7 @@
 
 #include "lornix/file.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -14,10 +15,16 @@ public:
     /// The folder in use. Empty when there is none, which has been reported then.
     static DataFolder current();
 
+    /// Path of the folder in use, for any thread; empty when there is none.
+    static std::wstring currentRoot();
+
     explicit DataFolder(std::wstring root)
         : root_(std::move(root))
     {
     }
+
+    /// How often a host has chosen a folder. What was read before may be of another one.
+    static std::uint32_t timesChosen();
 
     bool isKnown() const { return !root_.empty(); }
     const std::wstring& root() const { return root_; }
@@ -35,10 +42,13 @@ private:
     std::wstring root_;
 };
 
+/// The end of a name that nobody else gives to a file: the data folder may be one that others use too.
+constexpr std::wstring_view kTemporary = L".lornix-new";
+
 /// Name of the file that is written before it takes the place of another.
 inline std::wstring temporaryFor(const std::wstring& target)
 {
-    return target + L".tmp";
+    return target + std::wstring(kTemporary);
 }
 
 /// One process at a time changes the files. Ends with the object, and with the process, however that ends.

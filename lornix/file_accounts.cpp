@@ -56,17 +56,19 @@ void tell(const std::wstring& path, const AccountDirectory& directory)
     }
 }
 
+/// @param isExpected  whether a missing file is worth a line.
+/// @return null for a file that is there and cannot be read now.
 std::shared_ptr<const AccountDirectory> load(const std::wstring& path, bool isExpected)
 {
     std::string bytes;
-    Patience patience;
+    Patience patience = Patience::toRead();
     const DWORD error = readFile(path, bytes, patience);
-    if (error == ERROR_FILE_NOT_FOUND && !isExpected) {
-        return std::make_shared<AccountDirectory>();
-    }
     if (error != ERROR_SUCCESS) {
-        ODS("lornix: accounts: \"%ls\" cannot be read: %ls\n", path.c_str(), reasonOf(error).c_str());
-        return std::make_shared<AccountDirectory>();
+        const bool isMissing = error == ERROR_FILE_NOT_FOUND;
+        if (!isMissing || isExpected) {
+            ODS("lornix: accounts: \"%ls\" cannot be read: %ls\n", path.c_str(), reasonOf(error).c_str());
+        }
+        return isMissing ? std::make_shared<const AccountDirectory>() : nullptr;
     }
     auto directory = std::make_shared<const AccountDirectory>(bytes);
     tell(path, *directory);
@@ -156,21 +158,39 @@ private:
         std::wstring path = environmentValue(kVariable);
         const bool isNamed = !path.empty();
         if (!isNamed) {
-            path = DataFolder::current().root() + kFileName;
+            const std::wstring root = DataFolder::currentRoot();
+            path = root.empty() ? root : root + kFileName;
         }
         const std::lock_guard lock(guard_);
-        if (directory_ == nullptr || path != path_ || (lookForChanges && stampOf(path) != stamp_)) {
-            stamp_ = stampOf(path); // before it is read: a change meanwhile is seen next time
-            directory_ = load(path, isNamed);
+        if (path != path_) {
+            directory_ = std::make_shared<const AccountDirectory>(); // none of another file's accounts
             path_ = path;
+            nextLook_ = 0;
+            isRead_ = false;
+        }
+        if (isRead_ ? lookForChanges && stampOf(path) != stamp_ : GetTickCount64() >= nextLook_) {
+            const Stamp stamp = stampOf(path); // before it is read: a change meanwhile is seen next time
+            if (Directory read = load(path, isNamed)) {
+                directory_ = std::move(read);
+                stamp_ = stamp;
+                isRead_ = true;
+            } else {
+                // Who has the file lets it go again. What was read before counts until then.
+                constexpr ULONGLONG kPause =
+                    1000; // milliseconds: a hundred thousand names do not wait for it in turn
+                nextLook_ = GetTickCount64() + kPause;
+                isRead_ = false;
+            }
         }
         return directory_;
     }
 
     std::mutex guard_;
     std::wstring path_;
+    Directory directory_ = std::make_shared<const AccountDirectory>();
     Stamp stamp_;
-    Directory directory_;
+    bool isRead_ = false;    ///< whether the directory is what the file held at the time of the stamp
+    ULONGLONG nextLook_ = 0; ///< when a file that could not be read is tried again, in ticks
 };
 
 } // namespace

@@ -31,6 +31,13 @@ std::optional<KnownFolders> readFolders(const KeptFile& file, const StoreLock* l
     });
 }
 
+/// What a caller was given as the known folders. When it stores its list, this tells what it added and took out.
+struct Given {
+    std::uint32_t dataFolder;            ///< the choice of the data folder that they are of
+    std::vector<std::u16string> folders; ///< none when they could not be read: nothing is taken out then
+};
+std::optional<Given> given; // nothing: nobody asked, and a list is stored as it comes
+
 /// Keeps the first of those that spell the same folder.
 std::vector<std::u16string> withoutRepeats(const std::vector<std::u16string>& folders)
 {
@@ -44,15 +51,48 @@ std::vector<std::u16string> withoutRepeats(const std::vector<std::u16string>& fo
     return once;
 }
 
-PathList* loadFolders()
+std::unordered_set<std::u16string> keysOf(const std::vector<std::u16string>& folders)
 {
-    return reporting<PathList*>(nullptr, []() -> PathList* {
+    std::unordered_set<std::u16string> keys;
+    for (const std::u16string& folder : folders) {
+        keys.insert(folderKey(folder));
+    }
+    return keys;
+}
+
+/// The stored folders with the changes that a caller made to those it was given: what others added meanwhile stays.
+std::vector<std::u16string> merged(const std::vector<std::u16string>& stored,
+                                   const std::vector<std::u16string>& before,
+                                   const std::vector<std::u16string>& after)
+{
+    auto removed = keysOf(before);
+    for (const std::u16string& folder : after) {
+        removed.erase(folderKey(folder));
+    }
+    std::vector<std::u16string> all;
+    for (const std::u16string& folder : stored) {
+        if (!removed.contains(folderKey(folder))) {
+            all.push_back(folder);
+        }
+    }
+    all.insert(all.end(), after.begin(), after.end());
+    return withoutRepeats(all);
+}
+
+/// @param toChange  whether the caller may store the list again.
+PathList* loadFolders(bool toChange)
+{
+    return reporting<PathList*>(nullptr, [&]() -> PathList* {
         const DataFolder data = DataFolder::current();
         if (!data.isKnown()) {
             return nullptr;
         }
         Patience patience = Patience::toRead();
         const auto content = readFolders(knownFoldersFile(data), nullptr, patience);
+        if (toChange) {
+            given =
+                Given{DataFolder::timesChosen(), content ? content->folders : std::vector<std::u16string>()};
+        }
         std::unique_ptr<PathList, PathListDelete> list;
         if (content) {
             for (const std::u16string& folder : content->folders) {
@@ -86,7 +126,18 @@ bool storeFolders(const PathList* list)
         return false;
     }
     folders = withoutRepeats(folders);
-    return before->folders == folders || replaceWith(file, writeKnownFolders(folders), patience);
+    const std::vector<std::u16string> own = folders;
+    const bool isGiven = given && given->dataFolder == DataFolder::timesChosen();
+    if (isGiven && given->folders != before->folders) {
+        folders = merged(before->folders, given->folders, own);
+    }
+    if (before->folders != folders && !replaceWith(file, writeKnownFolders(folders), patience)) {
+        return false;
+    }
+    if (isGiven) {
+        given->folders = own;
+    }
+    return true;
 }
 
 } // namespace
@@ -102,10 +153,7 @@ bool changeKnownFolders(const DataFolder& data, const StoreLock& lock, const Fol
     if (!before) {
         return false;
     }
-    std::unordered_set<std::u16string> removed;
-    for (const std::u16string& folder : changes.removed) {
-        removed.insert(folderKey(folder));
-    }
+    const auto removed = keysOf(changes.removed);
     std::vector<std::u16string> after;
     for (const std::u16string& folder : before->folders) {
         if (!removed.contains(folderKey(folder))) {
@@ -121,12 +169,12 @@ bool changeKnownFolders(const DataFolder& data, const StoreLock& lock, const Fol
 
 PathList* getKnownPaths(void)
 {
-    return lornix::loadFolders();
+    return lornix::loadFolders(true);
 }
 
 PathList* lornixKnownFolders(void)
 {
-    return lornix::loadFolders();
+    return lornix::loadFolders(false);
 }
 
 void storeKnownPaths(const PathList* list)

@@ -57,6 +57,8 @@ LORNIX_API void lornixAccountName(const void* sid, wchar_t* buffer, int capacity
 /** Makes the rules of some folders persistent: the stored rules of every folder in `folders` are replaced by
  * those rules of the chain that are defined in it. Folders are compared without regard to case and to the kind
  * of slash. A folder with no rule in the chain ends up with none. Nothing is changed for folders that fail.
+ * Rules that this process asked for are not replaced when it could not read them, or when another process changed
+ * them since: they are to be read again first.
  * The known folders follow: a listed folder that has rules joins them, one that ends up with none leaves them.
  * @param folders  the folders that the host shows; not null.
  * @param chain    first rule, linked by next; null for no rules. Only read.

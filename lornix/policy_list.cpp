@@ -191,15 +191,40 @@ bool PolicyList::toRecords(std::vector<PolicyRecord>& records)
     return true;
 }
 
-bool PolicyList::write(const KeptFile& file, const std::string& text) const
+bool PolicyList::write(const KeptFile& file, const std::string& text, const std::string* expected) const
 {
     const auto lock = openForChange(file.folder, file.title + L" cannot be stored");
     if (!lock) {
         return false;
     }
     Patience patience;
+    if (expected != nullptr && !isAsLoaded(file, *expected, patience)) {
+        return false;
+    }
     // What is damaged is set aside first.
     return read(file, lock.get()).has_value() && replaceWith(file, text, patience);
+}
+
+bool PolicyList::isAsLoaded(const KeptFile& file, const std::string& loaded, Patience& patience) const
+{
+    std::string bytes;
+    const Reading reading = readBytes(file, bytes, patience);
+    if (reading == Reading::kFailed) {
+        return false;
+    }
+    PolicyRecords present;
+    if (reading == Reading::kDone) {
+        present = readPolicy(format_, bytes);
+        if (present.condition != Condition::kGood) {
+            return true; // nobody's work, and kept as it is when ours takes its place
+        }
+    }
+    if (writePolicy(format_, present.entries) != loaded) {
+        report(file.title +
+               L" was changed by somebody else since it was loaded, and is not replaced unseen.");
+        return false;
+    }
+    return true;
 }
 
 bool PolicyList::store()
@@ -214,7 +239,7 @@ bool PolicyList::store()
         return false;
     }
     std::string text = writePolicy(format_, records);
-    if (!write(file(data), text)) {
+    if (!write(file(data), text, &persistent_)) {
         return false;
     }
     persistent_ = std::move(text);
@@ -228,7 +253,7 @@ bool PolicyList::apply()
         return false;
     }
     const DataFolder data = DataFolder::current();
-    return data.isKnown() && write(activeFile(data), persistent_);
+    return data.isKnown() && write(activeFile(data), persistent_, nullptr);
 }
 
 void PolicyList::release()

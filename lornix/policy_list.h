@@ -75,7 +75,11 @@ private:
     KeptFile file(const DataFolder& data) const;
     KeptFile activeFile(const DataFolder& data) const;
     std::optional<PolicyRecords> read(const KeptFile& file, const StoreLock* lock) const;
-    bool write(const KeptFile& file, const std::string& text) const;
+    /// @param expected  what the file must still hold, as this store writes it; null for whatever it holds.
+    /// @return false with a report; the file is then as it was.
+    bool write(const KeptFile& file, const std::string& text, const std::string* expected) const;
+    /// @return false with a report; a damaged file passes.
+    bool isAsLoaded(const KeptFile& file, const std::string& loaded, Patience& patience) const;
 
     /// @return false when its password cannot be read.
     bool take(const PolicyRecord& record);

@@ -25,7 +25,7 @@ bool endsWith(const std::wstring& text, std::wstring_view tail)
 bool isFreeName(const std::wstring& name)
 {
     return !name.empty() && name.find_first_of(L"\\/:*?\"<>|") == std::wstring::npos && name.back() != L'.' &&
-           name.back() != L' ' && !endsWith(name, L".txt") && !endsWith(name, L".tmp") &&
+           name.back() != L' ' && !endsWith(name, L".txt") && !endsWith(name, kTemporary) &&
            !endsWith(name, L".lock") && name.size() < MAX_PATH;
 }
 

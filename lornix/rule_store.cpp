@@ -5,6 +5,7 @@
 #include "lornix/last_error.h"
 #include "lornix/lornix_host.h"
 #include "lornix/rule_file.h"
+#include "lornix/seen_texts.h"
 #include "lornix/sid.h"
 #include "lornix/wide_text.h"
 #include "store/lornix.h"
@@ -16,6 +17,18 @@
 
 namespace lornix {
 namespace {
+
+/// What the host has seen. Its user-interface thread alone loads and stores rules.
+SeenTexts& seenRules()
+{
+    static SeenTexts seen;
+    static std::uint32_t choice = 0;
+    if (choice != DataFolder::timesChosen()) {
+        choice = DataFolder::timesChosen();
+        seen = SeenTexts();
+    }
+    return seen;
+}
 
 std::wstring quoted(std::u16string_view folder)
 {
@@ -79,17 +92,49 @@ KeptFile rulesFileOf(const DataFolder& folder, std::u16string_view key, std::u16
     return {folder, folder.rulesFile(key), L"The file with the rules of " + quoted(name)};
 }
 
-std::optional<FolderRules> readRules(const KeptFile& file, std::u16string_view key, const StoreLock* lock,
-                                     Patience& patience)
+FolderRules parseRules(std::string_view text, std::u16string_view key)
 {
-    const auto parse = [&](std::string_view text) {
-        FolderRules rules = readFolderRules(text);
-        // A copy of another folder's file would bring that folder's rules here.
-        return folderKey(rules.folder) == key ? rules : FolderRules();
+    FolderRules rules = readFolderRules(text);
+    // A copy of another folder's file would bring that folder's rules here.
+    return folderKey(rules.folder) == key ? rules : FolderRules();
+}
+
+/// Whether a file that is to be replaced could be read, or be set aside as damaged.
+bool clearTheWay(const KeptFile& file, std::u16string_view key, const StoreLock& lock, Patience& patience)
+{
+    return readKept<FolderRules>(
+               file, &lock, patience, [&](std::string_view text) { return parseRules(text, key); },
+               [](const FolderRules& rules) { return writeFolderRules(rules.folder, rules.rules); })
+        .has_value();
+}
+
+/// Reads for a host, and keeps in mind what it has seen.
+std::optional<FolderRules> showRules(const KeptFile& file, std::u16string_view key)
+{
+    SeenTexts::Mark text = SeenTexts::markOf({});
+    std::optional<SeenTexts::Mark> mended;
+    const auto parse = [&](std::string_view read) {
+        text = SeenTexts::markOf(read);
+        mended.reset();
+        FolderRules rules = parseRules(read, key);
+        if (rules.condition == Condition::kForeign) {
+            mended = SeenTexts::markOf({}); // nothing stays under its name
+        }
+        return rules;
     };
-    return readKept<FolderRules>(file, lock, patience, parse, [](const FolderRules& rules) {
-        return writeFolderRules(rules.folder, rules.rules);
-    });
+    const auto rewrite = [&](const FolderRules& rules) {
+        std::string replacement = writeFolderRules(rules.folder, rules.rules);
+        mended = SeenTexts::markOf(replacement);
+        return replacement;
+    };
+    Patience patience = Patience::toRead();
+    auto content = readKept<FolderRules>(file, nullptr, patience, parse, rewrite);
+    if (content) {
+        seenRules().saw(file.path, text, mended.value_or(text));
+    } else {
+        seenRules().missed(file.path);
+    }
+    return content;
 }
 
 QuotaRule* loadRules(const wchar_t* folder)
@@ -105,8 +150,7 @@ QuotaRule* loadRules(const wchar_t* folder)
         }
         const std::u16string name = fromWide(folder);
         const std::u16string key = folderKey(name);
-        Patience patience = Patience::toRead();
-        const auto content = readRules(rulesFileOf(data, key, name), key, nullptr, patience);
+        const auto content = showRules(rulesFileOf(data, key, name), key);
         return content ? chainOf(content->rules).release() : nullptr;
     });
 }
@@ -123,6 +167,7 @@ struct Change {
     const FolderGroup* group;
     std::wstring target;
     bool removes; ///< instead of putting the temporary file in its place
+    SeenTexts::Mark text;
 };
 
 class Storing {
@@ -206,6 +251,32 @@ bool Storing::sort(const PathList& folders, const QuotaRule* chain)
     return true;
 }
 
+void noteStored(const std::wstring& path, SeenTexts::Mark text)
+{
+    if (seenRules().knows(path)) {
+        seenRules().saw(path, text, text);
+    }
+}
+
+/// @return false with a report when a host would replace rules that it has not seen.
+bool mayReplace(const KeptFile& file, const FolderGroup& group, std::string_view before)
+{
+    switch (seenRules().standingOf(file.path, SeenTexts::markOf(before))) {
+    case SeenTexts::Standing::kChanged:
+        report(L"The rules of " + quoted(group.folder) +
+               L" were changed by somebody else since they were read here. Read them again before changing "
+               L"them.");
+        return false;
+    case SeenTexts::Standing::kUnseen:
+        report(L"The rules of " + quoted(group.folder) +
+               L" could not be read and are not replaced unseen. Read them again before changing them.");
+        return false;
+    case SeenTexts::Standing::kUntouched:
+        break;
+    }
+    return true;
+}
+
 bool Storing::prepareFolder(const DataFolder& data, const FolderGroup& group, const StoreLock& lock)
 {
     const KeptFile file = rulesFileOf(data, group.key, group.folder);
@@ -224,11 +295,16 @@ bool Storing::prepareFolder(const DataFolder& data, const FolderGroup& group, co
         text = writer.finish();
     }
     const bool isThere = reading == Reading::kDone;
+    const SeenTexts::Mark mark = SeenTexts::markOf(text);
     if (isThere == !text.empty() && text == before) {
+        noteStored(file.path, mark);
         return true;
     }
+    if (!mayReplace(file, group, before)) {
+        return false;
+    }
     // What is in the way may be damaged, and must not be lost.
-    if (isThere && !readRules(file, group.key, &lock, patience_)) {
+    if (isThere && !clearTheWay(file, group.key, lock, patience_)) {
         return false;
     }
     if (!text.empty()) {
@@ -239,7 +315,7 @@ bool Storing::prepareFolder(const DataFolder& data, const FolderGroup& group, co
             return false;
         }
     }
-    changes_.push_back({&group, file.path, text.empty()});
+    changes_.push_back({&group, file.path, text.empty(), mark});
     return true;
 }
 
@@ -290,6 +366,8 @@ bool Storing::commit(const DataFolder& data, const StoreLock& lock)
             removeFile(temporaryFor(change.target), patience_);
             failed[change.group->key] = true;
             complete = false;
+        } else {
+            noteStored(change.target, change.text);
         }
     }
     FolderChanges leaving;

@@ -1,5 +1,6 @@
 // The account directory file: who is in it, who is asked first, what a damaged line does.
 #include "debug_lines.h"
+#include "held_files.h"
 #include "store_test.h"
 
 #include <set>
@@ -35,6 +36,18 @@ constexpr const char* kExample = "lornix accounts 1\r\n"
                                  "group S-1-5-21-9-9-9-2001 Local Staff\r\n"
                                  "member eve\r\n"
                                  "end\r\n";
+
+ULONGLONG ticks = 0;
+
+ULONGLONG WINAPI handClock()
+{
+    return ticks;
+}
+
+void WINAPI handSleep(DWORD milliseconds)
+{
+    ticks += milliseconds;
+}
 
 class AccountFileTest : public StoreTest {
 protected:
@@ -289,6 +302,38 @@ TEST_F(AccountFileTest, TheVariableNamesTheFile)
     SetEnvironmentVariableW(kAccountsVariable, (root() / L"missing.txt").c_str());
     EXPECT_EQ(sidByName(L"alice"), L"");
     EXPECT_EQ(debug.with("missing.txt\" cannot be read"), 1);
+}
+
+TEST_F(AccountFileTest, AFileThatIsHeldIsReadWhenItIsLetGo)
+{
+    writeBytes(file(), kExample);
+    EXPECT_EQ(sidByName(L"alice"), L"S-1-5-21-1-2-3-1001");
+    writeBytes(file(), std::string(kExample) + "\n");
+    const DebugLines debug;
+    const ImportPatch clock(storeModule(), "GetTickCount64", &handClock);
+    const ImportPatch sleep(storeModule(), "Sleep", &handSleep);
+    ASSERT_EQ(clock.count(), 1);
+    ASSERT_EQ(sleep.count(), 1);
+    {
+        const HeldFiles held;
+        const ULONGLONG start = ticks;
+        free(getDomainServer()); // looks whether the file changed
+        EXPECT_EQ(sidByName(L"alice"), L"S-1-5-21-1-2-3-1001") << "what was read before counts on";
+        EXPECT_EQ(ticks - start, 300u) << "the wait of whoever only reads, and once for all questions";
+    }
+    EXPECT_GE(debug.with("accounts.txt\" cannot be read"), 1);
+
+    const auto named = root() / L"held.txt";
+    writeBytes(named, "lornix accounts 1\nuser S-1-5-21-1-1-1-1 zoe\nend\n");
+    SetEnvironmentVariableW(kAccountsVariable, named.c_str());
+    {
+        const HeldFiles held;
+        EXPECT_EQ(sidByName(L"zoe"), L"");
+        EXPECT_EQ(sidByName(L"alice"), L"") << "of another file";
+    }
+    EXPECT_EQ(sidByName(L"zoe"), L"") << "not looked for again at once";
+    ticks += 1000;
+    EXPECT_EQ(sidByName(L"zoe"), L"S-1-5-21-1-1-1-1") << "although the file was not touched";
 }
 
 TEST_F(AccountFileTest, NoFileIsNothingToTell)

@@ -177,17 +177,19 @@ TEST_F(DamageTest, FolderInThePlaceOfTheFile)
 
 TEST_F(DamageTest, LeftoversAndOtherFilesAreNoRules)
 {
-    const std::filesystem::path leftover = file_.wstring() + L".tmp";
+    const std::filesystem::path leftover = file_.wstring() + L".lornix-new";
     writeBytes(leftover, "lornix rules 1\r\nfolder\tD:\\Proj");
-    writeBytes(data() / "known-folders.txt.tmp", "half");
+    writeBytes(data() / "known-folders.txt.lornix-new", "half");
     writeBytes(rulesFolder() / "readme.txt", "notes of an administrator");
+    writeBytes(data() / "report.tmp", "another program's");
     EXPECT_EQ(stored(kFolder).size(), 2u);
     EXPECT_STREQ(lornixLastError(), L"");
     EXPECT_TRUE(std::filesystem::exists(leftover)) << "reading changes nothing";
     store({kFolder}, {{kFolder, 9}});
     EXPECT_FALSE(std::filesystem::exists(leftover));
-    EXPECT_FALSE(std::filesystem::exists(data() / "known-folders.txt.tmp"));
+    EXPECT_FALSE(std::filesystem::exists(data() / "known-folders.txt.lornix-new"));
     EXPECT_EQ(bytesOf(rulesFolder() / "readme.txt"), "notes of an administrator");
+    EXPECT_EQ(bytesOf(data() / "report.tmp"), "another program's");
 }
 
 TEST_F(DamageTest, KnownFoldersFile)

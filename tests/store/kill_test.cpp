@@ -51,7 +51,7 @@ std::size_t leftovers(const std::filesystem::path& folder)
 {
     const auto names = namesIn(folder);
     return static_cast<std::size_t>(std::count_if(
-        names.begin(), names.end(), [](const std::wstring& name) { return name.ends_with(L".tmp"); }));
+        names.begin(), names.end(), [](const std::wstring& name) { return name.ends_with(L".lornix-new"); }));
 }
 
 TEST_F(KillTest, AtRandomMoments)

@@ -467,7 +467,7 @@ TEST_F(ActiveExceptionsTest, NamesThatWouldLeadElsewhere)
     const auto names = namesIn(data());
     for (const wchar_t* name :
          {L"", L".", L"..", L"..\\x.cnf", L"C:x.cnf", L"a/b", L"excludes.txt", L"EXCLUDES.TXT",
-          L"lornix.lock", L"x.tmp", L"x.txt.", L"x.txt ", L"x.cnf:stream"})
+          L"lornix.lock", L"x.lornix-new", L"x.txt.", L"x.txt ", L"x.cnf:stream"})
     {
         storeRulesFromDriver(name);
         EXPECT_TRUE(reported(L"is no name for a file")) << testing::PrintToString(name);
@@ -542,7 +542,7 @@ TEST_F(ActiveExceptionsTest, AKillLeavesOneListOrTheOther)
         storeExcludes(); // clears away what was half written
         EXPECT_STREQ(lornixLastError(), L"");
         for (const std::wstring& name : namesIn(data())) {
-            EXPECT_FALSE(name.ends_with(L".tmp")) << testing::PrintToString(name);
+            EXPECT_FALSE(name.ends_with(L".lornix-new")) << testing::PrintToString(name);
         }
         freeExcludes();
     }

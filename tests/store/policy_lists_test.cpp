@@ -394,7 +394,7 @@ TEST_P(PolicyListsTest, WhatCannotBeStoredLeavesTheFormerList)
         EXPECT_EQ(bytesOf(activeFile()), before);
     }
     for (const std::wstring& name : namesIn(data())) {
-        EXPECT_FALSE(name.ends_with(L".tmp")) << testing::PrintToString(name);
+        EXPECT_FALSE(name.ends_with(L".lornix-new")) << testing::PrintToString(name);
     }
     EXPECT_EQ(texts(), (Texts{L"a", L"b"}));
     EXPECT_EQ(storedTexts(), Texts{L"a"});

@@ -1,0 +1,236 @@
+// What others store meanwhile, and what could not be read, is not replaced by whoever has not seen it.
+#include "held_files.h"
+
+#include <algorithm>
+
+namespace {
+
+using namespace store_test;
+using Names = std::vector<std::wstring>;
+
+const std::wstring kFolder = L"D:\\Projects";
+
+class OtherWriterTest : public StoreTest {
+protected:
+    /// Asks for rules while another program holds their file.
+    static void failToRead()
+    {
+        const HeldFiles held;
+        EXPECT_EQ(getQuotaList(kFolder.c_str()), nullptr);
+    }
+
+    /// Refused, and nothing is changed.
+    void expectRefused(const std::vector<Rule>& rules, const std::wstring& reason)
+    {
+        const std::string before = bytesOf(theRulesFile());
+        EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf(rules).get()), 0);
+        EXPECT_TRUE(reported(L"\"" + kFolder + L"\" " + reason));
+        EXPECT_TRUE(reported(L"Nothing was stored."));
+        EXPECT_EQ(bytesOf(theRulesFile()), before);
+        EXPECT_EQ(namesOf(Folders(lornixKnownFolders()).get()), Names{kFolder});
+    }
+
+    static void appendAndStore(PathList* known, const wchar_t* folder)
+    {
+        const Folders list(appendToPaths(known, folder));
+        storeKnownPaths(list.get());
+    }
+
+    std::filesystem::path knownFile() const { return data() / L"known-folders.txt"; }
+};
+
+TEST_F(OtherWriterTest, RulesThatChangedMeanwhileAreNotReplaced)
+{
+    store({kFolder}, {{kFolder, 7}});
+    const std::string theirs = bytesOf(theRulesFile());
+    store({kFolder}, {{kFolder, 8}});
+    EXPECT_EQ(stored(kFolder).size(), 1u);
+    writeBytes(theRulesFile(), theirs);
+    expectRefused({{kFolder, 9}}, L"were changed by somebody else");
+    expectRefused({}, L"were changed by somebody else");
+    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 7}}));
+    store({kFolder}, {{kFolder, 9}});  // now that they were seen
+    store({kFolder}, {{kFolder, 10}}); // and what was stored is seen too
+    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 10}}));
+}
+
+TEST_F(OtherWriterTest, RulesThatCameMeanwhileAreNotReplaced)
+{
+    store({kFolder}, {{kFolder, 7}});
+    const std::string theirs = bytesOf(theRulesFile());
+    const auto file = theRulesFile();
+    store({kFolder}, {});
+    EXPECT_TRUE(stored(kFolder).empty());
+    writeBytes(file, theirs);
+    EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 0);
+    EXPECT_TRUE(reported(L"were changed by somebody else"));
+    EXPECT_EQ(bytesOf(file), theirs);
+}
+
+TEST_F(OtherWriterTest, TheSameRulesAgainAreNoChange)
+{
+    store({kFolder}, {{kFolder, 7}});
+    const std::string theirs = bytesOf(theRulesFile());
+    store({kFolder}, {{kFolder, 8}});
+    EXPECT_EQ(stored(kFolder).size(), 1u);
+    writeBytes(theRulesFile(), theirs);
+    store({kFolder}, {{kFolder, 7}}); // what is there already
+    store({kFolder}, {{kFolder, 6}});
+    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 6}}));
+}
+
+TEST_F(OtherWriterTest, RulesThatCouldNotBeReadAreNotReplaced)
+{
+    store({kFolder}, {{kFolder, 7}});
+    failToRead();
+    EXPECT_TRUE(reported(L"cannot be read"));
+    expectRefused({}, L"could not be read and are not replaced unseen");
+    expectRefused({{kFolder, 9}}, L"could not be read and are not replaced unseen");
+    EXPECT_EQ(stored(kFolder).size(), 1u);
+    store({kFolder}, {});
+    EXPECT_TRUE(stored(kFolder).empty());
+}
+
+TEST_F(OtherWriterTest, OneFolderThatIsRefusedKeepsTheOthersAsTheyAre)
+{
+    const std::wstring other = L"D:\\Other";
+    store({kFolder}, {{kFolder, 7}});
+    const auto file = theRulesFile();
+    const std::string theirs = bytesOf(file);
+    store({kFolder, other}, {{kFolder, 8}, {other, 1}});
+    EXPECT_EQ(stored(kFolder).size(), 1u);
+    writeBytes(file, theirs);
+    EXPECT_EQ(lornixStoreRules(foldersOf({other, kFolder}).get(), chainOf({{other, 2}, {kFolder, 9}}).get()),
+              0);
+    EXPECT_EQ(stored(other), (std::vector<Rule>{{other, 1}}));
+    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 7}}));
+}
+
+TEST_F(OtherWriterTest, DamagedRulesThatWereMendedAreSeen)
+{
+    store({kFolder}, {{kFolder, 7}, {kFolder, 8}});
+    std::string text = bytesOf(theRulesFile());
+    writeBytes(theRulesFile(), text.replace(text.find("8\t"), 1, "x"));
+    EXPECT_EQ(stored(kFolder).size(), 1u);
+    EXPECT_TRUE(reported(L"is damaged"));
+    store({kFolder}, {{kFolder, 9}});
+    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
+}
+
+TEST_F(OtherWriterTest, ForeignRulesThatWereSetAsideAreSeen)
+{
+    store({kFolder}, {{kFolder, 7}});
+    writeBytes(theRulesFile(), "a shopping list");
+    EXPECT_TRUE(stored(kFolder).empty());
+    store({kFolder}, {{kFolder, 9}});
+    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
+    EXPECT_EQ(bytesOf(setAside() / namesIn(setAside()).at(0)), "a shopping list");
+}
+
+TEST_F(OtherWriterTest, WhoAsksForNothingReplacesWhatIsThere)
+{
+    store({kFolder}, {{kFolder, 7}});
+    writeBytes(theRulesFile(), "a shopping list");
+    EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 1);
+    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
+}
+
+TEST_F(OtherWriterTest, KnownFoldersThatCouldNotBeReadAreKept)
+{
+    storeKnownPaths(foldersOf({L"C:\\a", L"C:\\b"}).get());
+    PathList* known = nullptr;
+    {
+        const HeldFiles held;
+        known = getKnownPaths();
+    }
+    EXPECT_EQ(known, nullptr);
+    EXPECT_TRUE(reported(L"cannot be read"));
+    appendAndStore(known, L"C:\\c");
+    EXPECT_EQ(namesOf(Folders(getKnownPaths()).get()), (Names{L"C:\\a", L"C:\\b", L"C:\\c"}));
+}
+
+TEST_F(OtherWriterTest, KnownFoldersThatCameMeanwhileAreKept)
+{
+    storeKnownPaths(foldersOf({L"C:\\a", L"C:\\b", L"C:\\theirs"}).get());
+    const std::string theirs = bytesOf(knownFile());
+    storeKnownPaths(foldersOf({L"C:\\a", L"C:\\b"}).get());
+    PathList* const known = getKnownPaths();
+    EXPECT_EQ(namesOf(known), (Names{L"C:\\a", L"C:\\b"}));
+    writeBytes(knownFile(), theirs);
+    appendAndStore(known, L"C:\\c");
+    EXPECT_EQ(namesOf(Folders(lornixKnownFolders()).get()),
+              (Names{L"C:\\a", L"C:\\b", L"C:\\theirs", L"C:\\c"}));
+
+    // Whoever was given a, b and took b out, and knows nothing of theirs, takes b out.
+    storeKnownPaths(foldersOf({L"C:\\a", L"C:\\c"}).get());
+    EXPECT_EQ(namesOf(Folders(lornixKnownFolders()).get()), (Names{L"C:\\a", L"C:\\theirs", L"C:\\c"}));
+}
+
+TEST_F(OtherWriterTest, KnownFoldersThatWereGivenAreReplaced)
+{
+    storeKnownPaths(foldersOf({L"C:\\a", L"C:\\b"}).get());
+    const Folders known(getKnownPaths());
+    storeKnownPaths(foldersOf({L"C:\\c", L"C:\\b"}).get());
+    EXPECT_EQ(namesOf(Folders(getKnownPaths()).get()), (Names{L"C:\\c", L"C:\\b"}));
+    storeKnownPaths(nullptr);
+    EXPECT_EQ(getKnownPaths(), nullptr);
+}
+
+TEST_F(OtherWriterTest, AListThatChangedMeanwhileIsNotReplaced)
+{
+    const auto file = data() / L"excludes.txt";
+    const auto add = [](const wchar_t* text) {
+        addToExcludes(_wcsdup(text));
+    };
+    loadExcludes();
+    add(L"C:\\theirs");
+    storeExcludes();
+    const std::string theirs = bytesOf(file);
+    add(L"C:\\more");
+    storeExcludes(); // twice in a row is no change by somebody else
+    EXPECT_STREQ(lornixLastError(), L"");
+    loadExcludes();
+    writeBytes(file, theirs);
+    add(L"C:\\ours");
+    storeExcludes();
+    EXPECT_TRUE(reported(L"was changed by somebody else since it was loaded"));
+    EXPECT_EQ(bytesOf(file), theirs);
+    loadExcludes();
+    add(L"C:\\ours");
+    storeExcludes();
+    EXPECT_STREQ(lornixLastError(), L"");
+    EXPECT_STREQ(getExcludes(0), L"C:\\theirs");
+    EXPECT_STREQ(getExcludes(1), L"C:\\ours");
+    freeExcludes();
+}
+
+TEST_F(OtherWriterTest, FailuresAreKeptUntilTheyAreTaken)
+{
+    lornixTakeErrors();
+    EXPECT_STREQ(lornixTakeErrors(), L"");
+    store({kFolder}, {{kFolder, 7}});
+    EXPECT_EQ(getQuotaList(L""), nullptr);
+    const std::wstring first = lornixLastError();
+    EXPECT_EQ(getQuotaList(L""), nullptr);
+    failToRead();
+    const std::wstring second = lornixLastError();
+    EXPECT_EQ(stored(kFolder).size(), 1u);
+    EXPECT_STREQ(lornixLastError(), L"");
+    EXPECT_EQ(lornixTakeErrors(), first + L"\n" + second);
+    EXPECT_STREQ(lornixTakeErrors(), L"");
+}
+
+TEST_F(OtherWriterTest, NoMoreFailuresAreKeptThanAPersonReads)
+{
+    lornixTakeErrors();
+    for (int i = 0; i < 150; ++i) {
+        EXPECT_EQ(lornixSetDataFolder((L"no" + std::to_wstring(i)).c_str()), 0);
+    }
+    const std::wstring text = lornixTakeErrors();
+    EXPECT_EQ(std::count(text.begin(), text.end(), L'\n'), 100);
+    EXPECT_NE(text.find(L"\"no99\""), std::wstring::npos);
+    EXPECT_EQ(text.find(L"\"no100\""), std::wstring::npos);
+    EXPECT_NE(text.find(L"\nMore could not be done"), std::wstring::npos);
+}
+
+} // namespace

@@ -6,6 +6,13 @@
 #   desktop  on a person's own display, among its other windows
 
 wine_root=$PWD/build/wine
+# The key to a person's display lies in the home folder, which the runtime does not get to see.
+if [ -n "${DISPLAY:-}" ]; then
+    wine_authority=${XAUTHORITY:-${HOME:-}/.Xauthority}
+    if [ -e "$wine_authority" ]; then
+        export XAUTHORITY=$wine_authority
+    fi
+fi
 unset LIBRARY_PATH CPATH    # the cross linker would take host libraries from them
 export WINEARCH=win64 WINEDEBUG=-all
 # Neither the add-on installers nor the crash dialog may pop up; a crash then ends the process at once.

@@ -206,6 +206,7 @@ stop_all() {
     local name
     set +e
     trap - ERR
+    trap '' HUP INT TERM    # a signal that comes twice would end it half way
     for name in "${!lock_files[@]}"; do
         case $name in quiet | screen | desktop | template) wine_stop "$name" ;; esac
     done

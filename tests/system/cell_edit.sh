@@ -108,7 +108,8 @@ wait_status '62 rules in 2 folders'
 press alt+u Home space
 wait_shows 0 chosen "$panel" $id_rules
 at point "$panel" $id_rules && xdotool click --repeat 30 5
-row_0_is_above() { [ "$(peek cell "$panel" $id_rules 0 1 | cut -d ' ' -f 2)" -lt "$(peek header "$panel" $id_rules 1 | cut -d ' ' -f 2)" ]; }
+height_of() { peek "$@" | cut -d ' ' -f 2; }
+row_0_is_above() { [ "$(height_of cell "$panel" $id_rules 0 1)" -lt "$(height_of header "$panel" $id_rules 1)" ]; }
 wait_for 'the first row out of sight' row_0_is_above
 press F2
 wait_shows cell focus "$panel"
@@ -116,14 +117,6 @@ type_text 7M
 press Return
 wait_unsaved
 expect 'the new soft limit' 7168K "$(cell 0 2)"
-
-step 'scrolling takes what was typed'
-press F2
-wait_shows cell focus "$panel"
-type_text 8M
-at point "$panel" $id_rules && xdotool click --repeat 5 5
-wait_shows $id_rules focus "$panel"
-expect 'the new soft limit' 8192K "$(cell 0 2)"
 press ctrl+s
 wait_saved
 host_close

@@ -108,6 +108,7 @@ void RulePage::hide(const std::vector<std::wstring>& folders)
     for (const std::wstring& folder : folders) {
         keys.insert(folderKey(folder));
         stored_.erase(folderKey(folder));
+        announced_.erase(folderKey(folder));
     }
     const PaintPause pause(list_);
     ListView_SetItemState(list_, -1, 0, LVIS_SELECTED);
@@ -125,7 +126,14 @@ std::wstring RulePage::add(void* sid, const std::vector<std::wstring>& folders)
     PathBlock paths(folders);
     // The result only tells whether a dialog was cancelled; rules of other folders may have been added all
     // the same, so what changed is found by comparing.
-    std::wstring problems = storeErrorsOf([&] { addToListCtrl(dialog_, listId_, sid, paths.list()); });
+    unsigned char allTaken = 0;
+    std::wstring problems =
+        storeErrorsOf([&] { allTaken = addToListCtrl(dialog_, listId_, sid, paths.list()); });
+    if (allTaken != 0) {
+        for (const std::wstring& folder : folders) {
+            announced_.insert(folderKey(folder));
+        }
+    }
     showBackslashes();
     return problems;
 }
@@ -203,17 +211,20 @@ int RulePage::count() const
 RulePage::Stored RulePage::store(const std::vector<std::wstring>& folders)
 {
     RuleState now = stateOf(chain());
-    const std::set<std::wstring> changed = changedFolders(now, stored_);
+    std::set<std::wstring> touched = changedFolders(now, stored_);
+    touched.insert(announced_.begin(),
+                   announced_.end()); // without a rule in the end, they are to be forgotten
     std::vector<std::wstring> names;
     std::copy_if(folders.begin(), folders.end(), std::back_inserter(names),
-                 [&](const std::wstring& folder) { return changed.contains(folderKey(folder)); });
+                 [&](const std::wstring& folder) { return touched.contains(folderKey(folder)); });
     PathBlock paths(std::move(names));
-    const RuleExcerpt rules(chain(), changed);
+    const RuleExcerpt rules(chain(), touched);
     Stored result{};
     result.problems =
         storeErrorsOf([&] { result.done = lornixStoreRules(paths.list(), rules.first()) != 0; });
     if (result.done) {
         stored_ = std::move(now);
+        announced_.clear();
     }
     return result;
 }

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -56,7 +57,7 @@ public:
         std::wstring problems; ///< why it is not, or what was met on the way; empty when nothing was
     };
 
-    /// Stores the rules of the folders that were changed here. The others are left to the store: what could not be
+    /// Stores the rules of the folders that were changed here, by adding a rule that is dropped again too. The others are left to the store: what could not be
     /// read of them, or what somebody else has stored there meanwhile, is not overwritten.
     /// @param folders  all folders shown.
     Stored store(const std::vector<std::wstring>& folders);
@@ -86,6 +87,8 @@ private:
     int listId_;
     HWND list_;
     RuleState stored_;
+    std::set<std::wstring>
+        announced_; // by folderKey: addToListCtrl made them known to the store, rules or not
 };
 
 } // namespace host

@@ -2,7 +2,7 @@
 # Apply stores the folders that were changed here and no others: neither what somebody else has stored meanwhile nor
 # what could not be read is lost.
 . "$(dirname "$0")/story.sh"
-story_begin "$1" "$2" One Two
+story_begin "$1" "$2" One Two Three
 store_rules One 30M 20M Two 50M 40M
 
 # change_one LIMIT: changes and stores the rule of the first folder.
@@ -45,3 +45,17 @@ change_one 11M
 host_close
 expect_limits 'One|11534336|11534336
 Two|62914560|41943040'
+
+step 'a folder whose new rule is dropped again before it is stored: the store forgets it'
+host_start
+add_folder "$tree\\Three"
+add_rule 30M 20M
+wait_column 5 "$(printf '%s|' "$tree\\Three" "$tree\\Two" "$tree\\One" | sed 's/|$//')"
+click_cell 0 0
+press Delete
+wait_status '2 rules in 3 folders'
+change_one 12M
+host_close
+host_start
+wait_status '2 rules in 2 folders'
+host_close

@@ -57,8 +57,9 @@ public:
         std::wstring problems; ///< why it is not, or what was met on the way; empty when nothing was
     };
 
-    /// Stores the rules of the folders that were changed here, by adding a rule that is dropped again too. The others are left to the store: what could not be
-    /// read of them, or what somebody else has stored there meanwhile, is not overwritten.
+    /// Stores the rules of the folders that were changed here, be it by adding a rule that was dropped again. The
+    /// others are left to the store: what could not be read of them, or what somebody else has stored there
+    /// meanwhile, is not overwritten.
     /// @param folders  all folders shown.
     Stored store(const std::vector<std::wstring>& folders);
 

@@ -1,9 +1,10 @@
 #include "host/accounts.h"
 
+#include "host/folder_name.h"
+
 #include <aclapi.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <set>
 
@@ -50,28 +51,74 @@ private:
     HCURSOR before_;
 };
 
-/// Who owns files under some folders, each once, in the order of being met.
+struct CloseFind {
+    void operator()(void* find) const { FindClose(find); }
+};
+
+/// Looks for those who own files and folders, each once, in the order of being met.
+class OwnerSearch {
+public:
+    /// @param folder  in the form that may have any length.
+    void lookAt(const std::wstring& folder)
+    {
+        std::vector<std::wstring> waiting{folder}; // a stack of its own: folders may be nested deeply
+        while (!waiting.empty() && seen_ < kMostFiles) {
+            const std::wstring next = std::move(waiting.back());
+            waiting.pop_back();
+            lookInto(next, waiting);
+        }
+    }
+
+    std::vector<Sid> owners() && { return std::move(owners_); }
+
+private:
+    void lookInto(const std::wstring& folder, std::vector<std::wstring>& waiting)
+    {
+        const bool isRoot = folder.ends_with(L'\\');
+        const std::wstring start = isRoot ? folder : folder + L'\\';
+        WIN32_FIND_DATAW entry{};
+        const HANDLE first = FindFirstFileW((start + L'*').c_str(), &entry);
+        if (first == INVALID_HANDLE_VALUE) {
+            return; // what cannot be read has no owners to offer
+        }
+        const std::unique_ptr<void, CloseFind> find(first);
+        do {
+            const std::wstring name = entry.cFileName;
+            if (name == L"." || name == L"..") {
+                continue;
+            }
+            ++seen_;
+            note(ownerOf(start + name));
+            // A link may lead back to where the search comes from.
+            const bool isLink = (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+                                IsReparseTagNameSurrogate(entry.dwReserved0);
+            if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 && !isLink) {
+                waiting.push_back(start + name);
+            }
+        } while (seen_ < kMostFiles && FindNextFileW(first, &entry));
+    }
+
+    void note(Sid owner)
+    {
+        if (!owner.empty() && known_.insert(ownerKey(owner)).second) {
+            owners_.push_back(std::move(owner));
+        }
+    }
+
+    std::vector<Sid> owners_;
+    std::set<std::wstring> known_;
+    int seen_ = 0;
+};
+
+/// Who owns what is in some folders.
 std::vector<Sid> ownersIn(const std::vector<std::wstring>& folders)
 {
     const Waiting waiting;
-    std::vector<Sid> owners;
-    std::set<std::wstring> known;
-    int seen = 0;
+    OwnerSearch search;
     for (const std::wstring& folder : folders) {
-        std::error_code error;
-        using std::filesystem::directory_options;
-        for (std::filesystem::recursive_directory_iterator
-                 file(folder, directory_options::skip_permission_denied, error),
-             end;
-             !error && file != end && seen < kMostFiles; file.increment(error), ++seen)
-        {
-            Sid owner = ownerOf(file->path().wstring());
-            if (!owner.empty() && known.insert(ownerKey(owner)).second) {
-                owners.push_back(std::move(owner));
-            }
-        }
+        search.lookAt(longForm(fullPath(folder)));
     }
-    return owners;
+    return std::move(search).owners();
 }
 
 struct Free {

@@ -5,8 +5,8 @@
 
 namespace host {
 
-/// Writes UTF-8 lines. @param error  to standard error. A program with windows has neither when it was
-/// started from the desktop: the text is dropped then.
+/// Writes lines: characters to a console, UTF-8 to anything else. @param error  to standard error. A program with
+/// windows has neither when it was started from the desktop: the text is dropped then.
 void printText(const std::wstring& text, bool error = false);
 
 } // namespace host

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -15,9 +16,9 @@ public:
     {
     }
 
-    /// Shows a folder at the end of the list.
-    /// @param name  tidy name that the list does not have yet.
-    void add(const std::wstring& name);
+    /// Shows folders at the end of the list. Names of nothing, and folders that are shown already, are left out.
+    /// @return the tidy names of those that were added.
+    std::vector<std::wstring> add(const std::vector<std::wstring>& names);
 
     /// Selects a folder that is shown and no other.
     void selectOnly(const std::wstring& name);
@@ -33,11 +34,12 @@ public:
     void remove(const std::vector<std::wstring>& names);
 
 private:
-    int indexOf(const std::wstring& name) const;
-    void fitScrollBar();
+    void fitScrollBar(const std::vector<std::wstring>& newNames);
 
     HWND box_;
-    std::vector<std::wstring> names_; // entry i of the box is names_[i]
+    std::vector<std::wstring> names_;                // entry i of the box is names_[i]
+    std::unordered_map<std::wstring, size_t> byKey_; // where each stands, by folderKey
+    LONG widest_ = 0;                                // of the names, in pixels
 };
 
 /// Checks a folder that a person typed.

@@ -39,4 +39,21 @@ bool isFullPath(const std::wstring& tidyName)
     return drive || server;
 }
 
+std::wstring fullPath(const std::wstring& path)
+{
+    const DWORD room = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
+    std::wstring full(room, L'\0');
+    full.resize(GetFullPathNameW(path.c_str(), room, full.data(), nullptr));
+    return full.empty() ? path : full;
+}
+
+std::wstring longForm(const std::wstring& path)
+{
+    const bool isDevice = path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
+    if (isDevice || !isFullPath(path)) {
+        return path;
+    }
+    return path.starts_with(L"\\\\") ? L"\\\\?\\UNC" + path.substr(1) : L"\\\\?\\" + path;
+}
+
 } // namespace host

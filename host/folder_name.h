@@ -15,4 +15,12 @@ std::wstring folderKey(const std::wstring& name);
 /// @return true for a name that starts at a drive or a server and so means the same everywhere.
 bool isFullPath(const std::wstring& tidyName);
 
+/// A path as the platform understands it: from the current folder on, and with dots worked out.
+std::wstring fullPath(const std::wstring& path);
+
+/// The form of a full path that the platform takes at any length. It is taken as it stands: no slashes are turned
+/// round in it and no dots worked out.
+/// @param path  full, with backslashes. What is not one, and what has this form already, comes back as it is.
+std::wstring longForm(const std::wstring& path);
+
 } // namespace host

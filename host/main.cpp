@@ -2,6 +2,7 @@
 #include "host/command_line.h"
 #include "host/console.h"
 #include "host/dump.h"
+#include "host/folder_name.h"
 #include "host/message.h"
 #include "host/panel_window.h"
 #include "host/runtime_gaps.h"
@@ -31,15 +32,6 @@ std::vector<std::wstring> programArguments()
     return {words.get() + 1, words.get() + count};
 }
 
-/// A folder given by a shell may be meant from where the shell stands.
-std::wstring fullPath(const std::wstring& path)
-{
-    const DWORD room = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
-    std::wstring full(room, L'\0');
-    full.resize(GetFullPathNameW(path.c_str(), room, full.data(), nullptr));
-    return full.empty() ? path : full;
-}
-
 /// A program asked to print is run by a script, which reads no boxes.
 int fail(const host::CommandLine& line, const std::wstring& problem, int code)
 {
@@ -59,8 +51,9 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
     if (!line.problem.empty()) {
         return fail(line, line.problem + L"\n\n" + host::kUsage, kBadCommandLine);
     }
-    std::transform(line.folders.begin(), line.folders.end(), line.folders.begin(), fullPath);
-    if (!line.dataFolder.empty() && lornixSetDataFolder(fullPath(line.dataFolder).c_str()) == 0) {
+    // A folder given by a shell may be meant from where the shell stands.
+    std::transform(line.folders.begin(), line.folders.end(), line.folders.begin(), host::fullPath);
+    if (!line.dataFolder.empty() && lornixSetDataFolder(host::fullPath(line.dataFolder).c_str()) == 0) {
         return fail(line,
                     L"The data folder \"" + line.dataFolder + L"\" cannot be used.\n\n" + lornixLastError(),
                     kFailed);

@@ -1,9 +1,11 @@
 // What the panel does when it is told to; how it comes to be told stands in panel_window.cpp.
-#include "host/accounts.h"
+#include "host/first_lines.h"
 #include "host/folder_name.h"
+#include "host/library_dialogs.h"
 #include "host/message.h"
 #include "host/panel_window.h"
 #include "host/resource.h"
+#include "host/store_errors.h"
 
 #include "corvane.h"
 
@@ -12,6 +14,7 @@ namespace {
 
 constexpr wchar_t kCaption[] = L"Quota Control Panel";
 constexpr wchar_t kUnsaved[] = L"Unsaved Changes";
+constexpr wchar_t kNotAllDone[] = L"Not everything could be read or stored.";
 
 } // namespace
 
@@ -39,15 +42,7 @@ void PanelWindow::addTypedFolder(const std::wstring& typed)
 
 void PanelWindow::showFolders(const std::vector<std::wstring>& folders)
 {
-    std::vector<std::wstring> added;
-    for (const std::wstring& name : folders) {
-        const std::wstring folder = tidyFolder(name);
-        if (!folder.empty() && !folders_->has(folder)) {
-            folders_->add(folder);
-            added.push_back(folder);
-        }
-    }
-    const std::wstring error = page_->show(added);
+    const std::wstring error = page_->show(folders_->add(folders));
     rulesChanged();
     selectionChanged();
     if (!error.empty()) {
@@ -75,21 +70,35 @@ void PanelWindow::addFor(void* sid)
 {
     const std::vector<std::wstring> chosen = folders_->selected();
     if (mayEdit_ && !chosen.empty()) {
-        page_->add(sid, chosen);
+        const std::wstring error = page_->add(sid, chosen);
         rulesChanged();
+        if (!error.empty()) {
+            reportStore(kNotAllDone, error);
+        }
     }
 }
 
 void PanelWindow::addForAccount()
 {
-    if (const AccountChoice account = chooseAccount(window_); account.made) {
-        addFor(account.sid);
-    }
+    AccountChoice account{};
+    const std::wstring error = storeErrorsOf([&] { account = chooseAccount(window_); });
+    addForChosen(account, error);
 }
 
 void PanelWindow::addForOwner()
 {
-    if (const AccountChoice account = chooseAccountOwnersFirst(window_, folders_->selected()); account.made) {
+    AccountChoice account{};
+    const std::wstring error =
+        storeErrorsOf([&] { account = chooseAccountOwnersFirst(window_, folders_->selected()); });
+    addForChosen(account, error);
+}
+
+void PanelWindow::addForChosen(const AccountChoice& account, const std::wstring& error)
+{
+    if (!error.empty()) {
+        reportStore(kNotAllDone, error);
+    }
+    if (account.made) {
         addFor(account.sid);
     }
 }
@@ -97,29 +106,43 @@ void PanelWindow::addForOwner()
 void PanelWindow::edit()
 {
     if (mayEdit_) {
-        page_->edit();
+        const std::wstring error = page_->edit();
         rulesChanged();
+        if (!error.empty()) {
+            reportStore(kNotAllDone, error);
+        }
     }
 }
 
 /// Edit and Drop are there for those who may change rules, while a row is selected.
 void PanelWindow::updateRuleButtons()
 {
-    if (mayEdit_) {
-        checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    if (!mayEdit_) {
+        return;
     }
+    for (const int id : {IDC_EDIT, IDC_DROP}) {
+        if (GetFocus() == GetDlgItem(window_, id) && page_->selectedRow() < 0) {
+            SetFocus(page_->list()); // a disabled window gets no keys
+        }
+    }
+    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
 }
 
 void PanelWindow::drop()
 {
-    if (!mayEdit_) {
-        return;
+    if (mayEdit_) {
+        page_->drop();
+        rulesChanged();
     }
-    page_->drop();
-    rulesChanged();
-    updateRuleButtons();
-    SetFocus(
-        page_->list()); // the button that was pressed is disabled now, and a disabled window gets no keys
+}
+
+void PanelWindow::openDialogOf(int menuEntry)
+{
+    // The library's dialogs load and store by themselves, and say nothing when the store cannot.
+    const std::wstring error = storeErrorsOf([&] { openLibraryDialog(window_, menuEntry); });
+    if (!error.empty()) {
+        reportStore(kNotAllDone, error);
+    }
 }
 
 bool PanelWindow::apply()
@@ -127,13 +150,16 @@ bool PanelWindow::apply()
     if (!modified_) {
         return true;
     }
-    const std::wstring error = page_->store(folders_->all());
-    if (!error.empty()) {
-        reportStore(L"The rules were not stored.", error);
+    const RulePage::Stored stored = page_->store(folders_->all());
+    if (!stored.done) {
+        reportStore(L"The rules were not stored.", stored.problems);
         return false;
     }
     status_->showError({});
     rulesChanged();
+    if (!stored.problems.empty()) {
+        reportStore(L"The rules are stored. There is more to know:", stored.problems);
+    }
     return true;
 }
 
@@ -149,10 +175,33 @@ void PanelWindow::reload()
     const std::wstring error = page_->show(folders_->all());
     status_->showError({});
     rulesChanged();
-    updateRuleButtons();
     if (!error.empty()) {
         reportStore(L"Not all rules could be read.", error);
     }
+}
+
+/// Whether a dialog or a box is open, behind which the panel cannot go: what opened it goes on when it closes. The
+/// person is shown it.
+bool PanelWindow::hasOpenDialog()
+{
+    if (IsWindowEnabled(window_)) {
+        return false;
+    }
+    SetForegroundWindow(GetLastActivePopup(window_));
+    MessageBeep(MB_ICONWARNING);
+    return true;
+}
+
+/// Asks nothing: the system has its own screen for programs that want the session to go on, with the reason.
+bool PanelWindow::mayEndSession()
+{
+    const bool dialogIsOpen = IsWindowEnabled(window_) == FALSE;
+    if (!dialogIsOpen && !modified_ && !cell_->isOpen()) {
+        return true;
+    }
+    ShutdownBlockReasonCreate(window_,
+                              dialogIsOpen ? L"A dialog is open." : L"The rules have unsaved changes.");
+    return false;
 }
 
 bool PanelWindow::mayClose()
@@ -200,6 +249,7 @@ bool PanelWindow::finishCell()
 
 void PanelWindow::rulesChanged()
 {
+    updateRuleButtons();
     modified_ = page_->isModified();
     SetWindowTextW(window_, modified_ ? (std::wstring(kCaption) + L" - unsaved changes").c_str() : kCaption);
     enable(IDC_APPLY, modified_);
@@ -235,8 +285,9 @@ void PanelWindow::enable(int id, bool enabled)
 
 void PanelWindow::reportStore(const std::wstring& whatFailed, const std::wstring& error)
 {
+    constexpr size_t kMostLines = 12;
     status_->showError(error);
-    say(window_, MB_ICONERROR, L"Quota Store", whatFailed + L"\n\n" + error);
+    say(window_, MB_ICONERROR, L"Quota Store", whatFailed + L"\n\n" + firstLines(error, kMostLines));
 }
 
 } // namespace host

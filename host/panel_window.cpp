@@ -1,6 +1,5 @@
 #include "host/panel_window.h"
 
-#include "host/library_dialogs.h"
 #include "host/panel_layout.h"
 #include "host/resource.h"
 #include "host/window_text.h"
@@ -99,7 +98,7 @@ INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
         return TRUE;
     case kCellDone:
         if (cell_->finish()) {
-            rulesChanged();
+            rulesChanged(); // also for a cell that was given up: Apply is as before it was opened
         }
         return TRUE;
     case WM_SIZE:
@@ -115,12 +114,18 @@ INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
         return TRUE;
     }
     case WM_CLOSE:
-        if (mayClose()) {
+        if (!hasOpenDialog() && mayClose()) {
             DestroyWindow(window_);
         }
         return TRUE;
     case WM_QUERYENDSESSION:
-        SetWindowLongPtrW(window_, DWLP_MSGRESULT, mayClose() ? TRUE : FALSE);
+        SetWindowLongPtrW(window_, DWLP_MSGRESULT, mayEndSession() ? TRUE : FALSE);
+        return TRUE;
+    case WM_ENDSESSION:
+        if (wParam == FALSE) {
+            ShutdownBlockReasonDestroy(
+                window_); // the session goes on, and the reason is not for the next time
+        }
         return TRUE;
     case WM_DESTROY:
         tearDown();
@@ -212,7 +217,7 @@ void PanelWindow::command(int id, int code)
         PostMessageW(window_, WM_CLOSE, 0, 0);
         return;
     default:
-        openLibraryDialog(window_, id);
+        openDialogOf(id);
         return; // Esc, among others: a window with unsaved work does not close by one key
     }
 }
@@ -232,7 +237,7 @@ void PanelWindow::notified(const NMHDR& header)
     if (header.hwndFrom == ListView_GetHeader(page_->list()) &&
         (header.code == HDN_BEGINTRACKW || header.code == HDN_BEGINDRAG))
     {
-        PostMessageW(window_, kCellDone, 0, 0); // as for scrolling, below
+        leaveCell(); // as for scrolling, below
     }
     if (header.hwndFrom != page_->list()) {
         return;
@@ -247,7 +252,7 @@ void PanelWindow::notified(const NMHDR& header)
         }
         break;
     case LVN_BEGINSCROLL:
-        PostMessageW(window_, kCellDone, 0, 0); // the cell moves away under its edit
+        leaveCell(); // the cell moves away under its edit
         break;
     case LVN_KEYDOWN:
         keyInList(reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey);
@@ -266,6 +271,13 @@ void PanelWindow::notified(const NMHDR& header)
     }
     default:
         break;
+    }
+}
+
+void PanelWindow::leaveCell()
+{
+    if (cell_->isOpen()) {
+        PostMessageW(window_, kCellDone, 0, 0); // not now: the list is in the middle of what it tells
     }
 }
 

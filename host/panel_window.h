@@ -1,6 +1,7 @@
 // The control panel's window: turns what the person does into calls of the page, the folders and the store.
 #pragma once
 
+#include "host/accounts.h"
 #include "host/cell_editor.h"
 #include "host/folder_list.h"
 #include "host/rule_page.h"
@@ -32,6 +33,7 @@ private:
     void command(int id, int code);
     void notified(const NMHDR& header);
     void keyInList(WORD key);
+    void leaveCell();
     void enterPressed();
     void updateMenu(HMENU menu);
 
@@ -41,12 +43,16 @@ private:
     void addFor(void* sid);
     void addForAccount();
     void addForOwner();
+    void addForChosen(const AccountChoice& account, const std::wstring& error);
     void updateRuleButtons();
     void edit();
     void drop();
     bool apply();
     void reload();
+    void openDialogOf(int menuEntry);
+    bool hasOpenDialog();
     bool mayClose();
+    bool mayEndSession();
 
     void openCell(int row);
     bool finishCell();

@@ -2,7 +2,9 @@
 
 #include "host/folder_name.h"
 #include "host/limit_text.h"
+#include "host/paint_pause.h"
 #include "host/path_block.h"
+#include "host/store_errors.h"
 
 #include "corvane.h"
 #include "lornix/lornix_host.h"
@@ -10,6 +12,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 namespace host {
@@ -20,34 +23,6 @@ constexpr int kHardLimit = 1;
 constexpr int kSoftLimit = RulePage::kSoftLimitColumn;
 constexpr int kPercent = 4;
 constexpr int kFolder = 5;
-
-/// Keeps a list view from painting every single change.
-class PaintPause {
-public:
-    explicit PaintPause(HWND window)
-        : window_(window)
-    {
-        SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
-    }
-    ~PaintPause()
-    {
-        SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
-        InvalidateRect(window_, nullptr, TRUE);
-    }
-    PaintPause(const PaintPause&) = delete;
-    PaintPause& operator=(const PaintPause&) = delete;
-
-private:
-    HWND window_;
-};
-
-void addLines(std::wstring& text, const wchar_t* more)
-{
-    if (*more != 0) {
-        text += text.empty() ? L"" : L"\n";
-        text += more;
-    }
-}
 
 } // namespace
 
@@ -102,15 +77,12 @@ QuotaRule* RulePage::ruleOf(int row) const
 
 std::wstring RulePage::show(const std::vector<std::wstring>& folders)
 {
+    PathBlock paths(folders);
     std::wstring problems;
     {
         const PaintPause pause(list_);
-        for (const std::wstring& folder : folders) {
-            // One by one: the store tells the problems of the last call only.
-            PathBlock one({folder});
-            fillUpListCtrl(one.list(), dialog_, listId_);
-            addLines(problems, lornixLastError());
-        }
+        // All at once: with every call the library looks at all rows that are there already.
+        problems = storeErrorsOf([&] { fillUpListCtrl(paths.list(), dialog_, listId_); });
     }
     const RuleState now = stateOf(chain());
     for (const std::wstring& folder : folders) {
@@ -136,6 +108,7 @@ void RulePage::hide(const std::vector<std::wstring>& folders)
     for (const std::wstring& folder : folders) {
         keys.insert(folderKey(folder));
         stored_.erase(folderKey(folder));
+        announced_.erase(folderKey(folder));
     }
     const PaintPause pause(list_);
     ListView_SetItemState(list_, -1, 0, LVIS_SELECTED);
@@ -148,13 +121,21 @@ void RulePage::hide(const std::vector<std::wstring>& folders)
     drop();
 }
 
-void RulePage::add(void* sid, const std::vector<std::wstring>& folders)
+std::wstring RulePage::add(void* sid, const std::vector<std::wstring>& folders)
 {
     PathBlock paths(folders);
     // The result only tells whether a dialog was cancelled; rules of other folders may have been added all
     // the same, so what changed is found by comparing.
-    addToListCtrl(dialog_, listId_, sid, paths.list());
+    unsigned char allTaken = 0;
+    std::wstring problems =
+        storeErrorsOf([&] { allTaken = addToListCtrl(dialog_, listId_, sid, paths.list()); });
+    if (allTaken != 0) {
+        for (const std::wstring& folder : folders) {
+            announced_.insert(folderKey(folder));
+        }
+    }
     showBackslashes();
+    return problems;
 }
 
 void RulePage::showBackslashes()
@@ -169,20 +150,23 @@ void RulePage::showBackslashes()
     }
 }
 
-void RulePage::edit()
+std::wstring RulePage::edit()
 {
     const int row = selectedRow();
     QuotaRule* rule = row < 0 ? nullptr : ruleOf(row);
     if (rule == nullptr) {
-        return;
+        return {};
     }
     const QuotaRule before = *rule;
-    if (editFromListCtrl(dialog_, listId_) == 0) {
+    bool taken = false;
+    std::wstring problems = storeErrorsOf([&] { taken = editFromListCtrl(dialog_, listId_) != 0; });
+    if (!taken) {
         // Limits that the dialog corrected after a refused OK stay in the record. Here Cancel means cancel.
         rule->hardLimit = before.hardLimit;
         rule->softLimit = before.softLimit;
         rule->inUse = before.inUse;
     }
+    return problems;
 }
 
 std::vector<QuotaRule*> RulePage::selectedRules() const
@@ -224,15 +208,25 @@ int RulePage::count() const
     return countItems2(reinterpret_cast<CListCtrl*>(&list));
 }
 
-std::wstring RulePage::store(const std::vector<std::wstring>& folders)
+RulePage::Stored RulePage::store(const std::vector<std::wstring>& folders)
 {
-    PathBlock paths(folders);
-    const QuotaRule* rules = chain();
-    if (lornixStoreRules(paths.list(), rules) == 0) {
-        return lornixLastError();
+    RuleState now = stateOf(chain());
+    std::set<std::wstring> touched = changedFolders(now, stored_);
+    touched.insert(announced_.begin(),
+                   announced_.end()); // without a rule in the end, they are to be forgotten
+    std::vector<std::wstring> names;
+    std::copy_if(folders.begin(), folders.end(), std::back_inserter(names),
+                 [&](const std::wstring& folder) { return touched.contains(folderKey(folder)); });
+    PathBlock paths(std::move(names));
+    const RuleExcerpt rules(chain(), touched);
+    Stored result{};
+    result.problems =
+        storeErrorsOf([&] { result.done = lornixStoreRules(paths.list(), rules.first()) != 0; });
+    if (result.done) {
+        stored_ = std::move(now);
+        announced_.clear();
     }
-    stored_ = stateOf(rules);
-    return {};
+    return result;
 }
 
 bool RulePage::isModified() const
@@ -242,14 +236,9 @@ bool RulePage::isModified() const
 
 bool RulePage::isModified(const std::vector<std::wstring>& folders) const
 {
-    const RuleState now = stateOf(chain());
-    const auto rulesIn = [](const RuleState& state, const std::wstring& key) {
-        const auto found = state.find(key);
-        return found == state.end() ? std::vector<RuleFacts>() : found->second;
-    };
-    return std::any_of(folders.begin(), folders.end(), [&](const std::wstring& folder) {
-        return rulesIn(now, folderKey(folder)) != rulesIn(stored_, folderKey(folder));
-    });
+    const std::set<std::wstring> changed = changedFolders(stateOf(chain()), stored_);
+    return std::any_of(folders.begin(), folders.end(),
+                       [&](const std::wstring& folder) { return changed.contains(folderKey(folder)); });
 }
 
 int RulePage::selectedRow() const

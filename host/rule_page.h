@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -38,10 +39,11 @@ public:
 
     /// Adds a rule on each of some folders, through the library's dialog.
     /// @param sid  account, null or CORVANE_ANYONE for anyone.
-    void add(void* sid, const std::vector<std::wstring>& folders);
+    /// @return what the store could not do for the dialog; empty when it did all.
+    std::wstring add(void* sid, const std::vector<std::wstring>& folders);
 
-    /// Opens the library's dialog on the first selected row.
-    void edit();
+    /// Opens the library's dialog on the first selected row. @return as add().
+    std::wstring edit();
 
     /// Takes the selected rows out of the list and releases their rules.
     void drop();
@@ -49,9 +51,17 @@ public:
     /// Sorts by a column; once more turns the order round.
     void sort(int column);
 
-    /// Stores the rules of all rows. @param folders  all folders shown.
-    /// @return why nothing was stored; empty when all is stored.
-    std::wstring store(const std::vector<std::wstring>& folders);
+    /// What became of storing.
+    struct Stored {
+        bool done;             ///< all is stored
+        std::wstring problems; ///< why it is not, or what was met on the way; empty when nothing was
+    };
+
+    /// Stores the rules of the folders that were changed here, be it by adding a rule that was dropped again. The
+    /// others are left to the store: what could not be read of them, or what somebody else has stored there
+    /// meanwhile, is not overwritten.
+    /// @param folders  all folders shown.
+    Stored store(const std::vector<std::wstring>& folders);
 
     /// @return true when the rows differ from what was read or stored last, in any of all folders or in some.
     bool isModified() const;
@@ -78,6 +88,8 @@ private:
     int listId_;
     HWND list_;
     RuleState stored_;
+    std::set<std::wstring>
+        announced_; // by folderKey: addToListCtrl made them known to the store, rules or not
 };
 
 } // namespace host

@@ -25,4 +25,34 @@ RuleState stateOf(const QuotaRule* chain)
     return state;
 }
 
+std::set<std::wstring> changedFolders(const RuleState& one, const RuleState& other)
+{
+    std::set<std::wstring> changed;
+    const auto note = [&changed](const RuleState& state, const RuleState& against) {
+        for (const auto& [folder, rules] : state) {
+            const auto same = against.find(folder);
+            if (same == against.end() || same->second != rules) {
+                changed.insert(folder);
+            }
+        }
+    };
+    note(one, other);
+    note(other, one); // for the folders that only this one has
+    return changed;
+}
+
+RuleExcerpt::RuleExcerpt(const QuotaRule* chain, const std::set<std::wstring>& folders)
+{
+    for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next) {
+        if (folders.contains(folderKey(rule->path))) {
+            rules_.push_back(*rule);
+        }
+    }
+    // Only now, when no record moves any more.
+    for (size_t i = 0; i < rules_.size(); ++i) {
+        rules_[i].prev = i == 0 ? nullptr : &rules_[i - 1];
+        rules_[i].next = i + 1 == rules_.size() ? nullptr : &rules_[i + 1];
+    }
+}
+
 } // namespace host

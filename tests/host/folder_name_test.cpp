@@ -44,3 +44,26 @@ TEST(FolderName, IsFullFromADriveOrAServer)
     EXPECT_FALSE(isFullPath(L"data\\users"));
     EXPECT_FALSE(isFullPath(L"\\\\\\data"));
 }
+
+TEST(LongForm, IsTakenAtAnyLength)
+{
+    EXPECT_EQ(host::longForm(L"C:\\Data"), L"\\\\?\\C:\\Data");
+    EXPECT_EQ(host::longForm(L"C:\\"), L"\\\\?\\C:\\");
+    EXPECT_EQ(host::longForm(L"\\\\server\\share\\a"), L"\\\\?\\UNC\\server\\share\\a");
+}
+
+TEST(LongForm, LeavesWhatHasItAlreadyAndWhatIsNoFullPath)
+{
+    for (const wchar_t* name :
+         {L"\\\\?\\C:\\Data", L"\\\\?\\UNC\\server\\share", L"\\\\.\\C:", L"Data", L"C:Data", L""})
+    {
+        EXPECT_EQ(host::longForm(name), name);
+    }
+}
+
+TEST(FullPath, HasNoDots)
+{
+    EXPECT_EQ(host::fullPath(L"C:\\Data\\..\\Other\\."), L"C:\\Other");
+    const std::wstring part = L"\\" + std::wstring(200, L'd');
+    EXPECT_EQ(host::fullPath(L"C:" + part + part + L"\\.."), L"C:" + part);
+}

@@ -6,6 +6,8 @@
 #include <list>
 #include <string>
 
+using host::changedFolders;
+using host::RuleExcerpt;
 using host::stateOf;
 
 namespace {
@@ -101,4 +103,54 @@ TEST(RuleState, ComparesAccountsByTheirBytes)
     other.add(L"C:\\a", 5000, 4000).sid = localSystem.data();
     EXPECT_EQ(stateOf(one.first()), stateOf(same.first()));
     EXPECT_NE(stateOf(one.first()), stateOf(other.first()));
+}
+
+TEST(ChangedFolders, AreThoseWithOtherRulesAndThoseThatOnlyOneStateHas)
+{
+    Chain before;
+    before.add(L"C:\\Same", 5000, 4000);
+    before.add(L"C:\\Other", 5000, 4000);
+    before.add(L"C:\\Gone", 5000, 4000);
+    Chain after;
+    after.add(L"C:\\New", 5000, 4000);
+    after.add(L"C:\\Other", 6000, 4000);
+    after.add(L"C:/same", 5000, 4000);
+    const std::set<std::wstring> expected{L"c:\\gone", L"c:\\new", L"c:\\other"};
+    EXPECT_EQ(changedFolders(stateOf(before.first()), stateOf(after.first())), expected);
+    EXPECT_EQ(changedFolders(stateOf(after.first()), stateOf(before.first())), expected);
+    EXPECT_TRUE(changedFolders(stateOf(after.first()), stateOf(after.first())).empty());
+}
+
+TEST(RuleExcerpt, HasTheRulesOfItsFoldersInTheirOrderAndLeavesTheChainAlone)
+{
+    Chain chain;
+    QuotaRule& first = chain.add(L"C:\\a", 1000, 1);
+    chain.add(L"C:\\b", 2000, 2);
+    QuotaRule& third = chain.add(L"c:/A", 3000, 3);
+    third.sid = everyone.data();
+    chain.add(L"C:\\c", 4000, 4);
+    const std::array<QuotaRule*, 2> links{first.next, third.next};
+
+    const RuleExcerpt excerpt(chain.first(), {L"c:\\a"});
+    const QuotaRule* one = excerpt.first();
+    ASSERT_NE(one, nullptr);
+    EXPECT_EQ(one->hardLimit, 1000);
+    EXPECT_EQ(one->prev, nullptr);
+    const QuotaRule* two = one->next;
+    ASSERT_NE(two, nullptr);
+    EXPECT_EQ(two->hardLimit, 3000);
+    EXPECT_EQ(two->sid, everyone.data());
+    EXPECT_EQ(two->path, third.path);
+    EXPECT_EQ(two->prev, one);
+    EXPECT_EQ(two->next, nullptr);
+    EXPECT_EQ((std::array{first.next, third.next}), links);
+}
+
+TEST(RuleExcerpt, MayBeEmpty)
+{
+    Chain chain;
+    chain.add(L"C:\\a", 1000, 1);
+    EXPECT_EQ(RuleExcerpt(chain.first(), {L"c:\\b"}).first(), nullptr);
+    EXPECT_EQ(RuleExcerpt(chain.first(), {}).first(), nullptr);
+    EXPECT_EQ(RuleExcerpt(nullptr, {L"c:\\a"}).first(), nullptr);
 }

@@ -97,3 +97,26 @@ wait_saved
 host_close
 expect_limits 'One|2146435072|2146435072
 Two|4194304|4194304'
+
+step 'F2 on a row that is out of sight: it comes into sight, and its cell is open'
+file=$(grep -l '^4194304' "$data"/rules/*.txt) || fail 'no file has the rule'
+for ((i = 1; i <= 60; i++)); do
+    sed -i "\$i 4194304\t4194304\t1\tS-1-5-21-1-2-3-$i" "$file"
+done
+host_start
+wait_status '62 rules in 2 folders'
+press alt+u Home space
+wait_shows 0 chosen "$panel" $id_rules
+at point "$panel" $id_rules && xdotool click --repeat 30 5
+height_of() { peek "$@" | cut -d ' ' -f 2; }
+row_0_is_above() { [ "$(height_of cell "$panel" $id_rules 0 1)" -lt "$(height_of header "$panel" $id_rules 1)" ]; }
+wait_for 'the first row out of sight' row_0_is_above
+press F2
+wait_shows cell focus "$panel"
+type_text 7M
+press Return
+wait_unsaved
+expect 'the new soft limit' 7168K "$(cell 0 2)"
+press ctrl+s
+wait_saved
+host_close

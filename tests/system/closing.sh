@@ -50,3 +50,40 @@ press Return
 wait_saved
 host_close
 expect_limits 'One|12582912|12582912'
+
+step 'the panel is told to close while a dialog is open: the dialog stays, and so does what it is for'
+host_start
+double_click_cell 0 5
+wait_window "$settings"
+peek close "$panel" >/dev/null
+wait_window "$settings"
+set_limits 15M 14M
+wait_gone "$settings"
+wait_column 2 14336K
+wait_unsaved
+
+step 'the same with a box'
+press alt+F4
+wait_window 'Unsaved Changes'
+peek close "$panel" >/dev/null
+wait_window 'Unsaved Changes'
+answer 'Unsaved Changes' Escape
+wait_unsaved
+
+step 'the session does not end over unsaved changes, and nothing is asked'
+expect 'whether the session may end' no "$(peek endsession "$panel")"
+wait_window "$panel"
+press ctrl+s
+wait_saved
+expect 'whether the session may end' yes "$(peek endsession "$panel")"
+double_click_cell 0 5
+wait_window "$settings"
+expect 'whether the session may end' no "$(peek endsession "$panel")"
+answer "$settings" Escape
+double_click_cell 0 2
+wait_shows cell focus "$panel"
+expect 'whether the session may end' no "$(peek endsession "$panel")"
+press Escape
+wait_shows $id_rules focus "$panel"
+host_close
+expect_limits 'One|15728640|14680064'

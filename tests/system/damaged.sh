@@ -26,15 +26,10 @@ file=$(grep -rl --include='*.txt' '^52428800' "$data")
 sed -i 's/^52428800/-52428800/' "$file"
 wine "$build/bin/corvane_host.exe" --data "$(windows_path "$data")" --folder "$tree\\One" </dev/null >>"$out/host.log" 2>&1 &
 host_pid=$!
-wait_window 'Quota Store'
-message=$(peek text 'Quota Store' $id_message)
-sed 's/^/    /' <<<"$message"
-expect 'how the message begins' 'Not all rules could be read.' "$(head -n 1 <<<"$message")"
-[ "$(wc -l <<<"$message")" -gt 2 ] || fail 'the message has no reason'
+wait_store_box 'Not all rules could be read.'
 shot message-damaged
 answer 'Quota Store' Return
 wait_window "$panel"
-error_is_shown() { grep -q '^Store: ' <<<"$(peek parts "$panel" $id_status)"; }
 wait_for 'the error in the status line' error_is_shown
 wait_status '0 rules in 2 folders'
 wait_saved

@@ -92,6 +92,19 @@ answer 'Unsaved Changes' alt+y
 wait_saved
 wait_status '2 rules in 2 folders'
 
+step 'a button that F5 disables hands the keys to the list'
+for id in $id_edit $id_drop; do
+    press alt+u Home space
+    wait_shows 0 chosen "$panel" $id_rules
+    wait_shows yes enabled "$panel" $id_edit
+    press Tab Tab Tab
+    [ "$id" = $id_edit ] || press Tab
+    wait_shows "$id" focus "$panel"
+    press F5
+    wait_shows no enabled "$panel" "$id"
+    wait_shows $id_rules focus "$panel"
+done
+
 step 'Ctrl+A takes all'
 press alt+u ctrl+a
 wait_shows '0

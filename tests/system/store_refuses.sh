@@ -5,27 +5,6 @@ story_begin "$1" "$2" One
 store_rules One 30M 20M
 stored_before=$(stored)
 
-error_is_shown() { grep -q '^Store: ' <<<"$(peek parts "$panel" $id_status)"; }
-
-# A folder that may not be written to. For a user whom no permission holds back, a file in the folder's place.
-block() {
-    chmod -R a-w "$data"
-    if touch "$data/probe" 2>/dev/null; then
-        rm "$data/probe"
-        chmod -R u+w "$data"
-        mv "$data" "$data.aside"
-        echo 'in the way' >"$data"
-    fi
-}
-unblock() {
-    if [ -d "$data.aside" ]; then
-        rm "$data"
-        mv "$data.aside" "$data"
-    else
-        chmod -R u+w "$data"
-    fi
-}
-
 step 'make a change'
 host_start
 double_click_cell 0 2
@@ -37,11 +16,7 @@ wait_unsaved
 step 'apply to a folder that cannot be written'
 block
 press ctrl+s
-wait_window 'Quota Store'
-message=$(peek text 'Quota Store' $id_message)
-echo "$message" | sed 's/^/    /'
-expect 'how the message begins' 'The rules were not stored.' "$(head -n 1 <<<"$message")"
-[ "$(wc -l <<<"$message")" -gt 2 ] || fail 'the message has no reason'
+wait_store_box 'The rules were not stored.'
 shot message-not-stored
 answer 'Quota Store' Return
 wait_unsaved

@@ -42,3 +42,36 @@ store_rules() {
 
 # in_applied_to NAME: the settings dialog is for the folder of this name.
 in_applied_to() { [[ $(peek text "$settings" 1012) = *[\\/]"$1" ]]; }
+
+# Whether the status line tells of an error.
+error_is_shown() { grep -q '^Store: ' <<<"$(peek parts "$panel" $id_status)"; }
+
+# block, unblock: the store cannot write, and can again. For a user whom no permission holds back, a file stands in
+# the place of the data folder.
+block() {
+    chmod -R a-w "$data"
+    if touch "$data/probe" 2>/dev/null; then
+        rm "$data/probe"
+        chmod -R u+w "$data"
+        mv "$data" "$data.aside"
+        echo 'in the way' >"$data"
+    fi
+}
+unblock() {
+    if [ -d "$data.aside" ]; then
+        rm "$data"
+        mv "$data.aside" "$data"
+    else
+        chmod -R u+w "$data"
+    fi
+}
+
+# wait_store_box LINE: until the box about the store is there; its first line, and that it has a reason. Its text is
+# in $message.
+wait_store_box() {
+    wait_window 'Quota Store'
+    message=$(peek text 'Quota Store' $id_message)
+    sed 's/^/    /' <<<"$message"
+    expect 'how the message begins' "$1" "$(head -n 1 <<<"$message")"
+    [ "$(wc -l <<<"$message")" -gt 2 ] || fail 'the message has no reason'
+}

@@ -1,5 +1,5 @@
 // Tells a script what stands in the windows of another program, and where: the script then clicks and types
-// with the real mouse and keyboard.
+// with the real mouse and keyboard. What the system tells windows by itself, it can tell as well.
 //
 //   peek windows                        the titles of all visible top-level windows
 //   peek extent                         left, top, width and height of what they cover together
@@ -21,6 +21,8 @@
 //   peek header TITLE ID COLUMN         the middle of a column heading
 //   peek filter TITLE ID COLUMN         the middle of the filter under a column heading
 //   peek entry TITLE ID NUMBER          a place on an entry of a list box
+//   peek close TITLE                    tells a window to close, as another program can at any time
+//   peek endsession TITLE               yes or no: whether a window lets the session end, which does not end by that
 //
 // TITLE is how the title of a visible top-level window begins. Ends with 1 when there is no such window,
 // control or row, with 2 when the call is wrong.
@@ -140,6 +142,13 @@ bool look(const std::vector<std::wstring>& words)
         printYesOrNo(menuIsOpen());
     } else if (request == L"focus" && count == 2) {
         printFocus(findWindow(words[1]));
+    } else if (request == L"close" && count == 2) {
+        send(findWindow(words[1]), WM_CLOSE);
+    } else if (request == L"endsession" && count == 2) {
+        const HWND window = findWindow(words[1]);
+        const bool mayEnd = send(window, WM_QUERYENDSESSION) != 0;
+        send(window, WM_ENDSESSION, FALSE);
+        printYesOrNo(mayEnd);
     } else if (kOfControl.contains(request) && count == 3) {
         kOfControl.at(request)(control());
     } else if (kOfRow.contains(request) && count == 4) {

@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# Apply stores the folders that were changed here and no others: neither what somebody else has stored meanwhile nor
+# what could not be read is lost.
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2" One Two Three
+store_rules One 30M 20M Two 50M 40M
+
+# change_one LIMIT: changes and stores the rule of the first folder.
+change_one() {
+    local row
+    row=$(($(rules | cut -f 6 | grep -nxF "$tree\\One" | cut -d : -f 1) - 1))
+    double_click_cell $row 2
+    wait_shows cell focus "$panel"
+    type_text "$1"
+    press Return
+    wait_unsaved
+    press ctrl+s
+    wait_saved
+}
+
+step 'somebody else stores a rule of the other folder while the panel is open'
+host_start
+wait_status '2 rules in 2 folders'
+file=$(grep -rl --include='*.txt' '^52428800' "$data") || fail 'no file has the rule'
+sed -i 's/^52428800/62914560/' "$file"
+change_one 10M
+host_close
+expect_limits 'One|10485760|10485760
+Two|62914560|41943040'
+
+step 'the rules of the other folder cannot be read when the panel starts'
+mv "$file" "$out/aside"
+mkdir "$file"
+wine "$build/bin/corvane_host.exe" --data "$(windows_path "$data")" </dev/null >>"$out/host.log" 2>&1 &
+host_pid=$!
+wait_store_box 'Not all rules could be read.'
+answer 'Quota Store' Return
+wait_window "$panel"
+wait_status '1 rule in 2 folders'
+rmdir "$file"
+mv "$out/aside" "$file"
+
+step 'a change of the folder that was read leaves the other one alone'
+change_one 11M
+host_close
+expect_limits 'One|11534336|11534336
+Two|62914560|41943040'
+
+step 'a folder whose new rule is dropped again before it is stored: the store forgets it'
+host_start
+add_folder "$tree\\Three"
+add_rule 30M 20M
+wait_column 5 "$(printf '%s|' "$tree\\Three" "$tree\\Two" "$tree\\One" | sed 's/|$//')"
+click_cell 0 0
+press Delete
+wait_status '2 rules in 3 folders'
+change_one 12M
+host_close
+host_start
+wait_status '2 rules in 2 folders'
+host_close

@@ -60,14 +60,13 @@ AccountFill::AccountFill(HWND list, UINT notice, const wchar_t* searchBase, cons
     context.host = searchBase != nullptr ? host.c_str() : nullptr;
 }
 
-void startFillThread(const std::shared_ptr<AccountFill>& fill)
+bool startFillThread(const std::shared_ptr<AccountFill>& fill)
 {
     auto start = std::make_unique<Start>(Start{fill, nullptr});
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&fillThread),
                             &start->module))
     {
-        fill->rows.end();
-        return;
+        return false;
     }
     Start* const argument = start.release(); // the thread's
     const std::lock_guard starting(fill->starting);
@@ -75,8 +74,8 @@ void startFillThread(const std::shared_ptr<AccountFill>& fill)
     if (thread == static_cast<std::uintptr_t>(-1)) {
         start.reset(argument);
         FreeLibrary(start->module);
-        fill->rows.end();
-        return;
+        return false;
     }
     fill->thread = reinterpret_cast<HANDLE>(thread);
+    return true;
 }

@@ -24,6 +24,6 @@ struct AccountFill {
 };
 
 /// Starts the fill thread. It keeps this module loaded until it ends, and waits for the thread of an earlier fill:
-/// a store that is slow to answer may hold that one long after its window went. A thread that cannot be started
-/// counts as a fill that has ended.
-void startFillThread(const std::shared_ptr<AccountFill>& fill);
+/// a store that is slow to answer may hold that one long after its window went.
+/// @return false when no thread can be started.
+bool startFillThread(const std::shared_ptr<AccountFill>& fill);

@@ -20,7 +20,8 @@ namespace {
 struct State {
     CSidCtrl* list = nullptr; ///< null when no dialog is open
     void* selection = nullptr;
-    /// Kept when a dialog opens: with one that cannot be shown, callers get the choice of the last one again.
+    /// Kept until a dialog shows: with one that cannot be shown, callers get the choice of the last one again. One that
+    /// somebody else ends has chosen nothing; the last choice may be released by then.
     void* result = nullptr;
     bool searchStarted = false;
     wchar_t searchBase[256] = {};
@@ -60,6 +61,7 @@ void proposeSearchBase(HWND dialog)
 
 BOOL onInit(HWND dialog, Chooser& chooser)
 {
+    state.result = nullptr;
     chooser.list.attach(GetDlgItem(dialog, IDC_CHOOSER_LIST));
     chooser.list.setPresetOwners(chooser.presetOwners);
     state.list = &chooser.list;
@@ -141,6 +143,9 @@ void startSearch(HWND dialog, const wchar_t* base)
 void pickSelected(HWND dialog)
 {
     ODS("onOk\n");
+    if (state.list->handle() == nullptr) {
+        return; // somebody destroyed the list alone
+    }
     const int row = state.list->nextSelected();
     if (row == -1) {
         return;

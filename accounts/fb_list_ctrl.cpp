@@ -152,7 +152,7 @@ bool CFBListCtrl::rejects(const SavedRow& row) const
     return false;
 }
 
-void CFBListCtrl::putBack(const SavedRow& saved) const
+bool CFBListCtrl::putBack(const SavedRow& saved) const
 {
     LVITEMW item{};
     item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM | (saved.state != 0 ? LVIF_STATE : 0u);
@@ -164,10 +164,14 @@ void CFBListCtrl::putBack(const SavedRow& saved) const
     const wchar_t* text = saved.texts.c_str();
     item.pszText = const_cast<wchar_t*>(text);
     const auto row = static_cast<int>(send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+    if (row == -1) {
+        return false;
+    }
     for (int column = 1; column < static_cast<int>(m_filters.size()); ++column) {
         text += wcslen(text) + 1;
         setText(row, column, text);
     }
+    return true;
 }
 
 bool CFBListCtrl::filterRows()
@@ -187,25 +191,24 @@ bool CFBListCtrl::filterRows()
                 saved.back().state = 0; // hidden, a row loses its selection
             }
         }
-        std::vector<SavedRow> before;
-        before.reserve(m_hidden.size() + saved.size()); // before any row goes: what fails, fails without loss
-        before.swap(m_hidden);
+        std::vector<SavedRow> hidden;
+        hidden.reserve(m_hidden.size() + saved.size()); // before any row goes: what fails, fails without loss
         remove(rejected);
-        for (SavedRow& row : before) {
-            if (rejects(row)) {
-                m_hidden.push_back(std::move(row));
+        for (SavedRow& row : m_hidden) {
+            if (rejects(row) || !putBack(row)) {
+                hidden.push_back(std::move(row));
             } else {
-                putBack(row);
                 cameBack = true;
             }
         }
-        std::move(saved.begin(), saved.end(), std::back_inserter(m_hidden));
+        std::move(saved.begin(), saved.end(), std::back_inserter(hidden));
+        m_hidden.swap(hidden);
     });
     return cameBack;
 }
 
 /// Removes rows, given in ascending order, and leaves the others as they are.
-void CFBListCtrl::remove(const std::vector<int>& rows) const
+void CFBListCtrl::remove(const std::vector<int>& rows)
 {
     // Either the rows that go are touched, or those that stay.
     if (rows.size() > static_cast<std::size_t>(rowCount()) - rows.size()) {
@@ -217,7 +220,7 @@ void CFBListCtrl::remove(const std::vector<int>& rows) const
     }
 }
 
-void CFBListCtrl::rebuildWithout(const std::vector<int>& rows) const
+void CFBListCtrl::rebuildWithout(const std::vector<int>& rows)
 {
     std::vector<SavedRow> staying;
     RowReader reader(*this);
@@ -238,7 +241,9 @@ void CFBListCtrl::rebuildWithout(const std::vector<int>& rows) const
     }
     deleteAllRows();
     for (const SavedRow& row : staying) {
-        putBack(row);
+        if (!putBack(row)) {
+            m_hidden.push_back(row); // it comes back with the next filter
+        }
     }
     send(LVM_SETSELECTIONMARK, 0, newMark);
 }

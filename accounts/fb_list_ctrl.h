@@ -39,9 +39,10 @@ private:
     bool rejects(int row, const wchar_t* firstText) const;
     bool rejects(const SavedRow& row) const;
     class RowReader;
-    void putBack(const SavedRow& row) const;
-    void remove(const std::vector<int>& rows) const;
-    void rebuildWithout(const std::vector<int>& rows) const;
+    /// Puts a row at the end of the list. @return false when the list refuses it.
+    bool putBack(const SavedRow& row) const;
+    void remove(const std::vector<int>& rows);
+    void rebuildWithout(const std::vector<int>& rows);
 
     std::vector<std::wstring> m_filters;
     std::vector<SavedRow> m_hidden;

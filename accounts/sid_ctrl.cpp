@@ -11,6 +11,7 @@
 #include "res/resource.h"
 #include "store/lornix.h"
 
+#include <climits>
 #include <utility>
 
 namespace {
@@ -32,6 +33,7 @@ constexpr COLORREF kOtherColor = RGB(127, 127, 127);
 constexpr UINT kNotice = WM_APP + 1;
 constexpr UINT kGoOn = WM_APP + 2;
 constexpr UINT_PTR kTimer = 0x5349;
+constexpr UINT_PTR kEndTimer = 0x534A; // a fill that could not be started ends by this one
 
 // Rows are put into the list in batches this far apart, and for this long at once; the dialog takes input and paints
 // in between. Together they stay below a tenth of a second.
@@ -53,6 +55,11 @@ struct Sorting {
     ColumnKeys<const wchar_t*> texts;
     int sign;
 };
+
+void logFillFault()
+{
+    runGuarded([] { ODS("fillTree => sigsegv\n"); });
+}
 
 int CALLBACK compareRows(LPARAM first, LPARAM second, LPARAM context)
 {
@@ -107,8 +114,10 @@ int CSidCtrl::insertAccountRow(int index, int image, const wchar_t* account, con
                                const wchar_t* type, void* data) const
 {
     const int row = insertRow(index, image, account, reinterpret_cast<LPARAM>(data));
-    setText(row, kFullName, fullName);
-    setText(row, 2, type);
+    if (row != -1) {
+        setText(row, kFullName, fullName);
+        setText(row, 2, type);
+    }
     return row;
 }
 
@@ -133,8 +142,8 @@ int CSidCtrl::selectSid(const void* sid) const
         }
         const int row = findRowByText(0, fullName, kFullName);
         if (row != -1) {
-            send(LVM_SETSELECTIONMARK, 0, row);
             found = 1;
+            send(LVM_SETSELECTIONMARK, 0, row);
         }
     });
     if (!done) {
@@ -191,15 +200,26 @@ LRESULT CSidCtrl::colorCell(NMLVCUSTOMDRAW& draw)
 int CSidCtrl::startFill(const wchar_t* host)
 {
     dropFill();
+    KillTimer(handle(), kEndTimer);
     takeOverWindow();
     initColumns();
     m_anyInserted = false;
-    m_fill = std::make_shared<AccountFill>(
-        handle(), kNotice, host != nullptr && host[0] != L'\0' ? host : nullptr, m_presetOwners);
-    m_fill->context.userImage = m_userImage;
-    m_fill->context.groupImage = m_groupImage;
-    RedrawWindow(handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-    startFillThread(m_fill);
+    bool started = false;
+    const bool done = runGuarded([&] {
+        m_fill = std::make_shared<AccountFill>(
+            handle(), kNotice, host != nullptr && host[0] != L'\0' ? host : nullptr, m_presetOwners);
+        m_fill->context.userImage = m_userImage;
+        m_fill->context.groupImage = m_groupImage;
+        RedrawWindow(handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+        started = startFillThread(m_fill);
+    });
+    if (!done) {
+        logFillFault(); // as if the thread had met it: the owners are read for the thread
+    }
+    if (!started) {
+        // Only once the dialog has disabled what it disables for a fill.
+        SetTimer(handle(), kEndTimer, USER_TIMER_MINIMUM, nullptr);
+    }
     return 1;
 }
 
@@ -236,32 +256,38 @@ void CSidCtrl::takeRowsLater(UINT milliseconds)
     }
 }
 
-/// Makes m_batch hold a row to put into the list. @return false when none waits.
-bool CSidCtrl::nextBatch()
+/// Makes m_batch hold a row to put into the list.
+/// @param takes  how often rows may still be taken from the fill.
+/// @return false when none waits, or none may be taken any more.
+bool CSidCtrl::nextBatch(int& takes)
 {
     if (m_next == m_batch.entries.size()) {
         m_next = 0;
-        m_batch = m_fill->rows.take();
+        m_batch = takes-- > 0 ? m_fill->rows.take() : RowBatch();
     }
     return !m_batch.entries.empty();
 }
 
 /// Puts waiting rows into the list until a time, or until none waits.
-void CSidCtrl::takeRows(ULONGLONG until)
+/// @param takes  see nextBatch.
+void CSidCtrl::takeRows(ULONGLONG until, int takes)
 {
     bool more = false;
-    if (nextBatch()) {
+    if (nextBatch(takes)) {
         RedrawOff off(*this);
         const int shown = static_cast<int>(send(LVM_GETTOPINDEX) + send(LVM_GETCOUNTPERPAGE)) + 1;
         bool visible = false;
         do {
             RowBatch::Entry& entry = m_batch.entries[m_next++];
             visible = visible || entry.removesFirst || entry.index <= shown;
-            takeRow(entry);
+            // Each row on its own: a list that fails at one has the others all the same.
+            if (!runGuarded([&] { takeRow(entry); })) {
+                logFillFault();
+            }
             if (!m_fill) {
                 return; // the window went
             }
-            more = nextBatch();
+            more = nextBatch(takes);
         } while (more && (m_next % 16 != 0 || GetTickCount64() < until));
         // Rows below the visible ones move the scroll bar only.
         visible ? off.restore() : off.restoreUnchanged();
@@ -278,15 +304,16 @@ void CSidCtrl::takeRows(ULONGLONG until)
 void CSidCtrl::takeRowsNow()
 {
     if (m_fill) {
-        takeRows(GetTickCount64() + kTakeMilliseconds);
+        takeRows(GetTickCount64() + kTakeMilliseconds, INT_MAX);
     }
 }
 
-/// A sort or a filter finds every row that was handed over before it, as if rows came one by one.
+/// A sort or a filter finds every row that was handed over before it, as if rows came one by one. Those that come
+/// while it takes them do not keep the dialog waiting.
 void CSidCtrl::takeAllRows()
 {
     if (m_fill) {
-        takeRows(~0ull);
+        takeRows(~0ull, 1);
     }
 }
 
@@ -306,7 +333,11 @@ void CSidCtrl::takeRow(RowBatch::Entry& entry)
         m_firstTexts[2] = type;
         m_firstData = reinterpret_cast<LPARAM>(entry.data.get());
     }
-    insertAccountRow(entry.index, entry.image, account, fullName, type, entry.data.release());
+    void* const data =
+        entry.data.release(); // whatever comes: a copy too many is better than one that goes twice
+    if (insertAccountRow(entry.index, entry.image, account, fullName, type, data) == -1) {
+        AccountFree()(data);
+    }
 }
 
 bool CSidCtrl::isFirstInserted(const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
@@ -410,6 +441,11 @@ LRESULT CSidCtrl::onMessage(UINT message, WPARAM wParam, LPARAM lParam)
             KillTimer(handle(), kTimer);
             m_timerSet = false;
             takeRowsNow();
+            return 0;
+        }
+        if (wParam == kEndTimer) {
+            KillTimer(handle(), kEndTimer);
+            onFillEnd();
             return 0;
         }
         break;

@@ -63,9 +63,9 @@ private:
     void goOn();
     void takeRowsLater(UINT milliseconds);
     void takeRowsNow();
-    void takeRows(ULONGLONG until);
+    void takeRows(ULONGLONG until, int takes);
     void takeAllRows();
-    bool nextBatch();
+    bool nextBatch(int& takes);
     void takeRow(RowBatch::Entry& entry);
     bool isFirstInserted(const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
                          LPARAM data) const;

@@ -68,6 +68,11 @@ LORNIX_API void lornixAccountName(const void* sid, wchar_t* buffer, int capacity
  */
 LORNIX_API int lornixStoreRules(const PathList* folders, const QuotaRule* chain);
 
+/* What the policy lists of store/lornix.h mean here: storing makes a list persistent in "NAME.txt" of the data folder;
+ * applying, "Makes the list active", writes what is persistent then to "active-NAME.txt", for whoever enforces it, so
+ * a list that could not be stored changes nothing. storeRulesFromDriver writes the exceptions that are active, exception
+ * files and backup tools, together to the file that it is given the name of. */
+
 /** Releases a chain of rules that the host no longer shows, with paths and SIDs. Null is allowed. */
 LORNIX_API void lornixFreeRules(QuotaRule* chain);
 

@@ -3,8 +3,6 @@
 #include "lornix/last_error.h"
 #include "lornix/wide_text.h"
 
-#include <algorithm>
-
 namespace lornix {
 
 KeptFile PolicyList::file(const DataFolder& data) const
@@ -82,8 +80,7 @@ std::optional<PolicyRecords> PolicyList::active(const DataFolder& data) const
 
 std::uint32_t PolicyList::count() const
 {
-    return static_cast<std::uint32_t>(std::count_if(entries_.begin(), entries_.end(),
-                                                    [](const PolicyEntry& each) { return !each.isRemoved; }));
+    return static_cast<std::uint32_t>(entries_.size()) - removed_;
 }
 
 PolicyEntry* PolicyList::at(std::uint32_t index)
@@ -161,6 +158,7 @@ void PolicyList::remove(std::uint32_t index)
     // It keeps its place, so that the others keep theirs.
     if (PolicyEntry* entry = at(index); entry != nullptr) {
         entry->isRemoved = true;
+        ++removed_;
     }
 }
 
@@ -261,6 +259,7 @@ void PolicyList::release()
     isLoaded_ = false;
     own_.clear();
     entries_.clear();
+    removed_ = 0;
     persistent_.clear();
 }
 

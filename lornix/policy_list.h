@@ -90,6 +90,7 @@ private:
     const wchar_t* title_;
     bool isLoaded_ = false;
     std::deque<PolicyEntry> entries_; ///< none of them moves
+    std::uint32_t removed_ = 0;       ///< how many of them are removed: editors count before each row
     std::unordered_set<const wchar_t*> own_;
     std::string persistent_; ///< text of the file as loaded or last stored
 };

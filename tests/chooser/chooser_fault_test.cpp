@@ -3,11 +3,15 @@
 
 #include "store/lornix.h"
 
+#include <commctrl.h>
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 #include <ostream>
+#include <utility>
 
 using testing::Contains;
 using testing::Not;
@@ -180,4 +184,150 @@ TEST_P(ChooserFaultTest, EnablingTheDialogAgainHasALineOfItsOwn)
     });
     EXPECT_EQ(choose(), nullptr);
     EXPECT_EQ(guardLines(), 0);
+}
+
+namespace {
+
+/// A list that cannot take a row of a certain account.
+class FailingList {
+public:
+    enum class Way { kFaults, kRefuses };
+
+    FailingList(HWND list, std::wstring account, Way way)
+        : m_account(std::move(account))
+        , m_way(way)
+    {
+        s_present = this;
+        m_before = reinterpret_cast<WNDPROC>(
+            SetWindowLongPtrW(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&procedure)));
+    }
+    ~FailingList() { s_present = nullptr; }
+    FailingList(const FailingList&) = delete;
+    FailingList& operator=(const FailingList&) = delete;
+
+    WNDPROC before() const { return m_before; }
+
+private:
+    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        if (message == LVM_INSERTITEMW && s_present->m_account == reinterpret_cast<LVITEMW*>(lParam)->pszText)
+        {
+            if (s_present->m_way == Way::kRefuses) {
+                return -1;
+            }
+            RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
+        }
+        return CallWindowProcW(s_present->m_before, window, message, wParam, lParam);
+    }
+
+    static inline FailingList* s_present = nullptr;
+    std::wstring m_account;
+    Way m_way;
+    WNDPROC m_before;
+};
+
+class ListFaultTest : public ChooserFixture {
+protected:
+    void failAt(const wchar_t* account, FailingList::Way way)
+    {
+        script.onDialog("a list that fails", [this, account, way](HWND dialog) {
+            failing_ = std::make_unique<FailingList>(list(dialog), account, way);
+        });
+    }
+    static bool isDrawing(HWND dialog)
+    {
+        return (GetWindowLongPtrW(list(dialog), GWL_STYLE) & WS_VISIBLE) != 0;
+    }
+
+private:
+    std::unique_ptr<FailingList> failing_;
+};
+
+const std::vector<std::string> kWithoutBob = {"Anyone|Anyone|System", "alice|DOM\\alice|User",
+                                              "carol|DOM\\carol|User", "staff|DOM\\staff|Group"};
+
+} // namespace
+
+TEST_F(ListFaultTest, AListThatFaultsAtARowHasTheOthers)
+{
+    giveUsers({"DOM\\alice", "DOM\\bob", "DOM\\carol"});
+    giveGroups({"DOM\\staff"});
+    failAt(L"bob", FailingList::Way::kFaults);
+    searchServer();
+    script.onDialog("look", [](HWND dialog) {
+        EXPECT_EQ(rows(dialog), kWithoutBob);
+        EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_LIST));
+        EXPECT_TRUE(isDrawing(dialog));
+        click(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(choose(), nullptr);
+    const std::vector<std::string> lines = store.lines();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "fillTree => sigsegv\n"), 1);
+    EXPECT_THAT(lines, Not(Contains(kLine)));
+}
+
+TEST_F(ListFaultTest, ARowThatTheListRefusesIsReleased)
+{
+    giveUsers({"DOM\\alice", "DOM\\bob", "DOM\\carol"});
+    giveGroups({"DOM\\staff"});
+    static void* copyOfBob = nullptr;
+    static bool released = false;
+    copyOfBob = nullptr;
+    released = false;
+    const auto copy = store.answer.sidDup;
+    store.answer.sidDup = [copy](const void* sid) {
+        void* const made = copy(sid);
+        if (RecordingStore::nameOf(sid) == "DOM\\bob") {
+            copyOfBob = made;
+        }
+        return made;
+    };
+    const ImportPatch releases(
+        ImportPatch::corvane(), "free", +[](void* block) {
+            released = released || (block != nullptr && block == copyOfBob);
+            std::free(block);
+        });
+    ASSERT_EQ(releases.count(), 1);
+    failAt(L"bob", FailingList::Way::kRefuses);
+    searchServer();
+    script.onDialog("look", [](HWND dialog) {
+        EXPECT_EQ(rows(dialog), kWithoutBob);
+        EXPECT_NE(copyOfBob, nullptr);
+        EXPECT_TRUE(released);
+        click(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(choose(), nullptr);
+}
+
+TEST_F(ListFaultTest, ARowThatTheListDoesNotTakeBackStaysHidden)
+{
+    giveUsers({"DOM\\alice", "DOM\\bob", "DOM\\carol"});
+    searchServer();
+    script.onDialog("hide all but carol, then let them come back", [this](HWND dialog) {
+        filterBar->type(0, L"c");
+        EXPECT_EQ(rowCount(dialog), 1);
+        {
+            const FailingList failing(list(dialog), L"bob", FailingList::Way::kRefuses);
+            filterBar->type(0, L"");
+            EXPECT_THAT(column(dialog, 0), testing::UnorderedElementsAre("Anyone", "alice", "carol"));
+            SetWindowLongPtrW(list(dialog), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(failing.before()));
+        }
+        filterBar->type(0, L"bo");
+        EXPECT_THAT(column(dialog, 0), testing::ElementsAre("bob")) << "nothing is lost";
+        click(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(choose(), nullptr);
+}
+
+TEST_F(ListFaultTest, OwnersThatCannotBeReadLeaveADialogThatCloses)
+{
+    auto* const owners = reinterpret_cast<SidList*>(UINT_PTR{0x10});
+    searchServer();
+    script.onDialog("look", [](HWND dialog) {
+        EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_LIST));
+        click(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(choose(owners), nullptr);
+    EXPECT_THAT(store.lines(), Contains("fillTree => sigsegv\n"));
+    EXPECT_THAT(store.lines(), Not(Contains(kLine)));
 }

@@ -53,6 +53,19 @@ TEST_F(FillEndTest, ADestroyedDialogStopsTheFill)
     EXPECT_EQ(store.openSidLists(), 0);
 }
 
+TEST_F(FillEndTest, ADestroyedDialogHasChosenNothing)
+{
+    script.onDialog("choose", [](HWND dialog) {
+        click(dialog, IDC_CHOOSER_TYPE);
+        type(dialog, IDC_CHOOSER_NAME, L"Anyone");
+        click(dialog, IDOK);
+    });
+    EXPECT_EQ(choose(), CORVANE_ANYONE);
+    script = {};
+    script.onDialog("destroy", [](HWND dialog) { DestroyWindow(dialog); });
+    EXPECT_EQ(choose(), nullptr) << "the last choice may be released by now";
+}
+
 TEST_F(FillEndTest, TheCallersOwnersMayGoBeforeTheFillEnds)
 {
     SidList* const owners = RecordingStore::makeSidList({store.account("DOM\\owner")});
@@ -90,15 +103,18 @@ TEST_F(FillEndTest, AListDestroyedAloneStopsTheFillToo)
     gate.shut();
     startSearch();
     script.step("the thread in the store", [this](HWND) { return gate.waiting() == 1; });
-    script.onDialog("destroy the list", [this](HWND dialog) {
+    std::vector<std::string> lines;
+    script.onDialog("destroy the list", [&, this](HWND dialog) {
         DestroyWindow(list(dialog));
         gate.open();
         threads.waitForAll();
         SendMessageW(dialog, WM_COMMAND, IDOK, 0);
-        EXPECT_TRUE(IsWindow(dialog));
-        SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        std::erase_if(lines = store.lines(),
+                      [](const std::string& line) { return !line.starts_with("onOk"); });
     });
+    script.onDialog("cancel", [](HWND dialog) { SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0); });
     EXPECT_EQ(choose(), nullptr);
+    EXPECT_THAT(lines, ElementsAre("onOk\n")) << "there is nothing to pick, and the dialog stays";
     EXPECT_THAT(store.lines(), testing::Not(testing::Contains("SID DLG: MyDlgProc: SIGSEGV\n")));
 }
 

@@ -254,6 +254,37 @@ TEST_F(BlockedExtensionsTest, MasksAreCutAt259Characters)
     EXPECT_THAT(store.masks.present(), ElementsAre(std::wstring(259, L'?')));
 }
 
+TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfARowKeepsTheRowsBefore)
+{
+    store.putMask(L"*.a", nullptr);
+    store.putMask(L"*.b", jane);
+    store.putMask(L"*.c", nullptr);
+    store.recording.raise("getAccountBySidW", Fault::AccessViolation);
+    visit
+        .list([this](HWND, const ListInDialog& list) {
+            EXPECT_THAT(store.recording.lines(), ElementsAre("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
+            EXPECT_EQ(list.rows().back(), "*.a|(All)");
+            EXPECT_LT(list.rowCount(), 3);
+        })
+        .press(IDOK);
+    EXPECT_EQ(visit.run(editExcludeExts), 0);
+    EXPECT_THAT(store.masks.present(), ElementsAre(L"*.a", L"*.b", L"*.c")) << "the store's list is whole";
+}
+
+TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfANewRowIsTheEditors)
+{
+    store.recording.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: in the entry dialog
+    visit.add();
+    choose(L"jane");
+    visit.enter(kEntry, L"*.b")
+        .list([this](HWND, const ListInDialog&) {
+            EXPECT_THAT(store.recording.lines(), testing::Contains("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editExcludeExts), 0);
+    EXPECT_EQ(RecordingStore::nameOf(store.maskAccount(0)), "jane");
+}
+
 TEST_F(BlockedExtensionsTest, AFaultWhileTheEntryOpensIsItsOwn)
 {
     store.putMask(L"*.b", jane);

@@ -15,7 +15,8 @@ extent_is() { [ "$(peek extent | cut -d ' ' -f 3-)" = "$1" ]; }
 place() {
     local area middle
     read -r -a area <<<"$(peek extent)"
-    read -r -a middle <<<"$(peek point "$panel" "$1")"
+    wait_for "the place of the control $1" finds_place point "$panel" "$1"
+    read -r -a middle <<<"$place"
     echo "$((area[0] + area[2] - middle[0])) $((area[1] + area[3] - middle[1]))"
 }
 
@@ -39,8 +40,10 @@ wait_for 'the smaller window' smaller
 shot smallest
 expect 'the place of Apply at the lower right' "$apply" "$(place $id_apply)"
 # The buttons of the two groups do not meet, and there is room for rows.
-read -r drop _ <<<"$(peek point "$panel" $id_drop)"
-read -r reload _ <<<"$(peek point "$panel" $id_reload)"
+wait_for 'the place of Drop' finds_place point "$panel" $id_drop
+read -r drop _ <<<"$place"
+wait_for 'the place of Reload' finds_place point "$panel" $id_reload
+read -r reload _ <<<"$place"
 [ $((reload - drop)) -ge 60 ] || fail "Drop and Reload stand $((reload - drop)) apart"
 add_folder "$tree\\One"
 add_rule 30M 20M

@@ -93,6 +93,17 @@ void PanelWindow::addForOwner()
     addForChosen(account, error);
 }
 
+bool PanelWindow::ownersFirst() const
+{
+    return getButtonState(window_, IDC_OWNERS_FIRST) == BST_CHECKED;
+}
+
+/// The box does not check itself: a click that the panel refuses, over a cell that holds no limit, is to change nothing.
+void PanelWindow::turnOwnersFirst()
+{
+    setButtonState(window_, IDC_OWNERS_FIRST, ownersFirst() ? BST_UNCHECKED : BST_CHECKED);
+}
+
 void PanelWindow::addForChosen(const AccountChoice& account, const std::wstring& error)
 {
     if (!error.empty()) {
@@ -262,6 +273,7 @@ void PanelWindow::selectionChanged()
     const std::vector<std::wstring> chosen = folders_->selected();
     enable(IDC_FOLDER_REMOVE, !chosen.empty());
     enable(IDC_ADD_FOR_ACCOUNT, mayEdit_ && !chosen.empty());
+    enable(IDC_OWNERS_FIRST, mayEdit_ && !chosen.empty());
     enable(IDC_ADD_FOR_ANYONE, mayEdit_ && !chosen.empty());
     std::wstring hint = L"Select the folders that new rules are for.";
     if (!mayEdit_) {

@@ -149,6 +149,11 @@ void PanelWindow::setUp()
     SendMessageW(window_, WM_SETICON, ICON_BIG, icon(SM_CXICON, SM_CYICON));
     SendMessageW(window_, WM_SETICON, ICON_SMALL, icon(SM_CXSMICON, SM_CYSMICON));
 
+    folderIcon_ = folderIcon();
+    if (folderIcon_ != nullptr) {
+        setButtonIcon(window_, IDC_FOLDER_BROWSE, folderIcon_.get());
+    }
+
     layOutPanel(window_);
     status_->resize();
     page_->fitColumns();
@@ -197,7 +202,9 @@ void PanelWindow::command(int id, int code)
     case IDC_ADD_FOR_ANYONE:
         return addFor(CORVANE_ANYONE);
     case IDC_ADD_FOR_ACCOUNT:
-        return addForAccount();
+        return ownersFirst() ? addForOwner() : addForAccount();
+    case IDC_OWNERS_FIRST:
+        return turnOwnersFirst();
     case IDM_ADD_OWNERS_FIRST:
         return addForOwner();
     case IDC_EDIT:

@@ -3,6 +3,7 @@
 
 #include "host/accounts.h"
 #include "host/cell_editor.h"
+#include "host/folder_icon.h"
 #include "host/folder_list.h"
 #include "host/rule_page.h"
 #include "host/status_line.h"
@@ -43,6 +44,8 @@ private:
     void addFor(void* sid);
     void addForAccount();
     void addForOwner();
+    bool ownersFirst() const;
+    void turnOwnersFirst();
     void addForChosen(const AccountChoice& account, const std::wstring& error);
     void updateRuleButtons();
     void edit();
@@ -63,6 +66,7 @@ private:
 
     HINSTANCE instance_ = nullptr;
     HWND window_ = nullptr;
+    OwnIcon folderIcon_; // the button that shows it does not own it
     std::unique_ptr<FolderList> folders_;
     std::unique_ptr<RulePage> page_;
     std::unique_ptr<CellEditor> cell_;

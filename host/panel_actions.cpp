@@ -117,11 +117,22 @@ void PanelWindow::addForChosen(const AccountChoice& account, const std::wstring&
 void PanelWindow::edit()
 {
     if (mayEdit_) {
-        const std::wstring error = page_->edit();
-        rulesChanged();
-        if (!error.empty()) {
-            reportStore(kNotAllDone, error);
-        }
+        ruleEdited(page_->edit());
+    }
+}
+
+void PanelWindow::editRow(int row)
+{
+    if (mayEdit_) {
+        ruleEdited(page_->editRow(row));
+    }
+}
+
+void PanelWindow::ruleEdited(const std::wstring& error)
+{
+    rulesChanged();
+    if (!error.empty()) {
+        reportStore(kNotAllDone, error);
     }
 }
 
@@ -136,7 +147,7 @@ void PanelWindow::updateRuleButtons()
             SetFocus(page_->list()); // a disabled window gets no keys
         }
     }
-    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    page_->enableForSelection(IDC_EDIT, IDC_DROP);
 }
 
 void PanelWindow::drop()

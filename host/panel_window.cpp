@@ -30,9 +30,10 @@ std::vector<std::wstring> knownFolders()
 
 } // namespace
 
-bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& folders)
+bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& folders, const ListCalls& calls)
 {
     instance_ = instance;
+    calls_ = &calls;
     if (CreateDialogParamW(instance, MAKEINTRESOURCEW(IDD_PANEL), nullptr, procedure,
                            reinterpret_cast<LPARAM>(this)) == nullptr)
     {
@@ -138,7 +139,7 @@ INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
 void PanelWindow::setUp()
 {
     folders_ = std::make_unique<FolderList>(GetDlgItem(window_, IDC_FOLDERS));
-    page_ = std::make_unique<RulePage>(window_, IDC_RULES);
+    page_ = std::make_unique<RulePage>(window_, IDC_RULES, *calls_);
     cell_ = std::make_unique<CellEditor>(window_, IDC_RULES, *page_, kCellDone);
     status_ = std::make_unique<StatusLine>(GetDlgItem(window_, IDC_STATUS));
     const auto icon = [this](int widthMetric, int heightMetric) {
@@ -272,7 +273,7 @@ void PanelWindow::notified(const NMHDR& header)
         if (click.iSubItem == RulePage::kSoftLimitColumn) {
             openCell(click.iItem);
         } else {
-            edit();
+            editRow(click.iItem);
         }
         break;
     }

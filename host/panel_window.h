@@ -5,6 +5,7 @@
 #include "host/cell_editor.h"
 #include "host/folder_icon.h"
 #include "host/folder_list.h"
+#include "host/list_calls.h"
 #include "host/rule_page.h"
 #include "host/status_line.h"
 
@@ -19,8 +20,9 @@ namespace host {
 class PanelWindow {
 public:
     /// Opens the window and fills it. @param folders  to be shown beside those that the store knows.
+    /// @param calls  the form of the list functions to use.
     /// @return true when the window could be made.
-    bool open(HINSTANCE instance, const std::vector<std::wstring>& folders);
+    bool open(HINSTANCE instance, const std::vector<std::wstring>& folders, const ListCalls& calls);
 
     /// Runs until the window is closed.
     void run();
@@ -47,8 +49,10 @@ private:
     bool ownersFirst() const;
     void turnOwnersFirst();
     void addForChosen(const AccountChoice& account, const std::wstring& error);
+    void ruleEdited(const std::wstring& error);
     void updateRuleButtons();
     void edit();
+    void editRow(int row);
     void drop();
     bool apply();
     void reload();
@@ -66,6 +70,7 @@ private:
 
     HINSTANCE instance_ = nullptr;
     HWND window_ = nullptr;
+    const ListCalls* calls_ = nullptr;
     OwnIcon folderIcon_; // the button that shows it does not own it
     std::unique_ptr<FolderList> folders_;
     std::unique_ptr<RulePage> page_;

@@ -182,6 +182,11 @@ click_heading() {
 }
 click_header() { click_heading "$panel" $id_rules "$1"; }
 click_folder() { at entry "$panel" $id_folders "$1" && xdotool click 1; }
+ctrl_double_click_cell() {
+    xdotool keydown ctrl
+    double_click_cell "$@"
+    xdotool keyup ctrl
+}
 ctrl_click_folder() {
     xdotool keydown ctrl
     click_folder "$1"

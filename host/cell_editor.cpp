@@ -110,7 +110,7 @@ bool CellEditor::finish()
     }
     close();
     if (notify(LVN_ENDLABELEDITW, limit.text.data()) != 0) {
-        page_.showLimits(row_);
+        page_.showNumbers(row_);
     }
     return true;
 }

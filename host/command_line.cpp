@@ -10,7 +10,10 @@ const wchar_t* const kUsage = L"corvane_host [options]\n"
                               L"    show this folder too; may be repeated\n"
                               L"--dump\n"
                               L"    print the stored rules of these folders,\n"
-                              L"    or else of all known ones, and end";
+                              L"    or else of all known ones, and end\n"
+                              L"--list-object\n"
+                              L"    use the library's list functions that take\n"
+                              L"    a list-control object, not a dialog and an id";
 
 CommandLine readCommandLine(const std::vector<std::wstring>& arguments)
 {
@@ -22,6 +25,10 @@ CommandLine readCommandLine(const std::vector<std::wstring>& arguments)
         const std::wstring& word = arguments[i];
         if (word == L"--dump") {
             line.dump = true;
+            continue;
+        }
+        if (word == L"--list-object") {
+            line.listObject = true;
             continue;
         }
         if (word != L"--data" && word != L"--folder") {

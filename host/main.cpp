@@ -69,7 +69,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
     {
         host::fillRuntimeGaps();
         host::PanelWindow panel;
-        if (panel.open(instance, line.folders)) {
+        if (panel.open(instance, line.folders, line.listObject ? host::kListByObject : host::kListById)) {
             panel.run();
             result = kDone;
         }

@@ -93,6 +93,17 @@ void PanelWindow::addForOwner()
     addForChosen(account, error);
 }
 
+bool PanelWindow::ownersFirst() const
+{
+    return getButtonState(window_, IDC_OWNERS_FIRST) == BST_CHECKED;
+}
+
+/// The box does not check itself: a click that the panel refuses, over a cell that holds no limit, is to change nothing.
+void PanelWindow::turnOwnersFirst()
+{
+    setButtonState(window_, IDC_OWNERS_FIRST, ownersFirst() ? BST_UNCHECKED : BST_CHECKED);
+}
+
 void PanelWindow::addForChosen(const AccountChoice& account, const std::wstring& error)
 {
     if (!error.empty()) {
@@ -106,11 +117,22 @@ void PanelWindow::addForChosen(const AccountChoice& account, const std::wstring&
 void PanelWindow::edit()
 {
     if (mayEdit_) {
-        const std::wstring error = page_->edit();
-        rulesChanged();
-        if (!error.empty()) {
-            reportStore(kNotAllDone, error);
-        }
+        ruleEdited(page_->edit());
+    }
+}
+
+void PanelWindow::editRow(int row)
+{
+    if (mayEdit_) {
+        ruleEdited(page_->editRow(row));
+    }
+}
+
+void PanelWindow::ruleEdited(const std::wstring& error)
+{
+    rulesChanged();
+    if (!error.empty()) {
+        reportStore(kNotAllDone, error);
     }
 }
 
@@ -125,7 +147,7 @@ void PanelWindow::updateRuleButtons()
             SetFocus(page_->list()); // a disabled window gets no keys
         }
     }
-    checkForButtons(window_, IDC_RULES, IDC_EDIT, IDC_DROP, 0);
+    page_->enableForSelection(IDC_EDIT, IDC_DROP);
 }
 
 void PanelWindow::drop()
@@ -262,6 +284,7 @@ void PanelWindow::selectionChanged()
     const std::vector<std::wstring> chosen = folders_->selected();
     enable(IDC_FOLDER_REMOVE, !chosen.empty());
     enable(IDC_ADD_FOR_ACCOUNT, mayEdit_ && !chosen.empty());
+    enable(IDC_OWNERS_FIRST, mayEdit_ && !chosen.empty());
     enable(IDC_ADD_FOR_ANYONE, mayEdit_ && !chosen.empty());
     std::wstring hint = L"Select the folders that new rules are for.";
     if (!mayEdit_) {

@@ -13,6 +13,8 @@ constexpr int kGap = 4;
 constexpr int kButtonWidth = 50;
 constexpr int kWideButtonWidth = 70;
 constexpr int kButtonHeight = 14;
+constexpr int kCheckBoxWidth = 90;
+constexpr int kCheckBoxHeight = 10;
 constexpr int kEditHeight = 14;
 constexpr int kTextHeight = 8;
 constexpr int kTextDrop = 3; // puts a label on the line of the edit beside it
@@ -21,7 +23,7 @@ constexpr int kFolderLabelWidth = 24;
 constexpr int kLeastFolders = 44;
 constexpr int kMostFolders = 80;
 constexpr int kLeastWidth = 384;
-constexpr int kLeastHeight = 210;
+constexpr int kLeastHeight = 224;
 
 struct Button {
     int id;
@@ -128,12 +130,14 @@ void layOutPanel(HWND panel)
     place.put(IDC_FOLDER_HINT, left, top, width, textHeight);
     top += units.y(kTextHeight + kMargin);
 
-    // The rules: all that is left, above a row of buttons.
-    const int buttons = bottom - buttonHeight;
+    // The rules: all that is left, above a row of buttons and the choice that belongs to the first of them.
+    const int choice = bottom - units.y(kCheckBoxHeight);
+    const int buttons = choice - units.y(kGap) - buttonHeight;
     place.put(IDC_RULES_LABEL, left, top, width, textHeight);
     top += units.y(kTextHeight + kLabelGap);
     place.put(IDC_RULES, left, top, width, buttons - units.y(kGap) - top);
 
+    place.put(IDC_OWNERS_FIRST, left, choice, units.x(kCheckBoxWidth), units.y(kCheckBoxHeight));
     int x = left;
     for (const Button& each : kLeftButtons) {
         place.put(each.id, x, buttons, units.x(each.width), buttonHeight);

@@ -30,9 +30,10 @@ std::vector<std::wstring> knownFolders()
 
 } // namespace
 
-bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& folders)
+bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& folders, const ListCalls& calls)
 {
     instance_ = instance;
+    calls_ = &calls;
     if (CreateDialogParamW(instance, MAKEINTRESOURCEW(IDD_PANEL), nullptr, procedure,
                            reinterpret_cast<LPARAM>(this)) == nullptr)
     {
@@ -138,7 +139,7 @@ INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
 void PanelWindow::setUp()
 {
     folders_ = std::make_unique<FolderList>(GetDlgItem(window_, IDC_FOLDERS));
-    page_ = std::make_unique<RulePage>(window_, IDC_RULES);
+    page_ = std::make_unique<RulePage>(window_, IDC_RULES, *calls_);
     cell_ = std::make_unique<CellEditor>(window_, IDC_RULES, *page_, kCellDone);
     status_ = std::make_unique<StatusLine>(GetDlgItem(window_, IDC_STATUS));
     const auto icon = [this](int widthMetric, int heightMetric) {
@@ -148,6 +149,11 @@ void PanelWindow::setUp()
     };
     SendMessageW(window_, WM_SETICON, ICON_BIG, icon(SM_CXICON, SM_CYICON));
     SendMessageW(window_, WM_SETICON, ICON_SMALL, icon(SM_CXSMICON, SM_CYSMICON));
+
+    folderIcon_ = folderIcon();
+    if (folderIcon_ != nullptr) {
+        setButtonIcon(window_, IDC_FOLDER_BROWSE, folderIcon_.get());
+    }
 
     layOutPanel(window_);
     status_->resize();
@@ -197,7 +203,9 @@ void PanelWindow::command(int id, int code)
     case IDC_ADD_FOR_ANYONE:
         return addFor(CORVANE_ANYONE);
     case IDC_ADD_FOR_ACCOUNT:
-        return addForAccount();
+        return ownersFirst() ? addForOwner() : addForAccount();
+    case IDC_OWNERS_FIRST:
+        return turnOwnersFirst();
     case IDM_ADD_OWNERS_FIRST:
         return addForOwner();
     case IDC_EDIT:
@@ -265,7 +273,7 @@ void PanelWindow::notified(const NMHDR& header)
         if (click.iSubItem == RulePage::kSoftLimitColumn) {
             openCell(click.iItem);
         } else {
-            edit();
+            editRow(click.iItem);
         }
         break;
     }

@@ -3,7 +3,9 @@
 
 #include "host/accounts.h"
 #include "host/cell_editor.h"
+#include "host/folder_icon.h"
 #include "host/folder_list.h"
+#include "host/list_calls.h"
 #include "host/rule_page.h"
 #include "host/status_line.h"
 
@@ -18,8 +20,9 @@ namespace host {
 class PanelWindow {
 public:
     /// Opens the window and fills it. @param folders  to be shown beside those that the store knows.
+    /// @param calls  the form of the list functions to use.
     /// @return true when the window could be made.
-    bool open(HINSTANCE instance, const std::vector<std::wstring>& folders);
+    bool open(HINSTANCE instance, const std::vector<std::wstring>& folders, const ListCalls& calls);
 
     /// Runs until the window is closed.
     void run();
@@ -43,9 +46,13 @@ private:
     void addFor(void* sid);
     void addForAccount();
     void addForOwner();
+    bool ownersFirst() const;
+    void turnOwnersFirst();
     void addForChosen(const AccountChoice& account, const std::wstring& error);
+    void ruleEdited(const std::wstring& error);
     void updateRuleButtons();
     void edit();
+    void editRow(int row);
     void drop();
     bool apply();
     void reload();
@@ -63,6 +70,8 @@ private:
 
     HINSTANCE instance_ = nullptr;
     HWND window_ = nullptr;
+    const ListCalls* calls_ = nullptr;
+    OwnIcon folderIcon_; // the button that shows it does not own it
     std::unique_ptr<FolderList> folders_;
     std::unique_ptr<RulePage> page_;
     std::unique_ptr<CellEditor> cell_;

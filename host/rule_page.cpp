@@ -21,17 +21,20 @@ namespace {
 // The library's columns that the host writes to.
 constexpr int kHardLimit = 1;
 constexpr int kSoftLimit = RulePage::kSoftLimitColumn;
+constexpr int kInUse = 3;
 constexpr int kPercent = 4;
 constexpr int kFolder = 5;
 
 } // namespace
 
-RulePage::RulePage(HWND dialog, int listId)
+RulePage::RulePage(HWND dialog, int listId, const ListCalls& calls)
     : dialog_(dialog)
-    , listId_(listId)
     , list_(GetDlgItem(dialog, listId))
+    , calls_(calls)
+    , object_{{}, list_}
+    , name_{dialog, listId, reinterpret_cast<CListCtrl*>(&object_)}
 {
-    initializeListCtrl(dialog_, listId_, nullptr);
+    calls_.initialize(name_, nullptr);
 
     // The library's widths are those of a narrow page. This window has room for the headings.
     constexpr int kWidths[] = {96, 52, 66, 52, 32}; // dialog units
@@ -61,7 +64,7 @@ void RulePage::fitColumns()
 
 QuotaRule* RulePage::chain() const
 {
-    return getDataModified(dialog_, listId_);
+    return calls_.chain(name_);
 }
 
 QuotaRule* RulePage::ruleOf(int row) const
@@ -82,7 +85,7 @@ std::wstring RulePage::show(const std::vector<std::wstring>& folders)
     {
         const PaintPause pause(list_);
         // All at once: with every call the library looks at all rows that are there already.
-        problems = storeErrorsOf([&] { fillUpListCtrl(paths.list(), dialog_, listId_); });
+        problems = storeErrorsOf([&] { calls_.fill(name_, paths.list()); });
     }
     const RuleState now = stateOf(chain());
     for (const std::wstring& folder : folders) {
@@ -126,10 +129,10 @@ std::wstring RulePage::add(void* sid, const std::vector<std::wstring>& folders)
     PathBlock paths(folders);
     // The result only tells whether a dialog was cancelled; rules of other folders may have been added all
     // the same, so what changed is found by comparing.
-    unsigned char allTaken = 0;
-    std::wstring problems =
-        storeErrorsOf([&] { allTaken = addToListCtrl(dialog_, listId_, sid, paths.list()); });
-    if (allTaken != 0) {
+    bool allTaken = false;
+    std::wstring problems = storeErrorsOf([&] { allTaken = calls_.add(name_, sid, paths.list()); });
+    // The form by list object leaves it to the host to make the folders known: storing them does.
+    if (allTaken && calls_.addMakesKnown) {
         for (const std::wstring& folder : folders) {
             announced_.insert(folderKey(folder));
         }
@@ -152,14 +155,31 @@ void RulePage::showBackslashes()
 
 std::wstring RulePage::edit()
 {
-    const int row = selectedRow();
+    return editing(selectedRow(), [this](QuotaRule&) { return calls_.edit(name_); });
+}
+
+std::wstring RulePage::editRow(int row)
+{
+    return editing(row, [this, row](QuotaRule& rule) {
+        // The dialog knows the record alone: the row is the host's to bring up to date.
+        const intptr_t result = editQuotaListEntry(dialog_, &rule, 0);
+        if (result == 0 || result == -1) {
+            return false;
+        }
+        showNumbers(row);
+        return true;
+    });
+}
+
+std::wstring RulePage::editing(int row, const std::function<bool(QuotaRule&)>& dialog)
+{
     QuotaRule* rule = row < 0 ? nullptr : ruleOf(row);
     if (rule == nullptr) {
         return {};
     }
     const QuotaRule before = *rule;
     bool taken = false;
-    std::wstring problems = storeErrorsOf([&] { taken = editFromListCtrl(dialog_, listId_) != 0; });
+    std::wstring problems = storeErrorsOf([&] { taken = dialog(*rule); });
     if (!taken) {
         // Limits that the dialog corrected after a refused OK stay in the record. Here Cancel means cancel.
         rule->hardLimit = before.hardLimit;
@@ -183,9 +203,9 @@ std::vector<QuotaRule*> RulePage::selectedRules() const
 
 void RulePage::drop()
 {
-    // dropFromListCtrl leaves the records to whoever can tell that nobody needs them any more: that is here.
+    // The library leaves the records to whoever can tell that nobody needs them any more: that is here.
     const std::vector<QuotaRule*> dropped = selectedRules();
-    if (dropFromListCtrl(dialog_, listId_) == 0) {
+    if (!calls_.drop(name_)) {
         return;
     }
     for (QuotaRule* rule : dropped) {
@@ -197,15 +217,17 @@ void RulePage::drop()
 
 void RulePage::sort(int column)
 {
-    // The form for hosts that hold a list-control object; sortListCtrl does the same for a dialog and an id.
-    CorvaneListObject list{{}, list_};
-    sortListCtrl2(reinterpret_cast<CListCtrl*>(&list), column);
+    calls_.sort(name_, column);
 }
 
 int RulePage::count() const
 {
-    CorvaneListObject list{{}, list_};
-    return countItems2(reinterpret_cast<CListCtrl*>(&list));
+    return calls_.count(name_);
+}
+
+void RulePage::enableForSelection(int button, int otherButton) const
+{
+    calls_.checkForButtons(name_, button, otherButton);
 }
 
 RulePage::Stored RulePage::store(const std::vector<std::wstring>& folders)
@@ -256,11 +278,12 @@ void RulePage::setText(int row, int column, std::wstring text)
     ListView_SetItemText(list_, row, column, text.data());
 }
 
-void RulePage::showLimits(int row)
+void RulePage::showNumbers(int row)
 {
     if (const QuotaRule* rule = ruleOf(row)) {
         setText(row, kHardLimit, sizeText(rule->hardLimit));
         setText(row, kSoftLimit, sizeText(rule->softLimit));
+        setText(row, kInUse, sizeText(rule->inUse));
         setText(row, kPercent, percentText(rule->inUse, rule->hardLimit));
     }
 }

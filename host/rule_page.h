@@ -1,10 +1,12 @@
 // The rule list: every step goes through an export of corvane, the host adds what the exports leave to it.
 #pragma once
 
+#include "host/list_calls.h"
 #include "host/rule_state.h"
 
 #include <windows.h>
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -17,7 +19,8 @@ public:
     static constexpr int kSoftLimitColumn = 2;
 
     /// @param dialog  window that owns the list. @param listId  control id of a list view in report view.
-    RulePage(HWND dialog, int listId);
+    /// @param calls   the form of the list functions to use; outlives this object.
+    RulePage(HWND dialog, int listId, const ListCalls& calls);
     ~RulePage();
     RulePage(const RulePage&) = delete;
     RulePage& operator=(const RulePage&) = delete;
@@ -45,6 +48,9 @@ public:
     /// Opens the library's dialog on the first selected row. @return as add().
     std::wstring edit();
 
+    /// Opens it on a row, selected or not. @return as add().
+    std::wstring editRow(int row);
+
     /// Takes the selected rows out of the list and releases their rules.
     void drop();
 
@@ -68,28 +74,33 @@ public:
     bool isModified(const std::vector<std::wstring>& folders) const;
 
     int count() const;
+
+    /// Enables two buttons of the dialog while a row is selected, and disables them otherwise.
+    void enableForSelection(int button, int otherButton) const;
+
     int selectedRow() const;
     void selectAll();
 
     /// The record behind a row.
     QuotaRule* ruleOf(int row) const;
 
-    /// Writes the limits and the percentage of a row anew from its record.
-    void showLimits(int row);
+    /// Writes the limits, the use and the percentage of a row anew from its record.
+    void showNumbers(int row);
 
 private:
     QuotaRule* chain() const;
     void setText(int row, int column, std::wstring text);
     void showBackslashes();
-    void releaseRows(const std::vector<QuotaRule*>& rules);
+    std::wstring editing(int row, const std::function<bool(QuotaRule&)>& dialog);
     std::vector<QuotaRule*> selectedRules() const;
 
     HWND dialog_;
-    int listId_;
     HWND list_;
+    const ListCalls& calls_;
+    CorvaneListObject object_;
+    ListName name_;
     RuleState stored_;
-    std::set<std::wstring>
-        announced_; // by folderKey: addToListCtrl made them known to the store, rules or not
+    std::set<std::wstring> announced_; // by folderKey: adding made them known to the store, rules or not
 };
 
 } // namespace host

@@ -15,6 +15,7 @@ panel='Quota Control Panel'    # how the host's title begins
 # Control ids of the host and of the Quota Settings dialog.
 id_folder=1001 id_folder_add=1002 id_folder_browse=1003 id_folders=1005 id_folder_remove=1006 id_folder_hint=1007
 id_rules=1009 id_add=1010 id_add_account=1011 id_edit=1012 id_drop=1013 id_reload=1014 id_apply=1015 id_status=1016
+id_owners_first=1017
 id_soft=1003 id_hard=1004
 id_ok=1 id_message=65535
 
@@ -181,6 +182,11 @@ click_heading() {
 }
 click_header() { click_heading "$panel" $id_rules "$1"; }
 click_folder() { at entry "$panel" $id_folders "$1" && xdotool click 1; }
+ctrl_double_click_cell() {
+    xdotool keydown ctrl
+    double_click_cell "$@"
+    xdotool keyup ctrl
+}
 ctrl_click_folder() {
     xdotool keydown ctrl
     click_folder "$1"

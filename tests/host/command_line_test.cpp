@@ -13,6 +13,15 @@ TEST(CommandLine, WithoutWordsLeavesAllToTheStore)
     EXPECT_EQ(line.dataFolder, L"");
     EXPECT_THAT(line.folders, IsEmpty());
     EXPECT_FALSE(line.dump);
+    EXPECT_FALSE(line.listObject);
+}
+
+TEST(CommandLine, ChoosesTheListFunctionsByObject)
+{
+    const host::CommandLine line = readCommandLine({L"--list-object", L"--folder", L"C:\\a"});
+    EXPECT_EQ(line.problem, L"");
+    EXPECT_TRUE(line.listObject);
+    EXPECT_THAT(line.folders, ElementsAre(L"C:\\a"));
 }
 
 TEST(CommandLine, TakesFoldersInTheirOrder)

@@ -41,6 +41,20 @@ set_limits 40M 30M
 wait_gone "$settings"
 wait_column 0 'EXAMPLE\olivia|EXAMPLE\alice'
 
+step 'the same behind the button, as long as the box is checked'
+expect 'the box at first' no "$(peek checked "$panel" $id_owners_first)"
+for checked in yes no; do
+    click "$panel" $id_owners_first
+    wait_shows $checked checked "$panel" $id_owners_first
+    click "$panel" $id_add_account
+    wait_window "$chooser"
+    search
+    [ $checked = yes ] && first='olivia|EXAMPLE\olivia|File owner' || first='alice|EXAMPLE\alice|User'
+    expect "the second account with \"$checked\" in the box" "$first" "$(accounts | sed -n 2p)"
+    answer "$chooser" Escape
+    wait_window "$panel"
+done
+
 step 'one account on two folders at once'
 ctrl_click_folder 1
 click "$panel" $id_add_account

@@ -52,14 +52,16 @@ wait_window "$settings"
 answer "$settings" Escape
 nothing_changed
 
-step 'cancel editing after limits were refused'
-double_click_cell 0 0
-wait_window "$settings"
-set_limits 1K 1K
-wait_window Information
-answer Information Return
-answer "$settings" Escape
-nothing_changed
+step 'cancel editing after limits were refused, behind a double click and behind Enter'
+for way in 'double_click_cell 0 0' 'press Return'; do
+    $way
+    wait_window "$settings"
+    set_limits 1K 1K
+    wait_window Information
+    answer Information Return
+    answer "$settings" Escape
+    nothing_changed
+done
 
 step 'leave a cell without typing, and after typing'
 double_click_cell 1 2

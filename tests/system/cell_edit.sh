@@ -72,6 +72,20 @@ wait_shows cell focus "$panel"
 press Escape
 wait_saved
 
+step 'a check box does not change over a wrong text'
+click_folder 0
+wait_shows yes enabled "$panel" $id_owners_first
+open_cell "$two"
+type_text 1X
+press alt+w
+wait_window 'Soft Quota Limit'
+answer 'Soft Quota Limit' Return
+wait_shows cell focus "$panel"
+press Escape
+expect 'the check box' no "$(peek checked "$panel" $id_owners_first)"
+press alt+w
+wait_shows yes checked "$panel" $id_owners_first
+
 step 'Apply can be pressed while a cell is open, though nothing has changed yet'
 expect 'Apply with the cell closed' no "$(peek enabled "$panel" $id_apply)"
 open_cell "$two"

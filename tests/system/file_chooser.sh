@@ -2,7 +2,7 @@
 # Choosing a file in the tree of drives, and a running process.
 . "$(dirname "$0")/story.sh"
 story_begin "$1" "$2"
-files='Choose file' processes='Select program'
+files='Choose file' processes='Select program' entry='Backup Processes'
 
 # The tree shows the files of a drive's first folder, in the order of their names but for the last one.
 for name in alpha.txt bravo.txt charlie.txt; do
@@ -70,5 +70,21 @@ press Return
 wait_window 'Chosen Process'
 expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' $id_message)"
 answer 'Chosen Process' Return
+wait_window "$panel"
+
+step 'a backup process: the name at the end of what is typed'
+for name in nightly.exe weekly.exe; do
+    menu t b
+    wait_window "$entry"
+    type_text "C:\\Tools\\$name"
+    press Return
+    wait_window 'Chosen Process'
+    expect 'what was chosen' $name "$(peek text 'Chosen Process' $id_message)"
+    answer 'Chosen Process' Return
+    wait_window "$panel"
+done
+menu t b
+wait_window "$entry"
+answer "$entry" Escape
 wait_window "$panel"
 host_close

@@ -22,12 +22,19 @@ wait_for 'the second folder' folder_is_shown "$tree\\Two"
 step 'the tab key goes round in reading order'
 press alt+o
 wait_shows $id_folder focus "$panel"
-for id in $id_folder_add $id_folder_browse $id_folders $id_folder_remove $id_rules $id_add_account $id_add $id_reload $id_folder; do
+for id in $id_folder_add $id_folder_browse $id_folders $id_folder_remove $id_rules $id_add_account $id_owners_first $id_add $id_reload $id_folder; do
     press Tab
     wait_shows "$id" focus "$panel"
 done
 press shift+Tab
 wait_shows $id_reload focus "$panel"
+
+step 'the check box has its key, and the blank as well'
+press alt+w
+wait_shows yes checked "$panel" $id_owners_first
+wait_shows $id_owners_first focus "$panel"
+press space
+wait_shows no checked "$panel" $id_owners_first
 
 step 'select both folders and add a rule for each'
 press alt+s
@@ -97,7 +104,7 @@ for id in $id_edit $id_drop; do
     press alt+u Home space
     wait_shows 0 chosen "$panel" $id_rules
     wait_shows yes enabled "$panel" $id_edit
-    press Tab Tab Tab
+    press Tab Tab Tab Tab
     [ "$id" = $id_edit ] || press Tab
     wait_shows "$id" focus "$panel"
     press F5

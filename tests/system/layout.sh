@@ -23,6 +23,8 @@ place() {
 host_start
 read -r -a before <<<"$(peek extent)"
 apply=$(place $id_apply)
+height_of() { place "$1" | cut -d ' ' -f 2; }
+owners_first=$(height_of $id_owners_first)
 browse=$(peek point "$panel" $id_folder_browse)
 
 step 'larger'
@@ -31,6 +33,7 @@ wait_for 'the larger window' extent_is "$((before[2] + 120)) $((before[3] + 90))
 expect 'the place of Apply at the lower right' "$apply" "$(place $id_apply)"
 read -r x y <<<"$browse"
 expect 'the place of Browse' "$((x + 120)) $y" "$(peek point "$panel" $id_folder_browse)"
+expect 'the height of the check box' "$owners_first" "$(height_of $id_owners_first)"
 shot larger
 
 step 'as small as can be'
@@ -39,6 +42,7 @@ smaller() { read -r _ _ w h <<<"$(peek extent)" && [ "$w" -lt "${before[2]}" ] &
 wait_for 'the smaller window' smaller
 shot smallest
 expect 'the place of Apply at the lower right' "$apply" "$(place $id_apply)"
+expect 'the height of the check box' "$owners_first" "$(height_of $id_owners_first)"
 # The buttons of the two groups do not meet, and there is room for rows.
 wait_for 'the place of Drop' finds_place point "$panel" $id_drop
 read -r drop _ <<<"$place"

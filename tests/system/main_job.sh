@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # From an empty data folder to stored rules, and back into a new window.
+#   main_job.sh BUILD OUT [OPTION]    the option is one for the panel
 . "$(dirname "$0")/story.sh"
 story_begin "$1" "$2" Projects Users Media
+
+options=("${@:3}")
 
 make_files "$out/tree/Projects" 40 1
 projects=$made_bytes
@@ -12,7 +15,7 @@ step 'nothing is stored at first'
 expect 'the rules of an empty data folder' 'No rules are stored.' "$(dump)"
 
 step 'add two folders'
-host_start
+host_start "${options[@]}"
 add_folder "$tree\\Projects"
 add_folder "$tree\\Users"
 wait_status '0 rules in 2 folders'
@@ -25,6 +28,10 @@ wait_shows "New rules are for $tree\\Users." text "$panel" $id_folder_hint
 add_rule 20M 10M
 wait_rules "Anyone|20480K|10240K|$users |$(printf '%02d' $((users * 100 / 20971520)))%|$tree\\Users"
 wait_unsaved
+# Adding by dialog and id tells the store at once; by list object that is left to Apply.
+times_known() { tr -d '\r' 2>/dev/null <"$data/known-folders.txt" | grep -c '\\Users$'; }
+[[ " ${options[*]} " = *' --list-object '* ]] && known=0 || known=1
+expect 'how often the folder is known before Apply' "$known" "$(times_known)"
 expect 'Apply with an unsaved change' yes "$(peek enabled "$panel" $id_apply)"
 
 step 'add a rule that is in the way of itself'
@@ -59,24 +66,47 @@ wait_gone "$settings"
 wait_column 1 '51200K|20480K'
 expect 'Edit with a selected row' yes "$(peek enabled "$panel" $id_edit)"
 
+step 'a double click edits the rule it is on, Enter the first one selected'
+click_cell 0 5
+wait_shows 0 chosen "$panel" $id_rules
+ctrl_double_click_cell 1 5
+wait_window "$settings"
+wait_for 'the rule of the second row' in_applied_to Users
+set_limits 24M 12M
+wait_gone "$settings"
+in_users="24576K|12288K|$users |$(printf '%02d' $((users * 100 / 25165824)))%|$tree\\Users"
+wait_rules "Anyone|51200K|40960K|$projects |$(printf '%02d' $((projects * 100 / 52428800)))%|$tree\\Projects
+Anyone|$in_users"
+wait_shows '0
+1' chosen "$panel" $id_rules
+press Return
+wait_window "$settings"
+wait_for 'the rule of the first row' in_applied_to Projects
+set_limits 60M 45M
+wait_gone "$settings"
+wait_column 1 '61440K|24576K'
+wait_column 2 '46080K|12288K'
+
 step 'sort'
 click_header 1
-wait_column 1 '20480K|51200K'
+wait_column 1 '24576K|61440K'
 click_header 1
-wait_column 1 '51200K|20480K'
+wait_column 1 '61440K|24576K'
 
 step 'apply'
 click "$panel" $id_apply
 wait_saved
 wait_status 'All changes stored'
 expect 'Apply without an unsaved change' no "$(peek enabled "$panel" $id_apply)"
-expect_stored "Anyone|20971520|10485760|$users|$tree\\Users
-Anyone|52428800|41943040|$projects|$tree\\Projects"
+expect_stored "Anyone|25165824|12582912|$users|$tree\\Users
+Anyone|62914560|47185920|$projects|$tree\\Projects"
+
+expect 'how often the folder is known after Apply' 1 "$(times_known)"
 
 step 'the rules are back in a new window'
 shown=$(rules | sort)
 host_close
-host_start
+host_start "${options[@]}"
 wait_status '2 rules in 2 folders'
 expect 'the rules after the restart' "$shown" "$(rules | sort)"
 
@@ -88,5 +118,5 @@ wait_column 5 "$tree\\Projects"
 click "$panel" $id_apply
 wait_saved
 host_close
-expect_stored "Anyone|52428800|41943040|$projects|$tree\\Projects"
+expect_stored "Anyone|62914560|47185920|$projects|$tree\\Projects"
 expect 'the rules of the other folder' 'No rules are stored.' "$(dump --folder "$tree\\Users")"

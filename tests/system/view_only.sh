@@ -26,15 +26,16 @@ wait_status '2 rules in 2 folders'
 wait_shows 'Only an administrator can change rules and policies.' text "$panel" $id_folder_hint
 
 step 'no button changes anything'
-not_possible $id_add_account $id_add $id_edit $id_drop $id_apply
+not_possible $id_add_account $id_owners_first $id_add $id_edit $id_drop $id_apply
 click_folder 0
 click_cell 0 0
 wait_shows 0 chosen "$panel" $id_rules
-not_possible $id_add_account $id_add $id_edit $id_drop $id_apply
+not_possible $id_add_account $id_owners_first $id_add $id_edit $id_drop $id_apply
 
 step 'nor does a key or the mouse'
-press Return F2 Delete
+press Return F2 Delete alt+w
 nothing_happened
+expect 'the check box' no "$(peek checked "$panel" $id_owners_first)"
 double_click_cell 0 0
 nothing_happened
 double_click_cell 0 2

@@ -61,7 +61,10 @@ wait_gone "$settings"
 wait_column 0 'EXAMPLE\alice'
 
 step 'a rule for an owner of files: the owners come first'
-menu r o
+click "$panel" $id_owners_first
+wait_shows yes checked "$panel" $id_owners_first
+shot owners-first-checked
+click "$panel" $id_add_account
 wait_window "$chooser"
 search
 shot owners-first
@@ -76,6 +79,8 @@ wait_gone "$settings"
 wait_column 0 'EXAMPLE\olivia|EXAMPLE\alice'
 
 step 'a rule for each member of a group'
+click "$panel" $id_owners_first
+wait_shows no checked "$panel" $id_owners_first
 menu r c
 wait_window "$chooser"
 pick 'EXAMPLE\Accounting'

@@ -3,6 +3,7 @@
 . "$(dirname "$0")/../tour_lib.sh"
 . "$(dirname "$0")/../dialog_lib.sh"
 tour_begin "$1" "$2"
+entry='Backup Processes'
 mkdir -p "$out/tree/One"
 
 step 'choose a file'
@@ -25,6 +26,17 @@ double_click_row 'Select program' $id_processes $((row - 1))
 finish 'Select program'
 wait_window 'Chosen Process'
 expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' $id_message)"
+answer 'Chosen Process' Return
+
+step 'a backup process'
+menu t b
+wait_window "$entry"
+type_text 'C:\Tools\nightly.exe'
+shot backup-process
+finish "$entry"
+wait_window 'Chosen Process'
+expect 'what was chosen' nightly.exe "$(peek text 'Chosen Process' $id_message)"
+shot chosen-process
 answer 'Chosen Process' Return
 
 step 'the About box'

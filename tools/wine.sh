@@ -20,6 +20,9 @@ fi
 unset WINEPREFIX            # one from outside is not ours, to use or to stop
 unset LIBRARY_PATH CPATH    # the cross linker would take host libraries from them
 export WINEARCH=win64 WINEDEBUG=-all
+# File names of any alphabet, wherever the scripts are called from: a service or a bare login often has no locale, and
+# the runtime then refuses what is not ASCII.
+export LC_ALL=C.UTF-8
 # Neither the add-on installers nor the crash dialog may pop up; a crash then ends the process at once.
 export WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe,winedbg.exe='
 

@@ -1,7 +1,7 @@
 // Nothing is left behind by dialogs and list operations, except what is handed over.
 #include "tests/dialogs/quota_settings.h"
-#include "tests/support/leak_count.h"
 #include "tests/support/list_host.h"
+#include "tests/support/nothing_left.h"
 #include "tests/support/paths.h"
 
 #include <commctrl.h>
@@ -22,22 +22,12 @@ struct LeakTest : testing::Test {
     void* const ann = store->account("ann");
     std::optional<ListHost> host{std::in_place};
 
-    /// Does something often, and compares what is held. The first rounds fill caches of the system.
     void expectNothingLeft(const std::function<void()>& round)
     {
-        constexpr int kWarmUp = 3;
-        constexpr int kRounds = 10;
-        const auto several = [&](int times) {
-            for (int i = 0; i < times; ++i) {
-                round();
-                store->takeCalls(); // what is written down is no leak
-            }
-            store->takeCalls();
-        };
-        several(kWarmUp);
-        const LeakCount before = LeakCount::now();
-        several(kRounds);
-        EXPECT_EQ(LeakCount::now(), before);
+        ::expectNothingLeft([&] {
+            round();
+            store->takeCalls(); // what is written down is no leak
+        });
     }
 
     /// As the host does with records that it does not need any more. Those from the store are not on the heap.

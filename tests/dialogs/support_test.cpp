@@ -6,6 +6,7 @@
 #include "tests/support/import_patch.h"
 #include "tests/support/leak_count.h"
 #include "tests/support/list_host.h"
+#include "tests/support/nothing_left.h"
 #include "tests/support/recording_store.h"
 #include "tests/support/rule_memory.h"
 #include "tests/support/window_text.h"
@@ -16,6 +17,7 @@
 #include <gtest/gtest-spi.h>
 
 #include <cstdlib>
+#include <vector>
 
 using testing::ElementsAre;
 
@@ -184,6 +186,33 @@ TEST(LeakCountTest, SeesOneOfEachKind)
     std::free(block);
     EXPECT_EQ(LeakCount::now(), before);
     DestroyWindow(first);
+}
+
+TEST(NothingLeftTest, ACacheThatFillsLateIsNoLeak)
+{
+    int round = 0;
+    HBRUSH cached = nullptr;
+    expectNothingLeft([&] {
+        if (++round == 5) {
+            cached = CreateSolidBrush(RGB(1, 2, 3));
+        }
+    });
+    DeleteObject(cached);
+}
+
+TEST(NothingLeftTest, WhatGrowsAgainAndAgainIs)
+{
+    std::vector<HBRUSH> kept;
+    int round = 0;
+    const auto keepOneInAWhile = [&] {
+        if (++round % 8 == 0) {
+            kept.push_back(CreateSolidBrush(RGB(1, 2, 3)));
+        }
+    };
+    EXPECT_NONFATAL_FAILURE(expectNothingLeft(keepOneInAWhile), "held around each");
+    for (HBRUSH brush : kept) {
+        DeleteObject(brush);
+    }
 }
 
 TEST(RuleMemoryTest, GivesAddressesOnBothSides)

@@ -1,6 +1,6 @@
 #include "child.h"
 
-#include <gtest/gtest.h>
+#include "start_process.h"
 
 namespace store_test {
 
@@ -8,17 +8,11 @@ Child::Child(const std::wstring& role, const std::vector<std::wstring>& argument
 {
     std::wstring program(32768, L'\0');
     program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-    std::wstring line = L'"' + program + L"\" --role " + role;
+    std::wstring line = L"--role " + role;
     for (const std::wstring& argument : arguments) {
         line += L" \"" + argument + L'"';
     }
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process_))
-    {
-        ADD_FAILURE() << "the child does not start: " << GetLastError();
-    }
+    process_ = startProcess(program, line);
 }
 
 Child::~Child()

@@ -1,6 +1,7 @@
 // What only one of the policy lists has: attributes and a password, accounts, the file of active exceptions; and
 // what a kill leaves behind.
 #include "debug_lines.h"
+#include "start_process.h"
 #include "store_test.h"
 
 #include <wincrypt.h>
@@ -487,12 +488,7 @@ public:
         wchar_t self[MAX_PATH];
         GetModuleFileNameW(nullptr, self, MAX_PATH);
         const auto program = std::filesystem::path(self).replace_filename(L"policy_writer.exe");
-        std::wstring command = L'"' + program.wstring() + L"\" " + event;
-        STARTUPINFOW start{};
-        start.cb = sizeof start;
-        EXPECT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
-                                   nullptr, nullptr, &start, &process_))
-            << GetLastError();
+        process_ = startProcess(program.wstring(), event);
         const HANDLE either[] = {started_, process_.hProcess};
         EXPECT_EQ(WaitForMultipleObjects(2, either, FALSE, 60000), WAIT_OBJECT_0);
     }

@@ -36,16 +36,22 @@ protected:
         storeKnownPaths(list.get());
     }
 
+    /// Shows a limit of 8 to this process, and then writes one of 7 behind its back.
+    void seeOneRuleWhileAnotherComes()
+    {
+        store({kFolder}, {{kFolder, 7}});
+        const std::string theirs = bytesOf(theRulesFile());
+        store({kFolder}, {{kFolder, 8}});
+        EXPECT_EQ(stored(kFolder).size(), 1u);
+        writeBytes(theRulesFile(), theirs);
+    }
+
     std::filesystem::path knownFile() const { return data() / L"known-folders.txt"; }
 };
 
 TEST_F(OtherWriterTest, RulesThatChangedMeanwhileAreNotReplaced)
 {
-    store({kFolder}, {{kFolder, 7}});
-    const std::string theirs = bytesOf(theRulesFile());
-    store({kFolder}, {{kFolder, 8}});
-    EXPECT_EQ(stored(kFolder).size(), 1u);
-    writeBytes(theRulesFile(), theirs);
+    seeOneRuleWhileAnotherComes();
     expectRefused({{kFolder, 9}}, L"were changed by somebody else");
     expectRefused({}, L"were changed by somebody else");
     EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 7}}));
@@ -69,11 +75,7 @@ TEST_F(OtherWriterTest, RulesThatCameMeanwhileAreNotReplaced)
 
 TEST_F(OtherWriterTest, TheSameRulesAgainAreNoChange)
 {
-    store({kFolder}, {{kFolder, 7}});
-    const std::string theirs = bytesOf(theRulesFile());
-    store({kFolder}, {{kFolder, 8}});
-    EXPECT_EQ(stored(kFolder).size(), 1u);
-    writeBytes(theRulesFile(), theirs);
+    seeOneRuleWhileAnotherComes();
     store({kFolder}, {{kFolder, 7}}); // what is there already
     store({kFolder}, {{kFolder, 6}});
     EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 6}}));

@@ -15,6 +15,14 @@ nothing_changed() {
     expect 'the list' "$rows" "$(rules)"
     expect 'Apply' no "$(peek enabled "$panel" $id_apply)"
 }
+cancel_refused_limits() {
+    wait_window "$settings"
+    set_limits 1K 1K
+    wait_window Information
+    answer Information Return
+    answer "$settings" Escape
+    nothing_changed
+}
 
 step 'cancel adding, by key and by button'
 click "$panel" $id_add
@@ -30,12 +38,7 @@ nothing_changed
 
 step 'cancel adding after limits were refused'
 click "$panel" $id_add
-wait_window "$settings"
-set_limits 1K 1K
-wait_window Information
-answer Information Return
-answer "$settings" Escape
-nothing_changed
+cancel_refused_limits
 
 step 'cancel adding on several folders'
 click_folder 2
@@ -55,12 +58,7 @@ nothing_changed
 step 'cancel editing after limits were refused, behind a double click and behind Enter'
 for way in 'double_click_cell 0 0' 'press Return'; do
     $way
-    wait_window "$settings"
-    set_limits 1K 1K
-    wait_window Information
-    answer Information Return
-    answer "$settings" Escape
-    nothing_changed
+    cancel_refused_limits
 done
 
 step 'leave a cell without typing, and after typing'

@@ -6,6 +6,8 @@
 #include "tests/support/recording_store.h"
 #include "tests/support/text.h"
 
+#include <shellapi.h>
+
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -138,10 +140,27 @@ TEST_F(DirTreeTest, FailsWithoutDriveStrings)
 TEST_F(DirTreeTest, GoesOnWithoutIcons)
 {
     disk.addDrive(L"C:\\");
-    disk.failIcons = true;
+    disk.failIcons = [](UINT) {
+        return true;
+    };
     EXPECT_TRUE(tree.display(nullptr, true));
     EXPECT_EQ(tree.errorText(), L"Error Gettting SystemFileInfo!");
     EXPECT_EQ(host.images(host.top(L"C:")), "0/0");
+}
+
+TEST_F(DirTreeTest, EachIconStandsForItself)
+{
+    disk.addDrive(L"C:\\");
+    disk.failIcons = [](UINT flags) {
+        return (flags & SHGFI_OPENICON) == 0;
+    };
+    EXPECT_TRUE(tree.display(nullptr, true));
+    EXPECT_EQ(host.images(host.top(L"C:")), "0/11");
+    disk.failIcons = [](UINT flags) {
+        return (flags & SHGFI_OPENICON) != 0;
+    };
+    EXPECT_TRUE(tree.display(nullptr, true));
+    EXPECT_EQ(host.images(host.top(L"C:")), "10/0");
 }
 
 TEST_F(DirTreeTest, ASmallHandleIsNoSearch)
@@ -436,7 +455,9 @@ TEST_F(DirTreeTest, AnEmptySegmentSelectsNothing)
     disk.addDrive(L"C:\\");
     disk.setFolder(L"C:\\", {file(L"a.txt"), file(L"b.txt")});
     ASSERT_TRUE(tree.display(nullptr, true));
+    disk.takeCalls();
     EXPECT_FALSE(tree.setSelectedPath(L"C:\\\\")); // the check takes both backslashes off, the walk does not
+    EXPECT_EQ(disk.takeCalls().front(), "find C:\\nul");
     EXPECT_EQ(host.selectedText(), "");
     EXPECT_NE(tree.state(host.top(L"C:"), TVIS_EXPANDED), 0u);
 }
@@ -492,11 +513,17 @@ TEST_F(DirTreeTest, ADriveThatIsNotShownSelectsNothing)
 TEST_F(DirTreeTest, PathsMindTheCase)
 {
     disk.addDrive(L"C:\\");
-    disk.setFolder(L"C:\\", {});
+    disk.setFolder(L"C:\\", {file(L"Data")});
     disk.setFolder(L"c:\\", {});
+    disk.setFolder(L"C:\\data", {}); // as the disk sees it
+    disk.setFolder(L"C:\\Data", {});
     ASSERT_TRUE(tree.display(nullptr, true));
+    disk.takeCalls();
     EXPECT_FALSE(tree.setSelectedPath(L"c:\\"));
+    EXPECT_THAT(disk.takeCalls(), IsEmpty()) << "it is none of the drives";
     EXPECT_TRUE(tree.setSelectedPath(L"C:\\"));
+    EXPECT_FALSE(tree.setSelectedPath(L"C:\\data"));
+    EXPECT_TRUE(tree.setSelectedPath(L"C:\\Data"));
 }
 
 TEST_F(DirTreeTest, OnlyTheBeginningOfAPathIsCheckedAgainstTheTopLevel)

@@ -153,7 +153,7 @@ DWORD_PTR WINAPI fileInfo(const wchar_t* path, DWORD attributes, SHFILEINFOW* in
     if (flags == (SHGFI_SYSICONINDEX | SHGFI_SMALLICON)) {
         return disk->failImages ? 0 : reinterpret_cast<DWORD_PTR>(state->images);
     }
-    if (disk->failIcons) {
+    if (disk->failIcons && disk->failIcons(flags)) {
         return 0;
     }
     info->hIcon = reinterpret_cast<HICON>(++state->lastIcon);

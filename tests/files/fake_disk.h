@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,9 +42,9 @@ public:
     /// Icons that were handed out and not destroyed.
     int openIcons() const;
 
-    bool failDrives = false;       ///< GetLogicalDriveStringsW gives 0
-    bool failImages = false;       ///< SHGetFileInfoW gives no system image list
-    bool failIcons = false;        ///< SHGetFileInfoW gives no icon
+    bool failDrives = false;                   ///< GetLogicalDriveStringsW gives 0
+    bool failImages = false;                   ///< SHGetFileInfoW gives no system image list
+    std::function<bool(UINT flags)> failIcons; ///< for which SHGetFileInfoW gives no icon
     HANDLE searchAnswer = nullptr; ///< what FindFirstFileW gives in place of a search, if anything
 
     struct State;

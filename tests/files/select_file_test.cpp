@@ -3,6 +3,7 @@
 #include "tests/files/fake_disk.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/owner_window.h"
 #include "tests/support/recording_store.h"
 #include "tests/support/window_text.h"
 
@@ -248,11 +249,10 @@ TEST_F(SelectFileTest, TheOwnChooserShowsFilesAndBelongsToTheOwner)
         });
     ASSERT_EQ(copies.count(), 1);
     ASSERT_GE(releases.count(), 1);
-    HWND owner =
-        CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    const OwnerWindow owner;
     DialogScript script;
-    script.onDialog("select a file and press OK", [=](HWND dialog) {
-        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner);
+    script.onDialog("select a file and press OK", [&](HWND dialog) {
+        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.window());
         HWND tree = GetDlgItem(dialog, 1038);
         const LRESULT drive = SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
         SendMessageW(tree, TVM_EXPAND, TVE_EXPAND, drive);
@@ -260,8 +260,7 @@ TEST_F(SelectFileTest, TheOwnChooserShowsFilesAndBelongsToTheOwner)
                      SendMessageW(tree, TVM_GETNEXTITEM, TVGN_CHILD, drive));
         clickLater(dialog, IDOK);
     });
-    const wchar_t* chosen = script.run([=] { return selectFile(owner, 1); });
-    DestroyWindow(owner);
+    const wchar_t* chosen = script.run([&] { return selectFile(owner.window(), 1); });
     ASSERT_NE(chosen, nullptr);
     EXPECT_EQ(std::wstring(chosen), (L"C:\\" + longName).substr(0, 259));
     EXPECT_EQ(released, 1);

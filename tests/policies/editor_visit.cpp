@@ -42,6 +42,7 @@ EditorVisit& EditorVisit::entry(std::string caption, OnEntry act)
 {
     script.onDialog("in " + caption, [caption, act = std::move(act)](HWND dialog) {
         EXPECT_EQ(windowText(dialog), caption);
+        EXPECT_NE(GetWindow(dialog, GW_OWNER), nullptr) << "the list could be used behind it";
         act(dialog);
     });
     return *this;

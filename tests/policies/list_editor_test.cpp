@@ -4,6 +4,7 @@
 #include "tests/support/dialog_script.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/nothing_left.h"
+#include "tests/support/owner_window.h"
 #include "tests/support/text.h"
 #include "tests/support/window_text.h"
 
@@ -360,6 +361,17 @@ TEST_P(ListEditorTest, ShowsTenThousandEntries)
         }
         EXPECT_NE(GetWindowLongPtrW(rows.window(), GWL_STYLE) & WS_VISIBLE, 0) << "redrawing is still off";
     });
+}
+
+TEST_P(ListEditorTest, StandsOverTheCallersWindow)
+{
+    const OwnerWindow owner;
+    DialogScript script;
+    script.onDialog("cancel", [&](HWND dialog) {
+        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.window());
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(script.run([&] { return editor.open(owner.window()); }), 0);
 }
 
 TEST_P(ListEditorTest, HoldsNothingAfterItIsClosed)

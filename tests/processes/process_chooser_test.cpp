@@ -4,6 +4,7 @@
 #include "tests/support/dialog_script.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/nothing_left.h"
+#include "tests/support/owner_window.h"
 #include "tests/support/recording_store.h"
 #include "tests/support/text.h"
 #include "tests/support/window_text.h"
@@ -311,17 +312,32 @@ TEST_F(ProcessChooserTest, SortsByTheColumnThatIsClicked)
         // The order goes on from whatever list was sorted before.
         const auto first = clicked(0);
         EXPECT_TRUE(first == upwards || first == downwards);
-        EXPECT_EQ(clicked(0), first == upwards ? downwards : upwards);
+        const auto second = first == upwards ? downwards : upwards;
+        EXPECT_EQ(clicked(0), second);
         EXPECT_EQ(clicked(0), first);
+        sortListCtrl(dialog, kList, 0);
+        EXPECT_EQ(names(dialog), second);
+        EXPECT_EQ(clicked(0), first);  // one order for all lists
         EXPECT_EQ(clicked(-1), first); // no column
         click.hdr.idFrom = 999;
         EXPECT_EQ(clicked(0), first); // another list
         // Neither of the two counted as a click that turns the order round.
         click.hdr.idFrom = kList;
-        EXPECT_EQ(clicked(0), first == upwards ? downwards : upwards);
+        EXPECT_EQ(clicked(0), second);
         clickLater(dialog, IDCANCEL);
     });
     EXPECT_EQ(chosen(script), std::nullopt);
+}
+
+TEST_F(ProcessChooserTest, StandsOverTheCallersWindow)
+{
+    const OwnerWindow owner;
+    DialogScript script;
+    script.onDialog("cancel", [&](HWND dialog) {
+        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.window());
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(script.run([&] { return chooseProcess(owner.window()); }), nullptr);
 }
 
 TEST_F(ProcessChooserTest, CountsRowsAnewEachTime)

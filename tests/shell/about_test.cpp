@@ -3,6 +3,7 @@
 #include "tests/support/dialog_script.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/nothing_left.h"
+#include "tests/support/owner_window.h"
 #include "tests/support/recording_store.h"
 #include "tests/support/text.h"
 #include "tests/support/window_text.h"
@@ -190,6 +191,17 @@ TEST_F(AboutTest, ShowsNothingWithoutItsTemplate)
     ASSERT_EQ(noTemplate.count(), 1);
     showAboutDialog(nullptr);
     EXPECT_THAT(bitmaps, IsEmpty());
+}
+
+TEST_F(AboutTest, StandsOverTheCallersWindow)
+{
+    const OwnerWindow owner;
+    DialogScript script;
+    script.onDialog("press OK", [&](HWND dialog) {
+        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.window());
+        clickLater(dialog, IDOK);
+    });
+    show(script, owner.window());
 }
 
 TEST_F(AboutTest, LeavesNothingBehind)

@@ -1,0 +1,18 @@
+// A window to open dialogs over.
+#pragma once
+
+#include <windows.h>
+
+class OwnerWindow {
+public:
+    OwnerWindow() = default;
+    OwnerWindow(const OwnerWindow&) = delete;
+    OwnerWindow& operator=(const OwnerWindow&) = delete;
+    ~OwnerWindow() { DestroyWindow(window_); }
+
+    HWND window() const { return window_; }
+
+private:
+    HWND window_ =
+        CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+};

@@ -21,8 +21,6 @@ int sids;
 struct {
     DWORD aclSize, mask, desired, privilegesSize, aceRevision, aclRevision;
     GENERIC_MAPPING mapping;
-    SECURITY_DESCRIPTOR_CONTROL control;
-    bool ownerIsGroup;
 } seen;
 
 decltype(ImpersonateSelf)* realImpersonateSelf;
@@ -123,6 +121,7 @@ BOOL WINAPI initializeAcl(PACL acl, DWORD size, DWORD revision)
 }
 BOOL WINAPI addAce(PACL acl, DWORD revision, DWORD mask, PSID sid)
 {
+    EXPECT_TRUE(IsWellKnownSid(sid, WinBuiltinAdministratorsSid));
     seen.mask = mask;
     seen.aceRevision = revision;
     return fails("AddAccessAllowedAce") ? FALSE : realAddAce(acl, revision, mask, sid);
@@ -136,11 +135,13 @@ BOOL WINAPI setDacl(PSECURITY_DESCRIPTOR descriptor, BOOL present, PACL acl, BOO
 BOOL WINAPI setGroup(PSECURITY_DESCRIPTOR descriptor, PSID sid, BOOL defaulted)
 {
     EXPECT_FALSE(defaulted);
+    EXPECT_TRUE(IsWellKnownSid(sid, WinBuiltinAdministratorsSid));
     return fails("SetSecurityDescriptorGroup") ? FALSE : realSetGroup(descriptor, sid, defaulted);
 }
 BOOL WINAPI setOwner(PSECURITY_DESCRIPTOR descriptor, PSID sid, BOOL defaulted)
 {
     EXPECT_FALSE(defaulted);
+    EXPECT_TRUE(IsWellKnownSid(sid, WinBuiltinAdministratorsSid));
     return fails("SetSecurityDescriptorOwner") ? FALSE : realSetOwner(descriptor, sid, defaulted);
 }
 BOOL WINAPI isValid(PSECURITY_DESCRIPTOR descriptor)

@@ -7,6 +7,7 @@
 #include <cwchar>
 
 using testing::ElementsAre;
+using testing::UnorderedElementsAre;
 
 namespace {
 
@@ -52,6 +53,28 @@ TEST_F(GroupMembersTest, AreAskedOfTheServersOfTheLastEnumerationInTheirOrder)
     EXPECT_THAT(questions(), ElementsAre("enumerateGroupUsers null DOM\\staff null",
                                          "enumerateGroupUsers SERVER DOM\\staff null",
                                          "enumerateGroupUsers SECOND DOM\\staff null"));
+}
+
+TEST_F(GroupMembersTest, OfAllServersAreInOneList)
+{
+    nameASecondServer();
+    enumerate();
+    const std::vector<void*> found = {store.account("DOM\\ann"), store.account("DOM\\bob"),
+                                      store.account("DOM\\carol")};
+    store.answer.enumerateGroupUsers = [&, next = std::size_t{0}](const wchar_t*, const wchar_t*,
+                                                                  SidList* list) mutable {
+        SidList* const known = list != nullptr ? list : store.answer.createEmptySidList();
+        return store.answer.appendToSidList(known, store.answer.sidDup(found[next++]));
+    };
+    QuotaRule* const rule = quota_settings::newRule(store.account("DOM\\staff"));
+    quota_settings::untilOk(rule, quota_settings::kAdd,
+                            [](HWND dialog) { click(dialog, quota_settings::kGroupMembers); });
+    std::vector<std::string> members;
+    for (const QuotaRule* member = rule->next; member != nullptr; member = member->next) {
+        members.push_back(RecordingStore::nameOf(member->sid));
+    }
+    EXPECT_THAT(members, UnorderedElementsAre("DOM\\ann", "DOM\\bob", "DOM\\carol"));
+    EXPECT_EQ(store.openSidLists(), 0);
 }
 
 TEST_F(GroupMembersTest, AServerThatWasNotThereIsNotAsked)

@@ -11,7 +11,7 @@ stored_accounts() { cat "$data/rules/$1"_*.txt | tr -d '\r' | grep '^[0-9]' | cu
 step 'a user'
 host_start --folder "$tree\\One" --folder "$tree\\Two"
 click_folder 0
-click "$panel" $id_add_account
+click "$panel" IDC_ADD_FOR_ACCOUNT
 wait_window "$chooser"
 pick 'EXAMPLE\alice'
 wait_window "$settings"
@@ -20,7 +20,7 @@ wait_gone "$settings"
 wait_column 0 'EXAMPLE\alice'
 
 step 'the same one again is refused'
-click "$panel" $id_add_account
+click "$panel" IDC_ADD_FOR_ACCOUNT
 wait_window "$chooser"
 pick 'EXAMPLE\alice'
 wait_window Information
@@ -33,8 +33,8 @@ wait_window "$chooser"
 search
 expect 'the second account' "olivia|EXAMPLE\\olivia|File owner" "$(accounts | sed -n 2p)"
 expect 'olivia is listed' 1 "$(accounts | grep -c olivia)"
-click_row "$chooser" $id_accounts 1
-wait_shows yes enabled "$chooser" $id_ok
+click_row "$chooser" IDC_CHOOSER_LIST 1
+wait_shows yes enabled "$chooser" IDOK
 press Return
 wait_window "$settings"
 set_limits 40M 30M
@@ -42,11 +42,11 @@ wait_gone "$settings"
 wait_column 0 'EXAMPLE\olivia|EXAMPLE\alice'
 
 step 'the same behind the button, as long as the box is checked'
-expect 'the box at first' no "$(peek checked "$panel" $id_owners_first)"
+expect 'the box at first' no "$(peek checked "$panel" IDC_OWNERS_FIRST)"
 for checked in yes no; do
-    click "$panel" $id_owners_first
-    wait_shows $checked checked "$panel" $id_owners_first
-    click "$panel" $id_add_account
+    click "$panel" IDC_OWNERS_FIRST
+    wait_shows $checked checked "$panel" IDC_OWNERS_FIRST
+    click "$panel" IDC_ADD_FOR_ACCOUNT
     wait_window "$chooser"
     search
     [ $checked = yes ] && first='olivia|EXAMPLE\olivia|File owner' || first='alice|EXAMPLE\alice|User'
@@ -56,8 +56,8 @@ for checked in yes no; do
 done
 
 step 'one account on two folders at once'
-ctrl_click_folder 1
-click "$panel" $id_add_account
+with_ctrl click_folder 1
+click "$panel" IDC_ADD_FOR_ACCOUNT
 wait_window "$chooser"
 pick 'EXAMPLE\bob'
 wait_for 'the dialog of the first folder' in_applied_to One
@@ -70,7 +70,7 @@ wait_gone "$settings"
 wait_status '4 rules in 2 folders'
 
 step 'Cancel in the chooser adds nothing'
-click "$panel" $id_add_account
+click "$panel" IDC_ADD_FOR_ACCOUNT
 wait_window "$chooser"
 answer "$chooser" Escape
 wait_status '4 rules in 2 folders'

@@ -8,9 +8,9 @@ store_rules One 30M 20M Two 50M 40M
 # change_one LIMIT: changes and stores the rule of the first folder.
 change_one() {
     local row
-    row=$(($(rules | cut -f 6 | grep -nxF "$tree\\One" | cut -d : -f 1) - 1))
+    row=$(row_of One)
     double_click_cell $row 2
-    wait_shows cell focus "$panel"
+    wait_focus "$panel" cell
     type_text "$1"
     press Return
     wait_unsaved
@@ -31,8 +31,7 @@ Two|62914560|41943040'
 step 'the rules of the other folder cannot be read when the panel starts'
 mv "$file" "$out/aside"
 mkdir "$file"
-wine "$build/bin/corvane_host.exe" --data "$(windows_path "$data")" </dev/null >>"$out/host.log" 2>&1 &
-host_pid=$!
+host_launch
 wait_store_box 'Not all rules could be read.'
 answer 'Quota Store' Return
 wait_window "$panel"

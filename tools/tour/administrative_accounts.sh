@@ -22,7 +22,7 @@ step 'anyone is nobody in particular'
 editor_add "$chooser"
 pick Anyone
 wait_window "$editor"
-wait_shows 3 count "$editor" $id_entries
+wait_shows 3 count "$editor" IDC_POLICY_LIST
 
 step 'another account by a double click, one removed'
 editor_edit 2 "$chooser"

@@ -16,25 +16,25 @@ finish "$entry"
 
 step 'one that is running'
 editor_add "$entry"
-click "$entry" $id_entry_browse_running
+click "$entry" IDC_ENTRY_BROWSE_RUNNING
 wait_window "$processes"
-expect 'OK with nothing selected' no "$(peek enabled "$processes" $id_ok)"
-row=$(peek list "$processes" $id_processes | grep -n -m 1 -x corvane_host.exe | cut -d : -f 1)
-click_row "$processes" $id_processes $((row - 1))
-wait_shows yes enabled "$processes" $id_ok
+expect 'OK with nothing selected' no "$(peek enabled "$processes" IDOK)"
+row=$(peek list "$processes" IDC_PROCESS_LIST | grep -n -m 1 -x corvane_host.exe | cut -d : -f 1)
+click_row "$processes" IDC_PROCESS_LIST $((row - 1))
+wait_shows yes enabled "$processes" IDOK
 shot running-processes
 finish "$processes"
-wait_shows corvane_host.exe text "$entry" $id_entry_text
+wait_shows corvane_host.exe text "$entry" IDC_ENTRY_TEXT
 finish "$entry"
 
 step 'one from the disk: its name counts, not its folder'
 editor_add "$entry"
-click "$entry" $id_entry_browse
+click "$entry" IDC_ENTRY_BROWSE
 wait_window 'Select file'
 type_text 'C:\Tools\archive.exe'
 press Return
 wait_gone 'Select file'
-wait_shows archive.exe text "$entry" $id_entry_text
+wait_shows archive.exe text "$entry" IDC_ENTRY_TEXT
 finish "$entry"
 wait_entries 'archive.exe
 corvane_host.exe
@@ -43,7 +43,7 @@ shot three
 
 step 'edit one, remove one'
 editor_edit 2 "$entry"
-fill "$entry" $id_entry_text weekly.exe
+fill "$entry" IDC_ENTRY_TEXT weekly.exe
 finish "$entry"
 editor_remove 1
 wait_entries 'archive.exe

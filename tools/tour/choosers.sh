@@ -13,7 +13,7 @@ wait_window 'Choose file'
 shot choose-file
 press Return
 wait_window 'Chosen File'
-expect 'what was chosen' C: "$(peek text 'Chosen File' $id_message)"
+expect 'what was chosen' C: "$(peek text 'Chosen File' IDC_BOX_TEXT)"
 shot chosen-file
 answer 'Chosen File' Return
 
@@ -21,11 +21,11 @@ step 'choose a process'
 menu t p
 wait_window 'Select program'
 shot choose-process
-row=$(peek list 'Select program' $id_processes | grep -n -m 1 -x corvane_host.exe | cut -d : -f 1)
-double_click_row 'Select program' $id_processes $((row - 1))
+row=$(peek list 'Select program' IDC_PROCESS_LIST | grep -n -m 1 -x corvane_host.exe | cut -d : -f 1)
+double_click_row 'Select program' IDC_PROCESS_LIST $((row - 1))
 finish 'Select program'
 wait_window 'Chosen Process'
-expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' $id_message)"
+expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' IDC_BOX_TEXT)"
 answer 'Chosen Process' Return
 
 step 'a backup process'
@@ -35,7 +35,7 @@ type_text 'C:\Tools\nightly.exe'
 shot backup-process
 finish "$entry"
 wait_window 'Chosen Process'
-expect 'what was chosen' nightly.exe "$(peek text 'Chosen Process' $id_message)"
+expect 'what was chosen' nightly.exe "$(peek text 'Chosen Process' IDC_BOX_TEXT)"
 shot chosen-process
 answer 'Chosen Process' Return
 

@@ -24,11 +24,11 @@ step 'start on an empty data folder'
 host_start
 
 step 'press Add without a folder'
-click "$panel" $id_folder_add
+click "$panel" IDC_FOLDER_ADD
 wait_window 'Add Folder'
 shot message-no-path
 answer 'Add Folder' Return
-wait_shows $id_folder focus "$panel"
+wait_focus "$panel" IDC_FOLDER_EDIT
 shot empty-page
 
 step 'type a folder that does not exist'
@@ -39,17 +39,17 @@ shot message-no-such-folder
 answer 'Add Folder' Return
 
 step 'add folders by typing'
-fill "$panel" $id_folder "$tree\\Projects"
+fill "$panel" IDC_FOLDER_EDIT "$tree\\Projects"
 press Return
-wait_shows "$tree\\Projects" entries "$panel" $id_folders
-fill "$panel" $id_folder "$tree\\Users"
-click "$panel" $id_folder_add
+wait_shows "$tree\\Projects" entries "$panel" IDC_FOLDERS
+fill "$panel" IDC_FOLDER_EDIT "$tree\\Users"
+click "$panel" IDC_FOLDER_ADD
 wait_for 'the second folder' folder_is_shown "$tree\\Users"
 add_folder "$tree\\Media"
 add_folder "$tree\\Archive"
 
 step 'type a folder that is already shown, in another spelling'
-click "$panel" $id_folder
+click "$panel" IDC_FOLDER_EDIT
 type_text "${tree//\\//}/users/"
 press Return
 wait_window 'Add Folder'
@@ -58,11 +58,11 @@ answer 'Add Folder' Return
 expect 'the folders' "$tree\\Projects
 $tree\\Users
 $tree\\Media
-$tree\\Archive" "$(peek entries "$panel" $id_folders)"
+$tree\\Archive" "$(peek entries "$panel" IDC_FOLDERS)"
 press Home shift+End Delete
 
 step 'look at the browse dialog'
-click "$panel" $id_folder_browse
+click "$panel" IDC_FOLDER_BROWSE
 wait_window 'Browse for Folder'
 shot browse-for-folder
 answer 'Browse for Folder' Escape
@@ -70,10 +70,10 @@ wait_window "$panel"
 
 step 'add a rule for anyone on one folder'
 click_folder 0
-wait_shows "New rules are for $tree\\Projects." text "$panel" $id_folder_hint
-click "$panel" $id_add
+wait_shows "New rules are for $tree\\Projects." text "$panel" IDC_FOLDER_HINT
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window "$settings"
-wait_shows "$(size $((projects * 5)))" text "$settings" $id_hard
+wait_shows "$(size $((projects * 5)))" text "$settings" IDC_QUOTA_HARD_LIMIT
 shot quota-settings-add
 
 step 'type limits that cannot be'
@@ -92,13 +92,13 @@ wait_unsaved
 
 step 'add a rule on two folders at once'
 click_folder 1
-ctrl_click_folder 3
-wait_shows 'New rules are for each of the 2 selected folders.' text "$panel" $id_folder_hint
-click "$panel" $id_add
+with_ctrl click_folder 3
+wait_shows 'New rules are for each of the 2 selected folders.' text "$panel" IDC_FOLDER_HINT
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window "$settings"
-wait_shows '102400K' text "$settings" $id_hard
-click "$settings" $id_ok
-wait_for 'the dialog for the second folder' shows "${tree//\\//}/Archive" text "$settings" 1012
+wait_shows '102400K' text "$settings" IDC_QUOTA_HARD_LIMIT
+click "$settings" IDOK
+wait_for 'the dialog for the second folder' shows "${tree//\\//}/Archive" text "$settings" IDC_QUOTA_APPLIED_TO
 wait_window "$settings"
 set_limits 200M 150M
 wait_gone "$settings"
@@ -110,14 +110,14 @@ shot rules-of-three-folders
 
 step 'add a rule that is there already'
 click_folder 0
-click "$panel" $id_add
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window Information
 shot message-already-used
 answer Information Return
 
 step 'accept the limits that the dialog proposes'
 click_folder 2
-click "$panel" $id_add
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window "$settings"
 press Return
 wait_gone "$settings"
@@ -125,11 +125,11 @@ wait_status '4 rules in 4 folders'
 
 step 'edit a rule'
 click_cell 2 0
-wait_shows 2 chosen "$panel" $id_rules
+wait_shows 2 chosen "$panel" IDC_RULES
 press Return
 wait_window "$settings"
 shot quota-settings-edit
-fill "$settings" $id_hard 300M
+fill "$settings" IDC_QUOTA_HARD_LIMIT 300M
 press Return
 wait_gone "$settings"
 media_hard=$((media * 5)) media_soft=$((media * 5 - media * 5 / 20))
@@ -148,14 +148,14 @@ wait_column 5 "$tree\\Users|$tree\\Projects|$tree\\Media|$tree\\Archive"
 
 step 'change the soft limit in its cell'
 double_click_cell 3 2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 shot editing-in-place
 type_text 3G
 press Return
 wait_window 'Soft Quota Limit'
 shot message-too-large-for-the-cell
 answer 'Soft Quota Limit' Return
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 64M
 press Return
 wait_column 2 "97280K|409600K|$(size $media_soft)|65536K"
@@ -163,15 +163,15 @@ wait_column 1 "307200K|512000K|$(size $media_hard)|65536K"
 
 step 'leave a cell by Esc'
 press F2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 1M
 press Escape
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 wait_column 2 "97280K|409600K|$(size $media_soft)|65536K"
 
 step 'drop a rule'
 click_cell 2 0
-wait_shows 2 chosen "$panel" $id_rules
+wait_shows 2 chosen "$panel" IDC_RULES
 press Delete
 wait_column 5 "$tree\\Users|$tree\\Projects|$tree\\Archive"
 wait_unsaved
@@ -190,11 +190,11 @@ wait_status '3 rules in 3 folders'
 wait_status 'All changes stored'
 expect 'the rules after the restart' "$shown" "$(rules | sort)"
 # Without a window manager the caption of a new window looks inactive until a box was over it.
-click "$panel" $id_folder_add
+click "$panel" IDC_FOLDER_ADD
 wait_window 'Add Folder'
 answer 'Add Folder' Return
 click_cell 0 0
-wait_shows 0 chosen "$panel" $id_rules
+wait_shows 0 chosen "$panel" IDC_RULES
 shot after-restart
 
 step 'drop a rule and close: the question; reload gets it back'

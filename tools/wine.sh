@@ -62,19 +62,17 @@ lock_wait() {
     lock "$1"
 }
 
-# lock_prefix PREFIX: from here on the prefix is this script's own. One that a script has left behind which was killed
-# is ended first.
+# lock_prefix PREFIX: from here on the prefix is this script's own.
 lock_prefix() {
-    local file=$1.lock owner
     # A script that has just ended may take a moment to let go.
-    if ! lock "$file" 2; then
-        owner=$(<"$file")
-        if [[ $owner =~ \(process\ ([0-9]+) ]] && [ ! -e "/proc/${BASH_REMATCH[1]}" ]; then
-            prefix_stop "$1"
-        fi
-        lock "$file" 2 || die "The Windows runtime $1 is in use by $owner. Nothing was started."
-    fi
+    lock "$1.lock" 2 || { stop_left "$1" && lock "$1.lock" 2; } ||
+        die "The Windows runtime $1 is in use by $(<"$1.lock"). Nothing was started."
     prefix_stop "$1"
+}
+
+# stop_left PREFIX: ends what runs in it when the script that has locked it is gone without doing so.
+stop_left() {
+    [[ $(<"$1.lock") =~ \(process\ ([0-9]+) ]] && [ ! -e "/proc/${BASH_REMATCH[1]}" ] && prefix_stop "$1"
 }
 
 # build_preset PRESET [ARGUMENT OF cmake --build ...]: ninja has no lock of its own.
@@ -132,7 +130,10 @@ wine_use() {
         printf '\n[Software\\\\Wine\\\\Drivers]\n"Audio"=""\n'
         case $1 in
         quiet) printf '"Graphics"="null"\n' ;;
-        screen) printf '\n[Software\\\\Wine\\\\X11 Driver]\n"Managed"="N"\n' ;;
+        screen)
+            printf '\n[Software\\\\Wine\\\\Explorer]\n"Desktop"="one"\n'
+            printf '\n[Software\\\\Wine\\\\Explorer\\\\Desktops]\n"one"="1280x960"\n'
+            ;;
         esac
     } >>"$WINEPREFIX/user.reg"
 }
@@ -189,5 +190,9 @@ stop_all() {
     trap '' HUP INT TERM    # a signal that comes twice would end it half way
     for prefix in "${wine_used[@]}"; do
         prefix_stop "$prefix"
+    done
+    # Stories end what they have started, unless they are killed themselves.
+    for prefix in "$wine_root"/story-*.lock; do
+        [ ! -e "$prefix" ] || stop_left "${prefix%.lock}"
     done
 }

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Rules for accounts, stored with the right SIDs: a user, an owner of files, one account on two folders.
 . "$(dirname "$0")/story.sh"
-story_begin "$1" "$2" One Two
+story_begin "$1" "$2" One Two Three
 write_accounts
-alice=S-1-5-21-1111-2222-3333-1001 bob=S-1-5-21-1111-2222-3333-1002 olivia=S-1-5-21-0-0-0-1000
+alice=S-1-5-21-1111-2222-3333-1001 bob=S-1-5-21-1111-2222-3333-1002 carol=S-1-5-21-1111-2222-3333-1003
+accounting=S-1-5-21-1111-2222-3333-2001 olivia=S-1-5-21-0-0-0-1000
 
 # stored_accounts FOLDER: the accounts of the rules in a folder's file, sorted.
 stored_accounts() { cat "$data/rules/$1"_*.txt | tr -d '\r' | grep '^[0-9]' | cut -f 4 | sort; }
@@ -15,6 +16,7 @@ click "$panel" IDC_ADD_FOR_ACCOUNT
 wait_window "$chooser"
 pick 'EXAMPLE\alice'
 wait_window "$settings"
+shot settings-for-an-account
 set_limits 30M 20M
 wait_gone "$settings"
 wait_column 0 'EXAMPLE\alice'
@@ -31,6 +33,7 @@ step 'the owner of the files'
 menu r o
 wait_window "$chooser"
 search
+shot owners-first
 expect 'the second account' "olivia|EXAMPLE\\olivia|File owner" "$(accounts | sed -n 2p)"
 expect 'olivia is listed' 1 "$(accounts | grep -c olivia)"
 click_row "$chooser" IDC_CHOOSER_LIST 1
@@ -92,3 +95,24 @@ EXAMPLE\bob
 EXAMPLE\bob
 EXAMPLE\olivia' "$(rules | cut -f 1 | sort)"
 host_close
+
+step 'a rule for each member of a group'
+host_start --folder "$tree\\Three"
+click_folder 2
+click "$panel" IDC_ADD_FOR_ACCOUNT
+wait_window "$chooser"
+pick 'EXAMPLE\Accounting'
+wait_window "$settings"
+click "$settings" IDC_QUOTA_GROUP_MEMBERS
+wait_shows yes checked "$settings" IDC_QUOTA_GROUP_MEMBERS
+shot settings-for-a-group
+set_limits 70M 60M
+wait_gone "$settings"
+wait_for 'a rule for the member' has_rule 'EXAMPLE\carol'
+shot rules-for-accounts
+press ctrl+s
+wait_saved
+host_close
+expect 'the accounts of Three' "$bob
+$carol
+$accounting" "$(stored_accounts three)"

@@ -19,6 +19,7 @@ cancel_refused_limits() {
     wait_window "$settings"
     set_limits 1K 1K
     wait_window Information
+    shot message-invalid-limits
     answer Information Return
     answer "$settings" Escape
     nothing_changed
@@ -77,6 +78,7 @@ nothing_changed
 step 'cancel browsing'
 click "$panel" IDC_FOLDER_BROWSE
 wait_window 'Browse for Folder'
+shot browse-for-folder
 answer 'Browse for Folder' Escape
 nothing_changed
 

@@ -16,11 +16,13 @@ open_cell() {
 
 step 'texts that are no limit'
 open_cell "$one"
+shot editing-in-place
 while IFS='|' read -r typed because; do
     press Home shift+End
     type_text "$typed"
     press Return
     wait_window 'Soft Quota Limit'
+    [ "$typed" != 3G ] || shot message-too-large-for-the-cell
     expect 'the message' "$because" "$(peek text 'Soft Quota Limit' IDC_BOX_TEXT | head -n 1)"
     answer 'Soft Quota Limit' Return
     wait_focus "$panel" cell

@@ -2,7 +2,7 @@
 # The account chooser as a person meets it: its two modes, names typed, accounts searched, sorted and filtered.
 . "$(dirname "$0")/story.sh"
 story_begin "$1" "$2" One
-write_accounts 30
+write_accounts 3000
 
 open_chooser() {
     click "$panel" IDC_ADD_FOR_ACCOUNT
@@ -21,6 +21,7 @@ leads_to() {
 step 'each mode has its own controls'
 host_start --folder "$tree\\One"
 open_chooser
+shot two-modes
 expect 'the mode' yes "$(peek checked "$chooser" IDC_CHOOSER_SEARCH)"
 can IDC_CHOOSER_BASE no
 can IDC_CHOOSER_NAME no
@@ -44,6 +45,7 @@ expect 'its first text' 'Search...' "$(peek text "$chooser" IDOK)"
 click "$chooser" IDC_CHOOSER_TYPE
 fill "$chooser" IDC_CHOOSER_NAME someone
 wait_shows Add text "$chooser" IDOK
+shot typed-name
 press shift+Home Delete
 wait_shows Search text "$chooser" IDOK
 
@@ -52,6 +54,7 @@ for name in 'EXAMPLE\mallory' anyone; do
     fill "$chooser" IDC_CHOOSER_NAME "$name"
     press Return
     wait_window Warning
+    shot warning
     expect 'the warning' 'The user/group name you typed is unavaliable.' \
         "$(peek text Warning IDC_BOX_TEXT | grep -o '^[^.]*\.')"
     answer Warning Return
@@ -69,9 +72,16 @@ fill "$chooser" IDC_CHOOSER_NAME 'EXAMPLE\Accounting'
 press Return
 leads_to 'EXAMPLE\Accounting'
 
-step 'search, and pick by a double click followed by Enter'
+step 'search: accounts come while more are looked for'
 open_chooser
-search
+click "$chooser" IDOK
+there_are() { [ "$(peek count "$chooser" IDC_CHOOSER_LIST)" -ge "$1" ]; }
+wait_for 'the first accounts' there_are 20
+wait_shows yes enabled "$chooser" IDCANCEL
+there_are 3006 || fail 'the list is not complete'
+shot all-accounts
+
+step 'pick one'
 expect 'the first rows' "Anyone|Anyone|System
 alice|EXAMPLE\\alice|User" "$(accounts | head -n 2)"
 expect 'the button before a row is selected' no "$(peek enabled "$chooser" IDOK)"
@@ -89,10 +99,20 @@ names_are() { [ "$(names)" = "$1" ]; }
 up='person00001 person00002 person00003 person00004 person00005 person00006 person00007 person00008 person00009'
 down=$(tr ' ' '\n' <<<"$up" | tac | paste -s -d ' ')
 wait_for 'the filtered names' names_are "$up"
+shot filtered
 click_heading "$chooser" IDC_CHOOSER_LIST 1
 wait_for 'the names from Z to A' names_are "$down"
 click_heading "$chooser" IDC_CHOOSER_LIST 1
 wait_for 'the names from A to Z' names_are "$up"
+
+step 'two columns filter together'
+filter 2 Group
+wait_shows 0 count "$chooser" IDC_CHOOSER_LIST
+filter 0 ''
+wait_accounts 'Accounting|EXAMPLE\Accounting|Group'
+filter 2 ''
+filter 0 person0000
+wait_for 'the filtered names' names_are "$up"
 
 step 'Esc takes back what was typed into a filter, and only then closes'
 mouse 1 filter "$chooser" IDC_CHOOSER_LIST 0

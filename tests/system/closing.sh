@@ -17,6 +17,7 @@ host_start
 change 11M
 press alt+F4
 wait_window 'Unsaved Changes'
+shot question-unsaved-changes
 answer 'Unsaved Changes' Escape
 wait_window "$panel"
 wait_unsaved

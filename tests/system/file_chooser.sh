@@ -13,6 +13,7 @@ step 'the drives; the one that the host stands on is open'
 host_start
 menu t f
 wait_window "$files"
+shot choose-file
 shown=$(peek tree "$files" IDC_CHOOSE_FILE_TREE)
 expect 'the files of the drive' 3 "$(grep -cxE $'\t(alpha|bravo|charlie)\\.txt' <<<"$shown")"
 expect 'the first drive' C: "$(head -n 1 <<<"$shown")"
@@ -21,6 +22,7 @@ expect 'the selected node' C: "$(peek chosen "$files" IDC_CHOOSE_FILE_TREE)"
 step 'OK with a drive'
 press Return
 wait_window 'Chosen File'
+shot chosen-file
 expect 'what was chosen' C: "$(peek text 'Chosen File' IDC_BOX_TEXT)"
 answer 'Chosen File' Return
 
@@ -64,8 +66,10 @@ expect 'OK with nothing selected' no "$(peek enabled "$processes" IDOK)"
 click "$processes" IDC_PROCESS_LIST
 type_text corv
 wait_shows yes enabled "$processes" IDOK
+shot choose-process
 press Return
 wait_window 'Chosen Process'
+shot chosen-process
 expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' IDC_BOX_TEXT)"
 answer 'Chosen Process' Return
 wait_window "$panel"
@@ -75,6 +79,7 @@ for name in nightly.exe weekly.exe; do
     menu t b
     wait_window "$entry"
     type_text "C:\\Tools\\$name"
+    [ $name != nightly.exe ] || shot backup-process
     press Return
     wait_window 'Chosen Process'
     expect 'what was chosen' $name "$(peek text 'Chosen Process' IDC_BOX_TEXT)"

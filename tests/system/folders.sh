@@ -5,11 +5,12 @@ story_begin "$1" "$2" One Two
 touch "$out/tree/a file"
 store_rules One 30M 20M Two 50M 40M
 
-# refused TYPED TEXT: a message with this text, and the typed path still there to be mended.
+# refused TYPED TEXT PICTURE: a message with this text, and the typed path still there to be mended.
 refused() {
     fill "$panel" IDC_FOLDER_EDIT "$1"
     press Return
     wait_window 'Add Folder'
+    shot "$3"
     expect 'the message' "$2" "$(peek text 'Add Folder' IDC_BOX_TEXT)"
     answer 'Add Folder' Return
     wait_focus "$panel" IDC_FOLDER_EDIT
@@ -22,15 +23,16 @@ host_start
 folders=$(peek entries "$panel" IDC_FOLDERS)
 expect 'the folders at the start' "$tree\\One
 $tree\\Two" "$(sort <<<"$folders")"
-refused "$tree\\None" "There is no folder \"$tree\\None\", or it cannot be reached."
-refused "$tree\\a file" "\"$tree\\a file\" is a file. Quota rules are defined on folders."
+refused "$tree\\None" "There is no folder \"$tree\\None\", or it cannot be reached." message-no-such-folder
+refused "$tree\\a file" "\"$tree\\a file\" is a file. Quota rules are defined on folders." message-a-file
 refused 'data' '"data" is not a full path. Start it with a drive or a server:
-C:\Data or \\server\share.'
-refused "${tree//\\//}/ONE/" "The folder \"$tree\\ONE\" is already shown."
+C:\Data or \\server\share.' message-no-full-path
+refused "${tree//\\//}/ONE/" "The folder \"$tree\\ONE\" is already shown." message-folder-already-shown
 click "$panel" IDC_FOLDER_EDIT
 press Home shift+End Delete
 click "$panel" IDC_FOLDER_ADD
 wait_window 'Add Folder'
+shot message-no-path
 expect 'the message' 'Type the folder'\''s path first, for example C:\Data, or choose it with Browse.' \
     "$(peek text 'Add Folder' IDC_BOX_TEXT)"
 answer 'Add Folder' Return

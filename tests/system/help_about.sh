@@ -11,6 +11,7 @@ host_start
 for end in 'click 1' 'press Return' 'press Escape' 'press alt+F4'; do
     menu h a
     wait_window "$about"
+    [[ $end != click* ]] || shot about
     case $end in
     click*) click "$about" IDOK ;;
     *) $end ;;
@@ -33,7 +34,8 @@ registry add "$key" /v Path /d 'C:\Quota\product' || fail 'the registry cannot b
 registry add 'HKLM\Software\Classes\.chm' /ve /d corvane.test.help
 registry add 'HKLM\Software\Classes\corvane.test.help\shell\open\command' /ve /d 'C:\windows\notepad.exe "%1"'
 press F1
-wait_window vantrel40
+wait_program vantrel40
 press alt+F4
 wait_gone vantrel40
+wait_window "$panel"
 host_close

@@ -93,6 +93,7 @@ wait_column 5 "$tree\\One"
 wait_unsaved
 press F5
 wait_window 'Unsaved Changes'
+shot question-reload
 answer 'Unsaved Changes' alt+y
 wait_saved
 wait_status '2 rules in 2 folders'

@@ -23,6 +23,8 @@ for id in IDC_EDIT IDC_DROP IDC_APPLY; do
     expect "button $id without a rule" no "$(peek enabled "$panel" "$id")"
 done
 
+shot no-rules
+
 step 'add a rule on the one that was added last'
 wait_shows "New rules are for $tree\\Users." text "$panel" IDC_FOLDER_HINT
 add_rule 20M 10M
@@ -37,6 +39,7 @@ expect 'Apply with an unsaved change' yes "$(peek enabled "$panel" IDC_APPLY)"
 step 'add a rule that is in the way of itself'
 click "$panel" IDC_ADD_FOR_ANYONE
 wait_window Information
+shot message-already-used
 answer Information Return
 wait_status '1 rule in 2 folders'
 
@@ -48,6 +51,7 @@ click "$panel" IDC_ADD_FOR_ANYONE
 wait_window "$settings"
 wait_shows 102400K text "$settings" IDC_QUOTA_HARD_LIMIT
 wait_shows 97280K text "$settings" IDC_QUOTA_SOFT_LIMIT
+shot quota-settings-add
 click "$settings" IDOK
 wait_window Information
 answer Information Return
@@ -57,6 +61,7 @@ wait_column 4 "00%|$(printf '%02d' $((users * 100 / 20971520)))%"
 step 'edit: a limit below what is there is refused, a good one is taken'
 double_click_cell 0 5
 wait_window "$settings"
+shot quota-settings-edit
 fill "$settings" IDC_QUOTA_HARD_LIMIT 100K
 click "$settings" IDOK
 wait_window Information
@@ -92,11 +97,13 @@ click_header 1
 wait_column 1 '24576K|61440K'
 click_header 1
 wait_column 1 '61440K|24576K'
+shot sorted-by-limit
 
 step 'apply'
 click "$panel" IDC_APPLY
 wait_saved
 wait_status 'All changes stored'
+shot applied
 expect 'Apply without an unsaved change' no "$(peek enabled "$panel" IDC_APPLY)"
 expect_stored "Anyone|25165824|12582912|$users|$tree\\Users
 Anyone|62914560|47185920|$projects|$tree\\Projects"

@@ -26,7 +26,8 @@ story_begin() {
     mkdir -p "$2" || exit 2
     out=$(cd "$2" && pwd)
     shift 2
-    lock_prefix "$out.wine"
+    prefix=$wine_root/story-${out##*/}
+    lock_prefix "$prefix"
     trap story_end EXIT
     trap 'exit 130' HUP INT TERM
     rm -rf "$out"
@@ -34,7 +35,7 @@ story_begin() {
     data=$out/data
     pictures=${CORVANE_PICTURES:+$CORVANE_PICTURES/${out##*/}}
     rm -rf "$pictures"
-    wine_use screen "$out.wine"
+    wine_use screen "$prefix"
     # Programs see the output folder under a short name, the same on every machine.
     ln -s "$out" "$WINEPREFIX/drive_c/Quota"
     display_start
@@ -50,7 +51,7 @@ story_begin() {
 
 story_end() {
     stop_all
-    rm -rf "$WINEPREFIX" "$WINEPREFIX.lock"
+    rm -rf "$prefix" "$prefix.lock"
 }
 
 # step TEXT: what is done next; said to the person who watches and in the error when it gets stuck.
@@ -63,6 +64,7 @@ fail() {
     echo "FAILED at the step \"$current_step\": $*" >&2
     echo "Windows on the screen:" >&2
     peek windows >&2
+    echo "In front: $(peek foreground)" >&2
     picture "$out/failed.png" && echo "Picture of the screen: $out/failed.png" >&2
     exit 1
 }

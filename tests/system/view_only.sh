@@ -25,6 +25,13 @@ wait_status 'Not an administrator: view only'
 wait_status '2 rules in 2 folders'
 wait_shows 'Only an administrator can change rules and policies.' text "$panel" IDC_FOLDER_HINT
 
+shot view-only
+press alt+i
+wait_shows yes menu
+shot view-only-menu
+press Escape Escape
+wait_shows no menu
+
 step 'no button changes anything'
 not_possible IDC_ADD_FOR_ACCOUNT IDC_OWNERS_FIRST IDC_ADD_FOR_ANYONE IDC_EDIT IDC_DROP IDC_APPLY
 click_folder 0

@@ -6,6 +6,7 @@
 // wrong. Ends with its input.
 //
 //   windows                         the titles of all visible top-level windows
+//   foreground                      class and title of the window that gets the keys
 //   extent                          left, top, width and height of what they cover together
 //   menu                            yes or no: whether a menu is open
 //   text TITLE ID                   the text of a control
@@ -87,6 +88,14 @@ void printExtent()
     std::printf("%ld %ld %ld %ld\n", all.left, all.top, all.right - all.left, all.bottom - all.top);
 }
 
+void printForeground()
+{
+    const HWND window = GetForegroundWindow();
+    wchar_t name[64] = L"";
+    GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    print(std::wstring(name) + L" " + titleOf(window));
+}
+
 void printWindows()
 {
     for (const HWND window : visibleWindows()) {
@@ -148,6 +157,8 @@ bool look(const std::vector<std::wstring>& words)
     };
     if (request == L"windows" && count == 1) {
         printWindows();
+    } else if (request == L"foreground" && count == 1) {
+        printForeground();
     } else if (request == L"extent" && count == 1) {
         printExtent();
     } else if (request == L"menu" && count == 1) {

@@ -1,10 +1,8 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # The editor of notifications: every field of an entry, an edit, a removal, and a password that is kept secret.
-. "$(dirname "$0")/../tour_lib.sh"
-. "$(dirname "$0")/../dialog_lib.sh"
-tour_begin "$1" "$2"
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
 entry='Notification script'
-id_account_only=1023 id_account=1026 id_run_as=1028 id_password=1029 id_increment=1030 id_per_hour=1035 id_per_week=1037
 mkdir -p "$out/scripts"
 touch "$out/scripts/warn.vbs" "$out/scripts/clean.exe"
 
@@ -58,7 +56,6 @@ shot edited
 step 'store'
 finish "$editor"
 host_close
-show_files notifications.txt
 grep -q 'open sesame' "$data/notifications.txt" && fail 'the password is stored in clear'
 stored_attributes() { in_file notifications.txt | sed 's/^password-sealed [0-9a-f]*$/password-sealed .../'; }
 expect 'what is stored' 'notification C:\Quota\scripts\warn.vbs

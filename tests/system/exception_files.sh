@@ -1,8 +1,7 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # The editor of exception files: add by typing and by browsing, edit, remove, store.
-. "$(dirname "$0")/../tour_lib.sh"
-. "$(dirname "$0")/../dialog_lib.sh"
-tour_begin "$1" "$2"
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
 entry='Exclude file'
 
 host_start
@@ -51,7 +50,6 @@ shot edited
 step 'store: the list, what is active, and the rules for the driver'
 finish "$editor"
 host_close
-show_files excludes.txt active-excludes.txt excludes.cnf
 expect_file excludes.txt 'exclude C:\Shares\*.tmp
 exclude pagefile.sys'
 expect_file active-excludes.txt "$(in_file excludes.txt)"

@@ -1,8 +1,7 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # The editor of backup tools: names typed, picked from the running processes, picked from the disk.
-. "$(dirname "$0")/../tour_lib.sh"
-. "$(dirname "$0")/../dialog_lib.sh"
-tour_begin "$1" "$2"
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
 entry='Backup Processes'
 processes='Select program'
 
@@ -52,7 +51,6 @@ weekly.exe'
 step 'store'
 finish "$editor"
 host_close
-show_files backup-tools.txt active-backup-tools.txt excludes.cnf
 expect_file backup-tools.txt 'tool weekly.exe
 tool archive.exe'
 expect_file active-backup-tools.txt "$(in_file backup-tools.txt)"

@@ -1,8 +1,7 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # The editor of blocked extensions: masks for all accounts and for one.
-. "$(dirname "$0")/../tour_lib.sh"
-. "$(dirname "$0")/../dialog_lib.sh"
-tour_begin "$1" "$2"
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
 entry='Blocked extension'
 write_accounts
 
@@ -49,7 +48,6 @@ shot edited
 step 'store'
 finish "$editor"
 host_close
-show_files blocked-extensions.txt active-blocked-extensions.txt
 expect_file blocked-extensions.txt 'mask S-1-5-21-1111-2222-3333-1002 *.mp3
 mask S-1-5-21-1111-2222-3333-2001 *.exe'
 expect_file active-blocked-extensions.txt "$(in_file blocked-extensions.txt)"

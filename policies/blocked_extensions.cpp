@@ -31,8 +31,9 @@ std::optional<ListEntry> add(HWND dialog)
     if (mask == nullptr) {
         return std::nullopt;
     }
-    std::wstring shown = mask; // the store owns the mask once it has it
-    return ListEntry{addToExcludeExts(mask, account.sid()), std::move(shown)};
+    ListEntry added{0, mask}; // the store owns the mask once it has it
+    unwinding([&] { added.index = addToExcludeExts(mask, account.sid()); });
+    return added;
 }
 
 std::optional<std::wstring> edit(HWND dialog, std::uint32_t index)
@@ -43,7 +44,7 @@ std::optional<std::wstring> edit(HWND dialog, std::uint32_t index)
         return std::nullopt;
     }
     std::wstring shown = mask;
-    updateExcludeExts(index, mask, account.sid());
+    unwinding([&] { updateExcludeExts(index, mask, account.sid()); });
     return shown;
 }
 

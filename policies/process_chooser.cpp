@@ -4,6 +4,7 @@
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/list_ctrl.h"
+#include "frame/list_notice.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
 #include "frame/selection_buttons.h"
@@ -87,9 +88,14 @@ Reply ProcessChooser::onNotify(NMHDR& header)
         }
         return Reply::with(0);
     case LVN_ITEMCHANGED:
-        if (change.uChanged != LVIF_PARAM) {
+        if (changesSelection(header)) {
             constexpr int kButtons[] = {IDOK};
             enableBySelection(window(), DialogList(window(), IDC_PROCESS_LIST), kButtons);
+        }
+        return Reply::with(0);
+    case NM_DBLCLK:
+        if (DialogList(window(), IDC_PROCESS_LIST).nextSelected() != -1) {
+            onOk();
         }
         return Reply::with(0);
     default:

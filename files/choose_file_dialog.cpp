@@ -1,5 +1,5 @@
-#include "files/choose_file_dialog.h"
-
+// The "Choose file..." dialog.
+#include "corvane.h"
 #include "files/dir_tree_ctrl.h"
 #include "files/listing_thread.h"
 #include "frame/dialog.h"

@@ -1,5 +1,5 @@
-#include "quota/settings_dialog.h"
-
+// The Quota Settings dialog.
+#include "corvane.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/domain_servers.h"

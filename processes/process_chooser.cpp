@@ -1,5 +1,5 @@
-#include "policies/process_chooser.h"
-
+// The chooser of a running process.
+#include "corvane.h"
 #include "frame/c_memory.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
@@ -8,7 +8,7 @@
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
 #include "frame/selection_buttons.h"
-#include "policies/process_enumerators.h"
+#include "processes/enumerators.h"
 #include "res/resource.h"
 
 #include <cwchar>

@@ -3,7 +3,7 @@
 #include "host/console.h"
 #include "host/folder_name.h"
 
-#include "lornix/lornix_host.h"
+#include "lornix_host.h"
 
 #include <windows.h>
 

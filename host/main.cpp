@@ -7,7 +7,7 @@
 #include "host/panel_window.h"
 #include "host/runtime_gaps.h"
 
-#include "lornix/lornix_host.h"
+#include "lornix_host.h"
 
 #include <windows.h>
 

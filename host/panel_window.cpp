@@ -5,7 +5,7 @@
 #include "host/window_text.h"
 
 #include "corvane.h"
-#include "lornix/lornix_host.h"
+#include "lornix_host.h"
 
 #include <commctrl.h>
 

@@ -7,7 +7,7 @@
 #include "host/store_errors.h"
 
 #include "corvane.h"
-#include "lornix/lornix_host.h"
+#include "lornix_host.h"
 
 #include <commctrl.h>
 

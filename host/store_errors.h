@@ -1,7 +1,7 @@
 // What the store could not do behind a call of the library, which tells nothing of it itself.
 #pragma once
 
-#include "lornix/lornix_host.h"
+#include "lornix_host.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #include "lornix/last_error.h"
 
-#include "lornix/lornix_host.h"
+#include "lornix_host.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "lornix/escaped_text.h"
+#include "lornix/text/escaped_text.h"
 
 #include <gtest/gtest.h>
 

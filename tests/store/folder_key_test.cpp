@@ -1,5 +1,5 @@
-#include "lornix/folder_key.h"
-#include "lornix/lower_case.h"
+#include "lornix/text/folder_key.h"
+#include "lornix/text/lower_case.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lornix/format_spec.h"
+#include "lornix/debug/format_spec.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lornix/rule_file.h"
+#include "lornix/rules/rule_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Security identifiers and the lists that cross the border.
-#include "lornix/sid_text.h"
+#include "lornix/text/sid_text.h"
 #include "store_test.h"
 
 #include "tests/support/leak_count.h"

@@ -1,4 +1,4 @@
-#include "lornix/sid_text.h"
+#include "lornix/text/sid_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // What every test of the store stands on: a data folder of its own, rules by the handful, files as bytes.
 #pragma once
 
-#include "lornix/lornix_host.h"
+#include "lornix_host.h"
 #include "store/lornix.h"
 
 #include <gtest/gtest.h>

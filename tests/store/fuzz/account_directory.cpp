@@ -1,5 +1,5 @@
 // Whatever the bytes are: no fault, and whoever is listed is found by SID and by name.
-#include "lornix/account_directory.h"
+#include "lornix/accounts/directory.h"
 #include "tests/unit/fuzz/fuzz_input.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // The pieces of a format are the format again, whatever it is.
-#include "lornix/format_spec.h"
+#include "lornix/debug/format_spec.h"
 #include "tests/unit/fuzz/fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

@@ -1,5 +1,5 @@
 // Whatever the bytes are: no fault, and what was understood is written and read again as the same.
-#include "lornix/policy_file.h"
+#include "lornix/policies/policy_file.h"
 #include "tests/unit/fuzz/fuzz_input.h"
 
 #include <algorithm>

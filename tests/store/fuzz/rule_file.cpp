@@ -1,7 +1,7 @@
 // Whatever the bytes are: no fault, no rule that must not be handed out, and what was understood is written and
 // read again as the same.
-#include "lornix/rule_file.h"
-#include "lornix/folder_key.h"
+#include "lornix/rules/rule_file.h"
+#include "lornix/text/folder_key.h"
 #include "tests/unit/fuzz/fuzz_input.h"
 
 using namespace lornix;

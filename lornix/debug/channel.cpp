@@ -1,0 +1,178 @@
+// The debug channel: the debugger, and where the environment variable LORNIX_LOG says.
+#include "lornix/debug/line.h"
+#include "lornix/disk/environment.h"
+#include "lornix/disk/file.h"
+#include "lornix/sid.h"
+#include "lornix/text/escaped_text.h"
+#include "lornix/text/sid_text.h"
+#include "lornix/text/wide_text.h"
+#include "store/lornix.h"
+
+#include <windows.h>
+
+#include <mutex>
+
+namespace lornix {
+namespace {
+
+constexpr const wchar_t* kVariable = L"LORNIX_LOG";
+constexpr std::size_t kBlock = 4000; // what a monitor of debug output takes at once, less its header
+
+std::mutex guard; // lines of several threads do not mix
+
+/// Keeps other processes from writing to a log at the same moment: not every system appends in one step, so that one
+/// line would take the place of another. A process that was killed or stopped meanwhile does not hold the others up.
+class LogTurn {
+public:
+    LogTurn()
+        : mutex_(CreateMutexW(nullptr, FALSE, L"Local\\lornix log"))
+    {
+        constexpr DWORD kLongest = 1000; // milliseconds
+        const DWORD result = mutex_.isOpen() ? WaitForSingleObject(mutex_.get(), kLongest) : WAIT_FAILED;
+        isMine_ = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+    }
+    LogTurn(const LogTurn&) = delete;
+    LogTurn& operator=(const LogTurn&) = delete;
+    ~LogTurn()
+    {
+        if (isMine_) {
+            ReleaseMutex(mutex_.get());
+        }
+    }
+
+private:
+    Handle mutex_;
+    bool isMine_ = false;
+};
+
+/// The log as it is asked for now. It stays open for one call only: it may be moved away or deleted at any time.
+class Log {
+public:
+    Log()
+    {
+        const std::wstring name = environmentValue(kVariable);
+        if (name == L"-") {
+            handle_ = GetStdHandle(STD_ERROR_HANDLE);
+        } else if (!name.empty()) {
+            handle_ = CreateFileW(longPath(name).c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+            isOurs_ = true;
+        }
+    }
+    Log(const Log&) = delete;
+    Log& operator=(const Log&) = delete;
+    ~Log()
+    {
+        if (isOurs_ && isOpen()) {
+            CloseHandle(handle_);
+        }
+    }
+
+    bool isOpen() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
+
+    void write(std::wstring_view text)
+    {
+        if (!isOpen()) {
+            return;
+        }
+        std::string bytes;
+        appendUtf8(bytes, fromWide(text));
+        const LogTurn turn;
+        DWORD written = 0;
+        WriteFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    }
+
+private:
+    HANDLE handle_ = nullptr;
+    bool isOurs_ = false;
+};
+
+void toDebugger(std::wstring_view text)
+{
+    const auto length = static_cast<int>(text.size());
+    const int room = WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<std::size_t>(room), '\0');
+    WideCharToMultiByte(CP_ACP, 0, text.data(), length, bytes.data(), room, nullptr, nullptr);
+    OutputDebugStringA(bytes.c_str());
+}
+
+bool isMonitored()
+{
+    // A debugger, or a program that shows the debug output of all: it makes this event.
+    return IsDebuggerPresent() || Handle(OpenEventW(SYNCHRONIZE, FALSE, L"DBWIN_BUFFER_READY")).isOpen();
+}
+
+std::wstring describe(const QuotaRule& rule)
+{
+    std::string account = "anyone";
+    if (rule.sid != nullptr) {
+        account = isSid(rule.sid) ? "" : "invalid";
+        if (isSid(rule.sid)) {
+            appendSidText(account, sidBytes(rule.sid));
+        }
+    }
+    wchar_t numbers[200];
+    _snwprintf(
+        numbers, std::size(numbers),
+        L"rule %p: type %lu, in use %I64d, hard limit %I64d, soft limit %I64d, next %p, prev %p, account ",
+        static_cast<const void*>(&rule), static_cast<unsigned long>(rule.type), rule.inUse, rule.hardLimit,
+        rule.softLimit, static_cast<const void*>(rule.next), static_cast<const void*>(rule.prev));
+    return numbers + std::wstring(account.begin(), account.end()) + L", path " +
+           (rule.path == nullptr ? L"(null)" : rule.path) + L"\n";
+}
+
+void dump(const QuotaRule* rule)
+{
+    const std::lock_guard lock(guard);
+    Log log;
+    if (!log.isOpen() && !isMonitored()) {
+        return; // a chain of a hundred thousand rules is not spelled out for nobody
+    }
+    std::wstring block;
+    const auto flush = [&] {
+        toDebugger(block);
+        log.write(block);
+        block.clear();
+    };
+    for (; rule != nullptr; rule = rule->next) {
+        std::wstring line = describe(*rule);
+        if (!block.empty() && block.size() + line.size() > kBlock) {
+            flush();
+        }
+        block += line;
+    }
+    if (!block.empty()) {
+        flush();
+    }
+}
+
+} // namespace
+} // namespace lornix
+
+void debug(const QuotaRule* rule)
+{
+    try {
+        lornix::dump(rule);
+    } catch (const std::exception&) {
+        OutputDebugStringA("lornix: a chain of rules could not be shown\n");
+    }
+}
+
+void ODS(const char* format, ...)
+{
+    if (format == nullptr) {
+        return;
+    }
+    va_list arguments{};
+    va_start(arguments, format);
+    try {
+        const std::wstring line = lornix::formatLine(format, arguments);
+        const std::lock_guard lock(lornix::guard);
+        lornix::toDebugger(line);
+        lornix::Log().write(line);
+    } catch (const std::exception&) {
+        OutputDebugStringA("lornix: a debug line could not be shown\n");
+    }
+    va_end(arguments);
+}

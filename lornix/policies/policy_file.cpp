@@ -1,0 +1,192 @@
+#include "lornix/policies/policy_file.h"
+
+#include "lornix/text/escaped_text.h"
+
+#include <charconv>
+
+namespace lornix {
+namespace {
+
+constexpr std::string_view kAnyone = "anyone";
+
+// In the order of the attributes' numbers.
+constexpr std::array<std::string_view, kAttributeCount> kAttributeWords = {
+    "for-account", "for-whom", "rate", "run-as", "password-sealed", "min-increment"};
+
+constexpr char kDigits[] = "0123456789abcdef";
+
+void appendHex(std::string& line, std::string_view bytes)
+{
+    for (const char each : bytes) {
+        const auto byte = static_cast<unsigned char>(each);
+        line += kDigits[byte >> 4];
+        line += kDigits[byte & 15];
+    }
+}
+
+bool readHex(std::string_view text, std::string& bytes)
+{
+    if (text.empty() || text.size() % 2 != 0) {
+        return false;
+    }
+    bytes.clear();
+    for (; !text.empty(); text.remove_prefix(2)) {
+        unsigned byte = 0;
+        const std::string_view pair = text.substr(0, 2);
+        const auto [end, error] = std::from_chars(pair.data(), pair.data() + pair.size(), byte, 16);
+        if (error != std::errc() || end != pair.data() + pair.size()) {
+            return false;
+        }
+        bytes += static_cast<char>(byte);
+    }
+    return true;
+}
+
+bool readText(std::string_view rest, std::u16string& text)
+{
+    auto read = unescape(rest);
+    if (!read || read->find(u'\0') != std::u16string::npos) {
+        return false;
+    }
+    text = std::move(*read);
+    return true;
+}
+
+/// @return what is wrong with the line, or null.
+const char* readEntry(const PolicyFormat& format, std::string_view line, PolicyRecord& entry)
+{
+    if (format.hasAccount) {
+        const std::string_view account = takeWord(line);
+        if (account != kAnyone) {
+            const auto sid = parseSid(account);
+            if (!sid) {
+                return "the second word is no account";
+            }
+            entry.account = *sid;
+        }
+    }
+    return readText(line, entry.text) ? nullptr : "it is not readable text";
+}
+
+const char* readAttribute(std::string_view word, std::string_view rest, PolicyRecord& entry)
+{
+    for (std::size_t i = 0; i < kAttributeCount; ++i) {
+        if (word != kAttributeWords[i]) {
+            continue;
+        }
+        if (i == kPasswordAttribute) {
+            return readHex(rest, entry.sealedPassword) ? nullptr : "it is not a row of hexadecimal digits";
+        }
+        std::u16string text;
+        if (!readText(rest, text)) {
+            return "it is not readable text";
+        }
+        entry.attributes[i] = std::move(text);
+        return nullptr;
+    }
+    return "its first word is none that is known here";
+}
+
+} // namespace
+
+void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRecord& entry)
+{
+    std::string& line = writer.line();
+    line += format.word;
+    line += '\t';
+    if (format.hasAccount) {
+        if (entry.account.isEmpty()) {
+            line += kAnyone;
+        } else {
+            appendSidText(line, entry.account.bytes());
+        }
+        line += '\t';
+    }
+    appendEscaped(line, entry.text);
+    writer.endLine();
+    if (!format.hasAttributes) {
+        return;
+    }
+    for (std::size_t i = 0; i < kAttributeCount; ++i) {
+        const auto& text = entry.attributes[i];
+        if (i == kPasswordAttribute && !entry.sealedPassword.empty()) {
+            line += kAttributeWords[i];
+            line += '\t';
+            appendHex(line, entry.sealedPassword);
+        } else if (i != kPasswordAttribute && text) {
+            line += kAttributeWords[i];
+            line += '\t';
+            appendEscaped(line, *text);
+        } else {
+            continue;
+        }
+        writer.endLine();
+    }
+}
+
+std::string writePolicy(const PolicyFormat& format, const std::vector<PolicyRecord>& entries)
+{
+    TextWriter writer(format.kind);
+    for (const PolicyRecord& entry : entries) {
+        appendRecord(writer, format, entry);
+    }
+    return writer.finish();
+}
+
+PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text)
+{
+    PolicyRecords result;
+    TextReader reader(text, format.kind);
+    if (!reader.isOurs()) {
+        return result;
+    }
+    bool underEntry = false; // attributes of an entry that was left out belong to none
+    for (std::string_view line; reader.next(line);) {
+        const std::string_view word = takeWord(line);
+        const char* flaw = nullptr;
+        if (word == format.word) {
+            PolicyRecord entry;
+            flaw = readEntry(format, line, entry);
+            underEntry = flaw == nullptr;
+            if (underEntry) {
+                result.entries.push_back(std::move(entry));
+            }
+        } else if (!format.hasAttributes) {
+            flaw = "its first word is none that is known here";
+        } else {
+            flaw = underEntry ? readAttribute(word, line, result.entries.back()) : "it stands under no entry";
+        }
+        if (flaw != nullptr) {
+            reader.reject(flaw);
+        }
+    }
+    result.flaws = std::move(reader.flaws());
+    result.condition = result.flaws.empty() ? Condition::kGood : Condition::kDamaged;
+    return result;
+}
+
+std::int32_t attributeNumber(std::u16string_view text)
+{
+    const std::size_t first = text.find_first_not_of(u" \t\r\n\v\f");
+    text.remove_prefix(first == std::u16string_view::npos ? text.size() : first);
+    const bool isNegative = text.starts_with(u'-');
+    if (isNegative || text.starts_with(u'+')) {
+        text.remove_prefix(1);
+    }
+    // Without a sign, so that a number too large wraps round and does nothing worse.
+    std::uint64_t number = 0;
+    while (!text.empty() && text.front() >= u'0' && text.front() <= u'9') {
+        number = number * 10 + static_cast<std::uint64_t>(text.front() - u'0');
+        text.remove_prefix(1);
+    }
+    constexpr std::u16string_view kUnits = u"kmgt";
+    if (!text.empty()) {
+        const std::size_t unit = kUnits.find(static_cast<char16_t>(text.front() | 0x20));
+        if (unit != std::u16string_view::npos) {
+            number <<= 10 * (unit + 1);
+        }
+    }
+    return static_cast<std::int32_t>(isNegative ? 0 - number : number);
+}
+
+} // namespace lornix

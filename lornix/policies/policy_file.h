@@ -1,0 +1,53 @@
+// The text of the files that the policy lists are kept in: an entry a line, and the attributes of a notification
+// in lines below it.
+#pragma once
+
+#include "lornix/text/framed_text.h"
+#include "lornix/text/sid_text.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lornix {
+
+inline constexpr std::size_t kAttributeCount = 6;
+inline constexpr std::size_t kPasswordAttribute = 4;
+
+/// What the entries of a list are.
+struct PolicyFormat {
+    FileKind kind;
+    std::string_view word;      ///< first word of an entry's line
+    bool hasAccount = false;    ///< an account, or "anyone", stands before the text
+    bool hasAttributes = false; ///< six attributes, one of them a password
+};
+
+/// An entry as a file keeps it.
+struct PolicyRecord {
+    std::u16string text;
+    Sid account;                                                           ///< empty: all accounts
+    std::array<std::optional<std::u16string>, kAttributeCount> attributes; ///< without the password
+    std::string sealedPassword;                                            ///< bytes; empty: none
+};
+
+/// What a file held that could be used, and what could not.
+struct PolicyRecords {
+    Condition condition = Condition::kForeign;
+    std::vector<PolicyRecord> entries;
+    std::vector<Flaw> flaws;
+};
+
+PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text);
+std::string writePolicy(const PolicyFormat& format, const std::vector<PolicyRecord>& entries);
+
+/// Appends the lines of an entry.
+void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRecord& entry);
+
+/// A number with an optional unit letter K, M, G or T, cut to 32 bits.
+/// @return 0 when the text does not begin with a number.
+std::int32_t attributeNumber(std::u16string_view text);
+
+} // namespace lornix

@@ -1,0 +1,98 @@
+// A policy list in memory, from its loading to its release.
+#pragma once
+
+#include "lornix/disk/kept_file.h"
+#include "lornix/policies/policy_file.h"
+#include "lornix/policies/sealed_text.h"
+
+#include <deque>
+#include <unordered_set>
+
+namespace lornix {
+
+/// An entry. Its place in the list is its index and stays so until the list is released.
+struct PolicyEntry {
+    OwnedText text;
+    Sid account;
+    std::array<OwnedText, kAttributeCount> attributes;
+    std::string sealedPassword; ///< what the password was read from, until it is set anew
+    bool isRemoved = false;
+};
+
+/// A list of entries that is loaded, changed, and made persistent and active.
+///
+/// Active is what stands in the file "active-NAME.txt" of the data folder, for whoever enforces the list. Making a
+/// list active writes what is persistent at that moment there, so a list that could not be stored changes nothing.
+class PolicyList {
+public:
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+    /// @param fileName  of the persistent file.
+    /// @param title     starts a sentence: "The list of ...".
+    PolicyList(const PolicyFormat& format, const wchar_t* fileName, const wchar_t* title)
+        : format_(format)
+        , fileName_(fileName)
+        , title_(title)
+    {
+    }
+    PolicyList(const PolicyList&) = delete;
+    PolicyList& operator=(const PolicyList&) = delete;
+
+    /// @return false, with a report and an empty list, when it could not be read.
+    bool load();
+
+    /// Number of entries that are not removed.
+    std::uint32_t count() const;
+
+    /// @return null when there is no entry with that index.
+    PolicyEntry* at(std::uint32_t index);
+
+    /// @param text  see place. Null adds nothing.
+    /// @return the index; kNone when nothing was added.
+    std::uint32_t add(const wchar_t* text, const Sid& account = {});
+
+    /// @param text  see place. Null changes nothing.
+    void update(std::uint32_t index, const wchar_t* text, const Sid& account = {});
+    void setAttribute(std::uint32_t index, std::uint32_t attribute, const wchar_t* text);
+    void remove(std::uint32_t index);
+
+    /// Releases a string that was handed over and finds no place.
+    void refuse(const wchar_t* text);
+
+    bool store();
+    bool apply();
+    void release();
+
+    /// What is active. @return nothing, with a report, when it cannot be read.
+    std::optional<PolicyRecords> active(const DataFolder& data) const;
+    const PolicyFormat& format() const { return format_; }
+
+private:
+    /// Puts a string into an entry. It is a malloc block that passes to the list, or one of the list's own
+    /// strings, which stays what it is.
+    void place(OwnedText& slot, const wchar_t* text);
+
+    KeptFile file(const DataFolder& data) const;
+    KeptFile activeFile(const DataFolder& data) const;
+    std::optional<PolicyRecords> read(const KeptFile& file, const StoreLock* lock) const;
+    /// @param expected  what the file must still hold, as this store writes it; null for whatever it holds.
+    /// @return false with a report; the file is then as it was.
+    bool write(const KeptFile& file, const std::string& text, const std::string* expected) const;
+    /// @return false with a report; a damaged file passes.
+    bool isAsLoaded(const KeptFile& file, const std::string& loaded, Patience& patience) const;
+
+    /// @return false when its password cannot be read.
+    bool take(const PolicyRecord& record);
+    bool toRecords(std::vector<PolicyRecord>& records);
+
+    PolicyFormat format_;
+    const wchar_t* fileName_;
+    const wchar_t* title_;
+    bool isLoaded_ = false;
+    std::deque<PolicyEntry> entries_; ///< none of them moves
+    std::uint32_t removed_ = 0;       ///< how many of them are removed: editors count before each row
+    std::unordered_set<const wchar_t*> own_;
+    std::string persistent_; ///< text of the file as loaded or last stored
+};
+
+} // namespace lornix

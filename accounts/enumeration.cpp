@@ -208,8 +208,7 @@ void Fill::mergePresetOwners()
 void Fill::chooseHost()
 {
     RegistryText text;
-    const wchar_t* const noDirectory =
-        readRegistryString(HKEY_LOCAL_MACHINE, kSettingsKey, L"NoLDAP", text);
+    const wchar_t* const noDirectory = readRegistryString(HKEY_LOCAL_MACHINE, kSettingsKey, L"NoLDAP", text);
     if (m_context.host != nullptr || (noDirectory != nullptr ? noDirectory : L"N")[0] == L'Y') {
         return;
     }

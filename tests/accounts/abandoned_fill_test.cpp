@@ -12,10 +12,21 @@ using testing::Not;
 
 using Lines = std::vector<std::string>;
 
-const Lines kSteps = {"getDomainServer",     "getDomainServerByName", "getAccountBySidW", "enumerateUsers",
-                      "enumerateGroups",     "appendToSidList2",      "NetUseAdd",        "ADsGetObject",
-                      "ADsBuildVarArrayStr", "ADsBuildEnumerator", "ADsEnumerateNext",
-                      "QueryInterface",      "Get",                   "removeFirstInserted", "nameServers"};
+const Lines kSteps = {"getDomainServer",
+                      "getDomainServerByName",
+                      "getAccountBySidW",
+                      "enumerateUsers",
+                      "enumerateGroups",
+                      "appendToSidList2",
+                      "NetUseAdd",
+                      "ADsGetObject",
+                      "ADsBuildVarArrayStr",
+                      "ADsBuildEnumerator",
+                      "ADsEnumerateNext",
+                      "QueryInterface",
+                      "Get",
+                      "removeFirstInserted",
+                      "nameServers"};
 
 bool isStep(const std::string& line)
 {
@@ -32,7 +43,8 @@ protected:
         EXPECT_TRUE(fill());
         journal.windowGoesAt = 0;
         EXPECT_TRUE(journal.windowGone);
-        return {journal.lines.begin() + static_cast<std::ptrdiff_t>(journal.linesBefore), journal.lines.end()};
+        return {journal.lines.begin() + static_cast<std::ptrdiff_t>(journal.linesBefore),
+                journal.lines.end()};
     }
 
     /// The same at the first call whose line starts so. A fill without end came before.
@@ -63,7 +75,8 @@ TEST_P(AbandonedOnRoad, BeginsNoStepAnyMore)
     directory.objects.push_back({.name = L"extra", .className = L"User", .sid = 32});
     fillWhole();
     ASSERT_GT(m_all.size(), 60u);
-    for (int call = 2; call <= static_cast<int>(m_all.size()); ++call) { // the first asks for the window itself
+    for (int call = 2; call <= static_cast<int>(m_all.size()); ++call)
+    { // the first asks for the window itself
         SCOPED_TRACE(std::to_string(call) + ": " + m_all[static_cast<std::size_t>(call) - 1]);
         const Lines after = fillUntil(call);
         Lines steps;

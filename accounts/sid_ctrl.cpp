@@ -464,8 +464,10 @@ LRESULT CSidCtrl::onMessage(UINT message, WPARAM wParam, LPARAM lParam)
         }
         break;
     case WM_NOTIFY:
-        // Some platforms' lists keep this one of their header to themselves.
-        if (reinterpret_cast<const NMHDR*>(lParam)->code == HDN_FILTERCHANGE) {
+        // Some platforms' lists keep these of their header to themselves.
+        if (const UINT code = reinterpret_cast<const NMHDR*>(lParam)->code;
+            code == HDN_FILTERCHANGE || code == HDN_FILTERBTNCLICK)
+        {
             return SendMessageW(GetParent(handle()), message, wParam, lParam);
         }
         break;

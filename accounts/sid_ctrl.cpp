@@ -279,7 +279,7 @@ void CSidCtrl::takeRows(ULONGLONG until, int takes)
 {
     bool more = false;
     if (nextBatch(takes)) {
-        RedrawOff off(*this);
+        QuietRedrawOff off(*this);
         const int shown = static_cast<int>(send(LVM_GETTOPINDEX) + send(LVM_GETCOUNTPERPAGE)) + 1;
         bool visible = false;
         do {

@@ -46,7 +46,7 @@ BusyNotice::BusyNotice(HWND over, const wchar_t* what, const wchar_t* with)
     , m_margin()
     , m_done(CreateEventW(nullptr, TRUE, FALSE, nullptr))
 {
-    constexpr RECT kUnits{7, 5, 190, 36}; // margins, and the size of all
+    constexpr RECT kUnits{7, 6, 190, 32}; // margins, and the size of all
     RECT pixels = kUnits;
     MapDialogRect(over, &pixels);
     m_margin = {pixels.left, pixels.top};

@@ -1,5 +1,7 @@
 #include "frame/list_ctrl.h"
 
+#include "frame/screen_scale.h"
+
 int CListCtrl::columnCount() const
 {
     const auto count = SendMessageW(header(), HDM_GETITEMCOUNT, 0, 0);
@@ -12,7 +14,7 @@ void CListCtrl::insertColumn(int index, const ListColumn& column) const
     LVCOLUMNW item{};
     item.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
     item.fmt = column.format;
-    item.cx = column.width;
+    item.cx = scaledToScreen(column.width);
     item.pszText = heading.data();
     item.iSubItem = index;
     send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));

@@ -9,7 +9,7 @@
 struct ListColumn {
     const wchar_t* heading;
     int format; ///< LVCFMT_...
-    int width;  ///< pixels
+    int width;  ///< pixels at 96 dots per inch
 };
 
 /// A report list view. Rows and columns are zero-based. Objects of a host have this type too: see CWnd.

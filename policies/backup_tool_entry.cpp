@@ -13,28 +13,31 @@
 
 namespace {
 
-void showTail(HWND dialog, const wchar_t* path)
-{
-    SetDlgItemTextW(dialog, IDC_ENTRY_TEXT, pathTail(path));
-}
+class BackupToolEntry : public TextEntryDialog {
+public:
+    BackupToolEntry()
+        : TextEntryDialog(IDD_BACKUP_TOOL_ENTRY, crash_sites::kBackupToolEntry)
+    {
+    }
 
-void onCommand(HWND dialog, int id)
-{
-    if (id == IDC_ENTRY_BROWSE_RUNNING) {
-        const wchar_t* name = chooseProcess(dialog);
-        if (name != nullptr && reinterpret_cast<INT_PTR>(name) != -1) {
-            showTail(dialog, name);
-            // Not released. Kept, it is harmless: once per choice, and nobody can hold a name that is gone.
-        }
-    } else if (id == IDC_ENTRY_BROWSE) {
-        if (const wchar_t* path = selectFile(dialog, select_file_mode::kAnyName)) {
-            showTail(dialog, path);
+private:
+    void onButton(int id) override
+    {
+        if (id == IDC_ENTRY_BROWSE_RUNNING) {
+            const wchar_t* name = chooseProcess(window());
+            if (name != nullptr && reinterpret_cast<INT_PTR>(name) != -1) {
+                setText(pathTail(name));
+                // Not released. Kept, it is harmless: once per choice, and nobody can hold a name that is gone.
+            }
+        } else if (id == IDC_ENTRY_BROWSE) {
+            if (const wchar_t* path = selectFile(window(), select_file_mode::kAnyName)) {
+                setText(pathTail(path));
+            }
         }
     }
-}
 
-constexpr TextEntryDialog kDialog{IDD_BACKUP_TOOL_ENTRY, crash_sites::kBackupToolEntry, nullptr, onCommand,
-                                  pathTail};
+    const wchar_t* taken(const wchar_t* typed) const override { return pathTail(typed); }
+};
 
 // The host reads the address from the low 32 bits alone.
 // @return the text itself where it lies low enough, otherwise a copy that does, and null when there is no room.
@@ -55,12 +58,14 @@ wchar_t* withLowAddress(CBlock<wchar_t> text)
 
 wchar_t* askBackupTool(HWND owner, const wchar_t* name)
 {
-    return enteredText(openTextEntry(kDialog, owner, name));
+    BackupToolEntry entry;
+    entry.ask(owner, name);
+    return entry.takeText().release();
 }
 
 intptr_t editBackupToolListEntry(HWND owner, const wchar_t* name)
 {
-    const INT_PTR code = openTextEntry(kDialog, owner, name);
-    CBlock<wchar_t> text(enteredText(code));
-    return text ? reinterpret_cast<intptr_t>(withLowAddress(std::move(text))) : code;
+    BackupToolEntry entry;
+    return entry.ask(owner, name) ? reinterpret_cast<intptr_t>(withLowAddress(entry.takeText()))
+                                  : entry.endCode();
 }

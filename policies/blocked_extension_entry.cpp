@@ -7,8 +7,6 @@
 
 #include <cstring>
 
-AccountBuffer* publishedAccount = nullptr;
-
 void AccountBuffer::set(const void* account)
 {
     length = 0;
@@ -25,35 +23,44 @@ AccountName AccountBuffer::name() const
 
 namespace {
 
-void showAccount(HWND dialog)
-{
-    SetDlgItemTextW(dialog, IDC_ENTRY_ACCOUNT, publishedAccount->name().text);
-}
-
-void onInit(HWND dialog)
-{
-    showAccount(dialog);
-    enableItem(dialog, IDC_ENTRY_ACCOUNT, false);
-}
-
-void onCommand(HWND dialog, int id)
-{
-    if (id != IDC_ENTRY_BROWSE) {
-        return;
+class BlockedExtensionEntry : public TextEntryDialog {
+public:
+    explicit BlockedExtensionEntry(AccountBuffer& account)
+        : TextEntryDialog(IDD_BLOCKED_EXTENSION_ENTRY, crash_sites::kBlockedExtensionEntry)
+        , m_account(account)
+    {
     }
-    const AccountChoice choice = chooseAccount(dialog);
-    if (choice.anyone || choice.sid != nullptr) {
-        publishedAccount->set(choice.sid);
-        showAccount(dialog);
-    }
-}
 
-constexpr TextEntryDialog kDialog{IDD_BLOCKED_EXTENSION_ENTRY, crash_sites::kBlockedExtensionEntry, onInit,
-                                  onCommand, nullptr};
+private:
+    void showAccount() const { SetDlgItemTextW(window(), IDC_ENTRY_ACCOUNT, m_account.name().text); }
+
+    void onInit() override
+    {
+        TextEntryDialog::onInit();
+        showAccount();
+        enableItem(window(), IDC_ENTRY_ACCOUNT, false);
+    }
+
+    void onButton(int id) override
+    {
+        if (id != IDC_ENTRY_BROWSE) {
+            return;
+        }
+        const AccountChoice choice = chooseAccount(window());
+        if (choice.anyone || choice.sid != nullptr) {
+            m_account.set(choice.sid);
+            showAccount();
+        }
+    }
+
+    AccountBuffer& m_account;
+};
 
 } // namespace
 
-wchar_t* askBlockedExtension(HWND owner, const wchar_t* mask)
+wchar_t* askBlockedExtension(HWND owner, const wchar_t* mask, AccountBuffer& account)
 {
-    return enteredText(openTextEntry(kDialog, owner, mask));
+    BlockedExtensionEntry entry(account);
+    entry.ask(owner, mask);
+    return entry.takeText().release();
 }

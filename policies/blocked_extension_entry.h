@@ -21,10 +21,8 @@ struct AccountBuffer {
 };
 static_assert(offsetof(AccountBuffer, bytes) == 4, "a SID needs no more than this alignment");
 
-/// The account that the open entry dialog reads and changes. Published before the dialog is run, one at a time.
-extern AccountBuffer* publishedAccount;
-
-/// @param mask  path mask to start with, null for none.
-/// @return the mask, a malloc block that passes to the caller; null when cancelled, whatever has become of the
-///         published account.
-wchar_t* askBlockedExtension(HWND owner, const wchar_t* mask);
+/// Asks for an entry.
+/// @param mask     path mask to start with, null for none.
+/// @param account  the account to start with; has the chosen one afterwards, also when cancelled.
+/// @return the mask, a malloc block that passes to the caller; null when cancelled.
+wchar_t* askBlockedExtension(HWND owner, const wchar_t* mask, AccountBuffer& account);

@@ -27,8 +27,7 @@ void render(const CListCtrl& list, int row, std::uint32_t /*index*/)
 std::optional<ListEntry> add(HWND dialog)
 {
     account.set(nullptr);
-    publishedAccount = &account;
-    const wchar_t* mask = askBlockedExtension(dialog, nullptr);
+    const wchar_t* mask = askBlockedExtension(dialog, nullptr, account);
     if (mask == nullptr) {
         return std::nullopt;
     }
@@ -39,8 +38,7 @@ std::optional<ListEntry> add(HWND dialog)
 std::optional<std::wstring> edit(HWND dialog, std::uint32_t index)
 {
     account.set(getExcludeExtsSid(index));
-    publishedAccount = &account;
-    const wchar_t* mask = askBlockedExtension(dialog, getExcludeExtsPath(index));
+    const wchar_t* mask = askBlockedExtension(dialog, getExcludeExtsPath(index), account);
     if (mask == nullptr) {
         return std::nullopt;
     }

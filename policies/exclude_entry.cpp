@@ -6,21 +6,30 @@
 
 namespace {
 
-void onCommand(HWND dialog, int id)
-{
-    if (id != IDC_ENTRY_BROWSE) {
-        return;
+class ExcludeEntry : public TextEntryDialog {
+public:
+    ExcludeEntry()
+        : TextEntryDialog(IDD_EXCLUDE_ENTRY, crash_sites::kExcludeEntry)
+    {
     }
-    if (const wchar_t* path = selectFile(dialog, select_file_mode::kAnyName)) {
-        SetDlgItemTextW(dialog, IDC_ENTRY_TEXT, path);
-    }
-}
 
-constexpr TextEntryDialog kDialog{IDD_EXCLUDE_ENTRY, crash_sites::kExcludeEntry, nullptr, onCommand, nullptr};
+private:
+    void onButton(int id) override
+    {
+        if (id != IDC_ENTRY_BROWSE) {
+            return;
+        }
+        if (const wchar_t* path = selectFile(window(), select_file_mode::kAnyName)) {
+            setText(path);
+        }
+    }
+};
 
 } // namespace
 
 wchar_t* askExclude(HWND owner, const wchar_t* path)
 {
-    return enteredText(openTextEntry(kDialog, owner, path));
+    ExcludeEntry entry;
+    entry.ask(owner, path);
+    return entry.takeText().release();
 }

@@ -36,18 +36,21 @@ struct SortableEntry : ListEntry {
     std::string key;
 };
 
-class Dialog {
+class ListEditorDialog : public Dialog {
 public:
-    Dialog(HWND window, const ListEditor& editor)
-        : m_window(window)
+    explicit ListEditorDialog(const ListEditor& editor)
+        : Dialog(&editor.site)
         , m_editor(editor)
-        , m_list(window, editor.listId)
     {
     }
 
-    void onInit() const
+    INT_PTR show(HWND owner) { return run(m_editor.templateId, owner); }
+
+private:
+    void onInit() override
     {
         loadHostIcons();
+        m_list.attach(GetDlgItem(window(), m_editor.listId));
         for (int index = 0; const ListColumn& column : m_editor.columns) {
             m_list.insertColumn(index++, column);
         }
@@ -56,11 +59,11 @@ public:
         m_editor.load();
         sortsByItself() ? fillSorted() : fill();
         for (const int id : kSelectionButtons) {
-            enableItem(m_window, id, false);
+            enableItem(window(), id, false);
         }
     }
 
-    void onCommand(int id) const
+    bool onCommand(int id) override
     {
         switch (id) {
         case IDC_POLICY_ADD:
@@ -82,14 +85,15 @@ public:
         default:
             break;
         }
+        return true;
     }
 
-    // Nothing but the list sends these.
-    void onNotify(const NMHDR& notification) const
+    // Nothing but the list sends these. Filling it sends a notification for each row: those of no interest cost nothing.
+    Reply onNotify(NMHDR& notification) override
     {
         switch (notification.code) {
         case LVN_ITEMCHANGED:
-            enableBySelection(m_window, m_list, kSelectionButtons);
+            enableBySelection(window(), m_list, kSelectionButtons);
             break;
         case LVN_COLUMNCLICK:
             if (const int column = reinterpret_cast<const NMLISTVIEW&>(notification).iSubItem; column >= 0) {
@@ -100,11 +104,11 @@ public:
             edit();
             break;
         default:
-            break;
+            return {};
         }
+        return Reply::with(0);
     }
 
-private:
     static constexpr int kSelectionButtons[] = {IDC_POLICY_EDIT, IDC_POLICY_REMOVE};
 
     // The panel's icons are asked for and not used. Kept, it is harmless: a host without them sees no difference.
@@ -175,7 +179,7 @@ private:
 
     void add() const
     {
-        if (const std::optional<ListEntry> added = m_editor.add(m_window)) {
+        if (const std::optional<ListEntry> added = m_editor.add(window())) {
             insert(0, added->index, added->text.c_str());
         }
     }
@@ -187,10 +191,10 @@ private:
             return;
         }
         const std::uint32_t index = indexOf(row);
-        if (const std::optional<std::wstring> text = m_editor.edit(m_window, index)) {
+        if (const std::optional<std::wstring> text = m_editor.edit(window(), index)) {
             m_list.deleteRow(row);
             insert(row, index, text->c_str());
-            rescueKeyboard(m_window, m_list.handle());
+            rescueKeyboard(window(), m_list.handle());
         }
     }
 
@@ -204,61 +208,22 @@ private:
         const std::uint32_t index = indexOf(row);
         m_list.deleteRow(row);
         m_editor.remove(index);
-        rescueKeyboard(m_window, m_list.handle()); // the button is disabled with the selection
+        rescueKeyboard(window(), m_list.handle()); // the button is disabled with the selection
     }
 
     void close() const
     {
         m_editor.free();
-        EndDialog(m_window, 0);
+        end(0);
     }
 
-    HWND m_window;
     const ListEditor& m_editor;
-    DialogList m_list;
+    CListCtrl m_list;
 };
-
-INT_PTR answer(HWND window, const ListEditor& editor, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message) {
-    case WM_INITDIALOG:
-        Dialog(window, editor).onInit();
-        return TRUE;
-    case WM_COMMAND:
-        Dialog(window, editor).onCommand(LOWORD(wParam));
-        return TRUE;
-    case WM_NOTIFY:
-        // Filling a list sends a notification for each row: those of no interest must cost nothing.
-        if (const auto& notification = *reinterpret_cast<const NMHDR*>(lParam);
-            notification.code == LVN_ITEMCHANGED || notification.code == LVN_COLUMNCLICK ||
-            notification.code == static_cast<UINT>(NM_DBLCLK))
-        {
-            Dialog(window, editor).onNotify(notification);
-            return TRUE;
-        }
-        return FALSE;
-    case WM_DESTROY:
-        return TRUE;
-    default:
-        return FALSE;
-    }
-}
-
-INT_PTR CALLBACK MyDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrW(window, GWLP_USERDATA, lParam);
-    }
-    const auto* editor = reinterpret_cast<const ListEditor*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (editor == nullptr) {
-        return FALSE; // what comes before WM_INITDIALOG
-    }
-    return guardProcedure(editor->site, [&] { return answer(window, *editor, message, wParam, lParam); });
-}
 
 } // namespace
 
 INT_PTR openListEditor(const ListEditor& editor, HWND owner)
 {
-    return openDialog(editor.templateId, owner, MyDlgProc, reinterpret_cast<LPARAM>(&editor));
+    return ListEditorDialog(editor).show(owner);
 }

@@ -1,6 +1,6 @@
 #include "policies/process_chooser.h"
 
-#include "frame/crash_guard.h"
+#include "frame/c_memory.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/list_ctrl.h"
@@ -34,92 +34,97 @@ int myCallBack(DWORD /*processId*/, const wchar_t* imageName, void* context)
     }));
 }
 
-BOOL onInit(HWND dialog)
+class ProcessChooser : public Dialog {
+public:
+    ProcessChooser()
+        : Dialog(&crash_sites::kProcessChooser)
+    {
+    }
+
+    /// @return the name as a malloc block that passes to the caller, null when none was chosen, -1 when the dialog
+    ///         could not be shown.
+    wchar_t* choose(HWND owner)
+    {
+        if (run(IDD_PROCESS_CHOOSER, owner) == -1 && !m_name) {
+            return reinterpret_cast<wchar_t*>(INT_PTR{-1});
+        }
+        return m_name.release();
+    }
+
+private:
+    void onInit() override;
+    bool onCommand(int id) override;
+    Reply onNotify(NMHDR& header) override;
+    void onOk();
+
+    CBlock<wchar_t> m_name; ///< what OK hands out; the end code is too narrow for its address
+};
+
+void ProcessChooser::onInit()
 {
-    DialogList list(dialog, IDC_PROCESS_LIST);
+    DialogList list(window(), IDC_PROCESS_LIST);
     list.insertColumn(0, kColumn);
     list.addExtendedStyle(kListStyles);
-    enableItem(dialog, IDOK, false);
+    enableItem(window(), IDOK, false);
     rowCounter = 0;
     // On failure the list stays empty.
     withRedrawOff(list,
                   [&] { enumerateProcessSnapshot(nullptr, myCallBack, static_cast<CListCtrl*>(&list)); });
-    return TRUE;
 }
 
 // While the list is filled there are several of these for each row, none of which concerns the dialog: they end here
 // before anything is looked up.
-BOOL onNotify(HWND dialog, const NMHDR* header)
+Reply ProcessChooser::onNotify(NMHDR& header)
 {
-    if (header->idFrom != IDC_PROCESS_LIST) {
-        return FALSE;
+    if (header.idFrom != IDC_PROCESS_LIST) {
+        return {};
     }
-    const auto* const change = reinterpret_cast<const NMLISTVIEW*>(header);
-    switch (header->code) {
+    const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
+    switch (header.code) {
     case LVN_COLUMNCLICK:
-        if (change->iSubItem >= 0) {
-            sortRows(DialogList(dialog, IDC_PROCESS_LIST), change->iSubItem);
+        if (change.iSubItem >= 0) {
+            sortRows(DialogList(window(), IDC_PROCESS_LIST), change.iSubItem);
         }
-        return TRUE;
+        return Reply::with(0);
     case LVN_ITEMCHANGED:
-        if (change->uChanged != LVIF_PARAM) {
+        if (change.uChanged != LVIF_PARAM) {
             constexpr int kButtons[] = {IDOK};
-            enableBySelection(dialog, DialogList(dialog, IDC_PROCESS_LIST), kButtons);
+            enableBySelection(window(), DialogList(window(), IDC_PROCESS_LIST), kButtons);
         }
-        return TRUE;
+        return Reply::with(0);
     default:
-        return FALSE;
+        return {};
     }
 }
 
-void onOk(HWND dialog)
+void ProcessChooser::onOk()
 {
-    const DialogList list(dialog, IDC_PROCESS_LIST);
+    const DialogList list(window(), IDC_PROCESS_LIST);
     const int row = list.nextSelected();
-    if (row == -1) {
-        EndDialog(dialog, 0);
-        return;
+    if (row != -1) {
+        m_name.reset(_wcsdup(list.text(row, 0).substr(0, kNameLength).c_str()));
     }
-    const std::wstring name = list.text(row, 0).substr(0, kNameLength);
-    EndDialog(dialog, reinterpret_cast<INT_PTR>(_wcsdup(name.c_str())));
-} // NOLINT(clang-analyzer-unix.Malloc): the copy goes to whoever opened the dialog
+    end(reinterpret_cast<INT_PTR>(m_name.get()));
+}
 
-BOOL onCommand(HWND dialog, int id)
+bool ProcessChooser::onCommand(int id)
 {
     switch (id) {
     case IDOK:
-        onOk(dialog);
+        onOk();
         break;
     case IDCANCEL:
-        EndDialog(dialog, 0);
+        end(0);
         break;
     default:
         break;
     }
-    return TRUE;
-}
-
-INT_PTR CALLBACK MyDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    return guardProcedure(crash_sites::kProcessChooser, [&]() -> INT_PTR {
-        switch (message) {
-        case WM_INITDIALOG:
-            return onInit(dialog);
-        case WM_NOTIFY:
-            return onNotify(dialog, reinterpret_cast<const NMHDR*>(lParam));
-        case WM_COMMAND:
-            return onCommand(dialog, LOWORD(wParam));
-        case WM_DESTROY:
-            return TRUE;
-        default:
-            return FALSE;
-        }
-    });
+    return true;
 }
 
 } // namespace
 
 wchar_t* chooseProcess(HWND owner)
 {
-    return reinterpret_cast<wchar_t*>(openDialog(IDD_PROCESS_CHOOSER, owner, MyDlgProc, 0));
+    return ProcessChooser().choose(owner);
 }

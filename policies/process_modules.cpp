@@ -1,3 +1,4 @@
+#include "frame/system_version.h"
 #include "policies/loaded_library.h"
 #include "policies/process_enumerators.h"
 #include "policies/process_heap.h"
@@ -23,9 +24,7 @@ struct ModuleApi {
 // The number of the system's own process. 2 and 8 look the wrong way round. Wanted: hosts know these pairs.
 DWORD systemProcessId()
 {
-    OSVERSIONINFOW version{};
-    version.dwOSVersionInfoSize = sizeof version;
-    GetVersionExW(&version);
+    const OSVERSIONINFOEXW version = systemVersion();
     if (version.dwMajorVersion < 5) {
         return 8;
     }

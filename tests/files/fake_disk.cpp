@@ -64,6 +64,9 @@ HANDLE WINAPI findFirst(const wchar_t* pattern, WIN32_FIND_DATAW* data)
     }
     const std::wstring text = pattern;
     FakeDisk::State::Search search;
+    if (endsWith(text, L"\\nul") && disk->nulIsADevice) {
+        return reinterpret_cast<HANDLE>(UINT_PTR{1});
+    }
     if (endsWith(text, L"\\nul")) {
         if (state->folders.contains(trimmed(text.substr(0, text.size() - 4)))) {
             search.entries.push_back({L"nul"});
@@ -110,6 +113,26 @@ BOOL WINAPI findClose(HANDLE handle)
         return FALSE;
     }
     return TRUE;
+}
+
+DWORD WINAPI fileAttributes(const wchar_t* path)
+{
+    state->calls.push_back("attributes " + utf8(path));
+    const std::wstring text = path;
+    if (state->folders.contains(trimmed(text))) {
+        return FILE_ATTRIBUTE_DIRECTORY;
+    }
+    const std::size_t end = text.rfind(L'\\');
+    const auto parent = state->folders.find(trimmed(text.substr(0, end)));
+    if (parent != state->folders.end()) {
+        for (const FakeDisk::Entry& entry : parent->second) {
+            if (entry.name == text.substr(end + 1)) {
+                return entry.attributes;
+            }
+        }
+    }
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    return INVALID_FILE_ATTRIBUTES;
 }
 
 DWORD WINAPI driveStrings(DWORD room, wchar_t* buffer)
@@ -183,6 +206,7 @@ FakeDisk::FakeDisk(HMODULE module)
     replace("FindFirstFileW", findFirst);
     replace("FindNextFileW", findNext);
     replace("FindClose", findClose);
+    replace("GetFileAttributesW", fileAttributes);
     replace("GetLogicalDriveStringsW", driveStrings);
     replace("GetVolumeInformationW", volumeInformation);
     replace("SHGetFileInfoW", fileInfo);

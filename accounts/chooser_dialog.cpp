@@ -2,6 +2,7 @@
 #include "corvane.h"
 
 #include "accounts/account_data.h"
+#include "accounts/chooser.h"
 #include "accounts/sid_ctrl.h"
 #include "frame/c_memory.h"
 #include "frame/dialog.h"
@@ -37,10 +38,14 @@ public:
     /// @return the end code.
     INT_PTR show(HWND parent) { return run(IDD_CHOOSER, parent); }
 
+    /// Whether the dialog could be shown.
+    bool shown() const { return m_shown; }
+
 private:
     void onInit() override;
     bool onCommand(int id) override;
     Reply onNotify(NMHDR& header) override;
+    bool onClose() override;
     void reportCrash() const override
     {
         runGuarded([] { ODS("SID DLG: MyDlgProc: SIGSEGV\n"); });
@@ -52,6 +57,8 @@ private:
     void onNameChange();
     void onSelection();
     void onFilterChange(int column);
+    bool inFilterBar() const;
+    void cancel();
     void onOk();
     void chooseTypedName();
     void startSearch(const wchar_t* base);
@@ -70,6 +77,7 @@ private:
     const SidList* m_presetOwners;
     CSidCtrl m_list;
     void* m_selection = nullptr;
+    bool m_shown = false;
     bool m_searchStarted = false;
     wchar_t m_searchBase[256] = {};
     wchar_t m_typedName[256] = {};
@@ -95,6 +103,7 @@ void Chooser::proposeSearchBase() const
 void Chooser::onInit()
 {
     result = nullptr;
+    m_shown = true;
     m_list.attach(GetDlgItem(window(), IDC_CHOOSER_LIST));
     m_list.setPresetOwners(m_presetOwners);
     proposeSearchBase();
@@ -217,15 +226,37 @@ bool Chooser::onCommand(int id)
         onNameChange();
         return true;
     case IDOK:
-        onOk();
+        if (inFilterBar()) {
+            // Enter in a filter's field: to the list, which ends the typing. Dialogs take it for their default button.
+            SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_list.handle()), TRUE);
+        } else {
+            onOk();
+        }
         return true;
     case IDCANCEL:
-        result = nullptr;
-        end(0);
+        cancel();
         return true;
     default:
         return false;
     }
+}
+
+void Chooser::cancel()
+{
+    result = nullptr;
+    end(0);
+}
+
+bool Chooser::onClose()
+{
+    cancel(); // at any time: a server that is asked may take its minutes
+    return true;
+}
+
+bool Chooser::inFilterBar() const
+{
+    HWND header = m_list.header();
+    return header != nullptr && IsChild(header, GetFocus());
 }
 
 void Chooser::onSelection()
@@ -267,6 +298,9 @@ Reply Chooser::onNotify(NMHDR& header)
     case HDN_FILTERCHANGE:
         onFilterChange(reinterpret_cast<const NMHEADERW&>(header).iItem);
         break;
+    case HDN_FILTERBTNCLICK:
+        answer = m_list.onFilterButton(reinterpret_cast<const NMHDFILTERBTNCLICK&>(header).iItem);
+        break;
     case NM_CUSTOMDRAW:
         if (header.hwndFrom != m_list.handle()) {
             return {};
@@ -279,18 +313,34 @@ Reply Chooser::onNotify(NMHDR& header)
     return Reply::with(answer);
 }
 
+/// @param line  for the debug channel, with the dialog's end code and the result.
+/// @return whether the dialog could be shown.
+bool choose(HWND parent, const SidList* presetOwners, const char* line)
+{
+    Chooser chooser(presetOwners);
+    const INT_PTR ended = chooser.show(parent);
+    ODS(line, reinterpret_cast<void*>(ended), result);
+    return chooser.shown();
+}
+
+constexpr char kFirstLine[] = "got R1=%p %p\n";
+constexpr char kSecondLine[] = "got R2=%p %p\n";
+
 } // namespace
 
 void* chooseSidFromUserInput(HWND parent)
 {
-    const INT_PTR ended = Chooser(nullptr).show(parent);
-    ODS("got R1=%p %p\n", reinterpret_cast<void*>(ended), result);
+    choose(parent, nullptr, kFirstLine);
     return result;
 }
 
 void* chooseSidFromUserInput2(HWND parent, SidList* presetOwners)
 {
-    const INT_PTR ended = Chooser(presetOwners).show(parent);
-    ODS("got R2=%p %p\n", reinterpret_cast<void*>(ended), result);
+    choose(parent, presetOwners, kSecondLine);
     return result;
+}
+
+void* chooseAccountOfDialog(HWND owner)
+{
+    return choose(owner, nullptr, kFirstLine) ? result : nullptr;
 }

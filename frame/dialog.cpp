@@ -52,6 +52,8 @@ Reply Dialog::dispatch(UINT message, WPARAM wParam, LPARAM lParam)
         return {onCommand(LOWORD(wParam)), 0};
     case WM_NOTIFY:
         return onNotify(*reinterpret_cast<NMHDR*>(lParam));
+    case WM_CLOSE:
+        return {onClose(), 0};
     case WM_DESTROY:
         onDestroy();
         return Reply::with(0);

@@ -52,6 +52,10 @@ protected:
 
     virtual Reply onNotify(NMHDR& /*header*/) { return {}; }
 
+    /// The close box. The platform presses Cancel for it, but not every one while Cancel is disabled.
+    /// @return whether the dialog has answered it itself.
+    virtual bool onClose() { return false; }
+
     virtual void onDestroy() {}
 
     /// Tells of a fault that a handler raised; the dialog stays open as the handler left it.

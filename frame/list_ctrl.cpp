@@ -99,6 +99,19 @@ void CListCtrl::setData(int row, LPARAM data) const
     send(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
 }
 
+int CListCtrl::rowOf(LPARAM data, int expected) const
+{
+    if (this->data(expected) == data) {
+        return expected;
+    }
+    LVFINDINFOW wanted{};
+    wanted.flags = LVFI_PARAM;
+    wanted.lParam = data;
+    const auto found =
+        static_cast<int>(send(LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&wanted)));
+    return found >= 0 && this->data(found) == data ? found : -1; // a window that is gone answers 0
+}
+
 int CListCtrl::image(int row) const
 {
     LVITEMW item{};

@@ -42,6 +42,10 @@ public:
     LPARAM data(int row) const;
     void setData(int row, LPARAM data) const;
 
+    /// The row that carries an item data, wherever it stands now; -1 when none does.
+    /// @param expected  where it stood last.
+    int rowOf(LPARAM data, int expected) const;
+
     /// Index of the row's image.
     int image(int row) const;
 
@@ -51,8 +55,11 @@ public:
         return static_cast<int>(send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
     }
 
-    /// The topmost child window, normally the header; null when the list has none.
-    HWND topChild() const { return GetTopWindow(handle()); }
+    int selectedCount() const { return static_cast<int>(send(LVM_GETSELECTEDCOUNT)); }
+
+    /// The topmost child window, normally the header; null when the list has none, and without a list: of no
+    /// window, the platform would give the topmost one of the desktop.
+    HWND topChild() const { return handle() != nullptr ? GetTopWindow(handle()) : nullptr; }
 };
 
 /// A list-control object for the time of one call: attached to a dialog's control, never destroying it.

@@ -32,7 +32,7 @@ typedef struct QuotaRule {
     int64_t hardLimit;      /**< hard limit in bytes; 0 or less: not yet set */
     int64_t softLimit;      /**< soft (warning) limit in bytes; 0 or less: not yet set */
     void* sid;              /**< binary security identifier, a copy that the record owns; null: anyone */
-    wchar_t* path;          /**< folder the rule is defined in, a heap copy that the record owns */
+    wchar_t* path;          /**< folder the rule is defined in, a heap copy that the record owns; never null */
     struct QuotaRule* next; /**< next rule of the chain, null at the end */
     struct QuotaRule* prev; /**< previous rule of the chain, null at the start */
 } QuotaRule;

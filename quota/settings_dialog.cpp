@@ -1,5 +1,6 @@
 #include "quota/settings_dialog.h"
 
+#include "frame/busy_notice.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/domain_servers.h"
@@ -76,6 +77,7 @@ std::int64_t QuotaSettingsDialog::readSize(int id) const
 void QuotaSettingsDialog::measureFolder()
 {
     const WaitCursor measuring;
+    const BusyNotice notice(window(), L"Measuring ...", m_rule->path);
     m_ownedSize = 0;
     m_objectSize = 0;
     runGuarded([&] { m_objectSize = getRealSize(m_rule->path); });
@@ -103,6 +105,10 @@ void QuotaSettingsDialog::measureFolder()
 // @return whether there are any.
 bool QuotaSettingsDialog::findMembers()
 {
+    const WaitCursor asking;
+    wchar_t shownName[kAccountNameCapacity] = L"";
+    GetDlgItemTextW(window(), IDC_QUOTA_CREDENTIALS, shownName, kAccountNameCapacity);
+    const BusyNotice notice(window(), L"Looking up group members ...", shownName);
     const bool asked = runGuarded([&] {
         const AccountName group = accountName(m_rule->sid);
         m_members = enumerateGroupUsers(nullptr, group.text, nullptr);

@@ -1,6 +1,6 @@
 // Accounts of the machine and its domain, as the platform's account functions tell them.
-#include "lornix/accounts/platform_call.h"
 #include "lornix/accounts/source.h"
+#include "lornix/faults.h"
 #include "lornix/sid.h"
 
 #include <windows.h>
@@ -32,7 +32,7 @@ NET_API_STATUS ask(NetBuffer<Record>& answer, Call call)
 {
     NET_API_STATUS status = kOtherRuntime;
     LPBYTE buffer = nullptr;
-    survives([&] { status = call(&buffer); });
+    isImplemented([&] { status = call(&buffer); });
     answer.reset(reinterpret_cast<Record*>(buffer));
     return status;
 }
@@ -230,7 +230,7 @@ public:
     {
         PDOMAIN_CONTROLLER_INFOW found = nullptr;
         DWORD status = kOtherRuntime;
-        survives(
+        isImplemented(
             [&] { status = DsGetDcNameW(nullptr, nullptr, nullptr, nullptr, DS_RETURN_FLAT_NAME, &found); });
         const NetBuffer<DOMAIN_CONTROLLER_INFOW> info(found);
         if (status != ERROR_SUCCESS || info == nullptr || info->DomainControllerName == nullptr) {

@@ -10,9 +10,6 @@
 
 namespace {
 
-// Names are resolved in module-wide buffers, and the store is unlocked.
-Lock oneAtATime;
-
 struct Start {
     std::shared_ptr<AccountFill> fill;
     HMODULE module; ///< this one, counted once more
@@ -22,11 +19,8 @@ struct Start {
 /// @return the thread's own handle.
 HANDLE run(AccountFill& fill)
 {
-    {
-        const std::lock_guard turn(oneAtATime);
-        if (!runGuarded([&] { fillTree(&fill.context); })) {
-            runGuarded([] { ODS("fillTree => sigsegv\n"); });
-        }
+    if (!runGuarded([&] { fillTree(&fill.context); })) {
+        runGuarded([] { ODS("fillTree => sigsegv\n"); });
     }
     fill.rows.end();
     const std::lock_guard started(fill.starting);

@@ -23,7 +23,7 @@ struct AccountFill {
     HANDLE thread = nullptr; ///< closed by the thread itself
 };
 
-/// Starts the fill thread. It keeps this module loaded until it ends, and waits for the thread of an earlier fill:
-/// a store that is slow to answer may hold that one long after its window went.
+/// Starts the fill thread. It keeps this module loaded until it ends: a store that is slow to answer may hold it long
+/// after its window went.
 /// @return false when no thread can be started.
 bool startFillThread(const std::shared_ptr<AccountFill>& fill);

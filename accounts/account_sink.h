@@ -27,6 +27,12 @@ public:
 
     /// Deletes the row that was inserted first, wherever it stands now.
     virtual void removeFirstInserted() = 0;
+
+    /// Tells that another fill is in the store still, perhaps for ever: this one goes on when that one ends.
+    virtual void waitForTurn() = 0;
+
+    /// Tells the servers that the accounts come from, for those who ask them next. Null for none.
+    virtual void nameServers(const wchar_t* server, const wchar_t* server2) = 0;
 };
 
 /// What a fill works on.

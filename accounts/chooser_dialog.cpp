@@ -2,9 +2,9 @@
 #include "corvane.h"
 
 #include "accounts/account_data.h"
+#include "accounts/chooser.h"
 #include "accounts/sid_ctrl.h"
 #include "frame/c_memory.h"
-#include "frame/crash_guard.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/format_text.h"
@@ -16,33 +16,74 @@
 
 namespace {
 
-/// One dialog at a time.
-struct State {
-    CSidCtrl* list = nullptr; ///< null when no dialog is open
-    void* selection = nullptr;
-    /// Kept until a dialog shows: with one that cannot be shown, callers get the choice of the last one again. One that
-    /// somebody else ends has chosen nothing; the last choice may be released by then.
-    void* result = nullptr;
-    bool searchStarted = false;
-    wchar_t searchBase[256] = {};
-    wchar_t typedName[256] = {};
-};
-State state;
+/// The chosen account: nothing, CORVANE_ANYONE, or a SID copy. Kept until a dialog shows: with one that cannot be shown,
+/// callers get the choice of the last one again. One that somebody else ends has chosen nothing; the last choice may be
+/// released by then.
+void* result = nullptr;
 
-/// What an open dialog owns.
-struct Chooser {
-    CSidCtrl list;
-    const SidList* presetOwners;
-};
-
-template <std::size_t N>
-void readText(HWND dialog, int id, wchar_t (&text)[N])
+/// Makes a value the result: a SID as a copy, which is the caller's.
+void storeResult(void* value)
 {
-    text[0] = L'\0';
-    GetDlgItemTextW(dialog, id, text, static_cast<int>(N));
+    result = isSid(value) ? sidDup(value) : value;
 }
 
-void proposeSearchBase(HWND dialog)
+class Chooser : public Dialog {
+public:
+    explicit Chooser(const SidList* presetOwners)
+        : Dialog(nullptr)
+        , m_presetOwners(presetOwners)
+    {
+    }
+
+    /// @return the end code.
+    INT_PTR show(HWND parent) { return run(IDD_CHOOSER, parent); }
+
+    /// Whether the dialog could be shown.
+    bool shown() const { return m_shown; }
+
+private:
+    void onInit() override;
+    bool onCommand(int id) override;
+    Reply onNotify(NMHDR& header) override;
+    bool onClose() override;
+    void reportCrash() const override
+    {
+        runGuarded([] { ODS("SID DLG: MyDlgProc: SIGSEGV\n"); });
+    }
+
+    void proposeSearchBase() const;
+    void enableSearchBase() const;
+    void onMode(int clicked, int other) const;
+    void onNameChange();
+    void onSelection();
+    void onFilterChange(int column);
+    bool inFilterBar() const;
+    void cancel();
+    void onOk();
+    void chooseTypedName();
+    void startSearch(const wchar_t* base);
+    void pickSelected();
+
+    void enable(int id, bool enabled) const { enableItem(window(), id, enabled); }
+    bool isChecked(int id) const { return itemIsChecked(window(), id); }
+
+    template <std::size_t N>
+    void readText(int id, wchar_t (&text)[N]) const
+    {
+        text[0] = L'\0';
+        GetDlgItemTextW(window(), id, text, static_cast<int>(N));
+    }
+
+    const SidList* m_presetOwners;
+    CSidCtrl m_list;
+    void* m_selection = nullptr;
+    bool m_shown = false;
+    bool m_searchStarted = false;
+    wchar_t m_searchBase[256] = {};
+    wchar_t m_typedName[256] = {};
+};
+
+void Chooser::proposeSearchBase() const
 {
     const CBlock<void> domain(getDomainSid());
     ODS("Domain sid=%p\n", domain.get());
@@ -50,260 +91,256 @@ void proposeSearchBase(HWND dialog)
         const CBlock<wchar_t> server(getDomainServer());
         wchar_t base[512];
         formatText(base, L"WinNT://%ls", server.get());
-        SetDlgItemTextW(dialog, IDC_CHOOSER_BASE, base);
+        SetDlgItemTextW(window(), IDC_CHOOSER_BASE, base);
         return;
     }
     wchar_t computer[256] = {};
     DWORD capacity = static_cast<DWORD>(std::size(computer));
     GetComputerNameW(computer, &capacity);
-    SetDlgItemTextW(dialog, IDC_CHOOSER_BASE, computer);
+    SetDlgItemTextW(window(), IDC_CHOOSER_BASE, computer);
 }
 
-BOOL onInit(HWND dialog, Chooser& chooser)
+void Chooser::onInit()
 {
-    state.result = nullptr;
-    chooser.list.attach(GetDlgItem(dialog, IDC_CHOOSER_LIST));
-    chooser.list.setPresetOwners(chooser.presetOwners);
-    state.list = &chooser.list;
-    state.selection = nullptr;
-    proposeSearchBase(dialog);
-    state.searchStarted = false;
-    checkItem(dialog, IDC_CHOOSER_SEARCH, true);
-    checkItem(dialog, IDC_CHOOSER_TYPE, false);
-    checkItem(dialog, IDC_CHOOSER_CUSTOM_BASE, false);
-    enableItem(dialog, IDC_CHOOSER_BASE, false);
-    enableItem(dialog, IDC_CHOOSER_NAME, false);
-    return TRUE;
+    result = nullptr;
+    m_shown = true;
+    m_list.attach(GetDlgItem(window(), IDC_CHOOSER_LIST));
+    m_list.setPresetOwners(m_presetOwners);
+    proposeSearchBase();
+    checkItem(window(), IDC_CHOOSER_SEARCH, true);
+    checkItem(window(), IDC_CHOOSER_TYPE, false);
+    checkItem(window(), IDC_CHOOSER_CUSTOM_BASE, false);
+    enable(IDC_CHOOSER_BASE, false);
+    enable(IDC_CHOOSER_NAME, false);
 }
 
-void enableSearchBase(HWND dialog)
+void Chooser::enableSearchBase() const
 {
-    enableItem(dialog, IDC_CHOOSER_BASE, itemIsChecked(dialog, IDC_CHOOSER_CUSTOM_BASE));
+    enable(IDC_CHOOSER_BASE, isChecked(IDC_CHOOSER_CUSTOM_BASE));
 }
 
-void onMode(HWND dialog, int clicked, int other)
+void Chooser::onMode(int clicked, int other) const
 {
-    if (!itemIsChecked(dialog, clicked)) {
+    if (!isChecked(clicked)) {
         return;
     }
     const bool typing = clicked == IDC_CHOOSER_TYPE;
-    checkItem(dialog, other, false);
+    checkItem(window(), other, false);
     if (typing) {
-        enableItem(dialog, IDC_CHOOSER_BASE, false);
+        enable(IDC_CHOOSER_BASE, false);
     } else {
-        enableSearchBase(dialog);
+        enableSearchBase();
     }
-    enableItem(dialog, IDC_CHOOSER_NAME, typing);
-    enableItem(dialog, IDC_CHOOSER_LIST, !typing);
-    enableItem(dialog, IDC_CHOOSER_CUSTOM_BASE, !typing);
+    enable(IDC_CHOOSER_NAME, typing);
+    enable(IDC_CHOOSER_LIST, !typing);
+    enable(IDC_CHOOSER_CUSTOM_BASE, !typing);
 }
 
-void onNameChange(HWND dialog)
+void Chooser::onNameChange()
 {
-    readText(dialog, IDC_CHOOSER_NAME, state.typedName);
-    SetDlgItemTextW(dialog, IDOK, state.typedName[0] != L'\0' ? L"Add" : L"Search");
+    readText(IDC_CHOOSER_NAME, m_typedName);
+    SetDlgItemTextW(window(), IDOK, m_typedName[0] != L'\0' ? L"Add" : L"Search");
 }
 
-/// Makes a value the dialog's result: a SID as a copy, which is the caller's.
-void storeResult(void* value)
+void Chooser::chooseTypedName()
 {
-    state.result = isSid(value) ? sidDup(value) : value;
-}
-
-void chooseTypedName(HWND dialog)
-{
-    const AccountData account(wcscmp(state.typedName, L"Anyone") == 0 ? CORVANE_ANYONE
-                                                                      : getSidByNameW(state.typedName));
+    const AccountData account(wcscmp(m_typedName, L"Anyone") == 0 ? CORVANE_ANYONE
+                                                                  : getSidByNameW(m_typedName));
     if (!account) {
-        showMessage(dialog,
+        showMessage(window(),
                     "The user/group name you typed is unavaliable. Pleaase check your spelling or clean name "
                     "you typed and try search it from Active Directory tree.",
                     captions::kWarning);
         return;
     }
     storeResult(account.get());
-    EndDialog(dialog, state.result != nullptr);
+    end(result != nullptr);
 }
 
 /// @param base  null lets the fill pick one by itself.
-void startSearch(HWND dialog, const wchar_t* base)
+void Chooser::startSearch(const wchar_t* base)
 {
-    SetDlgItemTextW(dialog, IDOK, L"Add");
-    enableItem(dialog, IDOK, false);
-    enableItem(dialog, IDCANCEL, false);
-    state.list->startFill(base);
+    SetDlgItemTextW(window(), IDOK, L"Add");
+    enable(IDOK, false);
+    enable(IDCANCEL, false);
+    m_list.startFill(base);
     for (const int id :
          {IDC_CHOOSER_LIST, IDC_CHOOSER_BASE, IDC_CHOOSER_SEARCH, IDC_CHOOSER_TYPE, IDC_CHOOSER_CUSTOM_BASE})
     {
-        enableItem(dialog, id, false);
+        enable(id, false);
     }
-    state.searchStarted = true;
+    m_searchStarted = true;
 }
 
-void pickSelected(HWND dialog)
+void Chooser::pickSelected()
 {
     ODS("onOk\n");
-    if (state.list->handle() == nullptr) {
+    if (m_list.handle() == nullptr) {
         return; // somebody destroyed the list alone
     }
-    const int row = state.list->nextSelected();
+    const int row = m_list.nextSelected();
     if (row == -1) {
         return;
     }
     ODS("onOk: %d\n", row);
-    state.selection = reinterpret_cast<void*>(state.list->data(row));
-    ODS("\treturn sid = %p\n", state.selection);
-    storeResult(state.selection);
-    EndDialog(dialog, state.result != nullptr);
-    ODS("\treturned sid = %p\n", state.result);
+    m_selection = reinterpret_cast<void*>(m_list.data(row));
+    ODS("\treturn sid = %p\n", m_selection);
+    storeResult(m_selection);
+    end(result != nullptr);
+    ODS("\treturned sid = %p\n", result);
 }
 
-void onOk(HWND dialog)
+void Chooser::onOk()
 {
-    if (itemExists(dialog, IDC_CHOOSER_NAME) && itemIsChecked(dialog, IDC_CHOOSER_TYPE)) {
-        readText(dialog, IDC_CHOOSER_NAME, state.typedName);
-        if (state.typedName[0] != L'\0') {
-            chooseTypedName(dialog);
+    if (itemExists(window(), IDC_CHOOSER_NAME) && isChecked(IDC_CHOOSER_TYPE)) {
+        readText(IDC_CHOOSER_NAME, m_typedName);
+        if (m_typedName[0] != L'\0') {
+            chooseTypedName();
             return;
         }
     }
-    if (itemExists(dialog, IDC_CHOOSER_BASE) && !state.searchStarted) {
-        if (itemIsChecked(dialog, IDC_CHOOSER_CUSTOM_BASE)) {
-            readText(dialog, IDC_CHOOSER_BASE, state.searchBase);
-            startSearch(dialog, state.searchBase);
+    if (itemExists(window(), IDC_CHOOSER_BASE) && !m_searchStarted) {
+        if (isChecked(IDC_CHOOSER_CUSTOM_BASE)) {
+            readText(IDC_CHOOSER_BASE, m_searchBase);
+            startSearch(m_searchBase);
             return;
         }
-        startSearch(dialog, nullptr); // and go on: wanted, support reads the line of the pick that follows
+        startSearch(nullptr); // and go on: wanted, support reads the line of the pick that follows
     }
-    pickSelected(dialog);
+    pickSelected();
 }
 
-BOOL onCommand(HWND dialog, int id)
+bool Chooser::onCommand(int id)
 {
     switch (id) {
     case IDC_CHOOSER_CUSTOM_BASE:
-        enableSearchBase(dialog);
-        return TRUE;
+        enableSearchBase();
+        return true;
     case IDC_CHOOSER_SEARCH:
-        onMode(dialog, IDC_CHOOSER_SEARCH, IDC_CHOOSER_TYPE);
-        return TRUE;
+        onMode(IDC_CHOOSER_SEARCH, IDC_CHOOSER_TYPE);
+        return true;
     case IDC_CHOOSER_TYPE:
-        onMode(dialog, IDC_CHOOSER_TYPE, IDC_CHOOSER_SEARCH);
-        return TRUE;
+        onMode(IDC_CHOOSER_TYPE, IDC_CHOOSER_SEARCH);
+        return true;
     case IDC_CHOOSER_NAME:
-        onNameChange(dialog);
-        return TRUE;
+        onNameChange();
+        return true;
     case IDOK:
-        onOk(dialog);
-        return TRUE;
+        if (inFilterBar()) {
+            // Enter in a filter's field: to the list, which ends the typing. Dialogs take it for their default button.
+            SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_list.handle()), TRUE);
+        } else {
+            onOk();
+        }
+        return true;
     case IDCANCEL:
-        state.result = nullptr;
-        EndDialog(dialog, 0);
-        return TRUE;
+        cancel();
+        return true;
     default:
-        return FALSE;
+        return false;
     }
 }
 
-void onSelection(HWND dialog)
+void Chooser::cancel()
 {
-    const int row = state.list->nextSelected();
+    result = nullptr;
+    end(0);
+}
+
+bool Chooser::onClose()
+{
+    cancel(); // at any time: a server that is asked may take its minutes
+    return true;
+}
+
+bool Chooser::inFilterBar() const
+{
+    HWND header = m_list.header();
+    return header != nullptr && IsChild(header, GetFocus());
+}
+
+void Chooser::onSelection()
+{
+    const int row = m_list.nextSelected();
     if (row == -1) {
         return;
     }
-    state.selection = reinterpret_cast<void*>(state.list->data(row));
-    if (IsWindowEnabled(GetDlgItem(dialog, IDCANCEL))) { // no fill runs
-        enableItem(dialog, IDOK, state.selection != nullptr);
+    m_selection = reinterpret_cast<void*>(m_list.data(row));
+    if (IsWindowEnabled(GetDlgItem(window(), IDCANCEL))) { // no fill runs
+        enable(IDOK, m_selection != nullptr);
     }
 }
 
-void onFilterChange(int column)
+void Chooser::onFilterChange(int column)
 {
     if (column == -1) {
         return;
     }
-    state.list->applyFilter(column);
-    RedrawWindow(state.list->handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    m_list.applyFilter(column);
+    RedrawWindow(m_list.handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
 }
 
-BOOL onNotify(HWND dialog, NMHDR& header)
+Reply Chooser::onNotify(NMHDR& header)
 {
-    if (state.list == nullptr) {
-        return FALSE;
+    if (m_list.handle() == nullptr) {
+        return {};
     }
     LRESULT answer = 0;
     switch (header.code) {
     case LVN_ITEMCHANGED:
     case LVN_ITEMACTIVATE:
     case LVN_ODSTATECHANGED:
-        onSelection(dialog);
+        onSelection();
         break;
     case LVN_COLUMNCLICK:
-        state.list->onColumnClick(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem);
+        m_list.onColumnClick(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem);
         break;
     case HDN_FILTERCHANGE:
         onFilterChange(reinterpret_cast<const NMHEADERW&>(header).iItem);
         break;
+    case HDN_FILTERBTNCLICK:
+        answer = m_list.onFilterButton(reinterpret_cast<const NMHDFILTERBTNCLICK&>(header).iItem);
+        break;
     case NM_CUSTOMDRAW:
-        if (header.hwndFrom != state.list->handle()) {
-            return FALSE;
+        if (header.hwndFrom != m_list.handle()) {
+            return {};
         }
-        answer = state.list->colorCell(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
+        answer = m_list.colorCell(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
         break;
     default:
-        return FALSE;
+        return {};
     }
-    SetWindowLongPtrW(dialog, DWLP_MSGRESULT, answer);
-    return TRUE;
+    return Reply::with(answer);
 }
 
-INT_PTR handleMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+/// @param line  for the debug channel, with the dialog's end code and the result.
+/// @return whether the dialog could be shown.
+bool choose(HWND parent, const SidList* presetOwners, const char* line)
 {
-    switch (message) {
-    case WM_INITDIALOG:
-        return onInit(dialog, *reinterpret_cast<Chooser*>(lParam));
-    case WM_COMMAND:
-        return onCommand(dialog, LOWORD(wParam));
-    case WM_NOTIFY:
-        return onNotify(dialog, *reinterpret_cast<NMHDR*>(lParam));
-    case WM_DESTROY:
-        state.list = nullptr;
-        return TRUE;
-    default:
-        return FALSE;
-    }
+    Chooser chooser(presetOwners);
+    const INT_PTR ended = chooser.show(parent);
+    ODS(line, reinterpret_cast<void*>(ended), result);
+    return chooser.shown();
 }
 
-INT_PTR CALLBACK MyDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    INT_PTR result = FALSE;
-    if (!runGuarded([&] { result = handleMessage(dialog, message, wParam, lParam); })) {
-        runGuarded([] { ODS("SID DLG: MyDlgProc: SIGSEGV\n"); });
-        return FALSE;
-    }
-    return result;
-}
-
-/// @return the dialog's end code.
-INT_PTR showChooser(HWND parent, const SidList* presetOwners)
-{
-    state.selection = nullptr;
-    Chooser chooser{{}, presetOwners};
-    return openDialog(IDD_CHOOSER, parent, MyDlgProc, reinterpret_cast<LPARAM>(&chooser));
-}
+constexpr char kFirstLine[] = "got R1=%p %p\n";
+constexpr char kSecondLine[] = "got R2=%p %p\n";
 
 } // namespace
 
 void* chooseSidFromUserInput(HWND parent)
 {
-    const INT_PTR ended = showChooser(parent, nullptr);
-    ODS("got R1=%p %p\n", reinterpret_cast<void*>(ended), state.result);
-    return state.result;
+    choose(parent, nullptr, kFirstLine);
+    return result;
 }
 
 void* chooseSidFromUserInput2(HWND parent, SidList* presetOwners)
 {
-    const INT_PTR ended = showChooser(parent, presetOwners);
-    ODS("got R2=%p %p\n", reinterpret_cast<void*>(ended), state.result);
-    return state.result;
+    choose(parent, presetOwners, kSecondLine);
+    return result;
+}
+
+void* chooseAccountOfDialog(HWND owner)
+{
+    return choose(owner, nullptr, kFirstLine) ? result : nullptr;
 }

@@ -79,6 +79,9 @@ public:
     SidList* run();
 
 private:
+    /// Whether the list is gone: what is still to come takes as long as the network does.
+    bool abandoned() const { return m_context != nullptr && !m_context->sink->alive(); }
+
     // Each gives S_OK when it succeeded and the error of the call that failed; S_FALSE for a failure without one.
     HRESULT open();
     HRESULT enumerate();
@@ -121,6 +124,9 @@ SidList* Walker::run()
 
 HRESULT Walker::open()
 {
+    if (abandoned()) {
+        return S_FALSE;
+    }
     HRESULT result = ADsGetObject(m_path, kIdContainer, m_walk.m_container.putVoid());
     if (FAILED(result)) {
         ODS("\"%S\" is not a valid container object.\n", m_path);
@@ -134,6 +140,9 @@ HRESULT Walker::open()
     wchar_t* classNames[2] = {
         m_kind == DirectoryKind::kUsersAndGroups || m_kind == DirectoryKind::kUsers ? user : group,
         m_kind == DirectoryKind::kUsersAndGroups ? group : nullptr};
+    if (abandoned()) {
+        return S_FALSE;
+    }
     // Always two: the directory service takes the null entry for "no further class".
     result = ADsBuildVarArrayStr(classNames, 2, m_walk.m_filter.put());
     if (FAILED(result)) {
@@ -142,6 +151,9 @@ HRESULT Walker::open()
     result = m_walk.m_container->put_Filter(m_walk.m_filter.get());
     if (FAILED(result)) {
         return result;
+    }
+    if (abandoned()) {
+        return S_FALSE;
     }
     result = ADsBuildEnumerator(m_walk.m_container.get(), m_walk.m_enumerator.put());
     if (FAILED(result)) {
@@ -154,6 +166,9 @@ HRESULT Walker::enumerate()
 {
     *m_walk.m_sidAttribute.put() = SysAllocString(L"objectSid");
     for (;;) {
+        if (abandoned()) {
+            return S_FALSE;
+        }
         ULONG fetched = 0;
         const HRESULT result = ADsEnumerateNext(m_walk.m_enumerator.get(), m_walk.m_batch.capacity(),
                                                 m_walk.m_batch.put(), &fetched);
@@ -162,6 +177,9 @@ HRESULT Walker::enumerate()
         }
         fetched = std::min(fetched, m_walk.m_batch.capacity());
         for (ULONG i = 0; i < fetched; ++i) {
+            if (abandoned()) {
+                return S_FALSE;
+            }
             const HRESULT handled = handleElement(i);
             if (handled != S_OK) {
                 return handled;
@@ -200,6 +218,9 @@ void Walker::handleObject()
     const wchar_t* const name = m_walk.m_name.get();
     const wchar_t* const className = m_walk.m_className.get();
     ODS("  %S(%S)\n", name, className);
+    if (abandoned()) {
+        return;
+    }
     void* const sid = readSid();
     if (sid != nullptr) {
         m_walk.m_list = appendToSidList(std::exchange(m_walk.m_list, nullptr), sid);

@@ -4,6 +4,7 @@
 #include "accounts/account_resolution.h"
 #include "accounts/account_sink.h"
 #include "accounts/directory_walk.h"
+#include "accounts/fill_turn.h"
 #include "accounts/null_session.h"
 #include "accounts/preset_owners.h"
 #include "frame/c_memory.h"
@@ -37,11 +38,6 @@ int countOf(const SidList* list)
     return list != nullptr ? list->count : 0;
 }
 
-void keepServerName(wchar_t (&buffer)[kServerNameCapacity], const wchar_t* server)
-{
-    formatText(buffer, L"%ls", server != nullptr ? server : L"");
-}
-
 /// What the accounts of one list have in common.
 struct AccountKind {
     const wchar_t* type;
@@ -57,7 +53,15 @@ struct LocalAccounts {
     const char* freeFault;
 };
 
+/// A server of the store's road, and whether this fill has a session there.
+struct Server {
+    CBlock<wchar_t> name;
+    bool connected = false;
+};
+
 /// One fill. It stands outside of the guards, so that what it holds is released after any fault.
+///
+/// A step may take as long as a network does, so the window is looked at before each of them, and for each account.
 class Fill {
 public:
     explicit Fill(FillContext& context)
@@ -73,7 +77,11 @@ public:
     void run();
 
 private:
-    bool addPresetOwners();
+    bool abandoned() { return !m_sink.alive(); }
+    template <class Step>
+    void runStep(const char* line, Step&& step);
+
+    void addPresetOwners();
     void mergePresetOwners();
     void chooseHost();
     void resetHost();
@@ -84,14 +92,15 @@ private:
     void merge(SidList* part, const char* freeFault);
 
     void fillFromStore();
-    void nameServers();
+    bool findServers();
     void openNullSessions();
     void closeNullSessions();
+    void disconnect(Server& server);
     void enumerateOn(SidList* (*enumerate)(const wchar_t*, SidList*), const char* domainFault,
                      const char* localFault);
 
-    bool insertAccounts(const SidList* list, AccountKind kind);
-    bool insertRow(int index, int image, const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
+    void insertAccounts(const SidList* list, AccountKind kind);
+    void insertRow(int image, const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
                    const void* sid);
     void freeTotal();
 
@@ -99,8 +108,8 @@ private:
     AccountSink& m_sink;
     PresetOwners m_presetOwners;
     SidList* m_total = nullptr;
-    CBlock<wchar_t> m_server;
-    CBlock<wchar_t> m_server2;
+    Server m_server;
+    Server m_server2;
     int m_nextRow = 0;
     wchar_t m_hostBuffer[2048] = {};
 };
@@ -108,25 +117,51 @@ private:
 Fill::~Fill()
 {
     resetHost();
+    for (Server* const server : {&m_server, &m_server2}) {
+        if (server->connected) {
+            guardStep("EstablishNullSession (disconnect) => sigsegv\n", [&] { disconnect(*server); });
+        }
+    }
     if (m_total != nullptr) {
         runGuarded([&] { freeTotal(); });
     }
 }
 
+template <class Step>
+void Fill::runStep(const char* line, Step&& step)
+{
+    if (!abandoned()) {
+        guardStep(line, step);
+    }
+}
+
+/// The rows that need no store. They show before the fill waits for its turn.
+void insertFirstRows(FillContext& context)
+{
+    AccountSink& sink = *context.sink;
+    sink.insert(0, context.groupImage, L"Please wait until data fetched...", L"", L"", nullptr);
+    if (sink.alive()) {
+        sink.insert(1, context.groupImage, L"Anyone", L"Anyone", L"System", reinterpret_cast<void*>(1));
+    }
+    context.counters[0] = 0;
+    context.counters[1] = 0;
+}
+
 void Fill::run()
 {
-    m_sink.insert(0, m_context.groupImage, L"Please wait until data fetched...", L"", L"", nullptr);
-    if (m_sink.alive()) {
-        m_sink.insert(1, m_context.groupImage, L"Anyone", L"Anyone", L"System", reinterpret_cast<void*>(1));
-    }
     m_nextRow = 2;
-    m_context.counters[0] = 0;
-    m_context.counters[1] = 0;
+    if (abandoned()) {
+        return;
+    }
     m_total = createEmptySidList();
-    if (!addPresetOwners()) {
+    addPresetOwners();
+    if (abandoned()) {
         return;
     }
     chooseHost();
+    if (abandoned()) {
+        return;
+    }
     if (m_context.host != nullptr && isDirectoryPath(m_context.host)) {
         fillFromDirectory();
     } else {
@@ -134,27 +169,23 @@ void Fill::run()
     }
 }
 
-/// @return false when the window is gone.
-bool Fill::addPresetOwners()
+void Fill::addPresetOwners()
 {
     const SidList* const owners = m_context.presetOwners;
     if (owners == nullptr) {
-        return true;
+        return;
     }
-    for (int i = 0; i < owners->count; ++i) {
+    for (int i = 0; i < owners->count && !abandoned(); ++i) {
         const wchar_t* domain = nullptr;
         const wchar_t* name = nullptr;
         const wchar_t* const fullName = resolveAccount(owners->sids[i], domain, name);
-        if (fullName == nullptr) {
-            continue;
+        if (fullName != nullptr) {
+            insertRow(m_context.userImage, name, fullName, L"File owner", owners->sids[i]);
         }
-        if (!insertRow(m_nextRow, m_context.userImage, name, fullName, L"File owner", owners->sids[i])) {
-            return false;
-        }
-        ++m_nextRow;
     }
-    mergePresetOwners();
-    return true;
+    if (!abandoned()) {
+        mergePresetOwners();
+    }
 }
 
 void Fill::mergePresetOwners()
@@ -176,15 +207,16 @@ void Fill::mergePresetOwners()
 
 void Fill::chooseHost()
 {
-    const wchar_t* const noDirectory = readRegistryString(HKEY_LOCAL_MACHINE, kSettingsKey, L"NoLDAP");
+    RegistryText text;
+    const wchar_t* const noDirectory = readRegistryString(HKEY_LOCAL_MACHINE, kSettingsKey, L"NoLDAP", text);
     if (m_context.host != nullptr || (noDirectory != nullptr ? noDirectory : L"N")[0] == L'Y') {
         return;
     }
-    m_server.reset(getDomainServer());
-    formatText(m_hostBuffer, L"WinNT://%ls", m_server.get());
+    m_server.name.reset(getDomainServer());
+    formatText(m_hostBuffer, L"WinNT://%ls", m_server.name.get());
     m_context.host = m_hostBuffer;
     ODS("wcHost := %ls\n", m_context.host);
-    m_server.reset();
+    m_server.name.reset();
 }
 
 void Fill::resetHost()
@@ -211,6 +243,9 @@ void Fill::fillFromDirectory()
                       "enumerateGroups => sigsegv\n",
                       "enumerateGroups made list with => sigsegv at insertion in tree\n",
                       "enumerateGroups made list with => sigsegv at freeSidList\n"});
+    if (abandoned()) {
+        return;
+    }
     m_sink.removeFirstInserted();
     resetHost();
     ODS("Total items = %d\n", countOf(m_total));
@@ -219,6 +254,9 @@ void Fill::fillFromDirectory()
 
 void Fill::addFromDirectory(DirectoryKind kind, const char* walkFault, const char* freeFault)
 {
+    if (abandoned()) {
+        return;
+    }
     SidList* found = nullptr;
     {
         DirectoryWalk walk;
@@ -233,8 +271,8 @@ void Fill::addLocalAccounts(const LocalAccounts& accounts)
 {
     m_nextRow = m_sink.rowCount();
     SidList* found = nullptr;
-    guardStep(accounts.enumerateFault, [&] { found = accounts.enumerate(nullptr, nullptr); });
-    guardStep(accounts.insertFault, [&] { insertAccounts(found, accounts.kind); });
+    runStep(accounts.enumerateFault, [&] { found = accounts.enumerate(nullptr, nullptr); });
+    runStep(accounts.insertFault, [&] { insertAccounts(found, accounts.kind); });
     merge(found, accounts.freeFault);
 }
 
@@ -244,7 +282,9 @@ void Fill::merge(SidList* part, const char* freeFault)
         return;
     }
     guardStep(freeFault, [&] {
-        m_total = appendToSidList2(m_total, part);
+        if (!abandoned()) {
+            m_total = appendToSidList2(m_total, part);
+        }
         if (m_total != part) {
             freeSidList(part);
         }
@@ -253,62 +293,87 @@ void Fill::merge(SidList* part, const char* freeFault)
 
 void Fill::fillFromStore()
 {
-    nameServers();
+    if (!findServers()) {
+        return;
+    }
     guardStep("EstablishNullSession => sigsegv\n", [&] { openNullSessions(); });
     enumerateOn(enumerateUsers, "enumerateUsers(domain) => sigsegv\n", "enumerateUsers(local) => sigsegv\n");
+    if (abandoned()) {
+        return;
+    }
     ODS("Users = %d\n", countOf(m_total));
-    bool windowThere = true;
     guardStep("Adding users => sigsegv in tree insertion\n",
-              [&] { windowThere = insertAccounts(m_total, {L"User", m_context.userImage}); });
-    if (!windowThere) {
-        freeTotal();
+              [&] { insertAccounts(m_total, {L"User", m_context.userImage}); });
+    if (abandoned()) {
         return;
     }
     guardStep("enumerateUsers => sigsegv at freeSidList\n", [&] { freeTotal(); });
     enumerateOn(enumerateGroups, "enumerateGroups(domain) => sigsegv\n",
                 "enumerateGroups(local) => sigsegv\n");
+    if (abandoned()) {
+        return;
+    }
     guardStep("EstablishNullSession (disconnect) => sigsegv\n", [&] { closeNullSessions(); });
-    m_server.reset();
-    m_server2.reset();
+    m_server.name.reset();
+    m_server2.name.reset();
     resetHost();
     ODS("Groups = %d\n", countOf(m_total));
-    guardStep("enumerateGroups => sigsegv at insertion in tree\n",
-              [&] { insertAccounts(m_total, {L"Group", m_context.groupImage}); });
+    runStep("enumerateGroups => sigsegv at insertion in tree\n",
+            [&] { insertAccounts(m_total, {L"Group", m_context.groupImage}); });
     m_context.host = nullptr;
+    if (abandoned()) {
+        return;
+    }
     m_sink.removeFirstInserted();
     guardStep("enumerateGroups => sigsegv at freeSidList\n", [&] { freeTotal(); });
 }
 
-void Fill::nameServers()
+/// @return false when the window is gone.
+bool Fill::findServers()
 {
-    m_server.reset(m_context.host != nullptr ? _wcsdup(m_context.host) : getDomainServer());
-    if (m_server) {
-        m_server2.reset(getDomainServerByName(m_server.get()));
+    m_server.name.reset(m_context.host != nullptr ? _wcsdup(m_context.host) : getDomainServer());
+    if (abandoned()) {
+        return false;
     }
-    keepServerName(lastDomainServer, m_server.get());
-    keepServerName(lastDomainServer2, m_server2.get());
-    ODS("Domain server = %ls/%ls\n", lastDomainServer, lastDomainServer2);
+    if (m_server.name) {
+        m_server2.name.reset(getDomainServerByName(m_server.name.get()));
+    }
+    if (abandoned()) {
+        return false;
+    }
+    m_sink.nameServers(m_server.name.get(), m_server2.name.get());
+    wchar_t names[2][kServerNameCapacity];
+    formatText(names[0], L"%ls", m_server.name ? m_server.name.get() : L"");
+    formatText(names[1], L"%ls", m_server2.name ? m_server2.name.get() : L"");
+    ODS("Domain server = %ls/%ls\n", names[0], names[1]);
+    return true;
 }
 
 void Fill::openNullSessions()
 {
     // Without a session the server may still answer, so nobody asks how these went.
-    if (m_server) {
-        EstablishNullSession(m_server.get(), 1);
-    }
-    if (m_server2) {
-        EstablishNullSession(m_server2.get(), 1);
+    for (Server* const server : {&m_server, &m_server2}) {
+        if (server->name && !abandoned()) {
+            server->connected = EstablishNullSession(server->name.get(), 1) != 0;
+        }
     }
 }
 
+/// Closes them whether they could be opened or not, as it always was.
 void Fill::closeNullSessions()
 {
-    if (m_server) {
-        EstablishNullSession(m_server.get(), 0);
+    m_server2.connected = false; // a fault at the first passes the second over
+    for (Server* const server : {&m_server, &m_server2}) {
+        if (server->name) {
+            disconnect(*server);
+        }
     }
-    if (m_server2) {
-        EstablishNullSession(m_server2.get(), 0);
-    }
+}
+
+void Fill::disconnect(Server& server)
+{
+    server.connected = false;
+    EstablishNullSession(server.name.get(), 0);
 }
 
 /// Grows the total by the accounts of the servers and of this machine. A call that gives null replaces it, too.
@@ -316,47 +381,42 @@ void Fill::enumerateOn(SidList* (*enumerate)(const wchar_t*, SidList*), const ch
                        const char* localFault)
 {
     guardStep(domainFault, [&] {
-        if (m_server) {
-            m_total = enumerate(m_server.get(), m_total);
-        }
-        if (m_server2) {
-            m_total = enumerate(m_server2.get(), m_total);
+        for (const Server* const server : {&m_server, &m_server2}) {
+            if (server->name && !abandoned()) {
+                m_total = enumerate(server->name.get(), m_total);
+            }
         }
     });
-    guardStep(localFault, [&] { m_total = enumerate(nullptr, m_total); });
+    runStep(localFault, [&] { m_total = enumerate(nullptr, m_total); });
 }
 
-/// @return false when the window is gone.
-bool Fill::insertAccounts(const SidList* list, AccountKind kind)
+void Fill::insertAccounts(const SidList* list, AccountKind kind)
 {
     for (int i = 0; i < countOf(list); ++i) {
         void* const sid = list->sids[i];
         if (m_presetOwners.excludes(sid)) {
             continue;
         }
+        if (abandoned()) {
+            return;
+        }
         const wchar_t* domain = nullptr;
         const wchar_t* name = nullptr;
         const wchar_t* const fullName = resolveAccount(sid, domain, name);
-        if (fullName == nullptr) {
-            continue;
+        if (fullName != nullptr) {
+            insertRow(kind.image, name, fullName, kind.type, sid);
         }
-        if (!insertRow(m_nextRow, kind.image, name, fullName, kind.type, sid)) {
-            return false;
-        }
-        ++m_nextRow;
     }
-    return true;
 }
 
-/// @return false when the window is gone: nothing is inserted then.
-bool Fill::insertRow(int index, int image, const wchar_t* account, const wchar_t* fullName,
-                     const wchar_t* type, const void* sid)
+/// Inserts a row behind those that were inserted before, unless the window is gone.
+void Fill::insertRow(int image, const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
+                     const void* sid)
 {
-    if (!m_sink.alive()) {
-        return false;
+    if (!abandoned()) {
+        m_sink.insert(m_nextRow, image, account, fullName, type, sidDup(sid));
+        ++m_nextRow;
     }
-    m_sink.insert(index, image, account, fullName, type, sidDup(sid));
-    return true;
 }
 
 void Fill::freeTotal()
@@ -371,8 +431,15 @@ void fillTree(FillContext* context)
     if (context == nullptr || context->sink == nullptr || !context->sink->alive()) {
         return;
     }
+    FillTurn turn; // before the fill, which releases what it holds by the store
     Fill fill(*context);
-    if (!runGuarded([&] { fill.run(); })) {
+    if (!runGuarded([&] {
+            insertFirstRows(*context);
+            if (turn.take(*context->sink)) {
+                fill.run();
+            }
+        }))
+    {
         // A fault would skip the releasing; this does not.
         throw std::runtime_error("account enumeration");
     }

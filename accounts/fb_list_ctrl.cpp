@@ -51,6 +51,8 @@ void CFBListCtrl::addFilterBar() const
     for (int column = 0; column < columns; ++column) {
         SendMessageW(bar, HDM_SETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
     }
+    SendMessageW(bar, HDM_CLEARFILTER, static_cast<WPARAM>(-1),
+                 0); // an empty text is a filter, without a prompt
     // The header is higher now; the list makes room for it when its frame is worked out again.
     SetWindowPos(handle(), nullptr, 0, 0, 0, 0,
                  SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -62,19 +64,34 @@ const wchar_t* CFBListCtrl::filter(int column) const
     return index < m_filters.size() ? m_filters[index].c_str() : L"";
 }
 
+/// The filter that a column has now; empty when there is none.
+std::wstring CFBListCtrl::filterInHeader(int column) const
+{
+    wchar_t buffer[kFilterCapacity];
+    HD_TEXTFILTERW filter;
+    HDITEMW item = textFilter(filter, buffer);
+    if (!SendMessageW(header(), HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item)) ||
+        (item.type & HDFT_HASNOVALUE) != 0)
+    {
+        return {}; // what the field shows then is the header's prompt
+    }
+    buffer[std::size(buffer) - 1] = L'\0';
+    return buffer;
+}
+
 void CFBListCtrl::readFilters()
 {
-    HWND bar = header();
     m_filters.assign(static_cast<std::size_t>(columnCount()), {});
     for (std::size_t column = 0; column < m_filters.size(); ++column) {
-        wchar_t buffer[kFilterCapacity];
-        HD_TEXTFILTERW filter;
-        HDITEMW item = textFilter(filter, buffer);
-        if (SendMessageW(bar, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&item))) {
-            buffer[std::size(buffer) - 1] = L'\0';
-            m_filters[column] = buffer;
-        }
+        m_filters[column] = filterInHeader(static_cast<int>(column));
     }
+}
+
+bool CFBListCtrl::onFilterButton(int column) const
+{
+    const bool filtered = !filterInHeader(column).empty();
+    SendMessageW(header(), filtered ? HDM_CLEARFILTER : HDM_EDITFILTER, static_cast<WPARAM>(column), FALSE);
+    return filtered;
 }
 
 /// Reads rows one by one. A message for the first column brings all but the other columns' texts: of a large list the

@@ -20,6 +20,10 @@ public:
     /// @return whether a row came back.
     bool filterRows();
 
+    /// A click on the button of a column's filter: takes the filter off, or starts to type one where there is none.
+    /// @return the answer to the header: whether the filter has changed.
+    bool onFilterButton(int column) const;
+
     /// The filter of a column as last read; empty when there is none.
     const wchar_t* filter(int column) const;
 
@@ -35,6 +39,7 @@ public:
     std::vector<SavedRow>& hiddenRows() { return m_hidden; }
 
 private:
+    std::wstring filterInHeader(int column) const;
     void readFilters();
     bool rejects(int row, const wchar_t* firstText) const;
     bool rejects(const SavedRow& row) const;

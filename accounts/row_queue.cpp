@@ -1,5 +1,7 @@
 #include "accounts/row_queue.h"
 
+#include "accounts/fill_turn.h"
+
 #include <mutex>
 #include <utility>
 
@@ -41,6 +43,20 @@ void RowQueue::removeFirstInserted()
     append({true, 0, 0, 0, nullptr}, {});
 }
 
+void RowQueue::waitForTurn()
+{
+    const std::lock_guard lock(m_lock);
+    m_waitsForTurn = true;
+    notify();
+}
+
+void RowQueue::nameServers(const wchar_t* server, const wchar_t* server2)
+{
+    RowBatch::Servers servers{server != nullptr ? server : L"", server2 != nullptr ? server2 : L""};
+    const std::lock_guard lock(m_lock);
+    m_servers = std::move(servers);
+}
+
 void RowQueue::append(RowBatch::Entry entry, const std::wstring& texts)
 {
     const std::lock_guard lock(m_lock);
@@ -64,18 +80,16 @@ void RowQueue::end()
     const std::lock_guard lock(m_lock);
     m_ended = true;
     notify();
-    while (m_list != nullptr && !m_noticed)
-    { // a message queue that is full: nothing else would tell of the end
+    while (m_list != nullptr) {
         waitForList();
-        notify();
     }
 }
 
 void RowQueue::waitForList()
 {
     m_lock.wait(m_taken, kLookMilliseconds);
-    if (m_list != nullptr && !IsWindow(m_list)) {
-        m_list = nullptr; // it went with its thread, without a word
+    if (m_owesNotice || (m_list != nullptr && !IsWindow(m_list))) {
+        notify();
     }
 }
 
@@ -83,6 +97,10 @@ void RowQueue::waitForList()
 void RowQueue::notify()
 {
     m_noticed = m_list != nullptr && PostMessageW(m_list, m_notice, 0, 0);
+    if (!m_noticed && !IsWindow(m_list)) {
+        m_list = nullptr; // it went with its thread, without a word
+    }
+    m_owesNotice = !m_noticed;
 }
 
 RowBatch RowQueue::take()
@@ -90,13 +108,30 @@ RowBatch RowQueue::take()
     const std::lock_guard lock(m_lock);
     m_noticed = false;
     WakeAllConditionVariable(&m_taken);
-    return std::exchange(m_waiting, {});
+    RowBatch batch = std::exchange(m_waiting, {});
+    if (!batch.entries.empty()) {
+        batch.servers = std::exchange(m_servers, std::nullopt);
+    }
+    return batch;
 }
 
 bool RowQueue::ended()
 {
     const std::lock_guard lock(m_lock);
     return m_ended && m_waiting.entries.empty();
+}
+
+bool RowQueue::waitsForTurn()
+{
+    const std::lock_guard lock(m_lock);
+    return m_waitsForTurn;
+}
+
+void RowQueue::remind()
+{
+    const std::lock_guard lock(m_lock);
+    m_noticed = false;
+    m_owesNotice = true;
 }
 
 void RowQueue::setRowCount(int rows)
@@ -117,4 +152,5 @@ void RowQueue::close()
         std::swap(dropped, m_waiting);
         WakeAllConditionVariable(&m_taken);
     }
+    FillTurn::lookAgain();
 }

@@ -5,6 +5,7 @@
 #include "accounts/account_sink.h"
 #include "frame/lock.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,14 @@ struct RowBatch {
         std::size_t texts = 0; ///< where the three texts begin, one behind the other
         AccountData data;
     };
+    /// Names of the servers that the accounts come from.
+    struct Servers {
+        std::wstring first;
+        std::wstring second;
+    };
     std::vector<Entry> entries;
     std::wstring texts;
+    std::optional<Servers> servers; ///< with the first rows after they became known
 };
 
 /// Rows wait here until the list's thread takes them. The fill thread never waits for the list to answer: it
@@ -40,8 +47,11 @@ public:
     void insert(int index, int image, const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
                 void* data) override;
     void removeFirstInserted() override;
+    void waitForTurn() override;
+    void nameServers(const wchar_t* server, const wchar_t* server2) override;
 
-    /// The fill thread's last word.
+    /// The fill thread's last word. Returns when the list has closed the queue: a list that finds no way to come back
+    /// to its rows needs somebody who reminds it.
     void end();
 
     // ---- list ----
@@ -51,6 +61,12 @@ public:
 
     /// Whether nothing will come any more, beyond what waits.
     bool ended();
+
+    /// Whether the fill waits for another one.
+    bool waitsForTurn();
+
+    /// The list cannot come back by itself: it gets another notice.
+    void remind();
 
     /// Tells how many rows the list has now, with those that were taken and do not show yet.
     void setRowCount(int rows);
@@ -70,7 +86,10 @@ private:
     HWND m_list; ///< null when the window is gone
     const UINT m_notice;
     bool m_noticed = false;
+    bool m_owesNotice = false; ///< one could not be posted, or was of no use
     bool m_ended = false;
+    bool m_waitsForTurn = false;
+    std::optional<RowBatch::Servers> m_servers;
     int m_rowCount = 0;
     RowBatch m_waiting;
 };

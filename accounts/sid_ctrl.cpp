@@ -5,6 +5,7 @@
 #include "frame/column_keys.h"
 #include "frame/crash_guard.h"
 #include "frame/dialog_items.h"
+#include "frame/domain_servers.h"
 #include "frame/ignore_case.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
@@ -204,6 +205,7 @@ int CSidCtrl::startFill(const wchar_t* host)
     takeOverWindow();
     initColumns();
     m_anyInserted = false;
+    m_mayLeave = false;
     bool started = false;
     const bool done = runGuarded([&] {
         m_fill = std::make_shared<AccountFill>(
@@ -216,9 +218,9 @@ int CSidCtrl::startFill(const wchar_t* host)
     if (!done) {
         logFillFault(); // as if the thread had met it: the owners are read for the thread
     }
-    if (!started) {
-        // Only once the dialog has disabled what it disables for a fill.
-        SetTimer(handle(), kEndTimer, USER_TIMER_MINIMUM, nullptr);
+    // Only once the dialog has disabled what it disables for a fill.
+    if (!started && SetTimer(handle(), kEndTimer, USER_TIMER_MINIMUM, nullptr) == 0) {
+        PostMessageW(handle(), WM_TIMER, kEndTimer, 0);
     }
     return 1;
 }
@@ -251,8 +253,8 @@ void CSidCtrl::goOn()
 void CSidCtrl::takeRowsLater(UINT milliseconds)
 {
     m_timerSet = SetTimer(handle(), kTimer, milliseconds, nullptr) != 0;
-    if (!m_timerSet) {
-        PostMessageW(handle(), kNotice, 0, 0);
+    if (!m_timerSet && !PostMessageW(handle(), kNotice, 0, 0)) {
+        m_fill->rows.remind();
     }
 }
 
@@ -264,6 +266,9 @@ bool CSidCtrl::nextBatch(int& takes)
     if (m_next == m_batch.entries.size()) {
         m_next = 0;
         m_batch = takes-- > 0 ? m_fill->rows.take() : RowBatch();
+        if (m_batch.servers) {
+            setLastDomainServers(m_batch.servers->first.c_str(), m_batch.servers->second.c_str());
+        }
     }
     return !m_batch.entries.empty();
 }
@@ -274,7 +279,7 @@ void CSidCtrl::takeRows(ULONGLONG until, int takes)
 {
     bool more = false;
     if (nextBatch(takes)) {
-        RedrawOff off(*this);
+        QuietRedrawOff off(*this);
         const int shown = static_cast<int>(send(LVM_GETTOPINDEX) + send(LVM_GETCOUNTPERPAGE)) + 1;
         bool visible = false;
         do {
@@ -298,6 +303,9 @@ void CSidCtrl::takeRows(ULONGLONG until, int takes)
         goOn();
     } else if (m_fill->rows.ended()) {
         onFillEnd();
+    } else if (!m_mayLeave && m_fill->rows.waitsForTurn()) {
+        m_mayLeave = true;
+        enableDialog();
     }
 }
 
@@ -370,6 +378,12 @@ void CSidCtrl::removeFirstInserted()
 void CSidCtrl::onFillEnd()
 {
     dropFill();
+    enableDialog();
+}
+
+/// Gives the dialog back what it disabled for the fill.
+void CSidCtrl::enableDialog()
+{
     const bool done = runGuarded([&] {
         HWND dialog = GetParent(handle());
         enableItem(dialog, IDCANCEL, true);
@@ -450,8 +464,10 @@ LRESULT CSidCtrl::onMessage(UINT message, WPARAM wParam, LPARAM lParam)
         }
         break;
     case WM_NOTIFY:
-        // Some platforms' lists keep this one of their header to themselves.
-        if (reinterpret_cast<const NMHDR*>(lParam)->code == HDN_FILTERCHANGE) {
+        // Some platforms' lists keep these of their header to themselves.
+        if (const UINT code = reinterpret_cast<const NMHDR*>(lParam)->code;
+            code == HDN_FILTERCHANGE || code == HDN_FILTERBTNCLICK)
+        {
             return SendMessageW(GetParent(handle()), message, wParam, lParam);
         }
         break;

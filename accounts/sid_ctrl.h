@@ -71,6 +71,7 @@ private:
                          LPARAM data) const;
     void removeFirstInserted();
     void onFillEnd();
+    void enableDialog();
     void dropFill();
     void releaseSids();
 
@@ -88,6 +89,7 @@ private:
     ULONGLONG m_lastTaken = 0; ///< when rows were last put into the list
     bool m_timerSet = false;
     bool m_goingOn = false;       ///< a message to go on is under way
+    bool m_mayLeave = false;      ///< the fill waits for another: the dialog may go, or take what there is
     std::wstring m_firstTexts[3]; ///< of the row that was inserted first
     LPARAM m_firstData = 0;
     bool m_anyInserted = false;

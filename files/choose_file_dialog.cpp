@@ -1,7 +1,7 @@
-#include "files/choose_file_dialog.h"
-
+// The "Choose file..." dialog.
+#include "corvane.h"
 #include "files/dir_tree_ctrl.h"
-#include "frame/crash_guard.h"
+#include "files/listing_thread.h"
 #include "frame/dialog.h"
 #include "frame/narrow_handle.h"
 #include "res/resource.h"
@@ -11,106 +11,95 @@
 
 namespace {
 
-class CDirDlg : public CWnd {
+// Guarded without a line: support's list of crash lines has none for this dialog.
+class CDirDlg : public Dialog {
 public:
     explicit CDirDlg(bool foldersOnly)
-        : m_foldersOnly(foldersOnly)
+        : Dialog(nullptr)
+        , m_foldersOnly(foldersOnly)
     {
     }
 
-    BOOL onInit();
-    void onOk();
-    CDirTreeCtrl& tree() { return m_tree; }
+    /// @return the chosen path, a malloc block that passes to the caller; null when nothing was chosen.
+    wchar_t* choose(HWND owner)
+    {
+        run(IDD_CHOOSE_FILE, owner, reinterpret_cast<LPARAM>(this));
+        return m_chosen ? _wcsdup(m_path.c_str()) : nullptr;
+    }
 
 private:
+    void onInit() override;
+    bool onCommand(int id) override;
+    Reply onNotify(NMHDR& header) override;
+    void onOk();
+
+    // A fault in it ends the listing; this dialog tells of none.
+    template <class Work>
+    static void list(Work&& work)
+    {
+        const ListingThread prepared;
+        runGuarded(work);
+    }
+
     bool m_foldersOnly;
     CDirTreeCtrl m_tree;
-    std::wstring m_path; ///< what OK hands out; read after the dialog is gone
+    std::wstring m_path;   ///< what OK hands out
+    bool m_chosen = false; ///< whether it was OK that ended the dialog
 };
 
-// The dialog that opened last; never cleared.
-CDirDlg* openDirDlg = nullptr;
-
-BOOL CDirDlg::onInit()
+void CDirDlg::onInit()
 {
     if (m_tree.handle() != nullptr) {
-        return TRUE;
+        return;
     }
-    m_tree.attach(GetDlgItem(handle(), IDC_CHOOSE_FILE_TREE));
+    m_tree.attach(GetDlgItem(window(), IDC_CHOOSE_FILE_TREE));
     if (m_tree.handle() == nullptr) {
-        return TRUE;
+        return;
     }
-    m_tree.display(nullptr, !m_foldersOnly);
-    wchar_t folder[260];
-    if (_wgetcwd(folder, static_cast<int>(std::size(folder))) != nullptr) {
-        m_tree.setSelectedPath(folder);
-    }
-    return TRUE;
+    list([this] {
+        m_tree.display(nullptr, !m_foldersOnly);
+        wchar_t folder[260];
+        if (_wgetcwd(folder, static_cast<int>(std::size(folder))) != nullptr) {
+            m_tree.setSelectedPath(folder);
+        }
+    });
 }
 
 void CDirDlg::onOk()
 {
     m_path = m_tree.fullPath(m_tree.selected());
     ODS("onOK: %ls\n", m_path.c_str());
-    EndDialog(handle(), NarrowHandle::of(m_path.c_str()).signedCarrier());
+    m_chosen = true;
+    // The address of the path, as a signed 32-bit number: whoever watches the dialog from outside gets this one.
+    end(NarrowHandle::of(m_path.c_str()).signedCarrier());
 }
 
-BOOL onCommand(HWND dialog, int id)
+bool CDirDlg::onCommand(int id)
 {
     switch (id) {
     case IDOK:
-        openDirDlg->onOk();
-        return TRUE;
+        onOk();
+        return true;
     case IDCANCEL:
-        EndDialog(dialog, 0);
-        return TRUE;
+        end(0);
+        return true;
     default:
-        return FALSE;
+        return false;
     }
 }
 
-BOOL onNotify(const NMHDR* header)
+Reply CDirDlg::onNotify(NMHDR& header)
 {
-    if (header->code != TVN_ITEMEXPANDEDW) {
-        return FALSE;
+    if (header.code != TVN_ITEMEXPANDEDW) {
+        return {};
     }
-    openDirDlg->tree().onItemExpanded(*reinterpret_cast<const NMTREEVIEWW*>(header));
-    return TRUE;
-}
-
-INT_PTR handleMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message) {
-    case WM_INITDIALOG:
-        openDirDlg = reinterpret_cast<CDirDlg*>(lParam);
-        openDirDlg->attach(dialog);
-        return openDirDlg->onInit();
-    case WM_NOTIFY:
-        return onNotify(reinterpret_cast<const NMHDR*>(lParam));
-    case WM_COMMAND:
-        return onCommand(dialog, LOWORD(wParam));
-    case WM_DESTROY:
-        return TRUE;
-    default:
-        return FALSE;
-    }
-}
-
-// Guarded without a line: support's list of crash lines has none for this dialog.
-INT_PTR CALLBACK MyDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    INT_PTR result = FALSE;
-    return runGuarded([&] { result = handleMessage(dialog, message, wParam, lParam); }) ? result : FALSE;
+    list([&] { m_tree.onItemExpanded(reinterpret_cast<const NMTREEVIEWW&>(header)); });
+    return Reply::with(0);
 }
 
 } // namespace
 
 wchar_t* chooseFileImpl(HWND owner, unsigned foldersOnly)
 {
-    CDirDlg dialog(foldersOnly != 0);
-    const INT_PTR ended = openDialog(IDD_CHOOSE_FILE, owner, MyDlgProc, reinterpret_cast<LPARAM>(&dialog));
-    if (ended == 0 || ended == -1) {
-        return nullptr;
-    }
-    return _wcsdup(NarrowHandle::fromCarrier(ended).as<const wchar_t>());
+    return CDirDlg(foldersOnly != 0).choose(owner);
 }

@@ -27,7 +27,13 @@ bool keepsNamedStreams(const wchar_t* drive)
 bool folderExists(const std::wstring& path)
 {
     // Every folder holds the null device, and a file holds nothing.
-    return FileSearch(path + L"\\nul").started();
+    const FileSearch search(path + L"\\nul");
+    if (search.foundDevice()) {
+        // So some systems answer for any path at all.
+        const DWORD attributes = GetFileAttributesW(withBackslash(path).c_str());
+        return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    }
+    return search.started();
 }
 
 } // namespace

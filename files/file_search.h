@@ -21,6 +21,8 @@ public:
 
     /// Whether the platform gave a search, whose first entry is then there.
     bool started() const;
+    /// Whether the pattern named a device in place of a file: the platform then gives a number that is no handle.
+    bool foundDevice() const { return reinterpret_cast<UINT_PTR>(m_search) == 1; }
     bool next();
 
     const WIN32_FIND_DATAW& entry() const { return m_entry; }

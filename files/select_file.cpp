@@ -1,7 +1,8 @@
 #include "files/select_file.h"
 
-#include "files/choose_file_dialog.h"
+#include "corvane.h"
 #include "frame/c_memory.h"
+#include "frame/system_version.h"
 
 #include <commdlg.h>
 #include <cwchar>
@@ -15,10 +16,8 @@ wchar_t fileName[260];
 // Administrators of such servers have always got the tree of drives, and host manuals show it.
 bool wantsOwnChooser()
 {
-    OSVERSIONINFOEXW version{};
-    version.dwOSVersionInfoSize = sizeof version;
-    return GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version)) && version.dwMajorVersion == 6 &&
-           version.wProductType != VER_NT_WORKSTATION;
+    const OSVERSIONINFOEXW version = systemVersion();
+    return version.dwMajorVersion == 6 && version.wProductType != VER_NT_WORKSTATION;
 }
 
 const wchar_t* chooseOwn(HWND owner)

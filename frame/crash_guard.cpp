@@ -1,6 +1,7 @@
 #include "frame/crash_guard.h"
 
 #include "frame/compiler.h"
+#include "frame/stack_guarantee.h"
 #include "store/lornix.h"
 
 #include <malloc.h>
@@ -24,6 +25,7 @@ CORVANE_NOINLINE bool runCatching(void (*call)(void*), void* context)
 
 CORVANE_NOINLINE bool run(void (*call)(void*), void* context)
 {
+    keepStackForHandlers();
     DWORD code = 0;
     __try
     {

@@ -24,10 +24,12 @@ inline void checkItem(HWND dialog, int id, bool checked)
     CheckDlgButton(dialog, id, checked ? BST_CHECKED : BST_UNCHECKED);
 }
 
-/// Gives the keyboard to a control when what had it was disabled: keys would go nowhere.
+/// Gives the keyboard to a control when what had it was disabled: keys would go nowhere. A dialog that is left and
+/// entered again meanwhile has it itself.
 inline void rescueKeyboard(HWND dialog, HWND control)
 {
-    if (GetActiveWindow() == dialog && (GetFocus() == nullptr || !IsWindowEnabled(GetFocus()))) {
+    HWND focus = GetFocus();
+    if (GetActiveWindow() == dialog && (focus == nullptr || focus == dialog || !IsWindowEnabled(focus))) {
         SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
     }
 }

@@ -1,5 +1,7 @@
 #include "frame/list_ctrl.h"
 
+#include "frame/screen_scale.h"
+
 int CListCtrl::columnCount() const
 {
     const auto count = SendMessageW(header(), HDM_GETITEMCOUNT, 0, 0);
@@ -12,7 +14,7 @@ void CListCtrl::insertColumn(int index, const ListColumn& column) const
     LVCOLUMNW item{};
     item.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
     item.fmt = column.format;
-    item.cx = column.width;
+    item.cx = scaledToScreen(column.width);
     item.pszText = heading.data();
     item.iSubItem = index;
     send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
@@ -95,6 +97,34 @@ void CListCtrl::setData(int row, LPARAM data) const
     item.iItem = row;
     item.lParam = data;
     send(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+void CListCtrl::selectOnly(int row) const
+{
+    const auto setState = [this](int of, UINT state, UINT mask) {
+        LVITEMW item{};
+        item.state = state;
+        item.stateMask = mask;
+        send(LVM_SETITEMSTATE, static_cast<WPARAM>(of), reinterpret_cast<LPARAM>(&item));
+    };
+    constexpr int kAll = -1;
+    setState(kAll, 0, LVIS_SELECTED);
+    setState(row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    send(LVM_SETSELECTIONMARK, 0, row); // where a selection by shift and a click starts
+    send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+
+int CListCtrl::rowOf(LPARAM data, int expected) const
+{
+    if (this->data(expected) == data) {
+        return expected;
+    }
+    LVFINDINFOW wanted{};
+    wanted.flags = LVFI_PARAM;
+    wanted.lParam = data;
+    const auto found =
+        static_cast<int>(send(LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&wanted)));
+    return found >= 0 && this->data(found) == data ? found : -1; // a window that is gone answers 0
 }
 
 int CListCtrl::image(int row) const

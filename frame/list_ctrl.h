@@ -9,7 +9,7 @@
 struct ListColumn {
     const wchar_t* heading;
     int format; ///< LVCFMT_...
-    int width;  ///< pixels
+    int width;  ///< pixels at 96 dots per inch
 };
 
 /// A report list view. Rows and columns are zero-based. Objects of a host have this type too: see CWnd.
@@ -42,8 +42,15 @@ public:
     LPARAM data(int row) const;
     void setData(int row, LPARAM data) const;
 
+    /// The row that carries an item data, wherever it stands now; -1 when none does.
+    /// @param expected  where it stood last.
+    int rowOf(LPARAM data, int expected) const;
+
     /// Index of the row's image.
     int image(int row) const;
+
+    /// Selects a row and no other, gives it the focus and brings it into view.
+    void selectOnly(int row) const;
 
     /// @return the next selected row after `row` (-1: from the start), or -1.
     int nextSelected(int row = -1) const
@@ -51,8 +58,11 @@ public:
         return static_cast<int>(send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
     }
 
-    /// The topmost child window, normally the header; null when the list has none.
-    HWND topChild() const { return GetTopWindow(handle()); }
+    int selectedCount() const { return static_cast<int>(send(LVM_GETSELECTEDCOUNT)); }
+
+    /// The topmost child window, normally the header; null when the list has none, and without a list: of no
+    /// window, the platform would give the topmost one of the desktop.
+    HWND topChild() const { return handle() != nullptr ? GetTopWindow(handle()) : nullptr; }
 };
 
 /// A list-control object for the time of one call: attached to a dialog's control, never destroying it.

@@ -7,7 +7,9 @@
 
 namespace {
 
-constexpr std::size_t kBlockSize = 1u << 20; // stand-ins per reserved block; nothing is ever committed in it
+constexpr std::size_t kBlockSize = 1u << 20; // bytes per reserved block; nothing is ever committed in it
+// The last byte stands for nothing: in the highest block it would be -1 in 32 bits, which is no result of a dialog.
+constexpr std::size_t kStandInsPerBlock = kBlockSize - 1;
 
 class StandIns {
 public:
@@ -43,7 +45,7 @@ private:
 
     std::uint32_t next(const void* object)
     {
-        if (m_blocks.empty() || m_blocks.back().objects.size() == kBlockSize) {
+        if (m_blocks.empty() || m_blocks.back().objects.size() == kStandInsPerBlock) {
             LowBlock space = reserveBelowFourGiB(kBlockSize);
             if (!space) {
                 return 0;

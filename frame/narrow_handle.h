@@ -9,8 +9,8 @@
 ///
 /// An object below 4 GiB, the normal case, is stood for by its own address, and hosts read item data as a
 /// pointer. An object above gets a stand-in: a number inside address space that this library keeps reserved,
-/// so that it can never be the address of anything. The same object always has the same stand-in. Not
-/// thread-safe.
+/// so that it can never be the address of anything, and neither 0 nor -1, whichever way it is extended. The same
+/// object always has the same stand-in. Not thread-safe.
 class NarrowHandle {
 public:
     /// The handle of an object. Null has the value 0; so has an object above 4 GiB for which no stand-in can

@@ -1,14 +1,17 @@
 #include "frame/redraw_off.h"
 
+#include "frame/stack_guarantee.h"
+
 #include <utility>
 
 RedrawOff::RedrawOff(const CWnd& window)
     : m_window(window.handle())
     , m_visible((GetWindowLongPtrW(m_window, GWL_STYLE) & WS_VISIBLE) != 0)
-    , m_unpainted(CreateRectRgn(0, 0, 0, 0))
+    , m_off(m_window != nullptr) // no window, to some functions, is the desktop
 {
-    GetUpdateRgn(m_window, m_unpainted.get(), FALSE);
-    SendMessageW(m_window, WM_SETREDRAW, FALSE, 0);
+    if (m_off) {
+        SendMessageW(m_window, WM_SETREDRAW, FALSE, 0);
+    }
 }
 
 void RedrawOff::restore()
@@ -24,10 +27,24 @@ void RedrawOff::restore()
     InvalidateRect(m_window, nullptr, TRUE);
 }
 
-void RedrawOff::restoreUnchanged()
+QuietRedrawOff::Region QuietRedrawOff::unpaintedOf(HWND window)
 {
-    if (m_off) {
-        restore();
+    Region region(CreateRectRgn(0, 0, 0, 0));
+    GetUpdateRgn(window, region.get(), FALSE);
+    return region;
+}
+
+QuietRedrawOff::QuietRedrawOff(const CWnd& window)
+    : m_window(window.handle())
+    , m_unpainted(unpaintedOf(m_window))
+    , m_redraw(window)
+{
+}
+
+void QuietRedrawOff::restoreUnchanged()
+{
+    if (m_redraw.isOff()) {
+        m_redraw.restore();
         ValidateRect(m_window, nullptr);
         InvalidateRgn(m_window, m_unpainted.get(), TRUE);
     }
@@ -36,6 +53,7 @@ void RedrawOff::restoreUnchanged()
 namespace redraw_detail {
 namespace {
 
+// Runs where the fault was raised, on top of the stack that it left.
 LONG restoreAndGoOn(RedrawOff& off)
 {
     off.restore();
@@ -56,6 +74,7 @@ CORVANE_NOINLINE void runRestoring(RedrawOff& off, void (*call)(void*), void* co
 
 void run(const CWnd& window, void (*call)(void*), void* context)
 {
+    keepStackForHandlers();
     RedrawOff off(window);
     runRestoring(off, call, context);
 }

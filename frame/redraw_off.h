@@ -6,8 +6,8 @@
 #include <memory>
 #include <type_traits>
 
-/// Switches a control's redrawing off, then on again, and has the control repainted once. For work inside a
-/// crash guard or work that cannot fault: a processor fault skips the destructor.
+/// Switches a control's redrawing off, then on again, and has the control repainted once. Without a window it does
+/// nothing. For work inside a crash guard or work that cannot fault: a processor fault skips the destructor.
 class RedrawOff {
 public:
     explicit RedrawOff(const CWnd& window);
@@ -18,18 +18,34 @@ public:
     /// Switches redrawing on again; once.
     void restore();
 
-    /// The same where nothing that can be seen has changed: what waited for a repaint before goes on waiting, and
-    /// nothing else is painted.
-    void restoreUnchanged();
+    bool isOff() const { return m_off; }
 
 private:
     HWND m_window;
     bool m_visible;
-    bool m_off = true;
+    bool m_off;
+};
+
+/// The same for work that may turn out to have changed nothing that can be seen.
+class QuietRedrawOff {
+public:
+    explicit QuietRedrawOff(const CWnd& window);
+
+    void restore() { m_redraw.restore(); }
+
+    /// As restore, but what waited for a repaint before goes on waiting, and nothing else is painted.
+    void restoreUnchanged();
+
+private:
     struct RegionDelete {
         void operator()(HRGN region) const { DeleteObject(region); }
     };
-    std::unique_ptr<std::remove_pointer_t<HRGN>, RegionDelete> m_unpainted; ///< what waits for a repaint
+    using Region = std::unique_ptr<std::remove_pointer_t<HRGN>, RegionDelete>;
+    static Region unpaintedOf(HWND window);
+
+    HWND m_window;
+    Region m_unpainted; ///< what waits for a repaint; asked for while the control still draws
+    RedrawOff m_redraw;
 };
 
 namespace redraw_detail {

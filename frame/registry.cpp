@@ -1,8 +1,8 @@
 #include "frame/registry.h"
 
-const wchar_t* readRegistryString(HKEY root, const wchar_t* subkey, const wchar_t* valueName)
+const wchar_t* readRegistryString(HKEY root, const wchar_t* subkey, const wchar_t* valueName,
+                                  RegistryText& buffer)
 {
-    static wchar_t buffer[260];
     buffer[0] = L'\0';
     DWORD type = REG_SZ;
     // Bytes, not characters: only half of the buffer is offered, and a longer value reads as absent.
@@ -17,4 +17,10 @@ const wchar_t* readRegistryString(HKEY root, const wchar_t* subkey, const wchar_
         return nullptr;
     }
     return buffer;
+}
+
+const wchar_t* readRegistryString(HKEY root, const wchar_t* subkey, const wchar_t* valueName)
+{
+    static RegistryText buffer;
+    return readRegistryString(root, subkey, valueName, buffer);
 }

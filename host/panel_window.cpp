@@ -15,6 +15,7 @@ namespace host {
 namespace {
 
 constexpr UINT kCellDone = WM_APP;
+constexpr UINT kRowsSelected = WM_APP + 1;
 
 std::vector<std::wstring> knownFolders()
 {
@@ -102,6 +103,10 @@ INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
             rulesChanged(); // also for a cell that was given up: Apply is as before it was opened
         }
         return TRUE;
+    case kRowsSelected:
+        selection_->arrived();
+        updateRuleButtons();
+        return TRUE;
     case WM_SIZE:
         if (wParam != SIZE_MINIMIZED) {
             layOutPanel(window_);
@@ -142,6 +147,7 @@ void PanelWindow::setUp()
     page_ = std::make_unique<RulePage>(window_, IDC_RULES, *calls_);
     cell_ = std::make_unique<CellEditor>(window_, IDC_RULES, *page_, kCellDone);
     status_ = std::make_unique<StatusLine>(GetDlgItem(window_, IDC_STATUS));
+    selection_ = std::make_unique<OneAnswer>(window_, kRowsSelected);
     const auto icon = [this](int widthMetric, int heightMetric) {
         return reinterpret_cast<LPARAM>(LoadImageW(instance_, MAKEINTRESOURCEW(IDI_PANEL), IMAGE_ICON,
                                                    GetSystemMetrics(widthMetric),
@@ -252,7 +258,7 @@ void PanelWindow::notified(const NMHDR& header)
     }
     switch (header.code) {
     case LVN_ITEMCHANGED:
-        updateRuleButtons();
+        selection_->heard(reinterpret_cast<const NMLISTVIEW&>(header));
         break;
     case LVN_COLUMNCLICK:
         if (finishCell()) {

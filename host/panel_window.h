@@ -6,6 +6,7 @@
 #include "host/folder_icon.h"
 #include "host/folder_list.h"
 #include "host/list_calls.h"
+#include "host/one_answer.h"
 #include "host/rule_page.h"
 #include "host/status_line.h"
 
@@ -76,6 +77,7 @@ private:
     std::unique_ptr<RulePage> page_;
     std::unique_ptr<CellEditor> cell_;
     std::unique_ptr<StatusLine> status_;
+    std::unique_ptr<OneAnswer> selection_;
     bool modified_ = false;
     bool mayEdit_ = false; // administrators only
 };

@@ -2,6 +2,7 @@
 
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
+#include "frame/list_notice.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
 #include "frame/selection_buttons.h"
@@ -11,9 +12,6 @@
 #include <vector>
 
 namespace {
-
-/// Raised again after the rows read before a fault were shown.
-struct FillInterrupted {};
 
 // The bytes of a text by which the platform's texts are compared without regard to case.
 std::string lexicalKey(const wchar_t* text)
@@ -36,31 +34,43 @@ struct SortableEntry : ListEntry {
     std::string key;
 };
 
-class Dialog {
+class ListEditorDialog : public Dialog {
 public:
-    Dialog(HWND window, const ListEditor& editor)
-        : m_window(window)
+    explicit ListEditorDialog(const ListEditor& editor)
+        : Dialog(&editor.site)
         , m_editor(editor)
-        , m_list(window, editor.listId)
     {
     }
 
-    void onInit() const
+    INT_PTR show(HWND owner)
+    {
+        const INT_PTR code = run(m_editor.templateId, owner);
+        // Destroyed from outside, by neither OK nor Cancel, it still has the store's list.
+        if (m_holdsList && !runGuarded([this] { m_editor.free(); })) {
+            reportCrash();
+        }
+        return code;
+    }
+
+private:
+    void onInit() override
     {
         loadHostIcons();
+        m_list.attach(GetDlgItem(window(), m_editor.listId));
         for (int index = 0; const ListColumn& column : m_editor.columns) {
             m_list.insertColumn(index++, column);
         }
         m_list.addExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES | LVS_EX_HEADERDRAGDROP |
                                 LVS_EX_LABELTIP);
+        m_holdsList = true;
         m_editor.load();
         sortsByItself() ? fillSorted() : fill();
         for (const int id : kSelectionButtons) {
-            enableItem(m_window, id, false);
+            enableItem(window(), id, false);
         }
     }
 
-    void onCommand(int id) const
+    bool onCommand(int id) override
     {
         switch (id) {
         case IDC_POLICY_ADD:
@@ -82,14 +92,17 @@ public:
         default:
             break;
         }
+        return true;
     }
 
-    // Nothing but the list sends these.
-    void onNotify(const NMHDR& notification) const
+    // Nothing but the list sends these. Filling it sends a notification for each row: those of no interest cost nothing.
+    Reply onNotify(NMHDR& notification) override
     {
         switch (notification.code) {
         case LVN_ITEMCHANGED:
-            enableBySelection(m_window, m_list, kSelectionButtons);
+            if (changesSelection(notification)) {
+                enableBySelection(window(), m_list, kSelectionButtons);
+            }
             break;
         case LVN_COLUMNCLICK:
             if (const int column = reinterpret_cast<const NMLISTVIEW&>(notification).iSubItem; column >= 0) {
@@ -99,12 +112,32 @@ public:
         case NM_DBLCLK:
             edit();
             break;
+        case LVN_KEYDOWN:
+            onKey(plainKey(notification));
+            break;
+        default:
+            return {};
+        }
+        return Reply::with(0);
+    }
+
+    void onKey(int key) const
+    {
+        switch (key) {
+        case VK_INSERT:
+            add();
+            break;
+        case VK_F2:
+            edit();
+            break;
+        case VK_DELETE:
+            remove();
+            break;
         default:
             break;
         }
     }
 
-private:
     static constexpr int kSelectionButtons[] = {IDC_POLICY_EDIT, IDC_POLICY_REMOVE};
 
     // The panel's icons are asked for and not used. Kept, it is harmless: a host without them sees no difference.
@@ -121,12 +154,20 @@ private:
         return (GetWindowLongPtrW(m_list.handle(), GWL_STYLE) & LVS_SORTASCENDING) != 0;
     }
 
-    void insert(int row, std::uint32_t index, const wchar_t* text) const
+    // @return where the row stands.
+    int insert(int row, std::uint32_t index, const wchar_t* text) const
     {
         const int inserted = m_list.insertRow(row, text, static_cast<LPARAM>(index));
         if (m_editor.render != nullptr) {
             m_editor.render(m_list, inserted, index);
         }
+        return inserted;
+    }
+
+    // An entry that was added or changed, ready for the next command.
+    void present(int row, std::uint32_t index, const std::wstring& text) const
+    {
+        unwinding([&] { m_list.selectOnly(insert(row, index, text.c_str())); });
     }
 
     // Each row goes on top: the last entry of the store is shown first.
@@ -167,7 +208,7 @@ private:
             }
         });
         if (!complete) {
-            throw FillInterrupted{};
+            throw Interrupted{};
         }
     }
 
@@ -175,8 +216,8 @@ private:
 
     void add() const
     {
-        if (const std::optional<ListEntry> added = m_editor.add(m_window)) {
-            insert(0, added->index, added->text.c_str());
+        if (const std::optional<ListEntry> added = m_editor.add(window())) {
+            present(0, added->index, added->text);
         }
     }
 
@@ -187,10 +228,10 @@ private:
             return;
         }
         const std::uint32_t index = indexOf(row);
-        if (const std::optional<std::wstring> text = m_editor.edit(m_window, index)) {
+        if (const std::optional<std::wstring> text = m_editor.edit(window(), index)) {
             m_list.deleteRow(row);
-            insert(row, index, text->c_str());
-            rescueKeyboard(m_window, m_list.handle());
+            present(row, index, *text);
+            rescueKeyboard(window(), m_list.handle());
         }
     }
 
@@ -204,61 +245,24 @@ private:
         const std::uint32_t index = indexOf(row);
         m_list.deleteRow(row);
         m_editor.remove(index);
-        rescueKeyboard(m_window, m_list.handle()); // the button is disabled with the selection
+        rescueKeyboard(window(), m_list.handle()); // the button is disabled with the selection
     }
 
-    void close() const
+    void close()
     {
         m_editor.free();
-        EndDialog(m_window, 0);
+        m_holdsList = false;
+        end(0);
     }
 
-    HWND m_window;
     const ListEditor& m_editor;
-    DialogList m_list;
+    CListCtrl m_list;
+    bool m_holdsList = false; ///< whether the store's list was loaded and not freed again
 };
-
-INT_PTR answer(HWND window, const ListEditor& editor, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message) {
-    case WM_INITDIALOG:
-        Dialog(window, editor).onInit();
-        return TRUE;
-    case WM_COMMAND:
-        Dialog(window, editor).onCommand(LOWORD(wParam));
-        return TRUE;
-    case WM_NOTIFY:
-        // Filling a list sends a notification for each row: those of no interest must cost nothing.
-        if (const auto& notification = *reinterpret_cast<const NMHDR*>(lParam);
-            notification.code == LVN_ITEMCHANGED || notification.code == LVN_COLUMNCLICK ||
-            notification.code == static_cast<UINT>(NM_DBLCLK))
-        {
-            Dialog(window, editor).onNotify(notification);
-            return TRUE;
-        }
-        return FALSE;
-    case WM_DESTROY:
-        return TRUE;
-    default:
-        return FALSE;
-    }
-}
-
-INT_PTR CALLBACK MyDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrW(window, GWLP_USERDATA, lParam);
-    }
-    const auto* editor = reinterpret_cast<const ListEditor*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (editor == nullptr) {
-        return FALSE; // what comes before WM_INITDIALOG
-    }
-    return guardProcedure(editor->site, [&] { return answer(window, *editor, message, wParam, lParam); });
-}
 
 } // namespace
 
 INT_PTR openListEditor(const ListEditor& editor, HWND owner)
 {
-    return openDialog(editor.templateId, owner, MyDlgProc, reinterpret_cast<LPARAM>(&editor));
+    return ListEditorDialog(editor).show(owner);
 }

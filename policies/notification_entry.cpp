@@ -2,13 +2,18 @@
 
 #include "corvane.h"
 #include "files/select_file.h"
-#include "frame/crash_guard.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
+#include "frame/radio_group.h"
 #include "policies/attribute_number.h"
 #include "policies/control_text.h"
 #include "policies/rate_text.h"
 #include "res/resource.h"
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+#include <string>
 
 namespace {
 
@@ -47,6 +52,20 @@ constexpr Field kFields[] = {
 };
 
 template <std::size_t N>
+void keepOneTabStop(HWND dialog, const Choice (&choices)[N])
+{
+    int ids[N];
+    std::transform(choices, choices + N, ids, [](const Choice& choice) { return choice.id; });
+    keepOneTabStop(dialog, std::span<const int>(ids));
+}
+
+template <std::size_t N>
+bool isOneOf(const Choice (&choices)[N], int id)
+{
+    return std::any_of(choices, choices + N, [id](const Choice& choice) { return choice.id == id; });
+}
+
+template <std::size_t N>
 void check(HWND dialog, const Choice (&choices)[N], std::int32_t value)
 {
     for (const Choice& choice : choices) {
@@ -54,97 +73,116 @@ void check(HWND dialog, const Choice (&choices)[N], std::int32_t value)
             setButtonState(dialog, choice.id, BST_CHECKED);
         }
     }
+    keepOneTabStop(dialog, choices);
 }
 
 // Without a checked button the old value stays: the one stored need not be among the choices.
 template <std::size_t N>
-void take(HWND dialog, const Choice (&choices)[N], NotificationRecord::Attribute& attribute)
+void take(HWND dialog, const Choice (&choices)[N], WipedText& attribute)
 {
     for (const Choice& choice : choices) {
         if (getButtonState(dialog, choice.id) == BST_CHECKED) {
-            attribute = choice.text;
+            attribute.set(choice.text);
         }
     }
 }
 
-void enableAccount(HWND dialog, bool enabled)
-{
-    enableItem(dialog, IDC_NOTIFY_ACCOUNT, enabled);
-}
+class NotificationEntry : public Dialog {
+public:
+    explicit NotificationEntry(NotificationRecord& record)
+        : Dialog(&crash_sites::kNotificationEntry)
+        , m_record(record)
+    {
+    }
 
-void onInit(HWND dialog, const NotificationRecord& record)
+    /// @return whether OK ended the dialog, with the record changed.
+    bool ask(HWND owner)
+    {
+        run(IDD_NOTIFICATION_ENTRY, owner, reinterpret_cast<LPARAM>(&m_record));
+        return m_accepted;
+    }
+
+private:
+    void onInit() override;
+    bool onCommand(int id) override;
+    void onDestroy() override;
+    void onOk();
+    void enableAccount(bool enabled) const { enableItem(window(), IDC_NOTIFY_ACCOUNT, enabled); }
+
+    NotificationRecord& m_record;
+    bool m_accepted = false;
+};
+
+void NotificationEntry::onInit()
 {
-    SetDlgItemTextW(dialog, IDC_ENTRY_TEXT, record.script.c_str());
+    // Those who watch the dialog from outside find the record with its window.
+    SetWindowLongPtrW(window(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&m_record));
+    SetDlgItemTextW(window(), IDC_ENTRY_TEXT, m_record.script.c_str());
     for (const Field& field : kFields) {
-        if (const wchar_t* text = record.text(field.attribute)) {
-            SetDlgItemTextW(dialog, field.id, text);
+        if (const wchar_t* text = m_record.text(field.attribute)) {
+            SetDlgItemTextW(window(), field.id, text);
         } else if (field.id == IDC_NOTIFY_MIN_INCREMENT) {
-            SetDlgItemTextW(dialog, field.id, L"0");
+            SetDlgItemTextW(window(), field.id, L"0");
         }
     }
-    const std::int32_t forWhom = attributeNumber(record.text(NOTIFICATION_FOR_WHOM));
-    check(dialog, kForWhom, forWhom);
-    enableAccount(dialog, forWhom == 1);
-    const std::int32_t rate = attributeNumber(record.text(NOTIFICATION_RATE));
-    check(dialog, kRates, rate != 0 ? rate : kDefaultRate);
+    limitTyping(window(), IDC_ENTRY_TEXT);
+    for (const Field& field : kFields) {
+        limitTyping(window(), field.id);
+    }
+    const std::int32_t forWhom = attributeNumber(m_record.text(NOTIFICATION_FOR_WHOM));
+    check(window(), kForWhom, forWhom);
+    enableAccount(forWhom == 1);
+    const std::int32_t rate = attributeNumber(m_record.text(NOTIFICATION_RATE));
+    check(window(), kRates, rate != 0 ? rate : kDefaultRate);
 }
 
-void onOk(HWND dialog, NotificationRecord& record)
+void NotificationEntry::onOk()
 {
-    record.script = controlText(dialog, IDC_ENTRY_TEXT);
+    m_record.script = controlText(window(), IDC_ENTRY_TEXT);
     // The account is taken also while its edit is disabled: it is there again when the choice returns to it.
     for (const Field& field : kFields) {
-        const wchar_t* text = controlText(dialog, field.id);
-        record.attributes[field.attribute] =
-            text[0] != L'\0' ? NotificationRecord::Attribute(text) : std::nullopt;
+        const wchar_t* text = controlText(window(), field.id);
+        m_record.attributes[field.attribute].set(text[0] != L'\0' ? text : nullptr);
     }
     forgetControlText();
-    take(dialog, kForWhom, record.attributes[NOTIFICATION_FOR_WHOM]);
-    take(dialog, kRates, record.attributes[NOTIFICATION_RATE]);
-    EndDialog(dialog, reinterpret_cast<INT_PTR>(&record));
+    take(window(), kForWhom, m_record.attributes[NOTIFICATION_FOR_WHOM]);
+    take(window(), kRates, m_record.attributes[NOTIFICATION_RATE]);
+    m_accepted = true;
+    end(reinterpret_cast<INT_PTR>(&m_record));
 }
 
-void onCommand(HWND dialog, int id, NotificationRecord& record)
+// The edit is the platform's, which gives its memory back as it is: what stands there is written over first.
+void NotificationEntry::onDestroy()
 {
+    HWND password = GetDlgItem(window(), IDC_NOTIFY_PASSWORD);
+    const std::wstring blanks(static_cast<std::size_t>(GetWindowTextLengthW(password)), L' ');
+    SetWindowTextW(password, blanks.c_str());
+}
+
+bool NotificationEntry::onCommand(int id)
+{
+    if (isOneOf(kForWhom, id)) {
+        enableAccount(id == IDC_NOTIFY_ACCOUNT_ONLY);
+        keepOneTabStop(window(), kForWhom);
+    } else if (isOneOf(kRates, id)) {
+        keepOneTabStop(window(), kRates);
+    }
     switch (id) {
-    case IDC_NOTIFY_ANYONE:
-    case IDC_NOTIFY_USERS_OF_LIMIT:
-    case IDC_NOTIFY_USERS_NOT_OF_LIMIT:
-    case IDC_NOTIFY_ACCOUNT_ONLY:
-        enableAccount(dialog, id == IDC_NOTIFY_ACCOUNT_ONLY);
-        break;
     case IDC_ENTRY_BROWSE:
-        if (const wchar_t* path = selectFile(dialog, select_file_mode::kExecutable)) {
-            SetDlgItemTextW(dialog, IDC_ENTRY_TEXT, path);
+        if (const wchar_t* path = selectFile(window(), select_file_mode::kExecutable)) {
+            SetDlgItemTextW(window(), IDC_ENTRY_TEXT, path);
         }
         break;
     case IDOK:
-        onOk(dialog, record);
+        onOk();
         break;
     case IDCANCEL:
-        EndDialog(dialog, 0);
+        end(0);
         break;
     default:
         break;
     }
-}
-
-INT_PTR CALLBACK MyDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    return guardProcedure(crash_sites::kNotificationEntry, [&]() -> INT_PTR {
-        auto* record = reinterpret_cast<NotificationRecord*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
-        switch (message) {
-        case WM_INITDIALOG:
-            SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
-            onInit(dialog, *reinterpret_cast<const NotificationRecord*>(lParam));
-            return TRUE;
-        case WM_COMMAND:
-            onCommand(dialog, LOWORD(wParam), *record);
-            return TRUE;
-        default:
-            return FALSE;
-        }
-    });
+    return true;
 }
 
 } // namespace
@@ -154,7 +192,5 @@ std::unique_ptr<NotificationRecord> askNotification(HWND owner, std::unique_ptr<
     if (!record) {
         record = std::make_unique<NotificationRecord>(NotificationRecord::fresh());
     }
-    const INT_PTR code =
-        openDialog(IDD_NOTIFICATION_ENTRY, owner, MyDlgProc, reinterpret_cast<LPARAM>(record.get()));
-    return code == 0 || code == -1 ? nullptr : std::move(record);
+    return NotificationEntry(*record).ask(owner) ? std::move(record) : nullptr;
 }

@@ -1,24 +1,46 @@
 // The entry dialog of a list whose entries are typed as one text.
 #pragma once
 
-#include "frame/crash_guard.h"
+#include "frame/c_memory.h"
+#include "frame/dialog.h"
 
-/// What tells one entry dialog from another; all of them have the edit IDC_ENTRY_TEXT.
-struct TextEntryDialog {
-    int templateId;
-    CrashSite site;
-    void (*onInit)(HWND dialog);            ///< after the edit has got the text; null for nothing more to do
-    void (*onCommand)(HWND dialog, int id); ///< the buttons beside OK and Cancel
-    const wchar_t* (*taken)(
-        const wchar_t* typed); ///< the part of the typed text that OK takes; null: all of it
+/// Base of these dialogs; all of them have the edit IDC_ENTRY_TEXT.
+class TextEntryDialog : public Dialog {
+public:
+    /// Shows the dialog modally.
+    /// @param text  text to start with, null for none.
+    /// @return whether OK ended it: then takeText gives what was typed.
+    bool ask(HWND owner, const wchar_t* text);
+
+    /// The text that OK took, empty when nothing was typed; null without OK. The next call has nothing more.
+    CBlock<wchar_t> takeText() { return std::move(m_taken); }
+
+    /// What showing the dialog came to: 0 after Cancel, -1 when it could not be shown.
+    INT_PTR endCode() const { return m_endCode; }
+
+protected:
+    TextEntryDialog(int templateId, const CrashSite& site)
+        : Dialog(&site)
+        , m_templateId(templateId)
+    {
+    }
+
+    void setText(const wchar_t* text) const;
+
+    void onInit() override;
+    bool onCommand(int id) override;
+
+    /// A button beside OK and Cancel, or any other command.
+    virtual void onButton(int id) = 0;
+
+    /// The part of the typed text that OK takes.
+    virtual const wchar_t* taken(const wchar_t* typed) const { return typed; }
+
+private:
+    void onOk();
+
+    int m_templateId;
+    const wchar_t* m_initial = nullptr;
+    CBlock<wchar_t> m_taken;
+    INT_PTR m_endCode = 0;
 };
-
-/// Shows an entry dialog modally.
-/// @param text  text to start with, null for none.
-/// @return the end code: 0 after Cancel, -1 when the dialog could not be shown, otherwise the 32-bit value that
-///         stands for a copy of the text.
-INT_PTR openTextEntry(const TextEntryDialog& entry, HWND owner, const wchar_t* text);
-
-/// The text that an end code stands for.
-/// @return a malloc block that passes to the caller, empty when nothing was typed; null when there is none.
-wchar_t* enteredText(INT_PTR endCode);

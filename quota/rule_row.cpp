@@ -22,17 +22,24 @@ void showSizes(const CListCtrl& list, int row, const QuotaRule& rule)
     setSize(list, row, rule_column::kInUse, rule.inUse);
 }
 
+// A store may fill its buffer to the last character.
+void terminate(AccountName& name)
+{
+    name.text[kAccountNameCapacity - 1] = L'\0';
+}
+
 // Takes over a name that may or may not stand in the buffer itself.
 void take(AccountName& name, const wchar_t* text)
 {
     std::wmemmove(name.text, text, wcsnlen(text, kAccountNameCapacity - 1) + 1);
-    name.text[kAccountNameCapacity - 1] = L'\0';
+    terminate(name);
 }
 
 // Reads the name of an account. @return false when the store knows none; the text is then empty.
 bool readName(const void* sid, AccountName& name)
 {
     const wchar_t* known = getAccountBySidW(sid, name.text, kAccountNameCapacity);
+    terminate(name);
     if (known == nullptr) {
         name.text[0] = L'\0'; // whatever the store has left there
         return false;
@@ -64,6 +71,7 @@ AccountName accountNameOrSid(const void* sid)
     // The textual form comes first, whether or not it is needed then: stores answer the two in this order.
     AccountName textual;
     getTextualSidW(sid, textual.text, kAccountNameCapacity);
+    terminate(textual);
     AccountName name;
     return readName(sid, name) ? name : textual;
 }

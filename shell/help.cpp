@@ -1,5 +1,6 @@
-#include "shell/help.h"
-
+// The help file.
+#include "corvane.h"
+#include "frame/com_apartment.h"
 #include "frame/registry.h"
 
 #include <cwchar>
@@ -13,5 +14,6 @@ void showHelp(HWND owner)
     // Without a folder the runtime writes its own text for a null string, and the shell finds no such file.
     // Wanted: a host that was never installed shows no message about its missing help.
     _snwprintf(file, std::size(file) - 1, L"%ls\\doc\\vantrel40.chm", folder);
+    const ComApartment forTheShell;
     ShellExecuteW(owner, L"open", file, nullptr, L".", SW_SHOW);
 }

@@ -8,6 +8,6 @@ mkdir -p "$2"
 out=$(cd "$2" && pwd)
 shift 2
 IFS='|'
-CORVANE_PICTURES=$out ctest --test-dir "$build" -j "$(($(nproc) + 1))" --output-on-failure -L system \
+CORVANE_PICTURES=$out ctest --test-dir "$build/tests/system" -j "$(($(nproc) + 1))" --output-on-failure \
     -R "^system\.(${*:-.*})\$" </dev/null
 echo "The pictures are in $out"

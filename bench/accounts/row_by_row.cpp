@@ -19,6 +19,8 @@ public:
         m_list.insertAccountRow(index, image, account, fullName, type, data);
     }
     void removeFirstInserted() override { m_list.deleteRow(0); }
+    void waitForTurn() override {} // it comes
+    void nameServers(const wchar_t*, const wchar_t*) override {}
 
 private:
     CSidCtrl m_list;

@@ -1,17 +1,18 @@
 #include "fill_fixture.h"
 
 #include "accounts/enumeration.h"
-#include "frame/domain_servers.h"
 
 #include <lmcons.h>
 #include <lmuse.h>
+
+NET_API_STATUS networkStatus;
 
 namespace {
 
 NET_API_STATUS WINAPI useAdd(LMSTR, DWORD, LPBYTE info, LPDWORD)
 {
     journal.call("NetUseAdd", narrow(reinterpret_cast<const USE_INFO_2*>(info)->ui2_remote));
-    return ERROR_ACCESS_DENIED; // the fill goes on all the same
+    return networkStatus;
 }
 
 NET_API_STATUS WINAPI useDel(LMSTR, LMSTR name, DWORD)
@@ -60,14 +61,20 @@ FillTest::FillTest()
                          {.name = L"team", .className = L"Group", .listedAs = L"Group", .sid = 41}};
     m_network.replace("NetUseAdd", useAdd);
     m_network.replace("NetUseDel", useDel);
-    lastDomainServer[0] = L'\0';
-    lastDomainServer2[0] = L'\0';
+    networkStatus = ERROR_ACCESS_DENIED; // the fill goes on all the same
 }
 
 FillTest::~FillTest()
 {
     m_sink.reset();
     journal = {};
+}
+
+std::vector<std::string> FillTest::steps()
+{
+    std::vector<std::string> lines = journal.lines;
+    std::erase(lines, "alive()");
+    return lines;
 }
 
 bool FillTest::fill()
@@ -78,6 +85,8 @@ bool FillTest::fill()
     m_context.groupImage = kGroup;
     journal.lines.clear();
     journal.calls = 0;
+    journal.allCalls = 0;
+    journal.windowGone = false;
     try {
         fillTree(&m_context);
         return true;

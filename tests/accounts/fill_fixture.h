@@ -10,8 +10,13 @@
 
 #include <gtest/gtest.h>
 
+#include <lmcons.h>
+
 #include <memory>
 #include <optional>
+
+/// What opening a session with a server gives.
+extern NET_API_STATUS networkStatus;
 
 /// Settings of the registry that only this process sees.
 class OwnRegistry {
@@ -40,6 +45,9 @@ protected:
     /// Runs fillTree with a new list and a new journal.
     /// @return false when it threw.
     bool fill();
+
+    /// What it did, but for its looks at the window.
+    static std::vector<std::string> steps();
 
     /// Everything handed out has come back, but for the SIDs in the rows.
     void expectNothingHeld() const;

@@ -16,6 +16,10 @@ void Journal::call(const std::string& function, const std::string& arguments)
     if (recording) {
         lines.push_back(function + "(" + arguments + ")");
     }
+    if (++allCalls == windowGoesAt) {
+        windowGone = true;
+        linesBefore = lines.size();
+    }
     if (!faultFunction.empty() && faultFunction != function) {
         return;
     }

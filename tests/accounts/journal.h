@@ -16,6 +16,12 @@ struct Journal {
     std::string faulted;       ///< the function whose call raised it
     int calls = 0;             ///< those of faultFunction so far
 
+    // The list's window goes during the n-th call of all.
+    int windowGoesAt = 0; ///< from 1; 0: it stays
+    int allCalls = 0;
+    bool windowGone = false;
+    std::size_t linesBefore = 0; ///< how many there were when it had gone
+
     void note(const std::string& line);
 
     /// A call from the code under test: notes it, and raises the fault when it is its turn.

@@ -3,6 +3,8 @@
 #include "account_store.h"
 #include "journal.h"
 
+#include <cstdint>
+
 ListSink::~ListSink()
 {
     for (const Row& row : rows) {
@@ -33,6 +35,9 @@ void ListSink::insert(int index, int image, const wchar_t* account, const wchar_
                                ", " + narrow(fullName) + ", " + narrow(type) + ", " + dataText);
     if (gone()) {
         ++insertedAfterDeath;
+        if (reinterpret_cast<std::uintptr_t>(data) > 1) {
+            releaseSid(data);
+        }
         return;
     }
     rows.push_back({index, image, account, fullName, type, data});
@@ -42,4 +47,19 @@ void ListSink::removeFirstInserted()
 {
     journal.call("removeFirstInserted", "");
     removed = !gone();
+}
+
+void ListSink::waitForTurn()
+{
+    journal.call("waitForTurn", "");
+}
+
+void ListSink::nameServers(const wchar_t* server, const wchar_t* server2)
+{
+    journal.call("nameServers", narrow(server) + ", " + narrow(server2));
+}
+
+bool ListSink::gone() const
+{
+    return journal.windowGone || (dieBefore >= 0 && static_cast<int>(rows.size()) >= dieBefore);
 }

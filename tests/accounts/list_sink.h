@@ -24,6 +24,8 @@ public:
     void insert(int index, int image, const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
                 void* data) override;
     void removeFirstInserted() override;
+    void waitForTurn() override;
+    void nameServers(const wchar_t* server, const wchar_t* server2) override;
 
     std::vector<Row> rows; ///< in the order of insertion
     int dieBefore = -1;    ///< the window is gone when this many rows have been inserted
@@ -31,5 +33,5 @@ public:
     int insertedAfterDeath = 0;
 
 private:
-    bool gone() const { return dieBefore >= 0 && static_cast<int>(rows.size()) >= dieBefore; }
+    bool gone() const;
 };

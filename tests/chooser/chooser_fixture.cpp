@@ -52,10 +52,16 @@ int FillThreads::started() const
     return static_cast<int>(startedThreads.size());
 }
 
+void FillThreads::waitFor(int thread)
+{
+    EXPECT_EQ(WaitForSingleObject(startedThreads.at(static_cast<std::size_t>(thread)), 20000), WAIT_OBJECT_0)
+        << "a fill thread does not end";
+}
+
 void FillThreads::waitForAll()
 {
-    for (const HANDLE thread : startedThreads) {
-        EXPECT_EQ(WaitForSingleObject(thread, 20000), WAIT_OBJECT_0) << "a fill thread does not end";
+    for (int thread = 0; thread < started(); ++thread) {
+        waitFor(thread);
     }
 }
 

@@ -30,6 +30,8 @@ public:
     FillThreads& operator=(const FillThreads&) = delete;
 
     int started() const;
+    /// Waits for the end of one, counted from 0; fails the test when it does not end.
+    void waitFor(int thread);
     /// Waits for the end of all; fails the test when one does not end.
     void waitForAll();
     /// Waits, and lets go of what is kept of them.

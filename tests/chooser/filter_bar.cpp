@@ -19,12 +19,37 @@ FilterBar::~FilterBar()
 void FilterBar::type(int column, const wchar_t* text)
 {
     texts_[column] = text;
-    NMHEADERW changed{};
-    changed.hdr.hwndFrom = header_;
-    changed.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(header_));
-    changed.hdr.code = HDN_FILTERCHANGE;
-    changed.iItem = column;
-    SendMessageW(GetParent(header_), WM_NOTIFY, changed.hdr.idFrom, reinterpret_cast<LPARAM>(&changed));
+    if (*text == L'\0') {
+        texts_.erase(column);
+    }
+    notify(HDN_FILTERCHANGE, column);
+}
+
+void FilterBar::clickButton(int column)
+{
+    if (notify(HDN_FILTERBTNCLICK, column)) {
+        notify(HDN_FILTERCHANGE, column);
+    }
+}
+
+HWND FilterBar::openField(int column)
+{
+    RECT cell{};
+    SendMessageW(header_, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&cell));
+    HWND field = CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE, cell.left, cell.bottom, 50, 16,
+                                 header_, nullptr, nullptr, nullptr);
+    SetFocus(field);
+    return field;
+}
+
+LRESULT FilterBar::notify(UINT code, int column) const
+{
+    NMHEADERW header{}; // the button's record begins alike
+    header.hdr.hwndFrom = header_;
+    header.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(header_));
+    header.hdr.code = code;
+    header.iItem = column;
+    return SendMessageW(GetParent(header_), WM_NOTIFY, header.hdr.idFrom, reinterpret_cast<LPARAM>(&header));
 }
 
 LRESULT FilterBar::set(WPARAM column, HDITEMW item)
@@ -45,9 +70,11 @@ LRESULT FilterBar::get(WPARAM column, HDITEMW& item)
 {
     if (item.type == HDFT_ISSTRING) {
         const auto& filter = *static_cast<const HD_TEXTFILTERW*>(item.pvFilter);
-        const std::wstring& text = texts_[static_cast<int>(column)];
-        std::wcsncpy(filter.pszText, text.c_str(), static_cast<size_t>(filter.cchTextMax));
+        const auto text = texts_.find(static_cast<int>(column));
+        std::wcsncpy(filter.pszText, text != texts_.end() ? text->second.c_str() : L"Enter text here",
+                     static_cast<size_t>(filter.cchTextMax));
         filter.pszText[filter.cchTextMax - 1] = L'\0';
+        item.type |= text != texts_.end() ? 0u : HDFT_HASNOVALUE;
     }
     HDITEMW rest = item;
     rest.mask &= ~static_cast<UINT>(HDI_FILTER);
@@ -75,6 +102,13 @@ LRESULT CALLBACK FilterBar::procedure(HWND window, UINT message, WPARAM wParam, 
             return bar.get(wParam, *reinterpret_cast<HDITEMW*>(lParam));
         }
         break;
+    case HDM_CLEARFILTER:
+        wParam == static_cast<WPARAM>(-1) ? bar.texts_.clear()
+                                          : static_cast<void>(bar.texts_.erase(static_cast<int>(wParam)));
+        return 1;
+    case HDM_EDITFILTER:
+        bar.opened_ = static_cast<int>(wParam);
+        return 1;
     case HDM_SETFILTERCHANGETIMEOUT:
         bar.delay_ = lParam;
         return 0;

@@ -20,12 +20,24 @@ public:
     /// What a person types in a column's filter, told of after the header's delay.
     void type(int column, const wchar_t* text);
 
+    /// What a person does with the button beside a column's filter.
+    void clickButton(int column);
+
+    /// The field of a column's filter, a child of the header, with the keyboard; gone with the header.
+    HWND openField(int column);
+    /// The column whose field the list opened itself; -1 for none.
+    int opened() const { return opened_; }
+
+    /// Whether a column shows the prompt of a filter that has no value.
+    bool showsPrompt(int column) const { return texts_.count(column) == 0; }
+
     /// The filter's own text, as the header was told to take it.
     bool takesText(int column) const { return taken_.count(column) != 0; }
     LPARAM delay() const { return delay_; }
 
 private:
     static LRESULT CALLBACK procedure(HWND, UINT, WPARAM, LPARAM);
+    LRESULT notify(UINT code, int column) const;
     LRESULT set(WPARAM column, HDITEMW item);
     LRESULT get(WPARAM column, HDITEMW& item);
 
@@ -34,4 +46,5 @@ private:
     std::map<int, std::wstring> texts_;
     std::map<int, int> taken_;
     LPARAM delay_ = 0;
+    int opened_ = -1;
 };

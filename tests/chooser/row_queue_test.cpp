@@ -1,6 +1,8 @@
 // The way of the rows from one thread to the other.
 #include "accounts/row_queue.h"
 
+#include "tests/support/import_patch.h"
+
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -11,6 +13,31 @@
 namespace {
 
 constexpr UINT kNotice = WM_APP + 7;
+
+/// A message queue that takes nothing for a while.
+class FailingPosts {
+public:
+    FailingPosts()
+        : m_patch(GetModuleHandleW(nullptr), "PostMessageW", &post)
+    {
+        EXPECT_EQ(m_patch.count(), 1);
+        before = m_patch.original<BOOL WINAPI(HWND, UINT, WPARAM, LPARAM)>();
+        failing = true;
+        tries = 0;
+    }
+
+    static inline std::atomic<bool> failing;
+    static inline std::atomic<int> tries;
+
+private:
+    static BOOL WINAPI post(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        ++tries;
+        return failing ? FALSE : before(window, message, wParam, lParam);
+    }
+    static inline BOOL(WINAPI* before)(HWND, UINT, WPARAM, LPARAM);
+    ImportPatch m_patch;
+};
 
 class RowQueueTest : public testing::Test {
 protected:
@@ -41,6 +68,21 @@ protected:
                 ++handedOver;
             }
         });
+    }
+
+    /// Ends the fill on another thread.
+    void end()
+    {
+        worker = std::thread([this] { queue.end(); });
+    }
+    void waitForNotices(int count) const
+    {
+        for (const ULONGLONG deadline = GetTickCount64() + 20000; count > 0 && GetTickCount64() < deadline;
+             Sleep(1))
+        {
+            count -= notices();
+        }
+        EXPECT_EQ(count, 0);
     }
 
     HWND window;
@@ -97,11 +139,84 @@ TEST_F(RowQueueTest, TheEndComesAfterTheLastRow)
 {
     insert(0);
     EXPECT_FALSE(queue.ended());
-    queue.end();
+    end();
+    waitForNotices(2);
     EXPECT_FALSE(queue.ended()) << "a row waits";
     queue.take();
     EXPECT_TRUE(queue.ended());
-    EXPECT_EQ(notices(), 2) << "one for the row, one for the end";
+    queue.close();
+    worker.join();
+    EXPECT_EQ(notices(), 0) << "one for the row, one for the end";
+}
+
+TEST_F(RowQueueTest, TheServersComeWithTheRowsThatFollowThem)
+{
+    insert(0);
+    queue.take();
+    queue.nameServers(L"S1", nullptr);
+    EXPECT_FALSE(queue.take().servers) << "nothing of theirs is there yet";
+    insert(1);
+    const RowBatch batch = queue.take();
+    ASSERT_TRUE(batch.servers);
+    EXPECT_EQ(batch.servers->first, L"S1");
+    EXPECT_EQ(batch.servers->second, L"");
+    insert(2);
+    EXPECT_FALSE(queue.take().servers);
+}
+
+TEST_F(RowQueueTest, AFillThatWaitsForItsTurnTellsSo)
+{
+    EXPECT_FALSE(queue.waitsForTurn());
+    queue.waitForTurn();
+    EXPECT_TRUE(queue.waitsForTurn());
+    EXPECT_EQ(notices(), 1);
+}
+
+// ---- a list that cannot be told ----
+
+TEST_F(RowQueueTest, ALaterNoticeMakesUpForThoseThatCouldNotBePosted)
+{
+    FailingPosts posts;
+    insertMany(20000);
+    while (handedOver < 16384) {
+        Sleep(1);
+    }
+    posts.failing = false;
+    waitForNotices(1);
+    queue.take();
+    worker.join();
+    EXPECT_EQ(handedOver, 20000);
+}
+
+TEST_F(RowQueueTest, TheEndIsToldWhenItCanBe)
+{
+    FailingPosts posts;
+    end();
+    while (posts.tries < 2) {
+        Sleep(1);
+    }
+    EXPECT_EQ(notices(), 0);
+    posts.failing = false;
+    waitForNotices(1);
+    queue.close();
+    worker.join();
+}
+
+TEST_F(RowQueueTest, AListThatCouldDoNothingWithItsNoticeGetsAnother)
+{
+    insert(0);
+    EXPECT_EQ(notices(), 1);
+    queue.remind();
+    insert(1);
+    EXPECT_EQ(notices(), 1) << "with the next row";
+    queue.remind();
+    end();
+    waitForNotices(1);
+    EXPECT_EQ(notices(), 0);
+    queue.remind();
+    waitForNotices(1);
+    queue.close();
+    worker.join();
 }
 
 TEST_F(RowQueueTest, AListThatTakesNothingIsNotFlooded)
@@ -134,6 +249,6 @@ TEST_F(RowQueueTest, AClosedQueueIsNotAlive)
     insert(0);
     queue.close();
     EXPECT_FALSE(queue.alive());
-    queue.end();
+    queue.end(); // holds nobody up
     EXPECT_EQ(notices(), 1) << "none after the closing";
 }

@@ -1,5 +1,6 @@
 // Enabling buttons, and the button helpers.
 #include "tests/support/list_host.h"
+#include "tests/support/message_watch.h"
 #include "tests/support/recording_store.h"
 
 #include <commctrl.h>
@@ -85,6 +86,44 @@ TEST_F(ButtonsTest, NumbersAreTheLowHalfOfTheirSlot)
     checkForButtons2(host.window(), host.object(), kRubbish + 1, kRubbish + 7, kRubbish + 8, kRubbish + 9,
                      kRubbish);
     EXPECT_EQ(states(), "--E-EE---EEE");
+}
+
+TEST_F(ButtonsTest, WhatIsNoListCountsAsSelected)
+{
+    checkForButtons(host.window(), ListHost::kListId, 2, 3, 0);
+    for (const int noList : {500, 4}) {
+        checkForButtons(host.window(), noList, 2, 0);
+        EXPECT_TRUE(IsWindowEnabled(GetDlgItem(host.window(), 2))) << noList;
+        checkForButtons(host.window(), ListHost::kListId, 2, 0);
+    }
+    CorvaneListObject none{};
+    checkForButtons2(host.window(), reinterpret_cast<CListCtrl*>(&none), 3, 0);
+    EXPECT_EQ(states(), "E-EEEEEEEEEE");
+}
+
+TEST_F(ButtonsTest, AnEmptyListHasNothingSelected)
+{
+    ListView_DeleteAllItems(host.list());
+    checkForButtons(host.window(), ListHost::kListId, 2, 0);
+    EXPECT_EQ(states(), "E-EEEEEEEEEE");
+}
+
+TEST_F(ButtonsTest, TheRowsAreNotGoneThrough)
+{
+    for (int i = 3; i < 100; ++i) {
+        host.addRow(i, {L"more"});
+    }
+    int rowsLookedAt = 0;
+    const MessageWatch watch(host.list(), [&](UINT message, WPARAM from, LPARAM) {
+        if (message == LVM_GETNEXTITEM) {
+            rowsLookedAt += host.rowCount() - 1 - static_cast<int>(from);
+        }
+    });
+    checkForButtons(host.window(), ListHost::kListId, 2, 0);
+    host.select(98);
+    checkForButtons(host.window(), ListHost::kListId, 3, 0);
+    EXPECT_EQ(rowsLookedAt, 0);
+    EXPECT_EQ(states(), "E-EEEEEEEEEE");
 }
 
 TEST_F(ButtonsTest, AMissingControlIsPassedOver)

@@ -80,6 +80,24 @@ TEST_F(ListDropTest, NoSelectionGivesFalse)
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("Anyone 0", "Anyone 1", "Anyone 2"));
 }
 
+TEST_F(ListDropTest, WithoutAListNothingIsDropped)
+{
+    fill(3);
+    host.selectOnly({1});
+    constexpr int kButton = 77;
+    host.addControl(kButton);
+    EXPECT_EQ(dropFromListCtrl(host.window(), 500), 0) << "no such control";
+    EXPECT_EQ(dropFromListCtrl(host.window(), kButton), 0) << "a button's number";
+    EXPECT_EQ(dropFromListCtrl(nullptr, ListHost::kListId), 0) << "no dialog";
+    CorvaneListObject object{};
+    EXPECT_EQ(dropFromListCtrl2(reinterpret_cast<CListCtrl*>(&object)), 0) << "no window";
+    object.window =
+        CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    DestroyWindow(object.window);
+    EXPECT_EQ(dropFromListCtrl2(reinterpret_cast<CListCtrl*>(&object)), 0) << "a window that is gone";
+    EXPECT_EQ(host.rowCount(), 3);
+}
+
 TEST_F(ListDropTest, AsksTheStoreNothing)
 {
     fill(3);

@@ -1,8 +1,13 @@
 // Filling the quota list from the store.
 #include "tests/support/faulting_call.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/leak_count.h"
 #include "tests/support/list_host.h"
+#include "tests/support/message_watch.h"
 #include "tests/support/paths.h"
 #include "tests/support/recording_store.h"
+
+#include <malloc.h>
 
 #include <gmock/gmock.h>
 
@@ -62,6 +67,22 @@ TEST_F(ListFillTest, ShowsTheTextualSidOfAnUnknownAccount)
     store.put(L"C:\\a", store.unknownAccount(), 100, 90, 0);
     fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
     EXPECT_THAT(host.column(0), ElementsAre("S-1-5-21-1-2-3-1003"));
+}
+
+TEST_F(ListFillTest, CutsANameThatFillsItsBuffer)
+{
+    store.put(L"C:\\a", alice, 100, 90, 0);
+    store.answer.getAccountBySidW = [](const void*, wchar_t* buffer, int capacity) {
+        return std::wmemset(buffer, L'n', static_cast<size_t>(capacity));
+    };
+    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    EXPECT_EQ(host.column(0).at(0), std::string(127, 'n'));
+    store.answer.getAccountBySidW = nullptr;
+    store.answer.getTextualSidW = [](const void*, wchar_t* buffer, int capacity) {
+        std::wmemset(buffer, L's', static_cast<size_t>(capacity));
+    };
+    initializeListCtrl2(host.object(), Paths{L"C:\\a"});
+    EXPECT_EQ(host.column(0).at(0), std::string(127, 's'));
 }
 
 TEST_F(ListFillTest, TheStoresRecordsAreTheItemData)
@@ -233,6 +254,100 @@ TEST_F(ListFillTest, FaultsOnAHardLimitOfZero)
     };
     const Paths paths{L"C:\\a"};
     EXPECT_EQ(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
+}
+
+TEST_F(ListFillTest, AFaultLeavesNoDrawingObjectsBehind)
+{
+    store.put(L"C:\\a", alice, 100, 90, 0);
+    const Paths paths{L"C:\\a"};
+    const auto fillInVain = [&] {
+        initializeListCtrl2(host.object(), nullptr);
+        store.raise("getTextualSidW", Fault::AccessViolation);
+        EXPECT_NE(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), 0u);
+    };
+    fillInVain();
+    const long before = LeakCount::now().gdiObjects;
+    for (int i = 0; i < 20; ++i) {
+        fillInVain();
+    }
+    EXPECT_EQ(LeakCount::now().gdiObjects, before);
+}
+
+namespace {
+
+std::vector<HWND> repainted;
+
+BOOL WINAPI noteRepaint(HWND window, const RECT*, BOOL)
+{
+    repainted.push_back(window);
+    return TRUE;
+}
+
+} // namespace
+
+TEST_F(ListFillTest, WithoutAListTheDesktopIsNotRepainted)
+{
+    store.put(L"C:\\a", alice, 100, 90, 0);
+    const ImportPatch repaint(ImportPatch::corvane(), "InvalidateRect", noteRepaint);
+    ASSERT_EQ(repaint.count(), 1);
+    repainted.clear();
+    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    EXPECT_THAT(repainted, ElementsAre(host.list()));
+    repainted.clear();
+    fillUpListCtrl(Paths{L"C:\\a"}, host.window(), 500);
+    EXPECT_THAT(repainted, IsEmpty());
+}
+
+namespace {
+
+/// What a host has on its stack while it answers a message, or writes a report.
+LONG useSixtyFourKilobytes()
+{
+    constexpr int kSize = 64 * 1024;
+    volatile char room[kSize];
+    for (int i = 0; i < kSize; i += 256) {
+        room[i] = static_cast<char>(i);
+    }
+    return room[256] == 0 ? EXCEPTION_EXECUTE_HANDLER : EXCEPTION_CONTINUE_SEARCH;
+}
+
+DWORD faultOfReporting(void (*call)(void*), void* context)
+{
+    DWORD code = 0;
+    __try
+    {
+        call(context);
+    } __except (code = GetExceptionCode(), useSixtyFourKilobytes())
+    {
+        _resetstkoflw();
+    }
+    return code;
+}
+
+} // namespace
+
+TEST_F(ListFillTest, AStackOverflowLeavesTheHostRoomToHandleIt)
+{
+    store.put(L"C:\\a", alice, 100, 90, 0);
+    const Paths paths{L"C:\\a"};
+    bool drawing = true;
+    const MessageWatch watch(host.list(), [&](UINT message, WPARAM wParam, LPARAM) {
+        if (message == WM_SETREDRAW) {
+            drawing = wParam != 0;
+            useSixtyFourKilobytes();
+        }
+    });
+    for (int round = 0; round < 2; ++round) { // the next overflow is raised, too
+        store.raise("getTextualSidW", Fault::StackOverflow);
+        auto call = [&] {
+            fillUpListCtrl2(paths, host.object());
+        };
+        EXPECT_EQ(faultOfReporting([](void* context) { (*static_cast<decltype(call)*>(context))(); }, &call),
+                  EXCEPTION_STACK_OVERFLOW);
+        EXPECT_TRUE(drawing);
+    }
+    fillUpListCtrl2(paths, host.object());
+    EXPECT_EQ(host.rowCount(), 1);
 }
 
 TEST_F(ListFillTest, StillWorksAfterAFault)

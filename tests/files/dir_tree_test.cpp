@@ -167,7 +167,7 @@ TEST_F(DirTreeTest, ASmallHandleIsNoSearch)
 {
     disk.addDrive(L"C:\\");
     disk.setFolder(L"C:\\", {file(L"a.txt"), file(L"b.txt")});
-    for (const UINT_PTR answer : {UINT_PTR{1}, UINT_PTR{32}}) {
+    for (const UINT_PTR answer : {UINT_PTR{2}, UINT_PTR{32}}) {
         disk.searchAnswer = reinterpret_cast<HANDLE>(answer);
         ASSERT_TRUE(tree.display(nullptr, true));
         EXPECT_THAT(host.children(host.top(L"C:")), IsEmpty()) << answer;
@@ -408,6 +408,32 @@ TEST_F(DirTreeTest, SelectsADrive)
     EXPECT_THAT(host.takeMessages(), ElementsAre("redraw 0", "expand 2", "redraw 1"));
     EXPECT_TRUE(tree.setSelectedPath(L"C:"));
     EXPECT_EQ(host.selectedText(), "C:");
+}
+
+TEST_F(DirTreeTest, SelectsADriveWhereTheNullDeviceIsNoFile)
+{
+    disk.nulIsADevice = true;
+    disk.addDrive(L"C:\\");
+    disk.addDrive(L"D:\\"); // without a medium by now
+    disk.setFolder(L"C:\\", {file(L"a.txt"), file(L"b.txt")});
+    ASSERT_TRUE(tree.display(nullptr, true));
+    EXPECT_FALSE(tree.setSelectedPath(L"D:\\"));
+    EXPECT_FALSE(tree.setSelectedPath(L"C:\\gone"));
+    EXPECT_FALSE(tree.setSelectedPath(L"C:\\a.txt"));
+    disk.takeCalls();
+    EXPECT_TRUE(tree.setSelectedPath(L"C:\\"));
+    EXPECT_EQ(host.selectedText(), "C:");
+    EXPECT_THAT(disk.takeCalls(), testing::Contains("attributes C:\\"));
+    EXPECT_EQ(disk.openSearches(), 0);
+}
+
+TEST_F(DirTreeTest, TheAttributesAreAskedForAfterADeviceAlone)
+{
+    disk.addDrive(L"C:\\");
+    disk.setFolder(L"C:\\", {file(L"a.txt")});
+    ASSERT_TRUE(tree.display(nullptr, true));
+    EXPECT_TRUE(tree.setSelectedPath(L"C:\\"));
+    EXPECT_EQ(disk.calls("attributes"), 0);
 }
 
 TEST_F(DirTreeTest, ReadsANodeAgainThatWasOpenedBefore)

@@ -10,6 +10,7 @@
 #include <map>
 #include <set>
 #include <shellapi.h>
+#include <utility>
 
 struct FakeDisk::State {
     struct Drive {
@@ -36,6 +37,14 @@ namespace {
 FakeDisk* disk = nullptr;
 FakeDisk::State* state = nullptr;
 
+void noteCall(std::string call)
+{
+    state->calls.push_back(std::move(call));
+    if (disk->onCall) {
+        disk->onCall();
+    }
+}
+
 std::wstring trimmed(std::wstring path)
 {
     while (!path.empty() && path.back() == L'\\') {
@@ -58,12 +67,15 @@ void fill(WIN32_FIND_DATAW& data, const FakeDisk::Entry& entry)
 
 HANDLE WINAPI findFirst(const wchar_t* pattern, WIN32_FIND_DATAW* data)
 {
-    state->calls.push_back("find " + utf8(pattern));
+    noteCall("find " + utf8(pattern));
     if (disk->searchAnswer != nullptr) {
         return disk->searchAnswer;
     }
     const std::wstring text = pattern;
     FakeDisk::State::Search search;
+    if (endsWith(text, L"\\nul") && disk->nulIsADevice) {
+        return reinterpret_cast<HANDLE>(UINT_PTR{1});
+    }
     if (endsWith(text, L"\\nul")) {
         if (state->folders.contains(trimmed(text.substr(0, text.size() - 4)))) {
             search.entries.push_back({L"nul"});
@@ -94,7 +106,7 @@ BOOL WINAPI findNext(HANDLE handle, WIN32_FIND_DATAW* data)
         return FALSE;
     }
     FakeDisk::State::Search& search = found->second;
-    state->calls.push_back("next");
+    noteCall("next");
     if (search.next == search.entries.size()) {
         SetLastError(ERROR_NO_MORE_FILES);
         return FALSE;
@@ -112,9 +124,29 @@ BOOL WINAPI findClose(HANDLE handle)
     return TRUE;
 }
 
+DWORD WINAPI fileAttributes(const wchar_t* path)
+{
+    noteCall("attributes " + utf8(path));
+    const std::wstring text = path;
+    if (state->folders.contains(trimmed(text))) {
+        return FILE_ATTRIBUTE_DIRECTORY;
+    }
+    const std::size_t end = text.rfind(L'\\');
+    const auto parent = state->folders.find(trimmed(text.substr(0, end)));
+    if (parent != state->folders.end()) {
+        for (const FakeDisk::Entry& entry : parent->second) {
+            if (entry.name == text.substr(end + 1)) {
+                return entry.attributes;
+            }
+        }
+    }
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    return INVALID_FILE_ATTRIBUTES;
+}
+
 DWORD WINAPI driveStrings(DWORD room, wchar_t* buffer)
 {
-    state->calls.push_back("drives " + std::to_string(room));
+    noteCall("drives " + std::to_string(room));
     if (disk->failDrives) {
         return 0;
     }
@@ -130,7 +162,7 @@ DWORD WINAPI driveStrings(DWORD room, wchar_t* buffer)
 BOOL WINAPI volumeInformation(const wchar_t* root, wchar_t* name, DWORD nameRoom, DWORD* serial,
                               DWORD* longest, DWORD* flags, wchar_t* system, DWORD systemRoom)
 {
-    state->calls.push_back("volume " + utf8(root));
+    noteCall("volume " + utf8(root));
     EXPECT_TRUE(name == nullptr && nameRoom == 0 && serial == nullptr && longest == nullptr &&
                 system == nullptr && systemRoom == 0);
     for (const auto& drive : state->drives) {
@@ -147,7 +179,7 @@ DWORD_PTR WINAPI fileInfo(const wchar_t* path, DWORD attributes, SHFILEINFOW* in
 {
     char line[32];
     std::snprintf(line, sizeof line, "icon %x ", flags);
-    state->calls.push_back(line + utf8(path));
+    noteCall(line + utf8(path));
     EXPECT_EQ(attributes, 0u);
     EXPECT_EQ(size, sizeof(SHFILEINFOW));
     if (flags == (SHGFI_SYSICONINDEX | SHGFI_SMALLICON)) {
@@ -183,6 +215,7 @@ FakeDisk::FakeDisk(HMODULE module)
     replace("FindFirstFileW", findFirst);
     replace("FindNextFileW", findNext);
     replace("FindClose", findClose);
+    replace("GetFileAttributesW", fileAttributes);
     replace("GetLogicalDriveStringsW", driveStrings);
     replace("GetVolumeInformationW", volumeInformation);
     replace("SHGetFileInfoW", fileInfo);

@@ -42,9 +42,11 @@ public:
     /// Icons that were handed out and not destroyed.
     int openIcons() const;
 
+    std::function<void()> onCall;              ///< run at each call
     bool failDrives = false;                   ///< GetLogicalDriveStringsW gives 0
     bool failImages = false;                   ///< SHGetFileInfoW gives no system image list
     std::function<bool(UINT flags)> failIcons; ///< for which SHGetFileInfoW gives no icon
+    bool nulIsADevice = false;     ///< a search for "path\nul" gives 1, whether or not there is such a path
     HANDLE searchAnswer = nullptr; ///< what FindFirstFileW gives in place of a search, if anything
 
     struct State;

@@ -1,6 +1,7 @@
 // Manage Administrative Accounts, with the account chooser as its entry dialog.
 #include "corvane.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/support/hidden_chooser.h"
 
 #include <gmock/gmock.h>
 
@@ -156,6 +157,21 @@ TEST_F(AdministrativeAccountsTest, ACancelledEditHandsTheStoreItsOwnStringBack)
         .press(IDOK);
     visit.run(editMgrAccounts);
     EXPECT_THAT(updates, ElementsAre(own, own));
+}
+
+TEST_F(AdministrativeAccountsTest, AChooserThatCannotBeShownHasChosenNothing)
+{
+    visit.add()
+        .chooseByName(L"jane")
+        .list([this](HWND dialog, const ListInDialog& list) {
+            const HiddenChooser hidden;
+            ownCalls();
+            click(dialog, ids::kAdd);
+            EXPECT_THAT(ownCalls(), IsEmpty()) << "not the account that was chosen last";
+            EXPECT_THAT(list.rows(), ElementsAre("OFFICE\\jane"));
+        })
+        .press(IDCANCEL);
+    visit.run(editMgrAccounts);
 }
 
 TEST_F(AdministrativeAccountsTest, AStoreThatReleasesItsOldStringDoesNotSpoilTheRow)

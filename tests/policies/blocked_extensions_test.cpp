@@ -1,6 +1,7 @@
 // Manage blocked extensions, and its entry dialog with the published account.
 #include "corvane.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/support/hidden_chooser.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/text.h"
 
@@ -195,6 +196,27 @@ TEST_F(BlockedExtensionsTest, ACancelledChooserLeavesTheAccount)
         .press(IDCANCEL);
     visit.run(editExcludeExts);
     EXPECT_EQ(RecordingStore::nameOf(store.maskAccount(0)), "jane");
+}
+
+TEST_F(BlockedExtensionsTest, AChooserThatCannotBeShownLeavesTheAccount)
+{
+    store.putMask(L"*.b", jane);
+    store.putMask(L"*.c", jane);
+    visit.edit(0);
+    choose(L"joe");
+    visit.press(IDOK)
+        .edit(1)
+        .entry(kEntry,
+               [](HWND entry) {
+                   const HiddenChooser hidden;
+                   const std::string before = controlText(entry, kAccount);
+                   click(entry, ids::kBrowse);
+                   EXPECT_EQ(controlText(entry, kAccount), before) << "not the account that was chosen last";
+                   EXPECT_EQ(before, "jane");
+               })
+        .press(IDCANCEL)
+        .press(IDCANCEL);
+    visit.run(editExcludeExts);
 }
 
 TEST_F(BlockedExtensionsTest, ACancelledEntryChangesNothingWhateverWasChosen)

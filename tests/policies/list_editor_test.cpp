@@ -131,6 +131,18 @@ TEST_P(ListEditorTest, ShowsItsColumnsAndStyles)
     });
 }
 
+TEST_P(ListEditorTest, ColumnsAreAsWideAsTheScreensDotsPerInchAskFor)
+{
+    const ImportPatch screen(
+        ImportPatch::corvane(), "GetDeviceCaps", +[](HDC, int what) { return what == LOGPIXELSX ? 144 : 0; });
+    ASSERT_EQ(screen.count(), 1);
+    std::vector<ColumnLook> wider = editor.columns;
+    for (ColumnLook& column : wider) {
+        column.width = column.width * 3 / 2;
+    }
+    look([&](HWND dialog) { EXPECT_THAT(columnsOf(list(dialog).window()), ElementsAreArray(wider)); });
+}
+
 TEST_P(ListEditorTest, AsksTheHostForIconsBeforeItLoads)
 {
     iconRequests.clear();

@@ -114,6 +114,56 @@ const std::vector<TemplateCase> kTemplates = {
      {"label \"File/Path to exclude:\"", "edit 1012", "default button 1 \"OK\"", "button 2 \"Cancel\""}},
 };
 
+/// A control as the template describes it.
+struct TemplateItem {
+    DWORD extendedStyle;
+    DWORD style;
+    std::wstring className; ///< empty for a class that goes by a number
+};
+
+/// The controls of an extended template of the library, in their order.
+std::vector<TemplateItem> itemsOf(int number)
+{
+    const HMODULE library = GetModuleHandleW(L"corvane");
+    const HRSRC found = FindResourceW(library, MAKEINTRESOURCEW(number), RT_DIALOG);
+    const auto* const start = static_cast<const WORD*>(LockResource(LoadResource(library, found)));
+    const WORD* at = start;
+    const auto skipName = [&at] { // a number behind a mark, or a text
+        std::wstring name;
+        if (*at == 0xFFFF) {
+            at += 2;
+        } else {
+            name = reinterpret_cast<const wchar_t*>(at);
+            at += name.size() + 1;
+        }
+        return name;
+    };
+    const auto align = [&] {
+        at += (at - start) % 2;
+    };
+    constexpr int kControls = 8;
+    constexpr int kHeader = 13; // up to the menu
+    const int controls = at[kControls];
+    at += kHeader;
+    for (int name = 0; name < 3; ++name) { // menu, class, caption
+        skipName();
+    }
+    at += 3; // size, weight, kind of the font
+    skipName();
+    std::vector<TemplateItem> items;
+    for (int i = 0; i < controls; ++i) {
+        align();
+        const auto* const numbers = reinterpret_cast<const DWORD*>(at);
+        TemplateItem item{numbers[1], numbers[2], {}};
+        at += 12; // the three numbers, the place and the id
+        item.className = skipName();
+        skipName();
+        at += 1 + *at / 2; // what else is handed to the control
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
 class TemplateTest : public testing::TestWithParam<TemplateCase> {
 protected:
     void SetUp() override { ASSERT_NE(dialog.window(), nullptr) << "no template " << tested.number; }
@@ -209,5 +259,21 @@ TEST(TemplatesTest, OfAllListsOnlyTheBackupToolsSortByThemselves)
         const auto style = static_cast<DWORD>(GetWindowLongW(list, GWL_STYLE));
         EXPECT_EQ((style & (LVS_SORTASCENDING | LVS_SORTDESCENDING)) != 0, number == 152) << number;
         EXPECT_EQ(style & LVS_SINGLESEL, 0u) << number;
+    }
+}
+
+TEST(TemplatesTest, AllListsAndTreesHaveTheSameFrame)
+{
+    // The templates themselves: a runtime may make one frame of another when it opens them.
+    for (const int number : {9, 142, 146, 149, 151, 152, 155, 156}) {
+        int framed = 0;
+        for (const TemplateItem& item : itemsOf(number)) {
+            if (item.className == L"SysListView32" || item.className == L"SysTreeView32") {
+                ++framed;
+                EXPECT_EQ(item.extendedStyle, static_cast<DWORD>(WS_EX_CLIENTEDGE)) << number;
+                EXPECT_EQ(item.style & WS_BORDER, 0u) << number;
+            }
+        }
+        EXPECT_EQ(framed, 1) << number;
     }
 }

@@ -70,7 +70,7 @@ DWORD WINAPI moduleFileName(HANDLE process, HMODULE module, wchar_t* buffer, DWO
 
 BOOL WINAPI tellVersion(OSVERSIONINFOW* info)
 {
-    EXPECT_EQ(info->dwOSVersionInfoSize, sizeof(OSVERSIONINFOW));
+    EXPECT_EQ(info->dwOSVersionInfoSize, sizeof(OSVERSIONINFOEXW));
     info->dwMajorVersion = version.dwMajorVersion;
     info->dwMinorVersion = version.dwMinorVersion;
     return TRUE;

@@ -1,8 +1,12 @@
-#include "policies/remote_share.h"
+#include "processes/remote_share.h"
+#include "tests/processes/run_time_functions.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/pe_image.h"
 #include "tests/support/text.h"
 
 #include <gmock/gmock.h>
+
+#include <winnetwk.h>
 
 namespace {
 
@@ -25,12 +29,17 @@ DWORD WINAPI connect(NETRESOURCEW* resource, const wchar_t* password, const wcha
     return 1326;
 }
 
+struct RemoteShareTest : testing::Test {
+    RemoteShareTest() { functions.put("WNetAddConnection2W", &connect); }
+
+    RunTimeFunctions functions{GetModuleHandleW(nullptr)};
+    HeldThings held{GetModuleHandleW(nullptr)};
+};
+
 } // namespace
 
-TEST(RemoteShareTest, ConnectsToTheShareOfTheMachine)
+TEST_F(RemoteShareTest, ConnectsToTheShareOfTheMachine)
 {
-    const ImportPatch patch(GetModuleHandleW(nullptr), "WNetAddConnection2W", &connect);
-    ASSERT_EQ(patch.count(), 1);
     EXPECT_EQ(connectRemoteShare(L"\\\\server", L"DOMAIN\\admin", L"secret"), 1326u);
     EXPECT_THAT(asked,
                 testing::ElementsAre("null", "\\\\server\\IPC$", "null", "secret", "DOMAIN\\admin", "0"));
@@ -38,9 +47,33 @@ TEST(RemoteShareTest, ConnectsToTheShareOfTheMachine)
     EXPECT_THAT(asked, testing::ElementsAre("null", "\\\\server\\IPC$", "null", "null", "null", "0"));
 }
 
-TEST(RemoteShareTest, CutsAMachineNameThatDoesNotFit)
+TEST_F(RemoteShareTest, TakesTheLibraryForTheTimeOfTheCall)
 {
-    const ImportPatch patch(GetModuleHandleW(nullptr), "WNetAddConnection2W", &connect);
+    connectRemoteShare(L"\\\\server", nullptr, nullptr);
+    EXPECT_EQ(held.loaded, "mpr.dll ");
+    EXPECT_EQ(held.libraries, 0);
+}
+
+TEST_F(RemoteShareTest, TellsThatTheFunctionIsMissing)
+{
+    functions.remove("WNetAddConnection2W");
+    asked.clear();
+    EXPECT_EQ(connectRemoteShare(L"\\\\server", nullptr, nullptr), static_cast<DWORD>(ERROR_PROC_NOT_FOUND));
+    EXPECT_THAT(asked, testing::IsEmpty());
+    EXPECT_EQ(held.libraries, 0);
+}
+
+TEST(RemoteShareImportTest, TheLibraryLoadsWithoutTheNetworkProviders)
+{
+    const HMODULE library = LoadLibraryW(L"corvane.dll");
+    ASSERT_NE(library, nullptr);
+    for (const ImportedFunction& import : PeImage(library).imports()) {
+        EXPECT_STRCASENE(import.module.c_str(), "mpr.dll") << import.name;
+    }
+}
+
+TEST_F(RemoteShareTest, CutsAMachineNameThatDoesNotFit)
+{
     connectRemoteShare(std::wstring(254, L'm').c_str(), nullptr, nullptr);
     EXPECT_EQ(asked[1], std::string(254, 'm') + "\\IPC$");
     connectRemoteShare(std::wstring(10000, L'm').c_str(), nullptr, nullptr);

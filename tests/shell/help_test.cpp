@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
+#include <objbase.h>
 #include <optional>
 #include <shellapi.h>
 
@@ -16,6 +17,14 @@ std::optional<std::wstring> path; ///< the value "Path"; none: there is no such 
 std::string openedKey;
 std::vector<std::string> executed;
 HWND executedFor = nullptr;
+HRESULT apartmentAsked = E_FAIL; ///< what the shell found on its thread
+APTTYPE apartmentFound = APTTYPE_CURRENT;
+
+HRESULT apartment(APTTYPE& type)
+{
+    APTTYPEQUALIFIER more;
+    return CoGetApartmentType(&type, &more);
+}
 
 LSTATUS WINAPI openKey(HKEY root, const wchar_t* name, HKEY* key)
 {
@@ -50,6 +59,7 @@ HINSTANCE WINAPI execute(HWND owner, const wchar_t* verb, const wchar_t* file, c
                          const wchar_t* directory, INT show)
 {
     executedFor = owner;
+    apartmentAsked = apartment(apartmentFound);
     executed = {orNull(verb), orNull(file), orNull(parameters), orNull(directory), std::to_string(show)};
     return reinterpret_cast<HINSTANCE>(UINT_PTR{SE_ERR_FNF});
 }
@@ -117,4 +127,30 @@ TEST(HelpSystemTest, AMissingFileIsNotReported)
         },
         reinterpret_cast<LPARAM>(&dialogs));
     EXPECT_EQ(dialogs, 0);
+}
+
+TEST_F(HelpTest, TheShellFindsComAlsoOnAThreadThatHasNone)
+{
+    APTTYPE type;
+    ASSERT_EQ(apartment(type), CO_E_NOTINITIALIZED);
+    showHelp(nullptr);
+    EXPECT_EQ(apartmentAsked, S_OK);
+    EXPECT_TRUE(apartmentFound == APTTYPE_STA || apartmentFound == APTTYPE_MAINSTA);
+    EXPECT_EQ(apartment(type), CO_E_NOTINITIALIZED);
+}
+
+TEST_F(HelpTest, AThreadThatHasChosenItsApartmentKeepsIt)
+{
+    for (const DWORD kind : {COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED}) {
+        ASSERT_EQ(CoInitializeEx(nullptr, kind), S_OK);
+        APTTYPE before;
+        ASSERT_EQ(apartment(before), S_OK);
+        showHelp(nullptr);
+        EXPECT_EQ(apartmentFound, before);
+        APTTYPE after;
+        EXPECT_EQ(apartment(after), S_OK);
+        EXPECT_EQ(after, before);
+        CoUninitialize();
+        EXPECT_EQ(apartment(after), CO_E_NOTINITIALIZED); // counted neither once more nor once less
+    }
 }

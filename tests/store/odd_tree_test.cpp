@@ -1,4 +1,5 @@
 // Sizes of trees with links, of trees that refuse, that change meanwhile, that are as deep as a path can be.
+#include "debug_lines.h"
 #include "tree_test.h"
 
 #include "tests/support/import_patch.h"
@@ -11,35 +12,40 @@ using namespace store_test;
 
 using OddTreeTest = TreeTest;
 
+/// A list of the account that owns a file.
+Sids ownersOf(const std::wstring& file)
+{
+    alignas(SECURITY_DESCRIPTOR) BYTE descriptor[256];
+    DWORD needed = 0;
+    PSID owner = nullptr;
+    BOOL isDefault = FALSE;
+    EXPECT_TRUE(
+        GetFileSecurityW(file.c_str(), OWNER_SECURITY_INFORMATION, descriptor, sizeof descriptor, &needed));
+    EXPECT_TRUE(GetSecurityDescriptorOwner(descriptor, &owner, &isDefault));
+    return Sids(appendToSidList(createEmptySidList(), sidDup(owner)));
+}
+
 // ---- things that a tree does only now and then
 
 std::wstring changedName;
 DWORD changedAttributes = 0;
 
-void change(WIN32_FIND_DATAW* found)
+BOOL WINAPI readChanged(HANDLE folder, FILE_INFO_BY_HANDLE_CLASS what, void* buffer, DWORD size)
 {
-    if (found->cFileName == changedName) {
-        found->dwFileAttributes |= changedAttributes;
+    if (!GetFileInformationByHandleEx(folder, what, buffer, size)) {
+        return FALSE;
     }
-}
-
-HANDLE WINAPI findFirstChanged(const wchar_t* name, FINDEX_INFO_LEVELS level, void* found,
-                               FINDEX_SEARCH_OPS search, void* filter, DWORD flags)
-{
-    const HANDLE handle = FindFirstFileExW(name, level, found, search, filter, flags);
-    if (handle != INVALID_HANDLE_VALUE) {
-        change(static_cast<WIN32_FIND_DATAW*>(found));
+    EXPECT_EQ(what, FileIdBothDirectoryInfo);
+    for (auto* bytes = static_cast<std::byte*>(buffer);;) {
+        auto* entry = reinterpret_cast<FILE_ID_BOTH_DIR_INFO*>(bytes);
+        if (std::wstring_view(entry->FileName, entry->FileNameLength / sizeof(wchar_t)) == changedName) {
+            entry->FileAttributes |= changedAttributes;
+        }
+        if (entry->NextEntryOffset == 0) {
+            return TRUE;
+        }
+        bytes += entry->NextEntryOffset;
     }
-    return handle;
-}
-
-BOOL WINAPI findNextChanged(HANDLE handle, WIN32_FIND_DATAW* found)
-{
-    const BOOL done = FindNextFileW(handle, found);
-    if (done) {
-        change(found);
-    }
-    return done;
 }
 
 TEST_F(OddTreeTest, LinksAreNotFollowed)
@@ -51,12 +57,14 @@ TEST_F(OddTreeTest, LinksAreNotFollowed)
     EXPECT_EQ(getRealSize(top_.c_str()), 1005);
 
     // What a folder shows of a link or a mount point is this attribute.
-    const ImportPatch first(storeModule(), "FindFirstFileExW", &findFirstChanged);
-    const ImportPatch next(storeModule(), "FindNextFileW", &findNextChanged);
-    ASSERT_EQ(first.count() + next.count(), 2);
+    const ImportPatch read(storeModule(), "GetFileInformationByHandleEx", &readChanged);
+    ASSERT_EQ(read.count(), 1);
     changedName = L"link";
     changedAttributes = FILE_ATTRIBUTE_REPARSE_POINT;
+    const DebugLines debug;
     EXPECT_EQ(getRealSize(top_.c_str()), 5);
+    EXPECT_EQ(debug.with("1 link under"), 1);
+    EXPECT_STREQ(lornixLastError(), L"") << "a link is no failure";
     EXPECT_EQ(getRealSize(in(L"link").c_str()), 1000) << "a link that is named itself is meant";
 }
 
@@ -75,8 +83,8 @@ TEST_F(OddTreeTest, RealLinksAreNotFollowed)
 TEST_F(OddTreeTest, FilesThatOnlyLookLikeLinksCount)
 {
     makeFile(in(L"deduplicated"), 5);
-    const ImportPatch first(storeModule(), "FindFirstFileExW", &findFirstChanged);
-    const ImportPatch next(storeModule(), "FindNextFileW", &findNextChanged);
+    const ImportPatch read(storeModule(), "GetFileInformationByHandleEx", &readChanged);
+    ASSERT_EQ(read.count(), 1);
     changedName = L"deduplicated";
     changedAttributes = FILE_ATTRIBUTE_REPARSE_POINT;
     EXPECT_EQ(getRealSize(top_.c_str()), 5);
@@ -84,41 +92,133 @@ TEST_F(OddTreeTest, FilesThatOnlyLookLikeLinksCount)
 
 std::wstring deniedName;
 
-HANDLE WINAPI findFirstDenied(const wchar_t* name, FINDEX_INFO_LEVELS level, void* found,
-                              FINDEX_SEARCH_OPS search, void* filter, DWORD flags)
+bool isDenied(const wchar_t* name)
 {
-    if (std::wstring_view(name).ends_with(deniedName + L"\\*")) {
+    return std::filesystem::path(name).parent_path().filename() == deniedName ||
+           std::filesystem::path(name).filename() == deniedName;
+}
+
+HANDLE WINAPI openDenied(const wchar_t* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                         DWORD disposition, DWORD flags, HANDLE templateFile)
+{
+    if (isDenied(name)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return INVALID_HANDLE_VALUE;
     }
-    return FindFirstFileExW(name, level, found, search, filter, flags);
+    return CreateFileW(name, access, share, security, disposition, flags, templateFile);
 }
 
-TEST_F(OddTreeTest, FoldersThatDenyAccessCountAsEmpty)
+TEST_F(OddTreeTest, FoldersThatDenyAccessAreCountedAndTold)
 {
     makeFile(in(L"a"), 5);
     makeFolder(in(L"denied"));
     makeFile(in(L"denied\\b"), 1000);
     makeFolder(in(L"open"));
     makeFile(in(L"open\\c"), 70);
-    const ImportPatch first(storeModule(), "FindFirstFileExW", &findFirstDenied);
-    ASSERT_EQ(first.count(), 1);
+    makeFolder(in(L"open\\denied"));
+    const ImportPatch open(storeModule(), "CreateFileW", &openDenied);
+    ASSERT_EQ(open.count(), 1);
     deniedName = L"denied";
     EXPECT_EQ(getRealSize(top_.c_str()), 75);
-    EXPECT_STREQ(lornixLastError(), L"");
+    EXPECT_TRUE(reported(L"2 folders under \"" + top_ + L"\" could not be read and did not count"));
+    EXPECT_TRUE(reported(L"denied\": ")) << "the first of them";
+    EXPECT_TRUE(reported(L"(error 5)"));
+    EXPECT_EQ(getRealSize(in(L"open").c_str()), 70);
+    EXPECT_TRUE(reported(L"1 folder under"));
     EXPECT_EQ(getRealSize(in(L"denied").c_str()), 0);
+    EXPECT_TRUE(reported(L"cannot be measured"));
     EXPECT_TRUE(reported(L"(error 5)"));
 }
 
-std::wstring vanishing;
-int steps = 0;
-
-BOOL WINAPI findNextVanishing(HANDLE handle, WIN32_FIND_DATAW* found)
+/// Whether the calling thread acts with the right to read for backups switched on.
+bool mayBackUp()
 {
-    if (++steps == 4) {
+    HANDLE token = nullptr;
+    if (!OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token)) {
+        return false;
+    }
+    PRIVILEGE_SET wanted{};
+    wanted.PrivilegeCount = 1;
+    wanted.Control = PRIVILEGE_SET_ALL_NECESSARY;
+    BOOL has = FALSE;
+    EXPECT_TRUE(LookupPrivilegeValueW(nullptr, SE_BACKUP_NAME, &wanted.Privilege[0].Luid));
+    EXPECT_TRUE(PrivilegeCheck(token, &wanted, &has));
+    CloseHandle(token);
+    return has != FALSE;
+}
+
+/// As a disk with lists of rights has it: a home folder that denies administrators, open to who makes a backup.
+HANDLE WINAPI openHome(const wchar_t* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                       DWORD disposition, DWORD flags, HANDLE templateFile)
+{
+    if (isDenied(name) && ((flags & FILE_FLAG_BACKUP_SEMANTICS) == 0 || !mayBackUp())) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return INVALID_HANDLE_VALUE;
+    }
+    return CreateFileW(name, access, share, security, disposition, flags, templateFile);
+}
+
+/// The file has no name for backups: it is denied to everybody.
+BOOL WINAPI securityOfHome(const wchar_t* name, SECURITY_INFORMATION what, void* descriptor, DWORD size,
+                           DWORD* needed)
+{
+    if (isDenied(name)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+    }
+    return GetFileSecurityW(name, what, descriptor, size, needed);
+}
+
+HANDLE WINAPI searchHome(const wchar_t* name, FINDEX_INFO_LEVELS level, void* found, FINDEX_SEARCH_OPS search,
+                         void* filter, DWORD flags)
+{
+    if (isDenied(name)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return INVALID_HANDLE_VALUE;
+    }
+    return FindFirstFileExW(name, level, found, search, filter, flags);
+}
+
+TEST_F(OddTreeTest, FoldersThatDenyAdministratorsAreReadAsForABackup)
+{
+    makeFile(in(L"a"), 5);
+    makeFolder(in(L"home"));
+    makeFile(in(L"home\\b"), 1000);
+    deniedName = L"home";
+    const ImportPatch open(storeModule(), "CreateFileW", &openHome);
+    const ImportPatch security(storeModule(), "GetFileSecurityW", &securityOfHome);
+    const ImportPatch search(storeModule(), "FindFirstFileExW", &searchHome);
+    ASSERT_EQ(open.count() + security.count(), 2);
+    EXPECT_EQ(getRealSize(top_.c_str()), 1005);
+    EXPECT_EQ(getRealSize(in(L"home").c_str()), 1000);
+    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), ownersOf(in(L"home\\b")).get()), 1005);
+    EXPECT_STREQ(lornixLastError(), L"");
+    EXPECT_FALSE(mayBackUp()) << "only while it measures";
+    HANDLE token = nullptr;
+    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token));
+}
+
+TEST_F(OddTreeTest, AThreadThatActsForSomebodyGoesOnDoingSo)
+{
+    makeFile(in(L"a"), 5);
+    ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
+    EXPECT_EQ(getRealSize(top_.c_str()), 5);
+    EXPECT_FALSE(mayBackUp());
+    HANDLE token = nullptr;
+    EXPECT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token));
+    CloseHandle(token);
+    RevertToSelf();
+}
+
+std::wstring vanishing;
+int reads = 0;
+
+BOOL WINAPI readVanishing(HANDLE folder, FILE_INFO_BY_HANDLE_CLASS what, void* buffer, DWORD size)
+{
+    if (++reads == 2) {
         EXPECT_TRUE(removeTree(vanishing));
     }
-    return FindNextFileW(handle, found);
+    return GetFileInformationByHandleEx(folder, what, buffer, size);
 }
 
 TEST_F(OddTreeTest, FoldersThatVanishMeanwhileAreLeftOut)
@@ -130,67 +230,100 @@ TEST_F(OddTreeTest, FoldersThatVanishMeanwhileAreLeftOut)
         makeFile(in(name) + L"\\below\\b", 10);
     }
     vanishing = in(L"3");
-    steps = 0;
-    const ImportPatch next(storeModule(), "FindNextFileW", &findNextVanishing);
-    ASSERT_EQ(next.count(), 1);
+    reads = 0;
+    const ImportPatch read(storeModule(), "GetFileInformationByHandleEx", &readVanishing);
+    ASSERT_EQ(read.count(), 1);
     EXPECT_EQ(getRealSize(top_.c_str()), 100);
     EXPECT_STREQ(lornixLastError(), L"");
+}
+
+int readsUntilError = 0;
+
+BOOL WINAPI readWithError(HANDLE folder, FILE_INFO_BY_HANDLE_CLASS what, void* buffer, DWORD size)
+{
+    if (readsUntilError-- == 0) {
+        SetLastError(ERROR_CRC);
+        return FALSE;
+    }
+    return GetFileInformationByHandleEx(folder, what, buffer, size);
+}
+
+TEST_F(OddTreeTest, AFolderThatBreaksOffIsTold)
+{
+    makeFolder(in(L"broken"));
+    makeFile(in(L"broken\\b"), 1000);
+    makeFile(in(L"a"), 5);
+    const ImportPatch read(storeModule(), "GetFileInformationByHandleEx", &readWithError);
+    ASSERT_EQ(read.count(), 1);
+    readsUntilError = 2; // the top: its entries and its end
+    EXPECT_EQ(getRealSize(top_.c_str()), 5);
+    EXPECT_TRUE(reported(L"1 folder under"));
+    EXPECT_TRUE(reported(L"broken\""));
+    EXPECT_TRUE(reported(L"(error 23)"));
 }
 
 // ---- a tree as deep as a path can be, which no disk has to hold
 
 constexpr std::size_t kLongestPath = 32767;
-int stepsLeft = 0; // of the folder that is open: a file, then the next folder
-int openSearches = 0;
-int mostOpenSearches = 0;
+int readsLeft = 0; // of the folder that is open: its entries, then the end
+int openFolders = 0;
+int mostOpenFolders = 0;
 
-void describeStep(WIN32_FIND_DATAW* found)
-{
-    *found = {};
-    const bool isFile = stepsLeft-- == 2;
-    wcscpy(found->cFileName, isFile ? L"f" : L"d");
-    found->dwFileAttributes = isFile ? FILE_ATTRIBUTE_NORMAL : FILE_ATTRIBUTE_DIRECTORY;
-    found->nFileSizeLow = isFile ? 1 : 0;
-}
-
-HANDLE WINAPI findFirstDeep(const wchar_t* name, FINDEX_INFO_LEVELS, void* found, FINDEX_SEARCH_OPS, void*,
-                            DWORD)
+HANDLE WINAPI openDeep(const wchar_t* name, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE)
 {
     if (wcslen(name) > kLongestPath) {
         SetLastError(ERROR_FILENAME_EXCED_RANGE);
         return INVALID_HANDLE_VALUE;
     }
-    stepsLeft = 2;
-    mostOpenSearches = std::max(mostOpenSearches, ++openSearches);
-    describeStep(static_cast<WIN32_FIND_DATAW*>(found));
-    return &openSearches;
+    readsLeft = 1;
+    mostOpenFolders = std::max(mostOpenFolders, ++openFolders);
+    return &openFolders;
 }
 
-BOOL WINAPI findNextDeep(HANDLE, WIN32_FIND_DATAW* found)
+std::byte* describe(void* buffer, const wchar_t* name, DWORD attributes, LONGLONG size)
 {
-    if (stepsLeft == 0) {
+    auto* entry = static_cast<FILE_ID_BOTH_DIR_INFO*>(buffer);
+    *entry = {};
+    entry->FileAttributes = attributes;
+    entry->EndOfFile.QuadPart = size;
+    entry->FileNameLength = static_cast<DWORD>(wcslen(name) * sizeof(wchar_t));
+    memcpy(entry->FileName, name, entry->FileNameLength);
+    entry->NextEntryOffset = static_cast<DWORD>(sizeof *entry);
+    return static_cast<std::byte*>(buffer) + entry->NextEntryOffset;
+}
+
+BOOL WINAPI readDeep(HANDLE, FILE_INFO_BY_HANDLE_CLASS, void* buffer, DWORD)
+{
+    if (readsLeft-- == 0) {
+        SetLastError(ERROR_NO_MORE_FILES);
         return FALSE;
     }
-    describeStep(found);
+    void* const folder = describe(buffer, L"f", FILE_ATTRIBUTE_NORMAL, 1);
+    describe(folder, L"d", FILE_ATTRIBUTE_DIRECTORY, 0);
+    static_cast<FILE_ID_BOTH_DIR_INFO*>(folder)->NextEntryOffset = 0;
     return TRUE;
 }
 
-BOOL WINAPI closeDeep(HANDLE)
+BOOL WINAPI closeDeep(HANDLE handle)
 {
-    --openSearches;
+    if (handle != &openFolders) {
+        return CloseHandle(handle);
+    }
+    --openFolders;
     return TRUE;
 }
 
 TEST_F(OddTreeTest, NoDepthIsTooDeep)
 {
-    const ImportPatch first(storeModule(), "FindFirstFileExW", &findFirstDeep);
-    const ImportPatch next(storeModule(), "FindNextFileW", &findNextDeep);
-    const ImportPatch close(storeModule(), "FindClose", &closeDeep);
-    ASSERT_EQ(first.count() + next.count() + close.count(), 3);
+    const ImportPatch open(storeModule(), "CreateFileW", &openDeep);
+    const ImportPatch read(storeModule(), "GetFileInformationByHandleEx", &readDeep);
+    const ImportPatch close(storeModule(), "CloseHandle", &closeDeep);
+    ASSERT_EQ(open.count() + read.count() + close.count(), 3);
     const std::size_t prefix = std::wstring(L"\\\\?\\D:").size();
-    EXPECT_EQ(getRealSize(L"D:\\"), static_cast<std::int64_t>((kLongestPath - prefix) / 2));
-    EXPECT_EQ(openSearches, 0);
-    EXPECT_EQ(mostOpenSearches, 1);
+    EXPECT_EQ(getRealSize(L"D:\\"), static_cast<std::int64_t>((kLongestPath - prefix) / 2 + 1));
+    EXPECT_TRUE(reported(L"1 folder under")) << "the one that no path leads to";
+    EXPECT_EQ(openFolders, 0);
+    EXPECT_EQ(mostOpenFolders, 1);
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #include "tests/support/faulting_call.h"
 
 #include "frame/compiler.h"
+#include "tests/support/stack_overflow.h"
+
+#include <malloc.h>
 
 namespace {
 
@@ -21,6 +24,7 @@ namespace faulting_call_detail {
 
 DWORD run(void (*call)(void*), void* context)
 {
+    guaranteeStackForHandlers();
     DWORD code = 0;
     // The code is taken in the filter: not every compiler knows it any more in the block that follows.
     __try
@@ -28,6 +32,9 @@ DWORD run(void (*call)(void*), void* context)
         return runCatching(call, context);
     } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
     {
+        if (code == EXCEPTION_STACK_OVERFLOW) {
+            _resetstkoflw(); // for the next one
+        }
         return code;
     }
 }

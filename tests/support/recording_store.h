@@ -11,11 +11,24 @@
 #include <vector>
 
 /// What a store call can be made to raise.
-enum class Fault { None, AccessViolation, DivideByZero, CppException, ForeignException };
+enum class Fault {
+    None,
+    AccessViolation,
+    DivideByZero,
+    CppException,
+    ForeignException,
+    OtherCppException, ///< of another maker's language runtime
+    ManagedException,
+    Breakpoint,
+    HeapCorruption, ///< as the system reports it
+    StackOverflow,
+};
 
 /// All kinds but None, for tests that go through them.
-inline constexpr Fault kEveryFault[] = {Fault::AccessViolation, Fault::DivideByZero, Fault::CppException,
-                                        Fault::ForeignException};
+inline constexpr Fault kEveryFault[] = {
+    Fault::AccessViolation,  Fault::DivideByZero,      Fault::CppException,
+    Fault::ForeignException, Fault::OtherCppException, Fault::ManagedException,
+    Fault::Breakpoint,       Fault::HeapCorruption,    Fault::StackOverflow};
 
 /// Shown by the names of tests that go through the kinds.
 const char* faultName(Fault fault);

@@ -58,7 +58,8 @@ HWND focusIn(HWND window)
 {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
-    if (GetForegroundWindow() != window || !GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info))
+    if (GetForegroundWindow() != window ||
+        !GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info))
     {
         return nullptr;
     }

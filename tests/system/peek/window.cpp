@@ -20,7 +20,8 @@ std::wstring wide(const std::string& bytes)
 {
     const auto count = static_cast<int>(bytes.size());
     std::wstring text(bytes.size(), L'\0');
-    text.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), count, text.data(), count)));
+    text.resize(
+        static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), count, text.data(), count)));
     return text;
 }
 

@@ -1,0 +1,184 @@
+// The exports about sizes: bytes under a folder, of all files and of the files of some accounts.
+#include "lornix/disk/file.h"
+#include "lornix/last_error.h"
+#include "lornix/sid.h"
+#include "lornix/sizes/backup_right.h"
+#include "lornix/sizes/measured_trees.h"
+#include "lornix/text/folder_key.h"
+#include "lornix/text/wide_text.h"
+#include "store/lornix.h"
+
+#include <algorithm>
+
+namespace lornix {
+namespace {
+
+MeasuredTrees trees;
+LastWalk lastWalk;
+
+/// A folder to be measured.
+struct Named {
+    std::wstring path;
+    std::u16string key; ///< the same for every spelling
+
+    explicit Named(const wchar_t* folder)
+        : path(folder)
+        , key(folderKey(fromWide(longPath(path))))
+    {
+    }
+
+    /// When the folder itself was changed: cheap, and most changes of a small tree show there.
+    std::uint64_t time() const
+    {
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        GetFileAttributesExW(longPath(path).c_str(), GetFileExInfoStandard, &data);
+        return static_cast<std::uint64_t>(data.ftLastWriteTime.dwHighDateTime) << 32 |
+               data.ftLastWriteTime.dwLowDateTime;
+    }
+};
+
+std::wstring counted(std::uint64_t count, const wchar_t* one, const wchar_t* many)
+{
+    return std::to_wstring(count) + L' ' + (count == 1 ? one : many);
+}
+
+std::wstring quoted(const std::wstring& text)
+{
+    return L'"' + text + L'"';
+}
+
+void tell(const Walked& walked, const Named& folder)
+{
+    if (walked.error != ERROR_SUCCESS) {
+        report(L"The folder " + quoted(folder.path) + L" cannot be measured: " + reasonOf(walked.error));
+    }
+    if (walked.links != 0) {
+        // Nearly every disk has some, and what they lead to is measured where it stands.
+        ODS("lornix: %ls under \"%ls\" not followed\n", counted(walked.links, L"link", L"links").c_str(),
+            folder.path.c_str());
+    }
+    if (const Unread& unread = walked.unread; unread.count != 0) {
+        report(counted(unread.count, L"folder", L"folders") + L" under " + quoted(folder.path) +
+               L" could not be read and did not count, first " + quoted(unread.first) + L": " +
+               reasonOf(unread.error));
+    }
+}
+
+void tellOwners(const Unread& unread, const Named& folder)
+{
+    if (unread.count != 0) {
+        report(L"The owner of " + counted(unread.count, L"file", L"files") + L" under " +
+               quoted(folder.path) + L", with " +
+               counted(static_cast<std::uint64_t>(unread.bytes), L"byte", L"bytes") +
+               L", could not be read, first of " + quoted(unread.first) + L": " + reasonOf(unread.error));
+    }
+}
+
+/// @param each  gets the walk at each file.
+template <class Each>
+Walked walk(const Named& folder, Each each)
+{
+    TreeWalk tree(folder.path);
+    runThen(
+        [&] {
+            while (tree.next()) {
+                each(tree);
+            }
+        },
+        [&] { tree.close(); });
+    return tree.walked();
+}
+
+Walked lookAt(const Named& folder)
+{
+    Walked walked;
+    withBackupRight([&] { walked = walk(folder, [](const TreeWalk&) {}); });
+    return walked;
+}
+
+bool isGiven(const wchar_t* folder)
+{
+    const bool given = folder != nullptr && *folder != L'\0';
+    if (!given) {
+        report(L"No folder was given to measure.");
+    }
+    return given;
+}
+
+std::vector<std::string> ownersIn(const SidList& list)
+{
+    std::vector<std::string> owners;
+    void* const* sids = list.sids;
+    for (std::int32_t i = 0; i < list.count; ++i) {
+        if (isSid(sids[i])) {
+            const auto bytes = sidBytes(sids[i]);
+            owners.emplace_back(bytes.begin(), bytes.end());
+        }
+    }
+    std::sort(owners.begin(), owners.end());
+    owners.erase(std::unique(owners.begin(), owners.end()), owners.end());
+    return owners;
+}
+
+/// Walks and reads the owner of every file.
+std::shared_ptr<const OwnedBytes> measure(const Named& folder, Walked& walked)
+{
+    std::shared_ptr<const OwnedBytes> owned;
+    OwnerSums sums;
+    const auto read = [&] {
+        walked = walk(folder, [&](TreeWalk& tree) { sums.add(tree.path(), tree.size()); });
+        owned = std::make_shared<const OwnedBytes>(sums.finish());
+    };
+    runThen([&] { withBackupRight(read); }, [&] { sums.stop(); });
+    if (walked.error == ERROR_SUCCESS) {
+        trees.keep(folder.key, walked.look, owned);
+    }
+    return owned;
+}
+
+} // namespace
+} // namespace lornix
+
+int64_t getRealSize(const wchar_t* folder)
+{
+    using namespace lornix;
+    return reporting<int64_t>(0, [&]() -> int64_t {
+        if (!isGiven(folder)) {
+            return 0;
+        }
+        const Named named(folder);
+        const std::uint64_t time = named.time();
+        const Walked walked = lookAt(named);
+        lastWalk.keep(named.key, time, walked);
+        tell(walked, named);
+        return walked.look.bytes;
+    });
+}
+
+int64_t getRealSizeByOwner(const wchar_t* folder, const SidList* accounts)
+{
+    using namespace lornix;
+    if (accounts == nullptr) {
+        return 0;
+    }
+    return reporting<int64_t>(0, [&]() -> int64_t {
+        const std::vector<std::string> owners = ownersIn(*accounts);
+        if (owners.empty() || !isGiven(folder)) {
+            return 0;
+        }
+        const Named named(folder);
+        Walked walked;
+        std::shared_ptr<const OwnedBytes> owned;
+        if (trees.knows(named.key)) { // otherwise a look would be one walk more
+            const auto last = lastWalk.take(named.key, named.time());
+            walked = last ? *last : lookAt(named);
+            owned = trees.find(named.key, walked.look);
+        }
+        if (owned == nullptr) {
+            owned = measure(named, walked);
+        }
+        tell(walked, named);
+        tellOwners(owned->unread, named);
+        return owned->of(owners);
+    });
+}

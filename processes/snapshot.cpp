@@ -1,0 +1,63 @@
+#include "processes/enumerators.h"
+#include "processes/loaded_library.h"
+
+#include <cstddef>
+#include <cwchar>
+#include <tlhelp32.h>
+
+static_assert(sizeof(PROCESSENTRY32W) == 568 && offsetof(PROCESSENTRY32W, szExeFile) == 44);
+
+namespace {
+
+struct SnapshotApi {
+    decltype(CreateToolhelp32Snapshot)* create = nullptr;
+    decltype(Process32FirstW)* first = nullptr;
+    decltype(Process32NextW)* next = nullptr;
+
+    bool find()
+    {
+        HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
+        return lookUp(kernel, "CreateToolhelp32Snapshot", create) &&
+               lookUp(kernel, "Process32FirstW", first) && lookUp(kernel, "Process32NextW", next);
+    }
+};
+
+const wchar_t* imageName(const PROCESSENTRY32W& entry)
+{
+    // The platform writes back how much of the entry it filled.
+    if (entry.dwSize <= offsetof(PROCESSENTRY32W, szExeFile)) {
+        return nullptr;
+    }
+    // The backslash stays in front of the name. Wanted: hosts cut after the last backslash themselves.
+    const wchar_t* backslash = std::wcsrchr(entry.szExeFile, L'\\');
+    return backslash != nullptr ? backslash : entry.szExeFile;
+}
+
+} // namespace
+
+int enumerateProcessSnapshot(const wchar_t* /*machine*/, ProcessCallback callback, void* context)
+{
+    SnapshotApi api;
+    if (!api.find()) {
+        SetLastError(ERROR_PROC_NOT_FOUND);
+        return 0;
+    }
+    HANDLE snapshot = api.create(TH32CS_SNAPPROCESS, 0);
+    if (snapshot == INVALID_HANDLE_VALUE) {
+        return 0;
+    }
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof entry;
+    if (!api.first(snapshot, &entry)) {
+        // The snapshot stays open. Wanted: closing it would overwrite the error that hosts read.
+        return 0;
+    }
+    do {
+        if (callback(entry.th32ProcessID, imageName(entry), context) == 0) {
+            break;
+        }
+        entry.dwSize = sizeof entry;
+    } while (api.next(snapshot, &entry));
+    CloseHandle(snapshot);
+    return 1;
+}

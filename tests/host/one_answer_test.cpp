@@ -1,0 +1,66 @@
+// One answer to many notifications.
+#include "host/one_answer.h"
+
+#include <gtest/gtest.h>
+
+using host::OneAnswer;
+
+namespace {
+
+constexpr UINT kMessage = WM_APP + 7;
+
+class OneAnswerTest : public testing::Test {
+protected:
+    ~OneAnswerTest() override { DestroyWindow(window_); }
+
+    void change(UINT from, UINT to, UINT what = LVIF_STATE)
+    {
+        NMLISTVIEW notification{};
+        notification.uChanged = what;
+        notification.uOldState = from;
+        notification.uNewState = to;
+        answer_.heard(notification);
+    }
+
+    /// Messages that have been posted; they are taken away.
+    int posted() const
+    {
+        int count = 0;
+        for (MSG message{}; PeekMessageW(&message, window_, kMessage, kMessage, PM_REMOVE) != FALSE;) {
+            ++count;
+        }
+        return count;
+    }
+
+    HWND window_ = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    OneAnswer answer_{window_, kMessage};
+};
+
+} // namespace
+
+TEST_F(OneAnswerTest, ManyRowsHaveOne)
+{
+    for (int i = 0; i < 1000; ++i) {
+        change(0, LVIS_SELECTED);
+        change(LVIS_SELECTED, 0);
+    }
+    EXPECT_EQ(posted(), 1);
+}
+
+TEST_F(OneAnswerTest, TheNextHasItsOwn)
+{
+    change(0, LVIS_SELECTED | LVIS_FOCUSED);
+    EXPECT_EQ(posted(), 1);
+    answer_.arrived();
+    change(LVIS_SELECTED, 0);
+    EXPECT_EQ(posted(), 1);
+}
+
+TEST_F(OneAnswerTest, WhatLeavesTheSelectionAsItIsHasNone)
+{
+    change(0, LVIS_FOCUSED);
+    change(LVIS_SELECTED, LVIS_SELECTED | LVIS_FOCUSED);
+    change(0, 0, LVIF_TEXT);
+    change(0, LVIS_SELECTED, LVIF_TEXT);
+    EXPECT_EQ(posted(), 0);
+}

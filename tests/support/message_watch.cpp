@@ -1,0 +1,25 @@
+#include "tests/support/message_watch.h"
+
+#include <commctrl.h>
+
+#include <utility>
+
+MessageWatch::MessageWatch(HWND window, Tell tell)
+    : window_(window)
+    , tell_(std::move(tell))
+{
+    SetWindowSubclass(window_, procedure, reinterpret_cast<UINT_PTR>(this),
+                      reinterpret_cast<DWORD_PTR>(this));
+}
+
+MessageWatch::~MessageWatch()
+{
+    RemoveWindowSubclass(window_, procedure, reinterpret_cast<UINT_PTR>(this));
+}
+
+LRESULT CALLBACK MessageWatch::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                         DWORD_PTR self)
+{
+    reinterpret_cast<MessageWatch*>(self)->tell_(message, wParam, lParam);
+    return DefSubclassProc(window, message, wParam, lParam);
+}

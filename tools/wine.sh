@@ -76,17 +76,19 @@ stop_left() {
 }
 
 # build_preset PRESET [ARGUMENT OF cmake --build ...]: ninja has no lock of its own. Somebody who watches sees how far it is.
-build_preset() (
-    preset=$1 ninja=(--quiet)
-    shift
-    lock_wait "$checkout/build/$preset.lock" "the build in build/$preset"
-    [ ! -t 1 ] || ninja=()
-    # Once it is set up, the build itself sees what changed in how it is set up, but for the presets.
-    [ "build/$preset/build.ninja" -nt CMakePresets.json ] || cmake --preset "$preset" >/dev/null ||
-        die "The build folder build/$preset could not be set up."
-    NINJA_STATUS='   %p ' cmake --build --preset "$preset" "$@" -- "${ninja[@]}" ||
-        die "The build of $preset failed; the reason stands above."
-)
+build_preset() {
+    (
+        preset=$1 ninja=(--quiet)
+        shift
+        lock_wait "$checkout/build/$preset.lock" "the build in build/$preset"
+        [ ! -t 1 ] || ninja=()
+        # Once it is set up, the build itself sees what changed in how it is set up, but for the presets.
+        [ "build/$preset/build.ninja" -nt CMakePresets.json ] || cmake --preset "$preset" >/dev/null ||
+            die "The build folder build/$preset could not be set up."
+        NINJA_STATUS='   %p ' cmake --build --preset "$preset" "$@" -- "${ninja[@]}" ||
+            die "The build of $preset failed; the reason stands above."
+    ) || exit
+}
 
 # ---- the runtime ----
 

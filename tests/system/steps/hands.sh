@@ -8,13 +8,20 @@ type_text() { xdotool type --delay 2 -- "$1"; }
 at() { wait_for "a place to click: $*" finds_place "$@"; }
 finds_place() { place=$(peek "$@"); }
 
-# mouse TIMES REQUEST...: moves to a place and presses the left button there.
+# mouse TIMES REQUEST...: moves to a place and presses the left button there. Single clicks stand a little beside the
+# last one: two in a row on the same control would be a double click.
+beside=5
 mouse() {
     at "${@:2}"
-    local presses=(mousedown 1 mouseup 1)
-    [ "$1" = 1 ] || presses+=("${presses[@]}")
-    # shellcheck disable=SC2086 # two words: x and y
-    xdotool mousemove $place "${presses[@]}"
+    # shellcheck disable=SC2206 # two words: x and y
+    local hand=(mousemove $place)
+    if [ "$1" = 1 ]; then
+        beside=$((-beside))
+        hand+=(mousemove_relative -- "$beside" 0 mousedown 1 mouseup 1)
+    else
+        hand+=(mousedown 1 mouseup 1 mousedown 1 mouseup 1)
+    fi
+    xdotool "${hand[@]}"
 }
 with_ctrl() {
     xdotool keydown ctrl
@@ -24,14 +31,7 @@ with_ctrl() {
 click() { mouse 1 point "$@"; }
 click_row() { mouse 1 cell "$1" "$2" "$3" 0; }
 double_click_row() { mouse 2 cell "$1" "$2" "$3" 0; }
-# Each click stands a little beside the last one, or two of them would be a double click.
-beside=8
-click_heading() {
-    beside=$((-beside))
-    at header "$1" "$2" "$3"
-    # shellcheck disable=SC2086 # two words: x and y
-    xdotool mousemove $place mousemove_relative -- "$beside" 0 click 1
-}
+click_heading() { mouse 1 header "$1" "$2" "$3"; }
 
 # fill TITLE CONTROL TEXT: clicks into a field and replaces what stands there.
 fill() {

@@ -37,6 +37,8 @@ wait_saved
 step 'a new rule is stored as if nothing had been'
 add_rule 60M 50M
 press ctrl+s
+wait_store_box 'The rules are stored. There is more to know:'
+answer 'Quota Store' Return
 wait_saved
 host_close
 expect_limits 'One|62914560|52428800'

@@ -132,7 +132,7 @@ store_rules() {
 }
 
 # in_file NAME: the entries in a file of the store, words parted by blanks.
-in_file() { tr -d '\r' <"$data/$1" | grep -v '^#' | tr '\t' ' ' | sed '1d;$d'; }
+in_file() { tr -d '\r' <"$data/$1" | grep -v -e '^#' -e '^checksum' | tr '\t' ' ' | sed '1d;$d'; }
 expect_file() { expect "what is stored in $1" "$2" "$(in_file "$1")"; }
 
 # block, unblock: the store cannot write, and can again. For a user whom no permission holds back, a file stands in

@@ -129,8 +129,7 @@ wait_status '62 rules in 2 folders'
 press alt+u Home space
 wait_shows 0 chosen "$panel" IDC_RULES
 at point "$panel" IDC_RULES
-# shellcheck disable=SC2086 # two words: x and y
-xdotool mousemove $place click --repeat 30 --delay 2 5
+peek wheel 30 "$x" "$y"
 height_of() { peek "$@" | cut -d ' ' -f 2; }
 row_0_is_above() { [ "$(height_of cell "$panel" IDC_RULES 0 1)" -lt "$(height_of header "$panel" IDC_RULES 1)" ]; }
 wait_for 'the first row out of sight' row_0_is_above

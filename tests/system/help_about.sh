@@ -34,7 +34,7 @@ registry add "$key" /v Path /d 'C:\Quota\product' || fail 'the registry cannot b
 registry add 'HKLM\Software\Classes\.chm' /ve /d corvane.test.help
 registry add 'HKLM\Software\Classes\corvane.test.help\shell\open\command' /ve /d 'C:\windows\notepad.exe "%1"'
 press F1
-wait_program vantrel40
+wait_window vantrel40
 press alt+F4
 wait_gone vantrel40
 wait_window "$panel"

@@ -2,7 +2,6 @@
 # The whole job without a mouse: every control is reached, every command has its key.
 . "$(dirname "$0")/story.sh"
 story_begin "$1" "$2" One Two
-xdotool mousemove 0 0
 mouse() { fail 'the mouse was used'; }
 
 step 'start with the focus in the folder field'

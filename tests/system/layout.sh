@@ -7,17 +7,15 @@ story_begin "$1" "$2" One
 drag_corner() {
     local area
     read -r -a area <<<"$(peek extent)"
-    xdotool mousemove $((area[0] + area[2] - 2)) $((area[1] + area[3] - 2)) mousedown 1 \
-        mousemove_relative -- "$1" "$2" mouseup 1
+    peek drag $((area[0] + area[2] - 2)) $((area[1] + area[3] - 2)) "$1" "$2" || fail "the window does not follow"
 }
 extent_is() { [ "$(peek extent | cut -d ' ' -f 3-)" = "$1" ]; }
 # place ID: the middle of a control, counted from the window's lower right corner.
 place() {
-    local area middle
+    local area
     read -r -a area <<<"$(peek extent)"
     wait_for "the place of the control $1" finds_place point "$panel" "$1"
-    read -r -a middle <<<"$place"
-    echo "$((area[0] + area[2] - middle[0])) $((area[1] + area[3] - middle[1]))"
+    echo "$((area[0] + area[2] - x)) $((area[1] + area[3] - y))"
 }
 
 host_start
@@ -45,9 +43,9 @@ expect 'the place of Apply at the lower right' "$apply" "$(place IDC_APPLY)"
 expect 'the height of the check box' "$owners_first" "$(height_of IDC_OWNERS_FIRST)"
 # The buttons of the two groups do not meet, and there is room for rows.
 wait_for 'the place of Drop' finds_place point "$panel" IDC_DROP
-read -r drop _ <<<"$place"
+drop=$x
 wait_for 'the place of Reload' finds_place point "$panel" IDC_RELOAD
-read -r reload _ <<<"$place"
+reload=$x
 [ $((reload - drop)) -ge 60 ] || fail "Drop and Reload stand $((reload - drop)) apart"
 add_folder "$tree\\One"
 add_rule 30M 20M

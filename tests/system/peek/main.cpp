@@ -1,5 +1,5 @@
-// Tells a script what stands in the windows of another program, and where: the script then clicks and types
-// with the real mouse and keyboard. What the system tells windows by itself, it can tell as well.
+// The eyes and hands of a script: tells what stands in the windows of another program, and where, and presses keys and
+// mouse buttons. What the system tells windows by itself, it can tell as well.
 //
 // Reads requests from standard input, a line each, words parted by tabs, in UTF-8; each answer is any number of lines
 // and a last one of the byte 4 and a number: 0; 1 when there is no such window, control or row; 2 when the request is
@@ -27,11 +27,18 @@
 //   header TITLE ID COLUMN          the middle of a column heading
 //   filter TITLE ID COLUMN          the middle of the filter under a column heading
 //   entry TITLE ID NUMBER           a place on an entry of a list box
+//   press KEY                       presses a key, alone or with others: Return, alt+F4
+//   type TEXT                       types it
+//   click TIMES X Y                 presses the left button
+//   ctrl-click TIMES X Y            the same with Ctrl held down
+//   drag X Y BY_X BY_Y              drags the frame of a window
+//   wheel NOTCHES X Y               turns the wheel
 //   close TITLE                     tells a window to close, as another program can at any time
 //   endsession TITLE                yes or no: whether a window lets the session end, which does not end by that
 //
 // TITLE is how the title of a visible top-level window begins, ID the name of a control in one of the resource.h.
 #include "control_names.h"
+#include "input.h"
 #include "lists.h"
 #include "tree.h"
 #include "window.h"
@@ -175,6 +182,16 @@ bool look(const std::vector<std::wstring>& words)
         const bool mayEnd = send(window, WM_QUERYENDSESSION) != 0;
         send(window, WM_ENDSESSION, FALSE);
         printYesOrNo(mayEnd);
+    } else if (request == L"press" && count == 2) {
+        pressKey(words[1]);
+    } else if (request == L"type" && count == 2) {
+        typeText(words[1]);
+    } else if ((request == L"click" || request == L"ctrl-click") && count == 4) {
+        clickAt(number(2), number(3), number(1), request == L"ctrl-click");
+    } else if (request == L"drag" && count == 5) {
+        dragFrame(number(1), number(2), number(3), number(4));
+    } else if (request == L"wheel" && count == 4) {
+        turnWheel(number(2), number(3), number(1));
     } else if (kOfControl.contains(request) && count == 3) {
         kOfControl.at(request)(control());
     } else if (kOfRow.contains(request) && count == 4) {

@@ -1,32 +1,34 @@
 # shellcheck shell=bash
 # Keys and mouse.
 
-press() { xdotool key --delay 4 "$@"; }
-type_text() { xdotool type --delay 2 -- "$1"; }
+press() {
+    local key
+    for key; do
+        peek press "$key" || fail "the key $key"
+    done
+}
+type_text() { [ -z "$1" ] || peek type "$1" || fail "typing $1"; }
 
-# at REQUEST...: waits for a place that peek names; it is in $place then.
+# at REQUEST...: waits for a place that peek names; it is in $x and $y then.
 at() { wait_for "a place to click: $*" finds_place "$@"; }
-finds_place() { place=$(peek "$@"); }
+finds_place() {
+    local place
+    place=$(peek "$@") && read -r x y <<<"$place"
+}
 
-# mouse TIMES REQUEST...: moves to a place and presses the left button there. Single clicks stand a little beside the
-# last one: two in a row on the same control would be a double click.
+# mouse TIMES REQUEST...: presses the left button at a place. Single clicks stand a little beside the last one: two in a
+# row on the same control would be a double click.
 beside=5
+click_kind=click
 mouse() {
     at "${@:2}"
-    # shellcheck disable=SC2206 # two words: x and y
-    local hand=(mousemove $place)
-    if [ "$1" = 1 ]; then
-        beside=$((-beside))
-        hand+=(mousemove_relative -- "$beside" 0 mousedown 1 mouseup 1)
-    else
-        hand+=(mousedown 1 mouseup 1 mousedown 1 mouseup 1)
-    fi
-    xdotool "${hand[@]}"
+    [ "$1" != 1 ] || { beside=$((-beside)) && x=$((x + beside)); }
+    peek "$click_kind" "$1" "$x" "$y" || fail "a click at $x $y"
 }
 with_ctrl() {
-    xdotool keydown ctrl
+    click_kind=ctrl-click
     "$@"
-    xdotool keyup ctrl
+    click_kind=click
 }
 click() { mouse 1 point "$@"; }
 click_row() { mouse 1 cell "$1" "$2" "$3" 0; }

@@ -33,13 +33,6 @@ is_gone() {
 shows() { [ "$(peek "${@:2}")" = "$1" ]; }
 
 wait_window() { wait_for "the window \"$1\"" is_in_front "$1"; }
-# wait_program TITLE: the same where the window before was another program's: the display follows a moment later, and keys
-# that come in between are lost.
-wait_program() {
-    wait_window "$1"
-    wait_for "the keys for \"$1\"" has_keys "$1"
-}
-has_keys() { [[ $(xdotool getwindowfocus getwindowname) = "$1"* ]]; }
 wait_gone() { wait_for "the end of the window \"$1\"" is_gone "$1"; }
 
 # wait_shows WANTED REQUEST...: until a look gives this text.

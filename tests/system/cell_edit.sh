@@ -129,7 +129,7 @@ wait_status '62 rules in 2 folders'
 press alt+u Home space
 wait_shows 0 chosen "$panel" IDC_RULES
 at point "$panel" IDC_RULES
-peek wheel 30 "$x" "$y"
+wheel 30
 height_of() { peek "$@" | cut -d ' ' -f 2; }
 row_0_is_above() { [ "$(height_of cell "$panel" IDC_RULES 0 1)" -lt "$(height_of header "$panel" IDC_RULES 1)" ]; }
 wait_for 'the first row out of sight' row_0_is_above

@@ -7,7 +7,7 @@ story_begin "$1" "$2" One
 drag_corner() {
     local area
     read -r -a area <<<"$(peek extent)"
-    peek drag $((area[0] + area[2] - 2)) $((area[1] + area[3] - 2)) "$1" "$2" || fail "the window does not follow"
+    drag_frame $((area[0] + area[2] - 2)) $((area[1] + area[3] - 2)) "$1" "$2"
 }
 extent_is() { [ "$(peek extent | cut -d ' ' -f 3-)" = "$1" ]; }
 # place ID: the middle of a control, counted from the window's lower right corner.

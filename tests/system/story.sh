@@ -2,8 +2,9 @@
 # What the stories share. Each sources it, calls
 #   story_begin BUILD OUT FOLDER...    BUILD: folder of the build; OUT: folder for data, pictures and logs, emptied first;
 #                                      then an empty data folder, and a tree with one small folder of files per name
-# and drives the panel as a person does: real keys and mouse on a display of its own, and a look at what stands in its
-# windows. OUT is C:\Quota for the programs that are driven. Pictures are made when CORVANE_PICTURES names a folder for them.
+# and drives the panel as a person does, by keys and mouse, with a look at what stands in its windows. OUT is C:\Quota for
+# the programs that are driven. There is no display, unless CORVANE_PICTURES names a folder for pictures: then there is one
+# of the story's own, and its keyboard and mouse are used.
 #
 # Nothing waits for a guessed time: every wait is for a state, ends as soon as it is there, and fails after
 # $patience seconds with the name of the step.
@@ -35,10 +36,12 @@ story_begin() {
     data=$out/data
     pictures=${CORVANE_PICTURES:+$CORVANE_PICTURES/${out##*/}}
     rm -rf "$pictures"
-    wine_use screen "$prefix"
+    kind=quiet
+    [ -z "$pictures" ] || kind=screen
+    wine_use $kind "$prefix"
     # Programs see the output folder under a short name, the same on every machine.
     ln -s "$out" "$WINEPREFIX/drive_c/Quota"
-    display_start
+    [ $kind = quiet ] || display_start
     peek_start
 
     tree=$(windows_path "$out/tree")
@@ -65,7 +68,7 @@ fail() {
     echo "Windows on the screen:" >&2
     peek windows >&2
     echo "In front: $(peek foreground)" >&2
-    picture "$out/failed.png" && echo "Picture of the screen: $out/failed.png" >&2
+    [ $kind = screen ] && picture "$out/failed.png" && echo "Picture of the screen: $out/failed.png" >&2
     exit 1
 }
 

@@ -1,13 +1,25 @@
 # shellcheck shell=bash
-# Keys and mouse.
+# Keys and mouse. Without a display peek puts them where the system takes them from the devices. A display has its own
+# idea of what its keyboard and mouse do, and takes back what it does not know of: there it has to be its own keyboard.
 
 press() {
     local key
+    if [ $kind = screen ]; then
+        xdotool key --delay 4 "$@"
+        return
+    fi
     for key; do
         peek press "$key" || fail "the key $key"
     done
 }
-type_text() { [ -z "$1" ] || peek type "$1" || fail "typing $1"; }
+type_text() {
+    [ -n "$1" ] || return 0
+    if [ $kind = screen ]; then
+        xdotool type --delay 2 -- "$1"
+    else
+        peek type "$1" || fail "typing $1"
+    fi
+}
 
 # at REQUEST...: waits for a place that peek names; it is in $x and $y then.
 at() { wait_for "a place to click: $*" finds_place "$@"; }
@@ -23,7 +35,33 @@ click_kind=click
 mouse() {
     at "${@:2}"
     [ "$1" != 1 ] || { beside=$((-beside)) && x=$((x + beside)); }
-    peek "$click_kind" "$1" "$x" "$y" || fail "a click at $x $y"
+    if [ $kind = quiet ]; then
+        peek "$click_kind" "$1" "$x" "$y" || fail "a click at $x $y"
+        return
+    fi
+    local hand=(mousemove "$x" "$y" mousedown 1 mouseup 1)
+    [ "$1" = 1 ] || hand+=(mousedown 1 mouseup 1)
+    [ "$click_kind" = click ] || xdotool keydown ctrl
+    xdotool "${hand[@]}"
+    [ "$click_kind" = click ] || xdotool keyup ctrl
+}
+
+# drag_frame X Y DX DY: drags the frame of a window.
+drag_frame() {
+    if [ $kind = screen ]; then
+        xdotool mousemove "$1" "$2" mousedown 1 mousemove_relative -- "$3" "$4" mouseup 1
+    else
+        peek drag "$@" || fail 'the window does not follow the mouse'
+    fi
+}
+
+# wheel NOTCHES: turns it where the mouse is to be.
+wheel() {
+    if [ $kind = screen ]; then
+        xdotool mousemove "$x" "$y" click --repeat "$1" --delay 2 5
+    else
+        peek wheel "$1" "$x" "$y" || fail 'the wheel'
+    fi
 }
 with_ctrl() {
     click_kind=ctrl-click

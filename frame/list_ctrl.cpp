@@ -99,6 +99,13 @@ void CListCtrl::setData(int row, LPARAM data) const
     send(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
 }
 
+void CListCtrl::deselect(int row) const
+{
+    LVITEMW item{};
+    item.stateMask = LVIS_SELECTED;
+    send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
 int CListCtrl::rowOf(LPARAM data, int expected) const
 {
     if (this->data(expected) == data) {

@@ -3,6 +3,7 @@
 
 #include "frame/wnd.h"
 
+#include <cstddef>
 #include <string>
 
 /// A column of a report list view.
@@ -54,6 +55,11 @@ public:
     {
         return static_cast<int>(send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
     }
+
+    void deselect(int row) const;
+
+    /// Tells how many rows there will be, so that the control makes room for them once.
+    void makeRoomFor(std::size_t rows) const { send(LVM_SETITEMCOUNT, rows); }
 
     int selectedCount() const { return static_cast<int>(send(LVM_GETSELECTEDCOUNT)); }
 

@@ -50,13 +50,16 @@ public:
     /// Index of the row's image.
     int image(int row) const;
 
+    /// Selects a row and no other, gives it the focus and brings it into view.
+    void selectOnly(int row) const;
+
     /// @return the next selected row after `row` (-1: from the start), or -1.
     int nextSelected(int row = -1) const
     {
         return static_cast<int>(send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
     }
 
-    void deselect(int row) const;
+    void deselect(int row) const { setState(row, 0, LVIS_SELECTED); }
 
     /// Tells how many rows there will be, so that the control makes room for them once.
     void makeRoomFor(std::size_t rows) const { send(LVM_SETITEMCOUNT, rows); }
@@ -66,6 +69,9 @@ public:
     /// The topmost child window, normally the header; null when the list has none, and without a list: of no
     /// window, the platform would give the topmost one of the desktop.
     HWND topChild() const { return handle() != nullptr ? GetTopWindow(handle()) : nullptr; }
+
+private:
+    void setState(int row, UINT state, UINT mask) const;
 };
 
 /// A list-control object for the time of one call: attached to a dialog's control, never destroying it.

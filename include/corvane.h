@@ -27,6 +27,7 @@
 #define CORVANE_H
 
 #include "corvane_types.h"
+#include "corvane_version.h"
 
 #include <windows.h>
 

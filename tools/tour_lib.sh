@@ -269,6 +269,15 @@ dump() {
     return $code
 }
 
+# show_files NAME...: prints files of the store as they are.
+show_files() {
+    local name
+    for name; do
+        echo "    -- $name"
+        sed 's/^/    /' "$data/$name"
+    done
+}
+
 # stored: the same, one rule a line, sorted, without the heading: account|hard|soft|in use|folder
 stored() { dump | sed -n '2,$ { s/   */|/g; s/\([0-9]\)  *\([0-9]\)/\1|\2/g; p }' | sort; }
 

@@ -98,6 +98,7 @@ host_close
 
 step 'look at what is stored'
 dump
+show_files rules.txt
 stored_accounts() { dump | sed '1d; s/  .*//' | sort; }
 expect 'the accounts with rules' 'EXAMPLE\Accounting
 EXAMPLE\alice

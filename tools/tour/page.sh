@@ -217,6 +217,7 @@ step 'look at what is stored'
 echo
 dump
 echo
+show_files rules.txt
 expect_stored "Anyone|314572800|99614720|$users|$tree\\Users
 Anyone|524288000|419430400|$projects|$tree\\Projects
 Anyone|67108864|67108864|0|$tree\\Archive"

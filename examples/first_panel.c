@@ -86,9 +86,9 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE before, LPWSTR folder, int sho
     kind.hbrBackground = (HBRUSH)(COLOR_BTNFACE + 1);
     kind.lpszClassName = L"first_panel";
     RegisterClassW(&kind);
-    CreateWindowExW(0, kind.lpszClassName, L"First panel", WS_OVERLAPPEDWINDOW | WS_VISIBLE, CW_USEDEFAULT, 0,
-                    760, 320, NULL, NULL, instance, NULL);
-    (void)show;
+    ShowWindow(CreateWindowExW(0, kind.lpszClassName, L"First panel", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
+                               CW_USEDEFAULT, 760, 320, NULL, NULL, instance, NULL),
+               show);
     while (GetMessageW(&message, NULL, 0, 0) > 0) {
         TranslateMessage(&message);
         DispatchMessageW(&message);

@@ -1,11 +1,12 @@
-#include "quota/settings_dialog.h"
-
+// The Quota Settings dialog.
+#include "corvane.h"
 #include "frame/busy_notice.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/domain_servers.h"
 #include "frame/message_box.h"
 #include "frame/narrow_handle.h"
+#include "frame/radio_group.h"
 #include "frame/size_text.h"
 #include "frame/wait_cursor.h"
 #include "quota/limits.h"
@@ -16,6 +17,9 @@
 #include "store/lornix.h"
 
 namespace {
+
+// The choices for existing files, in their order.
+constexpr int kFilesChoices[] = {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES};
 
 class QuotaSettingsDialog : public Dialog {
 public:
@@ -135,6 +139,8 @@ void QuotaSettingsDialog::onInit()
         chooseFiles(IDC_QUOTA_ALL_FILES);
     }
 
+    keepOneTabStop(window(), kFilesChoices);
+
     const Limits limits = proposeLimits({m_rule->hardLimit, m_rule->softLimit}, m_objectSize);
     m_rule->hardLimit = limits.hard;
     m_rule->softLimit = limits.soft;
@@ -150,6 +156,7 @@ void QuotaSettingsDialog::onInit()
 
 void QuotaSettingsDialog::onFilesChoice()
 {
+    keepOneTabStop(window(), kFilesChoices);
     std::int64_t& inUse = m_rule->inUse;
     if (itemIsChecked(window(), IDC_QUOTA_ALL_FILES)) {
         inUse = m_objectSize;

@@ -1,4 +1,5 @@
 // Loading and storing the rules of folders.
+#include "lornix/accounts/remembered_names.h"
 #include "lornix/disk/kept_file.h"
 #include "lornix/disk/seen_files.h"
 #include "lornix/last_error.h"
@@ -397,7 +398,11 @@ bool Storing::store(const DataFolder& data)
 
 QuotaRule* getQuotaList(const wchar_t* folder)
 {
-    return lornix::loadRules(folder);
+    QuotaRule* const rules = lornix::loadRules(folder);
+    for (const QuotaRule* rule = rules; rule != nullptr; rule = rule->next) {
+        lornix::expectName(rule->sid); // a list shows them
+    }
+    return rules;
 }
 
 QuotaRule* lornixLoadRules(const wchar_t* folder)

@@ -14,5 +14,7 @@ long double _strtold_l(const char*, char**, _locale_t);
 extern "C++" {
 bool isnan(double) noexcept;
 bool isinf(double) noexcept;
+bool isfinite(double) noexcept;
+bool signbit(double) noexcept;
 }
 #endif

@@ -23,7 +23,6 @@ wait_window 'Select program'
 shot choose-process
 row=$(peek list 'Select program' $id_processes | grep -n -m 1 -x corvane_host.exe | cut -d : -f 1)
 double_click_row 'Select program' $id_processes $((row - 1))
-finish 'Select program'
 wait_window 'Chosen Process'
 expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' $id_message)"
 answer 'Chosen Process' Return

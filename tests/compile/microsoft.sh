@@ -3,7 +3,8 @@
 #   tests/compile/microsoft.sh BUILD OUT
 . "$(dirname "$0")/flags.sh"
 library=/usr/lib/llvm-19/include/c++/v1
-flags=("${microsoft[@]}" -std=c++20 -nostdinc++ -isystem "$library" -D_LIBCPP_NO_VCRUNTIME "${includes[@]}"
+# The library's headers come before the runtime's, which they wrap.
+flags=(-nostdinc++ -isystem "$library" "${microsoft[@]}" -std=c++20 -D_LIBCPP_NO_VCRUNTIME "${includes[@]}"
     -DUNICODE -D_UNICODE -DWIN32_LEAN_AND_MEAN -DNOMINMAX -D_WIN32_WINNT=0x0601 -DCORVANE_BUILDING -DLORNIX_BUILDING
     -Wall -Wextra -Wshadow -Wconversion -Wsign-conversion -ferror-limit=0)
 printf '#include <%s>\n' windows.h commctrl.h algorithm functional map memory optional set string unordered_map vector \

@@ -24,6 +24,7 @@ launcher=()    # a program and its options, which starts the host
 
 story_begin() {
     build=$(cd "$1" && pwd) || exit 2
+    bin=$build/bin    # where the panel that is started lies
     mkdir -p "$2" || exit 2
     out=$(cd "$2" && pwd)
     shift 2

@@ -19,6 +19,12 @@ nothing_happened() {
 }
 
 step 'the state is shown'
+# The panel's manifest asks for the highest rights there are. Newer runtimes then give it back what was taken, unasked, where
+# Windows would ask the person; so this is a copy that takes what it gets.
+bin=$out/bin
+cp -r "$build/bin" "$bin"
+sed -i 's/level="highestAvailable"/level="asInvoker"       /' "$bin/corvane_host.exe"
+grep -aq 'level="asInvoker"' "$bin/corvane_host.exe" || fail 'the panel has another manifest'
 launcher=("$(windows_path "$build/tests/system/as_plain_user.exe")")
 host_start
 wait_status 'Not an administrator: view only'

@@ -70,7 +70,7 @@ windows_path() {
 # host_launch OPTION...: starts the panel on $data.
 host_launch() {
     # It begins where nothing of this machine is in sight.
-    (cd "$WINEPREFIX/drive_c" && exec wine "${launcher[@]}" "$(windows_path "$build/bin/corvane_host.exe")" \
+    (cd "$WINEPREFIX/drive_c" && exec wine "${launcher[@]}" "$(windows_path "$bin/corvane_host.exe")" \
         --data "$(windows_path "$data")" "$@" >>"$out/host.log" 2>&1 </dev/null) &
     host_pid=$!
 }

@@ -3,7 +3,6 @@
 function(corvane_room name)
   add_library(corvane_${name} OBJECT ${ARGN})
   target_compile_definitions(corvane_${name} PRIVATE CORVANE_BUILDING)
-  target_compile_options(corvane_${name} PRIVATE -g -gcodeview)
   target_link_libraries(corvane_${name} PUBLIC corvane_logic lornix_contract)
   target_link_libraries(corvane PRIVATE corvane_${name})
 endfunction()

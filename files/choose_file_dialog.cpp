@@ -1,6 +1,7 @@
-#include "files/choose_file_dialog.h"
-
+// The "Choose file..." dialog.
+#include "corvane.h"
 #include "files/dir_tree_ctrl.h"
+#include "files/listing_thread.h"
 #include "frame/dialog.h"
 #include "frame/narrow_handle.h"
 #include "res/resource.h"
@@ -32,6 +33,14 @@ private:
     Reply onNotify(NMHDR& header) override;
     void onOk();
 
+    // A fault in it ends the listing; this dialog tells of none.
+    template <class Work>
+    static void list(Work&& work)
+    {
+        const ListingThread prepared;
+        runGuarded(work);
+    }
+
     bool m_foldersOnly;
     CDirTreeCtrl m_tree;
     std::wstring m_path;   ///< what OK hands out
@@ -47,11 +56,13 @@ void CDirDlg::onInit()
     if (m_tree.handle() == nullptr) {
         return;
     }
-    m_tree.display(nullptr, !m_foldersOnly);
-    wchar_t folder[260];
-    if (_wgetcwd(folder, static_cast<int>(std::size(folder))) != nullptr) {
-        m_tree.setSelectedPath(folder);
-    }
+    list([this] {
+        m_tree.display(nullptr, !m_foldersOnly);
+        wchar_t folder[260];
+        if (_wgetcwd(folder, static_cast<int>(std::size(folder))) != nullptr) {
+            m_tree.setSelectedPath(folder);
+        }
+    });
 }
 
 void CDirDlg::onOk()
@@ -82,7 +93,7 @@ Reply CDirDlg::onNotify(NMHDR& header)
     if (header.code != TVN_ITEMEXPANDEDW) {
         return {};
     }
-    m_tree.onItemExpanded(reinterpret_cast<const NMTREEVIEWW&>(header));
+    list([&] { m_tree.onItemExpanded(reinterpret_cast<const NMTREEVIEWW&>(header)); });
     return Reply::with(0);
 }
 

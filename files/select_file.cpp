@@ -1,6 +1,6 @@
 #include "files/select_file.h"
 
-#include "files/choose_file_dialog.h"
+#include "corvane.h"
 #include "frame/c_memory.h"
 #include "frame/system_version.h"
 

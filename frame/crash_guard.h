@@ -46,6 +46,19 @@ bool runGuarded(Work&& work)
         [](void* context) { (*static_cast<std::remove_reference_t<Work>*>(context))(); }, &work);
 }
 
+/// Raised in place of what interrupted a piece of work.
+struct Interrupted {};
+
+/// Runs work inside of other guarded work. What it raises goes on as a language exception: the destructors on the way
+/// to the outer guard run, which a processor fault would skip.
+template <class Work>
+void unwinding(Work&& work)
+{
+    if (!runGuarded(work)) {
+        throw Interrupted{};
+    }
+}
+
 /// Runs the body of a dialog procedure. When it raises anything, one line with the site goes to the debug
 /// channel and the message counts as not handled, so that the dialog stays open.
 /// @param body  callable giving the procedure's INT_PTR result.

@@ -99,6 +99,21 @@ void CListCtrl::setData(int row, LPARAM data) const
     send(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
 }
 
+void CListCtrl::selectOnly(int row) const
+{
+    const auto setState = [this](int of, UINT state, UINT mask) {
+        LVITEMW item{};
+        item.state = state;
+        item.stateMask = mask;
+        send(LVM_SETITEMSTATE, static_cast<WPARAM>(of), reinterpret_cast<LPARAM>(&item));
+    };
+    constexpr int kAll = -1;
+    setState(kAll, 0, LVIS_SELECTED);
+    setState(row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    send(LVM_SETSELECTIONMARK, 0, row); // where a selection by shift and a click starts
+    send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+
 int CListCtrl::rowOf(LPARAM data, int expected) const
 {
     if (this->data(expected) == data) {

@@ -49,6 +49,9 @@ public:
     /// Index of the row's image.
     int image(int row) const;
 
+    /// Selects a row and no other, gives it the focus and brings it into view.
+    void selectOnly(int row) const;
+
     /// @return the next selected row after `row` (-1: from the start), or -1.
     int nextSelected(int row = -1) const
     {

@@ -8,6 +8,9 @@
  * Threads     All functions are called on the thread that owns the windows passed in, and return when their
  *             work, or their modal dialog, is done. State such as the sort column is module-wide and unlocked:
  *             one dialog of a kind at a time.
+ *             A thread that shows a dialog or changes many rows keeps back 128 KiB of its stack for whoever handles
+ *             a stack overflow (SetThreadStackGuarantee), unless it keeps as much already. The platform has no
+ *             way to give that back.
  * Text        UTF-16, zero-terminated. Message boxes are shown with MessageBoxA.
  * Errors      Results, not exceptions. A function that has no result reports nothing; the store's results are
  *             mostly not checked. A fault inside a dialog is caught, one line is written to the store's debug
@@ -24,6 +27,7 @@
 #define CORVANE_H
 
 #include "corvane_types.h"
+#include "corvane_version.h"
 
 #include <windows.h>
 
@@ -70,11 +74,15 @@ extern "C" {
  */
 CORVANE_API void initializeListCtrl2(CListCtrl* list, const PathList* paths);
 
-/** Adds the stored rules of some folders to the list and enables the list window.
+/** Adds the stored rules of some folders to the list.
  *
  * The rules come from the store, folder by folder; each new row is put on top. A rule that equals one already
- * shown (limits, path letter by letter, account) is not added again. An account without a name shows its
- * textual SID. Afterwards the records of all rows form one chain in row order.
+ * shown (limits, path letter by letter, account) is not added again; the slashes count, and adding rewrites them
+ * (see addToListCtrl2), so that a later fill of the same folders doubles rows unless the host has turned them back.
+ * An account without a name shows its textual SID. A record's path is never null. A hard limit of 0 faults the fill,
+ * as the percentage divides by it; the host sees the fault.
+ * After each folder that has rules the records of all rows form one chain in row order, and the list window is
+ * enabled; where no folder has any, the chain and the window stay as they are.
  * @param paths  folders, in order; null is none. Note that this argument comes first.
  * @param list   prepared list view. The records of the store become the rows' item data and pass to the list.
  */
@@ -85,6 +93,9 @@ CORVANE_API void fillUpListCtrl2(const PathList* paths, CListCtrl* list);
  * A folder that already has a rule for the account gets a message and is passed over. For a single folder the
  * dialog proposes limits from the folder's size; for several folders each rule starts at 100 MiB (hard) and
  * 95 MiB (soft). A group's rule may come back with a rule for each member. New rows are put on top.
+ * The row is there while its dialog is open, and goes away on Cancel; with a single folder it then reads "-1 ", "-1 ",
+ * "-1 " and "00%". A host that fills or sorts the list meanwhile finds the rule in its row all the same; a row that it
+ * has taken away stays away, and its rule is not in the chain.
  * Comparing folder paths rewrites backslashes as forward slashes, in place, in the caller's paths as well as in
  * the compared records.
  * @param list   prepared list view.
@@ -103,7 +114,7 @@ CORVANE_API unsigned char editFromListCtrl2(CListCtrl* list);
 
 /** Removes all selected rows and takes their records out of the chain. Nothing is asked, and the records are
  * not released.
- * @return 0 when nothing was selected; otherwise non-zero.
+ * @return 0 when nothing was selected, or there is no list view; otherwise non-zero.
  */
 CORVANE_API unsigned char dropFromListCtrl2(CListCtrl* list);
 
@@ -117,7 +128,7 @@ CORVANE_API QuotaRule* getDataModified2(CListCtrl* list);
  * small to large and texts from Z to A without regard to case; each further call for it turns the order round.
  * Works on any report list view whose rows have distinct item data. The remembered column and order are shared
  * by all lists of the process. Numbers are compared by the low 32 bits of their difference, so that sizes
- * 2 GiB or more apart may come out wrong.
+ * 2 GiB or more apart may come out wrong. The chain is not linked anew: getDataModified2 does it.
  * @param column  zero-based column.
  */
 CORVANE_API void sortListCtrl2(CListCtrl* list, int column);
@@ -168,9 +179,12 @@ CORVANE_API void checkForButtons(HWND dialog, int listId, ...);
 /** In-place editing of the "Soft Quota Limit" cell. The host forwards the list's notifications.
  *
  * Accepting a text sets both limits of the row's record to it, read as a 32-bit number with an optional unit
- * letter K, M or G; a larger value wraps. The row's texts are left alone.
+ * letter K, M or G; a larger value wraps: "4G" is 0, like "0". A hard limit of 0, once stored, faults the next fill
+ * that meets it, and a text without a number stores -1: a host looks at the text before it forwards it. The row's
+ * texts are left alone.
  * @param notification  an NMLVDISPINFOW; read are the code, the item, the sub-item and the text. The platform's
- *                      own label editing always says sub-item 0, so a host that edits a cell fills it in.
+ *                      own label editing always says sub-item 0, which is refused: a host that edits a cell fills
+ *                      in the sub-item.
  * @return LVN_BEGINLABELEDITW: 0 to allow editing (sub-item 2), 1 to refuse.
  *         LVN_ENDLABELEDITW: 1 when the text was taken, 0 when it was not (another sub-item, or a null text).
  *         Any other code: 0.

@@ -26,13 +26,13 @@ extern "C" {
  * Rules form doubly linked chains. Whoever makes a record allocates it with malloc(sizeof(QuotaRule)).
  */
 typedef struct QuotaRule {
-    uint32_t type;          /**< QUOTA_RULE_FOR_ANYONE or QUOTA_RULE_FOR_ACCOUNT */
-    uint32_t unused;        /**< padding */
-    int64_t inUse;          /**< bytes counted against the rule when it is made; QUOTA_IN_USE_UNKNOWN */
-    int64_t hardLimit;      /**< hard limit in bytes; 0 or less: not yet set */
-    int64_t softLimit;      /**< soft (warning) limit in bytes; 0 or less: not yet set */
-    void* sid;              /**< binary security identifier, a copy that the record owns; null: anyone */
-    wchar_t* path;          /**< folder the rule is defined in, a heap copy that the record owns */
+    uint32_t type;     /**< QUOTA_RULE_FOR_ANYONE or QUOTA_RULE_FOR_ACCOUNT */
+    uint32_t unused;   /**< padding */
+    int64_t inUse;     /**< bytes counted against the rule when it is made; QUOTA_IN_USE_UNKNOWN */
+    int64_t hardLimit; /**< hard limit in bytes; 0 or less: not yet set */
+    int64_t softLimit; /**< soft (warning) limit in bytes; 0 or less: not yet set */
+    void* sid;         /**< binary security identifier, a copy that the record owns; null: anyone */
+    wchar_t* path;     /**< folder the rule is defined in, a heap copy that the record owns; never null */
     struct QuotaRule* next; /**< next rule of the chain, null at the end */
     struct QuotaRule* prev; /**< previous rule of the chain, null at the start */
 } QuotaRule;

@@ -12,6 +12,11 @@ const wchar_t* controlText(HWND dialog, int id)
     return buffer;
 }
 
+void limitTyping(HWND dialog, int id)
+{
+    SendDlgItemMessageW(dialog, id, EM_SETLIMITTEXT, kControlTextCapacity - 1, 0);
+}
+
 void forgetControlText()
 {
     SecureZeroMemory(buffer, sizeof buffer);

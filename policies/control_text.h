@@ -10,5 +10,8 @@ inline constexpr int kControlTextCapacity = 260;
 /// @return the one buffer of this function, overwritten by each call.
 const wchar_t* controlText(HWND dialog, int id);
 
+/// Takes no more typing than will be read. A text that is set is shown whole, however long.
+void limitTyping(HWND dialog, int id);
+
 /// Wipes the buffer, after a password was read.
 void forgetControlText();

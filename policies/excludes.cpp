@@ -1,14 +1,41 @@
 // Manage exception files: the files and paths that quota accounting leaves out.
 #include "corvane.h"
-#include "policies/exclude_entry.h"
+#include "files/select_file.h"
+#include "policies/text_entry_dialog.h"
 #include "policies/text_list.h"
 #include "res/resource.h"
 #include "store/lornix.h"
 
 namespace {
 
+/// One file or path, typed or picked.
+class ExcludeEntry : public TextEntryDialog {
+public:
+    ExcludeEntry()
+        : TextEntryDialog(IDD_EXCLUDE_ENTRY, crash_sites::kExcludeEntry)
+    {
+    }
+
+private:
+    void onButton(int id) override
+    {
+        if (id != IDC_ENTRY_BROWSE) {
+            return;
+        }
+        if (const wchar_t* path = selectFile(window(), select_file_mode::kAnyName)) {
+            setText(path);
+        }
+    }
+};
+
 struct Excludes {
-    static wchar_t* ask(HWND owner, const wchar_t* current) { return askExclude(owner, current); }
+    static wchar_t* ask(HWND owner, const wchar_t* current)
+    {
+        ExcludeEntry entry;
+        entry.ask(owner, current);
+        return entry.takeText().release();
+    }
+
     static const wchar_t* get(std::uint32_t index) { return getExcludes(index); }
     static std::uint32_t add(const wchar_t* path) { return addToExcludes(path); }
     static void update(std::uint32_t index, const wchar_t* path) { updateExcludes(index, path); }

@@ -2,6 +2,7 @@
 
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
+#include "frame/list_notice.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
 #include "frame/selection_buttons.h"
@@ -11,9 +12,6 @@
 #include <vector>
 
 namespace {
-
-/// Raised again after the rows read before a fault were shown.
-struct FillInterrupted {};
 
 // The bytes of a text by which the platform's texts are compared without regard to case.
 std::string lexicalKey(const wchar_t* text)
@@ -44,7 +42,15 @@ public:
     {
     }
 
-    INT_PTR show(HWND owner) { return run(m_editor.templateId, owner); }
+    INT_PTR show(HWND owner)
+    {
+        const INT_PTR code = run(m_editor.templateId, owner);
+        // Destroyed from outside, by neither OK nor Cancel, it still has the store's list.
+        if (m_holdsList && !runGuarded([this] { m_editor.free(); })) {
+            reportCrash();
+        }
+        return code;
+    }
 
 private:
     void onInit() override
@@ -56,6 +62,7 @@ private:
         }
         m_list.addExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES | LVS_EX_HEADERDRAGDROP |
                                 LVS_EX_LABELTIP);
+        m_holdsList = true;
         m_editor.load();
         sortsByItself() ? fillSorted() : fill();
         for (const int id : kSelectionButtons) {
@@ -93,7 +100,9 @@ private:
     {
         switch (notification.code) {
         case LVN_ITEMCHANGED:
-            enableBySelection(window(), m_list, kSelectionButtons);
+            if (changesSelection(notification)) {
+                enableBySelection(window(), m_list, kSelectionButtons);
+            }
             break;
         case LVN_COLUMNCLICK:
             if (const int column = reinterpret_cast<const NMLISTVIEW&>(notification).iSubItem; column >= 0) {
@@ -103,10 +112,30 @@ private:
         case NM_DBLCLK:
             edit();
             break;
+        case LVN_KEYDOWN:
+            onKey(plainKey(notification));
+            break;
         default:
             return {};
         }
         return Reply::with(0);
+    }
+
+    void onKey(int key) const
+    {
+        switch (key) {
+        case VK_INSERT:
+            add();
+            break;
+        case VK_F2:
+            edit();
+            break;
+        case VK_DELETE:
+            remove();
+            break;
+        default:
+            break;
+        }
     }
 
     static constexpr int kSelectionButtons[] = {IDC_POLICY_EDIT, IDC_POLICY_REMOVE};
@@ -125,12 +154,20 @@ private:
         return (GetWindowLongPtrW(m_list.handle(), GWL_STYLE) & LVS_SORTASCENDING) != 0;
     }
 
-    void insert(int row, std::uint32_t index, const wchar_t* text) const
+    // @return where the row stands.
+    int insert(int row, std::uint32_t index, const wchar_t* text) const
     {
         const int inserted = m_list.insertRow(row, text, static_cast<LPARAM>(index));
         if (m_editor.render != nullptr) {
             m_editor.render(m_list, inserted, index);
         }
+        return inserted;
+    }
+
+    // An entry that was added or changed, ready for the next command.
+    void present(int row, std::uint32_t index, const std::wstring& text) const
+    {
+        unwinding([&] { m_list.selectOnly(insert(row, index, text.c_str())); });
     }
 
     // Each row goes on top: the last entry of the store is shown first.
@@ -171,7 +208,7 @@ private:
             }
         });
         if (!complete) {
-            throw FillInterrupted{};
+            throw Interrupted{};
         }
     }
 
@@ -180,7 +217,7 @@ private:
     void add() const
     {
         if (const std::optional<ListEntry> added = m_editor.add(window())) {
-            insert(0, added->index, added->text.c_str());
+            present(0, added->index, added->text);
         }
     }
 
@@ -193,7 +230,7 @@ private:
         const std::uint32_t index = indexOf(row);
         if (const std::optional<std::wstring> text = m_editor.edit(window(), index)) {
             m_list.deleteRow(row);
-            insert(row, index, text->c_str());
+            present(row, index, *text);
             rescueKeyboard(window(), m_list.handle());
         }
     }
@@ -211,14 +248,16 @@ private:
         rescueKeyboard(window(), m_list.handle()); // the button is disabled with the selection
     }
 
-    void close() const
+    void close()
     {
         m_editor.free();
+        m_holdsList = false;
         end(0);
     }
 
     const ListEditor& m_editor;
     CListCtrl m_list;
+    bool m_holdsList = false; ///< whether the store's list was loaded and not freed again
 };
 
 } // namespace

@@ -4,10 +4,16 @@
 #include "files/select_file.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
+#include "frame/radio_group.h"
 #include "policies/attribute_number.h"
 #include "policies/control_text.h"
 #include "policies/rate_text.h"
 #include "res/resource.h"
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+#include <string>
 
 namespace {
 
@@ -46,6 +52,20 @@ constexpr Field kFields[] = {
 };
 
 template <std::size_t N>
+void keepOneTabStop(HWND dialog, const Choice (&choices)[N])
+{
+    int ids[N];
+    std::transform(choices, choices + N, ids, [](const Choice& choice) { return choice.id; });
+    keepOneTabStop(dialog, std::span<const int>(ids));
+}
+
+template <std::size_t N>
+bool isOneOf(const Choice (&choices)[N], int id)
+{
+    return std::any_of(choices, choices + N, [id](const Choice& choice) { return choice.id == id; });
+}
+
+template <std::size_t N>
 void check(HWND dialog, const Choice (&choices)[N], std::int32_t value)
 {
     for (const Choice& choice : choices) {
@@ -53,15 +73,16 @@ void check(HWND dialog, const Choice (&choices)[N], std::int32_t value)
             setButtonState(dialog, choice.id, BST_CHECKED);
         }
     }
+    keepOneTabStop(dialog, choices);
 }
 
 // Without a checked button the old value stays: the one stored need not be among the choices.
 template <std::size_t N>
-void take(HWND dialog, const Choice (&choices)[N], NotificationRecord::Attribute& attribute)
+void take(HWND dialog, const Choice (&choices)[N], WipedText& attribute)
 {
     for (const Choice& choice : choices) {
         if (getButtonState(dialog, choice.id) == BST_CHECKED) {
-            attribute = choice.text;
+            attribute.set(choice.text);
         }
     }
 }
@@ -84,6 +105,7 @@ public:
 private:
     void onInit() override;
     bool onCommand(int id) override;
+    void onDestroy() override;
     void onOk();
     void enableAccount(bool enabled) const { enableItem(window(), IDC_NOTIFY_ACCOUNT, enabled); }
 
@@ -103,6 +125,10 @@ void NotificationEntry::onInit()
             SetDlgItemTextW(window(), field.id, L"0");
         }
     }
+    limitTyping(window(), IDC_ENTRY_TEXT);
+    for (const Field& field : kFields) {
+        limitTyping(window(), field.id);
+    }
     const std::int32_t forWhom = attributeNumber(m_record.text(NOTIFICATION_FOR_WHOM));
     check(window(), kForWhom, forWhom);
     enableAccount(forWhom == 1);
@@ -116,8 +142,7 @@ void NotificationEntry::onOk()
     // The account is taken also while its edit is disabled: it is there again when the choice returns to it.
     for (const Field& field : kFields) {
         const wchar_t* text = controlText(window(), field.id);
-        m_record.attributes[field.attribute] =
-            text[0] != L'\0' ? NotificationRecord::Attribute(text) : std::nullopt;
+        m_record.attributes[field.attribute].set(text[0] != L'\0' ? text : nullptr);
     }
     forgetControlText();
     take(window(), kForWhom, m_record.attributes[NOTIFICATION_FOR_WHOM]);
@@ -126,15 +151,23 @@ void NotificationEntry::onOk()
     end(reinterpret_cast<INT_PTR>(&m_record));
 }
 
+// The edit is the platform's, which gives its memory back as it is: what stands there is written over first.
+void NotificationEntry::onDestroy()
+{
+    HWND password = GetDlgItem(window(), IDC_NOTIFY_PASSWORD);
+    const std::wstring blanks(static_cast<std::size_t>(GetWindowTextLengthW(password)), L' ');
+    SetWindowTextW(password, blanks.c_str());
+}
+
 bool NotificationEntry::onCommand(int id)
 {
-    switch (id) {
-    case IDC_NOTIFY_ANYONE:
-    case IDC_NOTIFY_USERS_OF_LIMIT:
-    case IDC_NOTIFY_USERS_NOT_OF_LIMIT:
-    case IDC_NOTIFY_ACCOUNT_ONLY:
+    if (isOneOf(kForWhom, id)) {
         enableAccount(id == IDC_NOTIFY_ACCOUNT_ONLY);
-        break;
+        keepOneTabStop(window(), kForWhom);
+    } else if (isOneOf(kRates, id)) {
+        keepOneTabStop(window(), kRates);
+    }
+    switch (id) {
     case IDC_ENTRY_BROWSE:
         if (const wchar_t* path = selectFile(window(), select_file_mode::kExecutable)) {
             SetDlgItemTextW(window(), IDC_ENTRY_TEXT, path);

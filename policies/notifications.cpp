@@ -83,27 +83,32 @@ std::optional<ListEntry> add(HWND dialog)
     if (!record) {
         return std::nullopt;
     }
-    // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the copy is the store's now
-    const std::uint32_t index = addToNotifications(copyForStore(record->script.c_str()));
-    setAttributes(index, *record);
-    return ListEntry{index, record->script};
+    ListEntry added{0, record->script};
+    unwinding([&] {
+        // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the copy is the store's now
+        added.index = addToNotifications(copyForStore(record->script.c_str()));
+        setAttributes(added.index, *record);
+    });
+    return added;
 }
 
 std::optional<std::wstring> edit(HWND dialog, std::uint32_t index)
 {
     auto stored = std::make_unique<NotificationRecord>();
-    stored->script = orEmpty(getNotifications(index));
-    for (std::uint32_t attribute = 0; attribute < NOTIFICATION_ATTRIBUTE_COUNT; ++attribute) {
-        if (const wchar_t* text = getNAttr(index, attribute)) {
-            stored->attributes[attribute] = text;
+    unwinding([&] {
+        stored->script = orEmpty(getNotifications(index));
+        for (std::uint32_t attribute = 0; attribute < NOTIFICATION_ATTRIBUTE_COUNT; ++attribute) {
+            stored->attributes[attribute].set(getNAttr(index, attribute));
         }
-    }
+    });
     const std::unique_ptr<NotificationRecord> record = askNotification(dialog, std::move(stored));
     if (!record) {
         return std::nullopt;
     }
-    updateNotifications(index, copyForStore(record->script.c_str()));
-    setAttributes(index, *record);
+    unwinding([&] {
+        updateNotifications(index, copyForStore(record->script.c_str()));
+        setAttributes(index, *record);
+    });
     return record->script;
 }
 

@@ -23,6 +23,7 @@ void TextEntryDialog::onInit()
     if (m_initial != nullptr) {
         setText(m_initial);
     }
+    limitTyping(window(), IDC_ENTRY_TEXT);
 }
 
 void TextEntryDialog::onOk()

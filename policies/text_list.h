@@ -17,8 +17,9 @@ struct TextList {
         if (text == nullptr) {
             return std::nullopt;
         }
-        std::wstring shown = text; // the store owns the text once it has it
-        return ListEntry{List::add(text), std::move(shown)};
+        ListEntry added{0, text}; // the store owns the text once it has it
+        unwinding([&] { added.index = List::add(text); });
+        return added;
     }
 
     static std::optional<std::wstring> edit(HWND dialog, std::uint32_t index)
@@ -28,7 +29,7 @@ struct TextList {
             return std::nullopt;
         }
         std::wstring shown = text;
-        List::update(index, text);
+        unwinding([&] { List::update(index, text); });
         return shown;
     }
 };

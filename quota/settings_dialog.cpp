@@ -1,10 +1,12 @@
-#include "quota/settings_dialog.h"
-
+// The Quota Settings dialog.
+#include "corvane.h"
+#include "frame/busy_notice.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/domain_servers.h"
 #include "frame/message_box.h"
 #include "frame/narrow_handle.h"
+#include "frame/radio_group.h"
 #include "frame/size_text.h"
 #include "frame/wait_cursor.h"
 #include "quota/limits.h"
@@ -15,6 +17,9 @@
 #include "store/lornix.h"
 
 namespace {
+
+// The choices for existing files, in their order.
+constexpr int kFilesChoices[] = {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES};
 
 class QuotaSettingsDialog : public Dialog {
 public:
@@ -76,6 +81,7 @@ std::int64_t QuotaSettingsDialog::readSize(int id) const
 void QuotaSettingsDialog::measureFolder()
 {
     const WaitCursor measuring;
+    const BusyNotice notice(window(), L"Measuring ...", m_rule->path);
     m_ownedSize = 0;
     m_objectSize = 0;
     runGuarded([&] { m_objectSize = getRealSize(m_rule->path); });
@@ -103,6 +109,10 @@ void QuotaSettingsDialog::measureFolder()
 // @return whether there are any.
 bool QuotaSettingsDialog::findMembers()
 {
+    const WaitCursor asking;
+    wchar_t shownName[kAccountNameCapacity] = L"";
+    GetDlgItemTextW(window(), IDC_QUOTA_CREDENTIALS, shownName, kAccountNameCapacity);
+    const BusyNotice notice(window(), L"Looking up group members ...", shownName);
     const bool asked = runGuarded([&] {
         const AccountName group = accountName(m_rule->sid);
         m_members = enumerateGroupUsers(nullptr, group.text, nullptr);
@@ -129,6 +139,8 @@ void QuotaSettingsDialog::onInit()
         chooseFiles(IDC_QUOTA_ALL_FILES);
     }
 
+    keepOneTabStop(window(), kFilesChoices);
+
     const Limits limits = proposeLimits({m_rule->hardLimit, m_rule->softLimit}, m_objectSize);
     m_rule->hardLimit = limits.hard;
     m_rule->softLimit = limits.soft;
@@ -144,6 +156,7 @@ void QuotaSettingsDialog::onInit()
 
 void QuotaSettingsDialog::onFilesChoice()
 {
+    keepOneTabStop(window(), kFilesChoices);
     std::int64_t& inUse = m_rule->inUse;
     if (itemIsChecked(window(), IDC_QUOTA_ALL_FILES)) {
         inUse = m_objectSize;

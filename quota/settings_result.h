@@ -1,8 +1,8 @@
 // The Quota Settings dialog as the list uses it.
 #pragma once
 
+#include "corvane.h"
 #include "frame/narrow_handle.h"
-#include "quota/settings_dialog.h"
 
 /// Shows the dialog on a record. @return the record handed back, null when cancelled or not shown.
 inline QuotaRule* runSettings(HWND owner, QuotaRule* rule, int mode)

@@ -1,7 +1,8 @@
-/* The library's version, once for the version resource and for whoever shows it. */
-#define CORVANE_VERSION 1.0.0.0
-#define CORVANE_VERSION_NUMBERS 1, 0, 0, 0
+/* The version as resource scripts need it: as numbers, and in the middle of a text. */
+#include "corvane_version.h"
 
-#define CORVANE_QUOTED(words) #words
-#define CORVANE_TEXT(words) CORVANE_QUOTED(words)
-#define CORVANE_VERSION_TEXT CORVANE_TEXT(CORVANE_VERSION)
+#define PRODUCT_VERSION CORVANE_VERSION_MAJOR.CORVANE_VERSION_MINOR.CORVANE_VERSION_PATCH.0
+#define PRODUCT_VERSION_NUMBERS CORVANE_VERSION_MAJOR, CORVANE_VERSION_MINOR, CORVANE_VERSION_PATCH, 0
+
+#define QUOTED(words) #words
+#define TEXT_OF(words) QUOTED(words)

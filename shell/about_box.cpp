@@ -1,5 +1,5 @@
-#include "shell/about_box.h"
-
+// The About box.
+#include "corvane.h"
 #include "frame/dialog.h"
 #include "res/resource.h"
 

@@ -1,5 +1,5 @@
-#include "shell/help.h"
-
+// The help file.
+#include "corvane.h"
 #include "frame/com_apartment.h"
 #include "frame/registry.h"
 

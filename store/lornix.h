@@ -2,10 +2,15 @@
  *
  * Plain C exports of lornix.dll, undecorated. Strings are zero-terminated UTF-16 unless stated; sizes are bytes,
  * signed 64-bit. A SID is the platform's binary security identifier, passed as an opaque pointer. "malloc" is
- * the shared C runtime's: either side may release such a block with free. All functions are called on the
- * host's user-interface thread, except that the accounts of this machine and its domain are enumerated on a
- * worker thread. No function reports an error unless stated; a store that cannot answer gives null, 0 or
- * nothing.
+ * the shared C runtime's: either side may release such a block with free. No function reports an error unless
+ * stated; a store that cannot answer gives null, 0 or nothing.
+ *
+ * Threads     Functions are called on the host's user-interface thread. While an account list fills, its fill
+ *             thread calls these beside that thread, at the same time: getDomainServer, getDomainServerByName,
+ *             enumerateUsers, enumerateGroups, createEmptySidList, appendToSidList, appendToSidList2,
+ *             freeSidList, sidDup, sidcmp, getAccountBySidW and ODS. A store keeps them apart itself. A fill
+ *             goes on to its next look at the list's window when its dialog is closed, so the user-interface
+ *             thread may meanwhile be anywhere in this header. There is one fill at a time.
  */
 #ifndef STORE_LORNIX_H
 #define STORE_LORNIX_H
@@ -27,7 +32,8 @@ extern "C" {
 /** All rules defined on one folder.
  * @param folder  folder path; not null. Compared without regard to case and to the kind of slash.
  * @return first record of a chain linked by next and prev, or null when the folder has none. Every record,
- *         with its path and sid, is a fresh allocation and passes to the caller.
+ *         with its path and sid, is a fresh allocation and passes to the caller. No path is null, and no hard
+ *         limit 0: callers divide by it.
  */
 LORNIX_API QuotaRule* getQuotaList(const wchar_t* folder);
 

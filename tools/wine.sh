@@ -95,13 +95,17 @@ lock_stop_started() {
     echo "$0: could not end the processes ${found[*]%%/*}" >&2
 }
 
-# build_preset PRESET [ARGUMENT OF cmake --build ...]: ninja has no lock of its own.
+# build_preset PRESET [ARGUMENT OF cmake --build ...]: ninja has no lock of its own. Somebody who watches sees how far it is.
 build_preset() {
-    local preset=$1
+    local preset=$1 ninja=(--quiet)
     shift
     lock_wait "$preset" "$PWD/build/$preset.lock" "the build in build/$preset"
-    cmake --preset "$preset" >/dev/null || die "The build folder build/$preset could not be set up."
-    cmake --build --preset "$preset" "$@" -- --quiet || die "The build of $preset failed; the reason stands above."
+    [ ! -t 1 ] || ninja=()
+    # Once it is set up, the build itself sees what changed in how it is set up, but for the presets.
+    [ "build/$preset/build.ninja" -nt CMakePresets.json ] || cmake --preset "$preset" >/dev/null ||
+        die "The build folder build/$preset could not be set up."
+    NINJA_STATUS='   %p ' cmake --build --preset "$preset" "$@" -- "${ninja[@]}" ||
+        die "The build of $preset failed; the reason stands above."
     lock_drop "$preset"
 }
 

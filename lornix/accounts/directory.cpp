@@ -117,7 +117,7 @@ const char* AccountDirectory::readServer(std::string_view line)
     if (!name || serverKey(*name).empty()) {
         return "the name of a server is expected";
     }
-    if (hasServer(*name)) {
+    if (!domainByServer_.emplace(serverKey(*name), static_cast<std::uint32_t>(domains_.size() - 1)).second) {
         return "the server stands above already";
     }
     // Without the backslashes, which whoever needs them puts in front.
@@ -199,15 +199,8 @@ std::uint32_t AccountDirectory::find(std::u16string_view name) const
 
 std::uint32_t AccountDirectory::domainOfServer(std::u16string_view server) const
 {
-    const std::u16string key = serverKey(server);
-    for (std::uint32_t i = 0; i < domains_.size(); ++i) {
-        for (const std::u16string& each : domains_[i].servers) {
-            if (serverKey(each) == key) {
-                return i;
-            }
-        }
-    }
-    return kNone;
+    const auto found = domainByServer_.find(serverKey(server));
+    return found == domainByServer_.end() ? kNone : found->second;
 }
 
 std::uint32_t AccountDirectory::domainWithServerFrom(std::uint32_t first) const

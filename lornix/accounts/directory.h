@@ -110,6 +110,7 @@ private:
     std::unordered_map<std::string_view, std::uint32_t, SidHash> bySid_; ///< by the bytes in accounts_
     std::unordered_map<std::u16string, std::uint32_t> byName_;      ///< small letters, as the file has them
     std::unordered_map<std::u16string, std::uint32_t> byShortName_; ///< small letters, without domains
+    std::unordered_map<std::u16string, std::uint32_t> domainByServer_;
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> members_;
 };
 

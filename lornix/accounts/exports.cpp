@@ -24,6 +24,19 @@ Result quietly(Result failed, Call call) noexcept
     }
 }
 
+std::int32_t countOf(const SidList* list)
+{
+    return list == nullptr ? 0 : list->count;
+}
+
+void expectNames(const SidList* list, std::int32_t first)
+{
+    for (std::int32_t i = first; i < countOf(list); ++i) {
+        void* const* sids = list->sids;
+        expectName(sids[i]);
+    }
+}
+
 /// Lets the sources add to a list, what stands behind its first so many once.
 template <class Add>
 SidList* collect(const wchar_t* server, SidList* list, std::int32_t first, Add add)
@@ -32,7 +45,11 @@ SidList* collect(const wchar_t* server, SidList* list, std::int32_t first, Add a
     quietly(false, [&] {
         for (AccountSource* source : accountSources()) {
             sink.skipListed(first);
+            const std::int32_t before = countOf(sink.list());
             add(*source, sink);
+            if (source == &platformAccounts()) {
+                expectNames(sink.list(), before); // whoever lists accounts shows them
+            }
             if (source->answersAlone(server)) {
                 break;
             }
@@ -40,11 +57,6 @@ SidList* collect(const wchar_t* server, SidList* list, std::int32_t first, Add a
         return true;
     });
     return sink.list();
-}
-
-std::int32_t countOf(const SidList* list)
-{
-    return list == nullptr ? 0 : list->count;
 }
 
 /// The answer of the first source that has one.

@@ -1,4 +1,5 @@
 // Accounts of the machine and its domain, as the platform's account functions tell them.
+#include "lornix/accounts/lsa_lookup.h"
 #include "lornix/accounts/source.h"
 #include "lornix/faults.h"
 #include "lornix/sid.h"
@@ -7,12 +8,11 @@
 
 #include <dsgetdc.h>
 #include <lm.h>
-#include <ntsecapi.h>
 
 #include <cstdlib>
 #include <cwchar>
 #include <memory>
-#include <type_traits>
+#include <span>
 
 namespace lornix {
 namespace {
@@ -55,11 +55,25 @@ void* lookUp(const wchar_t* server, const std::wstring& name)
     SID_NAME_USE use{};
     if (name.empty() ||
         !LookupAccountNameW(server, name.c_str(), sid, &sidSize, domain, &domainLength, &use) ||
-        use == SidTypeDomain || use == SidTypeInvalid || use == SidTypeUnknown || use == SidTypeComputer)
+        !isAccountUse(use))
     {
         return nullptr;
     }
     return sidDup(sid);
+}
+
+/// Adds accounts by name, as one machine knows them.
+void addNamed(const wchar_t* server, const std::vector<std::wstring>& names, SidSink& sink)
+{
+    if (auto sids = lookUpSids(server, names)) {
+        for (SidBlock& sid : *sids) {
+            sink.adopt(sid.release());
+        }
+        return;
+    }
+    for (const std::wstring& name : names) {
+        sink.adopt(lookUp(server, name));
+    }
 }
 
 /// An account of a domain, from the domain's identifier and its number in it.
@@ -128,9 +142,9 @@ void addDisplayed(const wchar_t* what, const wchar_t* server, DWORD level, DWORD
 
 /// Goes through the pages of an answer that goes on with a resume handle.
 /// @param call  takes LPBYTE*, DWORD* read, DWORD* total, DWORD_PTR* resume; gives a status.
-/// @param each  takes a record.
-template <class Record, class Call, class Each>
-NET_API_STATUS forPages(Call call, Each each)
+/// @param use   takes the records of a page.
+template <class Record, class Call, class Use>
+NET_API_STATUS forPages(Call call, Use use)
 {
     DWORD_PTR resume = 0;
     NET_API_STATUS status = ERROR_MORE_DATA;
@@ -142,11 +156,19 @@ NET_API_STATUS forPages(Call call, Each each)
         if ((status != NERR_Success && status != ERROR_MORE_DATA) || page == nullptr || count == 0) {
             break; // a page without anything would otherwise be asked for again and again
         }
-        for (const Record* record = page.get(); record != page.get() + count; ++record) {
-            each(*record);
-        }
+        use(std::span<const Record>(page.get(), count));
     }
     return status;
+}
+
+template <class Record>
+std::vector<std::wstring> namesIn(std::span<const Record> records, wchar_t* Record::* name)
+{
+    std::vector<std::wstring> names;
+    for (const Record& record : records) {
+        names.emplace_back(record.*name == nullptr ? L"" : record.*name);
+    }
+    return names;
 }
 
 std::wstring withoutBackslashes(const wchar_t* server)
@@ -170,7 +192,7 @@ public:
             [&](LPBYTE* buffer, DWORD* count, DWORD* total, DWORD_PTR* resume) {
                 return NetLocalGroupEnum(server, 0, buffer, kPageBytes, count, total, resume);
             },
-            [&](const LOCALGROUP_INFO_0& group) { sink.adopt(lookUp(server, group.lgrpi0_name)); });
+            [&](auto groups) { addNamed(server, namesIn(groups, &LOCALGROUP_INFO_0::lgrpi0_name), sink); });
         if (status != NERR_Success) {
             tell(L"the local groups", server, status);
         }
@@ -188,12 +210,16 @@ public:
                 return NetLocalGroupGetMembers(server, name.c_str(), 0, buffer, kPageBytes, count, total,
                                                resume);
             },
-            [&](const LOCALGROUP_MEMBERS_INFO_0& member) { sink.add(member.lgrmi0_sid); });
+            [&](auto members) {
+                for (const LOCALGROUP_MEMBERS_INFO_0& member : members) {
+                    sink.add(member.lgrmi0_sid);
+                }
+            });
         const NET_API_STATUS global = forPages<GROUP_USERS_INFO_0>(
             [&](LPBYTE* buffer, DWORD* count, DWORD* total, DWORD_PTR* resume) {
                 return NetGroupGetUsers(server, name.c_str(), 0, buffer, kPageBytes, count, total, resume);
             },
-            [&](const GROUP_USERS_INFO_0& member) { sink.adopt(lookUp(server, member.grui0_name)); });
+            [&](auto members) { addNamed(server, namesIn(members, &GROUP_USERS_INFO_0::grui0_name), sink); });
         // A group is of one kind: that the other does not know it is no failure.
         const auto isUnknown = [](NET_API_STATUS status) {
             return status == NERR_GroupNotFound || status == ERROR_NO_SUCH_ALIAS ||
@@ -220,8 +246,17 @@ public:
         {
             return {};
         }
-        // Well-known accounts such as Everyone belong to no domain.
-        return *domain == L'\0' ? name : domain + (L'\\' + std::wstring(name));
+        return withDomain(domain, name);
+    }
+
+    std::vector<std::wstring> namesOf(const std::vector<std::string>& sids) override
+    {
+        if (sids.size() > 1) {
+            if (auto names = lookUpNames(sids)) {
+                return std::move(*names);
+            }
+        }
+        return AccountSource::namesOf(sids);
     }
 
     void* sidOf(const std::wstring& name) override { return lookUp(nullptr, name); }
@@ -252,24 +287,7 @@ public:
         return _wcsicmp(second.c_str(), withoutBackslashes(server.c_str()).c_str()) == 0 ? L"" : second;
     }
 
-    void* domainSid() override
-    {
-        LSA_OBJECT_ATTRIBUTES attributes{};
-        LSA_HANDLE policy = nullptr;
-        if (LsaOpenPolicy(nullptr, &attributes, POLICY_VIEW_LOCAL_INFORMATION, &policy) != 0) {
-            return nullptr;
-        }
-        void* answer = nullptr;
-        void* sid = nullptr;
-        if (LsaQueryInformationPolicy(policy, PolicyPrimaryDomainInformation, &answer) == 0 &&
-            answer != nullptr)
-        {
-            sid = sidDup(static_cast<POLICY_PRIMARY_DOMAIN_INFO*>(answer)->Sid);
-            LsaFreeMemory(answer);
-        }
-        LsaClose(policy);
-        return sid;
-    }
+    void* domainSid() override { return primaryDomainSid().release(); }
 
 private:
     static constexpr DWORD kPageBytes = 1 << 16;

@@ -62,6 +62,12 @@ public:
     /// DOMAIN\name, or empty when the source does not know the account.
     virtual std::wstring nameOf(const void* sid) = 0;
 
+    /// The names of some accounts, by the bytes of their identifiers; at least that of the first.
+    virtual std::vector<std::wstring> namesOf(const std::vector<std::string>& sids)
+    {
+        return {nameOf(sids.front().data())};
+    }
+
     /// A malloc block, or null when the source does not know the name.
     virtual void* sidOf(const std::wstring& name) = 0;
 

@@ -1,4 +1,4 @@
-// Debug lines, put together as the runtime's printf would, but without losing wide text on the way.
+// Debug lines, put together by the runtime without losing wide text on the way.
 #pragma once
 
 #include <cstdarg>
@@ -6,8 +6,8 @@
 
 namespace lornix {
 
-/// Formats as the runtime does. Wide strings and characters come through whole, whatever the 8-bit code page is:
-/// the runtime would give up on the whole line.
+/// Formats as the runtime does. Wide strings and characters come through whole, whatever the 8-bit code page is: the
+/// narrow formatter would give up on the whole line. What is longer than a million characters is cut.
 std::wstring formatLine(const char* format, va_list arguments);
 
 } // namespace lornix

@@ -1,5 +1,6 @@
 // The radio buttons and check boxes of the Quota Settings dialog.
 #include "tests/dialogs/quota_settings.h"
+#include "tests/support/windows_radios.h"
 
 #include <gmock/gmock.h>
 
@@ -63,6 +64,19 @@ TEST_F(SettingsChoicesTest, OwnedFilesCountNothingWhenTheyWereNotMeasured)
         click(dialog, kOwnedFiles);
         EXPECT_EQ(rule->inUse, 0);
     });
+}
+
+TEST_F(SettingsChoicesTest, PassingByWithTheTabKeyChoosesNothing)
+{
+    const WindowsRadios radios;
+    QuotaRule* const unchecked = newRule(alice);
+    unchecked->inUse = 77;
+    whileOpen(unchecked, kAdd, [](HWND dialog) { EXPECT_EQ(tabThrough(dialog), 1); });
+    EXPECT_EQ(unchecked->inUse, 77);
+    QuotaRule* const owned = newRule(alice);
+    whileOpen(owned, kAdd, [](HWND dialog) { EXPECT_EQ(tabThrough(dialog), 1); });
+    EXPECT_EQ(owned->inUse, 20);
+    EXPECT_EQ(WindowsRadios::clicks(), 0);
 }
 
 TEST_F(SettingsChoicesTest, ExcludeEachOther)

@@ -64,6 +64,20 @@ TEST_F(SettingsMembersTest, GivesEachMemberACopyOfItsSid)
                 ElementsAre("staff C:\\data", "ann C:\\data", "bob C:\\data", "cleo C:\\data"));
 }
 
+TEST_F(SettingsMembersTest, AreAskedForUnderTheWaitCursor)
+{
+    HCURSOR const wait = LoadCursorW(nullptr, IDC_WAIT);
+    int asked = 0;
+    store.answer.enumerateGroupUsers = [&asked, wait, answer = store.answer.enumerateGroupUsers](
+                                           const wchar_t* server, const wchar_t* group, SidList* list) {
+        ++asked;
+        EXPECT_EQ(GetCursor(), wait);
+        return answer(server, group, list);
+    };
+    whileOpen(rule, kAdd, [wait](HWND) { EXPECT_NE(GetCursor(), wait); });
+    EXPECT_EQ(asked, 1);
+}
+
 TEST_F(SettingsMembersTest, TracksNewMembersWhenAsked)
 {
     untilOk(rule, kAdd, [this](HWND dialog) {

@@ -15,7 +15,9 @@
 
 #include <cstdlib>
 #include <memory>
+#include <objbase.h>
 #include <optional>
+#include <utility>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -34,6 +36,29 @@ std::optional<std::string> chosen(DialogScript& script, unsigned foldersOnly = 0
     const std::unique_ptr<wchar_t, Free> path(script.run([=] { return chooseFileImpl(owner, foldersOnly); }));
     return path ? std::optional(utf8(path.get())) : std::nullopt;
 }
+
+/// Counts what the library asks of COM. The runtime may prepare the thread of a window for itself.
+class ComCalls {
+public:
+    ComCalls()
+    {
+        open = 0;
+        EXPECT_EQ(enter.count(), 1);
+        EXPECT_EQ(leave.count(), 1);
+    }
+
+    static inline int open = 0; ///< apartments that were entered and not left
+
+private:
+    ImportPatch enter{ImportPatch::corvane(), "CoInitializeEx", +[](void* reserved, DWORD kind) -> HRESULT {
+                          ++open;
+                          return CoInitializeEx(reserved, kind);
+                      }};
+    ImportPatch leave{ImportPatch::corvane(), "CoUninitialize", +[]() -> void {
+                          --open;
+                          CoUninitialize();
+                      }};
+};
 
 HWND treeOf(HWND dialog)
 {
@@ -368,6 +393,64 @@ TEST_F(ChooseFileTest, TakesCommandsByIdWhateverTheNotification)
     DialogScript script;
     script.onDialog("press OK",
                     [](HWND dialog) { PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 7), 0); });
+    EXPECT_EQ(chosen(script), "");
+}
+
+TEST_F(ChooseFileTest, ListsWithoutBoxesOfTheSystemUnderTheWaitCursorAndWithCom)
+{
+    HCURSOR const wait = LoadCursorW(nullptr, IDC_WAIT);
+    HCURSOR const arrow = LoadCursorW(nullptr, IDC_ARROW);
+    const ComCalls com;
+    const DWORD modeBefore = GetThreadErrorMode();
+    ASSERT_EQ(modeBefore & SEM_FAILCRITICALERRORS, 0u);
+    disk.setFolder(L"Q:\\", {file(L"q.txt")});
+    int calls = 0;
+    disk.onCall = [&] {
+        ++calls;
+        EXPECT_EQ(GetThreadErrorMode(), modeBefore | SEM_FAILCRITICALERRORS) << disk.takeCalls().back();
+        EXPECT_EQ(GetCursor(), wait);
+        EXPECT_GT(com.open, 0);
+    };
+    const auto expectAsBefore = [&](HCURSOR cursor) {
+        EXPECT_EQ(GetThreadErrorMode(), modeBefore);
+        EXPECT_EQ(GetCursor(), cursor);
+        EXPECT_EQ(com.open, 0);
+    };
+    DialogScript script;
+    script.onDialog("open a drive", [&](HWND dialog) {
+        EXPECT_GT(calls, 0);
+        expectAsBefore(GetCursor());
+        EXPECT_NE(GetCursor(), wait);
+        calls = 0;
+        SetCursor(arrow);
+        expand(treeOf(dialog), next(treeOf(dialog), TVGN_NEXT, next(treeOf(dialog), TVGN_ROOT)));
+        EXPECT_GT(calls, 0);
+        expectAsBefore(arrow);
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+}
+
+TEST_F(ChooseFileTest, AFaultInAListingLeavesTheThreadAsItWas)
+{
+    const ComCalls com;
+    const DWORD modeBefore = GetThreadErrorMode();
+    currentFolder = L"";
+    bool armed = true;
+    disk.failIcons = [&](UINT) -> bool {
+        if (std::exchange(armed, false)) {
+            RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
+        }
+        return false;
+    };
+    DialogScript script;
+    script.onDialog("look and press OK", [&](HWND dialog) {
+        EXPECT_FALSE(armed);
+        EXPECT_EQ(GetThreadErrorMode(), modeBefore);
+        EXPECT_EQ(com.open, 0);
+        EXPECT_NE(GetCursor(), LoadCursorW(nullptr, IDC_WAIT));
+        clickLater(dialog, IDOK);
+    });
     EXPECT_EQ(chosen(script), "");
 }
 

@@ -10,6 +10,7 @@
 #include <map>
 #include <set>
 #include <shellapi.h>
+#include <utility>
 
 struct FakeDisk::State {
     struct Drive {
@@ -36,6 +37,14 @@ namespace {
 FakeDisk* disk = nullptr;
 FakeDisk::State* state = nullptr;
 
+void noteCall(std::string call)
+{
+    state->calls.push_back(std::move(call));
+    if (disk->onCall) {
+        disk->onCall();
+    }
+}
+
 std::wstring trimmed(std::wstring path)
 {
     while (!path.empty() && path.back() == L'\\') {
@@ -58,7 +67,7 @@ void fill(WIN32_FIND_DATAW& data, const FakeDisk::Entry& entry)
 
 HANDLE WINAPI findFirst(const wchar_t* pattern, WIN32_FIND_DATAW* data)
 {
-    state->calls.push_back("find " + utf8(pattern));
+    noteCall("find " + utf8(pattern));
     if (disk->searchAnswer != nullptr) {
         return disk->searchAnswer;
     }
@@ -97,7 +106,7 @@ BOOL WINAPI findNext(HANDLE handle, WIN32_FIND_DATAW* data)
         return FALSE;
     }
     FakeDisk::State::Search& search = found->second;
-    state->calls.push_back("next");
+    noteCall("next");
     if (search.next == search.entries.size()) {
         SetLastError(ERROR_NO_MORE_FILES);
         return FALSE;
@@ -117,7 +126,7 @@ BOOL WINAPI findClose(HANDLE handle)
 
 DWORD WINAPI fileAttributes(const wchar_t* path)
 {
-    state->calls.push_back("attributes " + utf8(path));
+    noteCall("attributes " + utf8(path));
     const std::wstring text = path;
     if (state->folders.contains(trimmed(text))) {
         return FILE_ATTRIBUTE_DIRECTORY;
@@ -137,7 +146,7 @@ DWORD WINAPI fileAttributes(const wchar_t* path)
 
 DWORD WINAPI driveStrings(DWORD room, wchar_t* buffer)
 {
-    state->calls.push_back("drives " + std::to_string(room));
+    noteCall("drives " + std::to_string(room));
     if (disk->failDrives) {
         return 0;
     }
@@ -153,7 +162,7 @@ DWORD WINAPI driveStrings(DWORD room, wchar_t* buffer)
 BOOL WINAPI volumeInformation(const wchar_t* root, wchar_t* name, DWORD nameRoom, DWORD* serial,
                               DWORD* longest, DWORD* flags, wchar_t* system, DWORD systemRoom)
 {
-    state->calls.push_back("volume " + utf8(root));
+    noteCall("volume " + utf8(root));
     EXPECT_TRUE(name == nullptr && nameRoom == 0 && serial == nullptr && longest == nullptr &&
                 system == nullptr && systemRoom == 0);
     for (const auto& drive : state->drives) {
@@ -170,7 +179,7 @@ DWORD_PTR WINAPI fileInfo(const wchar_t* path, DWORD attributes, SHFILEINFOW* in
 {
     char line[32];
     std::snprintf(line, sizeof line, "icon %x ", flags);
-    state->calls.push_back(line + utf8(path));
+    noteCall(line + utf8(path));
     EXPECT_EQ(attributes, 0u);
     EXPECT_EQ(size, sizeof(SHFILEINFOW));
     if (flags == (SHGFI_SYSICONINDEX | SHGFI_SMALLICON)) {

@@ -42,6 +42,7 @@ public:
     /// Icons that were handed out and not destroyed.
     int openIcons() const;
 
+    std::function<void()> onCall;              ///< run at each call
     bool failDrives = false;                   ///< GetLogicalDriveStringsW gives 0
     bool failImages = false;                   ///< SHGetFileInfoW gives no system image list
     std::function<bool(UINT flags)> failIcons; ///< for which SHGetFileInfoW gives no icon

@@ -2,8 +2,12 @@
 #include "corvane.h"
 #include "tests/policies/editor_visit.h"
 #include "tests/policies/file_dialogs.h"
+#include "tests/support/windows_radios.h"
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <iterator>
 
 using testing::ElementsAre;
 
@@ -238,6 +242,82 @@ TEST_F(NotificationEntryTest, AUnitLetterCountsInARate)
     EXPECT_STREQ(attribute(2), L"300");
     edit({kNotSet, L"0", L"-1x", kNotSet, kNotSet, L"0"},
          [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 1031); });
+}
+
+TEST_F(NotificationEntryTest, PassingByWithTheTabKeyChoosesNothing)
+{
+    const WindowsRadios radios;
+    const auto passBy = [](HWND entry) {
+        EXPECT_EQ(tabThrough(entry), 2);
+    };
+    edit({kNotSet, L"2", L"300", kNotSet, kNotSet, L"0"}, passBy);
+    EXPECT_STREQ(attribute(1), L"2");
+    EXPECT_STREQ(attribute(2), L"300");
+    edit({kNotSet, L"4", L"5m", kNotSet, kNotSet, L"0"}, passBy);
+    EXPECT_STREQ(attribute(1), L"4");
+    EXPECT_STREQ(attribute(2), L"5m");
+    EXPECT_EQ(WindowsRadios::clicks(), 0);
+
+    EditorVisit visit(store, 1015);
+    visit.add()
+        .entry(kEntry,
+               [passBy](HWND entry) {
+                   passBy(entry);
+                   EXPECT_EQ(checkedOf(entry, kForWhom), 1022);
+                   EXPECT_EQ(checkedOf(entry, kRates), 1036);
+                   clickLater(entry, IDCANCEL);
+               })
+        .press(IDCANCEL);
+    visit.run(editNotifications);
+    EXPECT_EQ(WindowsRadios::clicks(), 0);
+}
+
+TEST_F(NotificationEntryTest, TheTabStopGoesWithTheChoice)
+{
+    const auto stops = [](HWND entry, const auto& buttons) {
+        std::vector<int> found;
+        std::copy_if(std::begin(buttons), std::end(buttons), std::back_inserter(found), [entry](int button) {
+            return (GetWindowLongPtrW(GetDlgItem(entry, button), GWL_STYLE) & WS_TABSTOP) != 0;
+        });
+        return found;
+    };
+    edit({kNotSet, L"2", L"5m", kNotSet, kNotSet, L"0"}, [stops](HWND entry) {
+        EXPECT_THAT(stops(entry, kForWhom), ElementsAre(1024));
+        EXPECT_THAT(stops(entry, kRates), ElementsAre(1031));
+        click(entry, 1025);
+        click(entry, 1035);
+        EXPECT_THAT(stops(entry, kForWhom), ElementsAre(1025));
+        EXPECT_THAT(stops(entry, kRates), ElementsAre(1035));
+    });
+}
+
+TEST_F(NotificationEntryTest, AfterAChoiceTheArrowKeysChooseAgain)
+{
+    const WindowsRadios radios;
+    edit({kNotSet, L"0", L"5m", kNotSet, kNotSet, L"0"}, [](HWND entry) {
+        tabThrough(entry);
+        EXPECT_EQ(checkedOf(entry, kRates), 0);
+        click(entry, 1032);
+        EXPECT_EQ(checkedOf(entry, kRates), 1032);
+        focusOf(entry);
+        SetFocus(GetDlgItem(entry, 1031)); // as the arrow keys do
+        EXPECT_EQ(checkedOf(entry, kRates), 1031);
+    });
+    EXPECT_STREQ(attribute(2), L"-1");
+}
+
+TEST_F(NotificationEntryTest, TakesNoMoreTypingThanItKeeps)
+{
+    const std::wstring stored(400, L's');
+    edit({stored.c_str(), L"1", L"0", stored.c_str(), stored.c_str(), stored.c_str()}, [](HWND entry) {
+        for (const int field : {kAccount, kRunAs, kPassword, kIncrement, ids::kText}) {
+            EXPECT_EQ(SendDlgItemMessageW(entry, field, EM_GETLIMITTEXT, 0, 0), 259) << field;
+        }
+        // What is stored is shown whole, although OK cuts it.
+        EXPECT_EQ(controlText(entry, kAccount), std::string(400, 's'));
+        EXPECT_EQ(controlText(entry, kPassword), std::string(400, 's'));
+    });
+    EXPECT_EQ(attribute(0), std::wstring(259, L's'));
 }
 
 TEST_F(NotificationEntryTest, AnEmptyFieldIsNotSet)

@@ -95,7 +95,11 @@ void PolicyStore::answerForNotifications()
         return numberOf(attribute(index, which));
     };
     answer.setNAttr = [this](uint32_t index, uint32_t which, const wchar_t* text) {
-        attributes_.at(index).at(which) = takeOver(text);
+        CBlock<wchar_t>& attribute = attributes_.at(index).at(which);
+        if (attribute) { // a store that leaves passwords lying about would hide those of the dialogs
+            SecureZeroMemory(attribute.get(), std::wcslen(attribute.get()) * sizeof(wchar_t));
+        }
+        attribute = takeOver(text);
     };
     answer.addToNotifications = [this](const wchar_t* script) {
         attributes_.emplace_back();

@@ -1,7 +1,7 @@
 // Running an enumerator and keeping what it tells.
 #pragma once
 
-#include "policies/process_enumerators.h"
+#include "processes/enumerators.h"
 #include "tests/support/text.h"
 
 #include <string>

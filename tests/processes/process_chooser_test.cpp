@@ -163,6 +163,55 @@ TEST_F(ProcessChooserTest, GivesTheChosenName)
     EXPECT_EQ(chosen(script), "notepad.exe");
 }
 
+TEST_F(ProcessChooserTest, ADoubleClickIsOk)
+{
+    const auto doubleClick = [](HWND dialog) {
+        NMITEMACTIVATE activation{};
+        activation.hdr = {listOf(dialog), kList, static_cast<UINT>(NM_DBLCLK)};
+        SendMessageW(dialog, WM_NOTIFY, kList, reinterpret_cast<LPARAM>(&activation));
+    };
+    DialogScript script;
+    script
+        .onDialog("double click beside the rows",
+                  [=](HWND dialog) {
+                      doubleClick(dialog);
+                      EXPECT_TRUE(IsWindowVisible(dialog));
+                  })
+        .onDialog("double click a row", [=](HWND dialog) {
+            EXPECT_FALSE(isEnabled(dialog, IDOK));
+            selectRow(dialog, 2);
+            doubleClick(dialog);
+        });
+    EXPECT_EQ(chosen(script), "notepad.exe");
+}
+
+TEST_F(ProcessChooserTest, LooksAtTheSelectionOnlyWhenItChanges)
+{
+    static int enabled = 0;
+    const ImportPatch enable(
+        ImportPatch::corvane(), "EnableWindow", +[](HWND window, BOOL on) -> BOOL {
+            ++enabled;
+            return EnableWindow(window, on);
+        });
+    ASSERT_EQ(enable.count(), 1);
+    DialogScript script;
+    script.onDialog("change what is no selection", [](HWND dialog) {
+        enabled = 0;
+        LVITEMW item{};
+        item.mask = LVIF_TEXT;
+        wchar_t text[] = L"other";
+        item.pszText = text;
+        SendMessageW(listOf(dialog), LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        item.stateMask = item.state = LVIS_FOCUSED;
+        SendMessageW(listOf(dialog), LVM_SETITEMSTATE, 1, reinterpret_cast<LPARAM>(&item));
+        EXPECT_EQ(enabled, 0);
+        selectRow(dialog, 1);
+        EXPECT_EQ(enabled, 1);
+        clickLater(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(chosen(script), std::nullopt);
+}
+
 TEST_F(ProcessChooserTest, EachOfTwoEqualNamesGivesTheSame)
 {
     for (const int row : {3, 4}) {

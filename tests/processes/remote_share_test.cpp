@@ -1,4 +1,4 @@
-#include "policies/remote_share.h"
+#include "processes/remote_share.h"
 #include "tests/processes/run_time_functions.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/pe_image.h"

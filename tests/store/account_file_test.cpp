@@ -403,6 +403,21 @@ TEST_F(AccountFileTest, AHundredThousandAccounts)
     EXPECT_EQ(members(L"BIGDC", L"BIG\\group9999").size(), 9u);
 }
 
+TEST_F(AccountFileTest, AHundredThousandServers)
+{
+    // Each is compared with those above it: one by one, that would not come to an end.
+    std::string text = "lornix accounts 1\ndomain BIG S-1-5-21-10-20-30\n";
+    for (int i = 0; i < 100000; ++i) {
+        text += "server DC" + std::to_string(i) + "\n";
+    }
+    text += "server dc99999\nuser S-1-5-21-10-20-30-1 BIG\\a\nend\n";
+    writeBytes(file(), text);
+    const DebugLines debug;
+    EXPECT_EQ(users(L"DC77777"), Texts{L"S-1-5-21-10-20-30-1"});
+    EXPECT_EQ(debug.with("line 100003 of "), 1);
+    EXPECT_EQ(debug.with("the server stands above already"), 1);
+}
+
 TEST_F(AccountFileTest, ManyThreadsAskWhileTheFileChanges)
 {
     writeBytes(file(), kExample);

@@ -100,18 +100,34 @@ TEST_F(AccountNameTest, IsLookedUpAgainAfterAWhile)
     addedTime = 0;
 }
 
-TEST_F(AccountNameTest, ManyAccountsDoNotFillTheMemory)
+BOOL WINAPI knowNobody(const wchar_t*, PSID, wchar_t*, DWORD*, wchar_t*, DWORD*, SID_NAME_USE*)
 {
-    const ImportPatch lookup(storeModule(), "LookupAccountSidW", &countedLookup);
-    lookups = 0;
-    for (int i = 0; i < 10000; ++i) {
-        nameOf(sidOf(L"S-1-5-21-2-2-2-" + std::to_wstring(i)).get());
+    ++lookups;
+    SetLastError(ERROR_NONE_MAPPED);
+    return FALSE;
+}
+
+TEST_F(AccountNameTest, AHundredThousandAreRememberedAndThenTheOldestGoes)
+{
+    constexpr DWORD kMost = 100000;
+    const ImportPatch lookup(storeModule(), "LookupAccountSidW", &knowNobody);
+    const Block<void> sid = sidOf(L"S-1-5-21-2-2-2-0");
+    wchar_t buffer[10];
+    const auto ask = [&](DWORD number) {
+        *GetSidSubAuthority(sid.get(), 4) = number;
+        lookups = 0;
+        EXPECT_EQ(getAccountBySidW(sid.get(), buffer, 10), nullptr);
+        return lookups;
+    };
+    for (DWORD i = 0; i < kMost; ++i) {
+        ASSERT_EQ(ask(i), 1) << i;
     }
-    EXPECT_EQ(lookups, 10000);
-    nameOf(sidOf(L"S-1-5-21-2-2-2-9999").get());
-    EXPECT_EQ(lookups, 10000);
-    nameOf(sidOf(L"S-1-5-21-2-2-2-0").get());
-    EXPECT_EQ(lookups, 10001) << "the first ones were forgotten";
+    for (const DWORD i : {DWORD{0}, kMost / 2, kMost - 1}) {
+        EXPECT_EQ(ask(i), 0) << i;
+    }
+    EXPECT_EQ(ask(kMost), 1);
+    EXPECT_EQ(ask(1), 0);
+    EXPECT_EQ(ask(0), 1) << "the oldest was forgotten";
 }
 
 TEST_F(HostAccountNameTest, ReadsAsAPersonWouldSayIt)

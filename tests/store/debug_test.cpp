@@ -156,6 +156,20 @@ TEST_F(DebugTest, LongLines)
     EXPECT_EQ(bytesOf(log_), std::string(100000, 'w') + narrow + "\n");
 }
 
+TEST_F(DebugTest, ALineHasAnEnd)
+{
+    constexpr std::size_t kLongest = 1 << 20;
+    ODS("%*d\n", 50000000, 5);
+    EXPECT_EQ(shown.size(), kLongest);
+    shown.clear();
+    ODS("%s\n", std::string(kLongest - 1, 'n').c_str());
+    EXPECT_EQ(shown.size(), kLongest) << "just as long as can be";
+    shown.clear();
+    ODS("%d %s %99999999999ls|\n", 7, std::string(kLongest, 'n').c_str(), L"w");
+    EXPECT_TRUE(shown.starts_with("7 nnn"));
+    EXPECT_EQ(shown.size(), kLongest);
+}
+
 TEST_F(DebugTest, BadFormats)
 {
     ODS(nullptr);

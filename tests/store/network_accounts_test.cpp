@@ -128,6 +128,34 @@ TEST_F(NetworkAccountsTest, APlaceholderForAFunctionIsARefusal)
     EXPECT_EQ(textsOf(Sids(enumerateGroupUsers(nullptr, L"Users", nullptr)).get()).size(), 6u);
 }
 
+NET_API_STATUS WINAPI faulting(const wchar_t*, const wchar_t*, DWORD, LPBYTE*, DWORD, DWORD*, DWORD*,
+                               DWORD_PTR*)
+{
+    RaiseException(EXCEPTION_ACCESS_VIOLATION, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    return NERR_Success;
+}
+
+DWORD faultOfListing()
+{
+    DWORD code = 0;
+    __try
+    {
+        freeSidList(enumerateGroupUsers(nullptr, L"Users", nullptr));
+    } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
+    {
+    }
+    return code;
+}
+
+TEST_F(NetworkAccountsTest, AnotherFaultGoesOnToTheCaller)
+{
+    {
+        const ImportPatch global(storeModule(), "NetGroupGetUsers", &faulting);
+        EXPECT_EQ(faultOfListing(), EXCEPTION_ACCESS_VIOLATION) << "a caller's guard is there to log it";
+    }
+    EXPECT_EQ(faultOfListing(), 0u);
+}
+
 TEST_F(NetworkAccountsTest, MissingNames)
 {
     EXPECT_EQ(enumerateGroupUsers(nullptr, nullptr, nullptr), nullptr);

@@ -1,6 +1,6 @@
-#include "policies/remote_share.h"
+#include "processes/remote_share.h"
 
-#include "policies/loaded_library.h"
+#include "processes/loaded_library.h"
 
 #include <cwchar>
 #include <iterator>

@@ -1,13 +1,14 @@
-#include "policies/process_chooser.h"
-
+// The chooser of a running process.
+#include "corvane.h"
 #include "frame/c_memory.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/list_ctrl.h"
+#include "frame/list_notice.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
 #include "frame/selection_buttons.h"
-#include "policies/process_enumerators.h"
+#include "processes/enumerators.h"
 #include "res/resource.h"
 
 #include <cwchar>
@@ -87,9 +88,14 @@ Reply ProcessChooser::onNotify(NMHDR& header)
         }
         return Reply::with(0);
     case LVN_ITEMCHANGED:
-        if (change.uChanged != LVIF_PARAM) {
+        if (changesSelection(header)) {
             constexpr int kButtons[] = {IDOK};
             enableBySelection(window(), DialogList(window(), IDC_PROCESS_LIST), kButtons);
+        }
+        return Reply::with(0);
+    case NM_DBLCLK:
+        if (DialogList(window(), IDC_PROCESS_LIST).nextSelected() != -1) {
+            onOk();
         }
         return Reply::with(0);
     default:

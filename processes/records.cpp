@@ -1,6 +1,6 @@
-#include "policies/loaded_library.h"
-#include "policies/process_enumerators.h"
-#include "policies/process_heap.h"
+#include "processes/enumerators.h"
+#include "processes/loaded_library.h"
+#include "processes/process_heap.h"
 
 #include <cstddef>
 #include <cstdint>

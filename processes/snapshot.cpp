@@ -1,5 +1,5 @@
-#include "policies/loaded_library.h"
-#include "policies/process_enumerators.h"
+#include "processes/enumerators.h"
+#include "processes/loaded_library.h"
 
 #include <cstddef>
 #include <cwchar>

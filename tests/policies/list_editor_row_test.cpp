@@ -1,0 +1,237 @@
+// After a change the row stands ready for the next command, and keys give the commands.
+#include "tests/policies/editor_case.h"
+#include "tests/policies/editor_visit.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/text.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr int kEntries = 60; // more than the list shows at once
+
+class ListEditorRowTest : public testing::TestWithParam<EditorCase> {
+protected:
+    ListEditorRowTest()
+    {
+        void* const jane = store.recording.account("zz jane");
+        store.recording.answer.getSidByNameW = [this, jane](const wchar_t*) {
+            return store.recording.answer.sidDup(jane);
+        };
+        for (int i = 0; i < kEntries; ++i) {
+            editor.put(store, (L"entry " + std::to_wstring(100 + i)).c_str());
+        }
+    }
+
+    /// Enters the text "zz jane" into whatever asks for an entry, and presses OK.
+    EditorVisit& enter()
+    {
+        return visit.script.onDialog("enter",
+                                     [](HWND dialog) {
+                                         if (GetDlgItem(dialog, ids::kText) != nullptr) {
+                                             type(dialog, ids::kText, L"zz jane");
+                                         } else { // the account chooser
+                                             click(dialog, 1014);
+                                             type(dialog, 1009, L"zz jane");
+                                         }
+                                         clickLater(dialog, IDOK);
+                                     }),
+               visit;
+    }
+
+    /// The row of an entry is the one that is selected, has the focus and can be seen.
+    void expectReady(HWND dialog, const ListInDialog& list, LPARAM index) const
+    {
+        ASSERT_EQ(ListView_GetSelectedCount(list.window()), 1u);
+        const int row = ListView_GetNextItem(list.window(), -1, LVNI_SELECTED);
+        EXPECT_EQ(list.data(row), index);
+        EXPECT_EQ(utf8(list.cell(row, 0)), "zz jane");
+        EXPECT_EQ(ListView_GetNextItem(list.window(), -1, LVNI_FOCUSED), row);
+        const int top = ListView_GetTopIndex(list.window());
+        EXPECT_GE(row, top);
+        EXPECT_LT(row, top + ListView_GetCountPerPage(list.window()));
+        EXPECT_TRUE(isEnabled(dialog, ids::kRemove));
+        EXPECT_EQ(GetDlgCtrlID(focusOf(dialog)), editor.listId);
+    }
+
+    static void press(const ListInDialog& list, WPARAM key)
+    {
+        PostMessageW(list.window(), WM_KEYDOWN, key, 0);
+    }
+
+    /// What stands in the list last, wherever that is.
+    static void scrollAway(const ListInDialog& list, int row)
+    {
+        ListView_EnsureVisible(list.window(), row, FALSE);
+    }
+
+    const EditorCase& editor = GetParam();
+    PolicyStore store;
+    EditorVisit visit{store, editor.listId};
+};
+
+} // namespace
+
+TEST_P(ListEditorRowTest, AnAddedRowIsReadyForTheNextCommand)
+{
+    visit.list([this](HWND dialog, const ListInDialog& list) {
+        list.select(3);
+        list.select(5);
+        scrollAway(list, editor.sorted ? 0 : kEntries - 1);
+        SetFocus(GetDlgItem(dialog, ids::kAdd));
+        clickLater(dialog, ids::kAdd);
+    });
+    enter()
+        .list([this](HWND dialog, const ListInDialog& list) {
+            SetFocus(list.window());
+            expectReady(dialog, list, kEntries);
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+TEST_P(ListEditorRowTest, AnEditedRowIsReadyForTheNextCommand)
+{
+    LPARAM index = -1;
+    visit.list([&index](HWND dialog, const ListInDialog& list) {
+        list.select(30);
+        list.select(31);
+        index = list.data(30);
+        PostMessageW(dialog, WM_COMMAND, ids::kEdit, 0);
+        scrollAway(list, 0);
+    });
+    enter()
+        .list([&, this](HWND dialog, const ListInDialog& list) {
+            EXPECT_EQ(list.rowCount(), kEntries);
+            expectReady(dialog, list, index);
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+TEST_P(ListEditorRowTest, KeysAddEditAndRemove)
+{
+    visit.list([](HWND, const ListInDialog& list) {
+        SetFocus(list.window());
+        press(list, VK_INSERT);
+    });
+    enter().list([](HWND, const ListInDialog& list) {
+        EXPECT_EQ(list.rowCount(), kEntries + 1);
+        list.selectOnly(2);
+        press(list, VK_F2);
+    });
+    enter()
+        .list([this](HWND dialog, const ListInDialog& list) {
+            EXPECT_EQ(list.rowCount(), kEntries + 1);
+            EXPECT_EQ(utf8(list.cell(ListView_GetNextItem(list.window(), -1, LVNI_SELECTED), 0)), "zz jane");
+            list.selectOnly(4);
+            const std::string call = editor.removeCall + " " + std::to_string(list.data(4));
+            store.recording.takeCalls();
+            SendMessageW(list.window(), WM_KEYDOWN, VK_DELETE, 0);
+            EXPECT_EQ(list.rowCount(), kEntries);
+            EXPECT_THAT(store.recording.takeCalls(), ElementsAre(call));
+            EXPECT_FALSE(isEnabled(dialog, ids::kRemove));
+            // Nothing is selected any more.
+            SendMessageW(list.window(), WM_KEYDOWN, VK_DELETE, 0);
+            SendMessageW(list.window(), WM_KEYDOWN, VK_F2, 0);
+            SendMessageW(list.window(), WM_KEYDOWN, VK_F3, 0);
+            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+TEST_P(ListEditorRowTest, AKeyHeldWithAnotherIsNoCommand)
+{
+    visit
+        .list([this](HWND, const ListInDialog& list) {
+            list.selectOnly(4);
+            store.recording.takeCalls();
+            for (const int held : {VK_SHIFT, VK_CONTROL, VK_MENU}) {
+                static int heldKey;
+                heldKey = held;
+                const ImportPatch keys(
+                    ImportPatch::corvane(), "GetKeyState",
+                    +[](int key) -> SHORT { return key == heldKey ? SHORT(-128) : SHORT(0); });
+                ASSERT_EQ(keys.count(), 1);
+                SendMessageW(list.window(), WM_KEYDOWN, VK_DELETE, 0);
+            }
+            EXPECT_EQ(list.rowCount(), kEntries);
+            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+TEST_P(ListEditorRowTest, LooksAtTheSelectionOnlyWhenItChanges)
+{
+    static int enabled = 0;
+    visit
+        .list([](HWND, const ListInDialog& list) {
+            const ImportPatch enable(
+                ImportPatch::corvane(), "EnableWindow", +[](HWND window, BOOL on) -> BOOL {
+                    ++enabled;
+                    return EnableWindow(window, on);
+                });
+            ASSERT_EQ(enable.count(), 1);
+            enabled = 0;
+            ListView_SetItemState(list.window(), 7, LVIS_FOCUSED, LVIS_FOCUSED);
+            wchar_t text[] = L"other";
+            LVITEMW item{};
+            item.mask = LVIF_TEXT;
+            item.pszText = text;
+            SendMessageW(list.window(), LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+            EXPECT_EQ(enabled, 0);
+            list.select(7);
+            EXPECT_EQ(enabled, 2); // a missing button is asked for as well
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+TEST_P(ListEditorRowTest, DestroyedFromOutsideItGivesTheListBack)
+{
+    visit.list([this](HWND dialog, const ListInDialog&) {
+        store.recording.takeCalls();
+        DestroyWindow(dialog);
+    });
+    visit.run(editor.open);
+    EXPECT_THAT(store.recording.calls(), ElementsAre(editor.free));
+}
+
+TEST_P(ListEditorRowTest, DestroyedUnderItsEntryDialogItGivesTheListBackAndAddsNothing)
+{
+    visit.add();
+    visit.script.onDialog("destroy what is behind", [this](HWND entry) {
+        HWND editorWindow = GetWindow(entry, GW_OWNER);
+        ASSERT_NE(editorWindow, nullptr);
+        store.recording.takeCalls();
+        DestroyWindow(editorWindow);
+    });
+    visit.run(editor.open);
+    const std::vector<std::string> calls = store.recording.calls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.free), 1);
+    EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
+                            [](const std::string& call) { return call.starts_with("addTo"); }),
+              0);
+}
+
+TEST_P(ListEditorRowTest, AFaultInThatIsTold)
+{
+    store.recording.raise(editor.free, Fault::AccessViolation);
+    visit.list([this](HWND dialog, const ListInDialog&) {
+        store.recording.takeCalls();
+        DestroyWindow(dialog);
+    });
+    visit.run(editor.open);
+    EXPECT_THAT(store.recording.calls(), ElementsAre(editor.free, std::string("ODS ") + editor.crashLine));
+}
+
+INSTANTIATE_TEST_SUITE_P(Editors, ListEditorRowTest, testing::ValuesIn(kEditors),
+                         [](const auto& tested) { return tested.param.name; });

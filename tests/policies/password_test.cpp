@@ -1,0 +1,150 @@
+// Of a notification's password nothing stays behind, however its dialog ends.
+#include "corvane.h"
+#include "tests/policies/editor_visit.h"
+
+#include <gmock/gmock.h>
+
+#include <malloc.h>
+
+#include <set>
+#include <string>
+
+namespace {
+
+constexpr char kEntry[] = "Notification script and options...";
+constexpr int kPassword = 1029;
+
+/// A password that stands nowhere as such: it is put together when it is needed.
+std::wstring password(size_t length, wchar_t kind)
+{
+    std::wstring text(length, L' '); // of its size at once
+    for (size_t i = 0; i < length; ++i) {
+        text[i] = static_cast<wchar_t>(kind + (i * 7 + length) % 26);
+    }
+    return text;
+}
+
+void wipe(std::wstring& text)
+{
+    SecureZeroMemory(text.data(), text.size() * sizeof(wchar_t));
+}
+
+/// How many times a part of a text that was made by the key stands in memory. The part itself is compared character by
+/// character with what the key gives, so that the search does not find itself.
+template <class Expected>
+int occurrences(const BYTE* start, size_t bytes, size_t length, Expected expected)
+{
+    const auto* const text = reinterpret_cast<const wchar_t*>(start);
+    const size_t characters = bytes / sizeof(wchar_t);
+    int found = 0;
+    for (size_t at = 0; at + length <= characters; ++at) {
+        size_t same = 0;
+        while (same < length && text[at + same] == expected(same)) {
+            ++same;
+        }
+        found += same == length ? 1 : 0;
+    }
+    return found;
+}
+
+/// How many times the end of a password stands in what is writable of an allocation.
+int leftIn(const void* allocation, size_t length, wchar_t kind)
+{
+    const auto tail = [=](size_t i) {
+        const size_t at = i + 2; // the first characters of a freed block are the heap's
+        return static_cast<wchar_t>(kind + (at * 7 + length) % 26);
+    };
+    int found = 0;
+    size_t searched = 0;
+    MEMORY_BASIC_INFORMATION region{};
+    for (const auto* at = static_cast<const BYTE*>(allocation);
+         VirtualQuery(at, &region, sizeof region) != 0 && region.AllocationBase == allocation;
+         at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize)
+    {
+        if (region.State == MEM_COMMIT && (region.Protect & (PAGE_READWRITE | PAGE_WRITECOPY)) != 0) {
+            searched += region.RegionSize;
+            found += occurrences(static_cast<const BYTE*>(region.BaseAddress), region.RegionSize, length - 2,
+                                 tail);
+        }
+    }
+    EXPECT_GT(searched, 0u);
+    return found;
+}
+
+/// The same in the whole heap of the C runtime, where blocks that were freed stand as they were, and in the library's
+/// own data.
+int left(size_t length, wchar_t kind)
+{
+    std::set<const void*> allocations = {GetModuleHandleW(L"corvane")};
+    const auto heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+    PROCESS_HEAP_ENTRY entry{};
+    HeapLock(heap);
+    while (HeapWalk(heap, &entry)) {
+        MEMORY_BASIC_INFORMATION region{};
+        if (VirtualQuery(entry.lpData, &region, sizeof region) != 0 && region.State == MEM_COMMIT) {
+            allocations.insert(region.AllocationBase);
+        }
+    }
+    HeapUnlock(heap);
+    int found = 0;
+    for (const void* allocation : allocations) {
+        found += leftIn(allocation, length, kind);
+    }
+    return found;
+}
+
+/// Short ones stood in other memory than long ones.
+class PasswordTest : public testing::TestWithParam<size_t> {
+protected:
+    /// Opens the notification that has the stored password, if any, types another one and ends the entry dialog.
+    void visitEntry(bool stored, int button)
+    {
+        std::wstring old = password(length, kStored);
+        store.putNotification(L"script",
+                              {nullptr, L"0", L"0", L"runner", stored ? old.c_str() : nullptr, L"0"});
+        wipe(old);
+        EditorVisit visit(store, 1015);
+        visit.edit(0)
+            .entry(kEntry,
+                   [&](HWND entry) {
+                       std::wstring typed = password(length, kTyped);
+                       type(entry, kPassword, typed.c_str());
+                       wipe(typed);
+                       PostMessageW(entry, WM_COMMAND, static_cast<WPARAM>(button), 0);
+                   })
+            .press(IDCANCEL);
+        EXPECT_EQ(visit.run(editNotifications), 0);
+    }
+
+    static constexpr wchar_t kStored = L'\x4e00';
+    static constexpr wchar_t kTyped = L'\x5e00';
+    const size_t length = GetParam();
+    PolicyStore store;
+};
+
+} // namespace
+
+TEST_P(PasswordTest, OkLeavesTheStoresCopyAlone)
+{
+    visitEntry(true, IDOK);
+    EXPECT_EQ(left(length, kStored), 0);
+    EXPECT_EQ(left(length, kTyped), 1);
+}
+
+TEST_P(PasswordTest, CancelLeavesTheStoresCopyAlone)
+{
+    visitEntry(true, IDCANCEL);
+    EXPECT_EQ(left(length, kTyped), 0);
+    EXPECT_EQ(left(length, kStored), 1);
+}
+
+TEST_P(PasswordTest, AFaultOfTheStoreLeavesNoCopyEither)
+{
+    store.recording.raise("setNAttr", Fault::AccessViolation);
+    visitEntry(true, IDOK);
+    EXPECT_EQ(left(length, kTyped), 0);
+    EXPECT_EQ(left(length, kStored), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, PasswordTest, testing::Values(6u, 7u, 40u, 259u),
+                         [](const auto& tested) { return std::to_string(tested.param); });

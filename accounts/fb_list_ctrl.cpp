@@ -30,6 +30,43 @@ HDITEMW textFilter(HD_TEXTFILTERW& filter, wchar_t (&buffer)[kFilterCapacity])
 
 } // namespace
 
+LRESULT CFBListCtrl::call(UINT message, WPARAM wParam, LPARAM lParam) const
+{
+    // A list that went in the middle has no handle any more.
+    return m_straight != nullptr && handle() != nullptr
+               ? CallWindowProcW(m_straight, handle(), message, wParam, lParam)
+               : send(message, wParam, lParam);
+}
+
+int CFBListCtrl::insertWholeRow(int index, int image, std::initializer_list<const wchar_t*> texts,
+                                LPARAM data) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
+    item.iItem = index;
+    item.iImage = image;
+    item.lParam = data;
+    int row = -1;
+    for (int column = 0; const wchar_t* text : texts) {
+        if (column == 0) {
+            item.pszText = const_cast<wchar_t*>(text);
+            row = static_cast<int>(call(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+        } else if (row != -1) {
+            setCell(row, column, text);
+        }
+        ++column;
+    }
+    return row;
+}
+
+void CFBListCtrl::setCell(int row, int column, const wchar_t* text) const
+{
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = const_cast<wchar_t*>(text);
+    call(LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
 const wchar_t* CFBListCtrl::SavedRow::text(int column) const
 {
     const wchar_t* text = texts.c_str();
@@ -113,7 +150,7 @@ public:
         m_text[0] = L'\0';
         m_item.pszText = m_text;
         m_item.cchTextMax = static_cast<int>(std::size(m_text));
-        m_list.send(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&m_item));
+        m_list.call(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&m_item));
         // A full buffer may mean a longer text, and a control may also leave its text where it is.
         if (m_item.pszText != m_text || wcsnlen(m_text, std::size(m_text)) + 1 >= std::size(m_text)) {
             m_longText = m_list.text(row, 0);
@@ -129,16 +166,34 @@ public:
         m_texts = m_item.pszText;
         m_texts += L'\0';
         for (int column = 1; column < static_cast<int>(m_list.m_filters.size()); ++column) {
-            m_texts += m_list.text(m_item.iItem, column);
-            m_texts += L'\0';
+            addCell(column);
         }
         return {m_item.iImage, m_item.lParam, m_item.state, m_texts};
     }
 
 private:
+    static constexpr int kShortText = 260;
+
+    void addCell(int column)
+    {
+        wchar_t text[kShortText];
+        LVITEMW cell{};
+        cell.iSubItem = column;
+        cell.pszText = text;
+        cell.cchTextMax = kShortText;
+        const auto length = static_cast<std::size_t>(m_list.call(
+            LVM_GETITEMTEXTW, static_cast<WPARAM>(m_item.iItem), reinterpret_cast<LPARAM>(&cell)));
+        if (cell.pszText == text && length + 1 < kShortText) {
+            m_texts.append(text, length);
+        } else {
+            m_texts += m_list.text(m_item.iItem, column);
+        }
+        m_texts += L'\0';
+    }
+
     const CFBListCtrl& m_list;
     LVITEMW m_item{};
-    wchar_t m_text[260];
+    wchar_t m_text[kShortText];
     std::wstring m_longText;
     std::wstring m_texts;
 };
@@ -180,13 +235,13 @@ bool CFBListCtrl::putBack(const SavedRow& saved) const
     item.state = saved.state;
     const wchar_t* text = saved.texts.c_str();
     item.pszText = const_cast<wchar_t*>(text);
-    const auto row = static_cast<int>(send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+    const auto row = static_cast<int>(call(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
     if (row == -1) {
         return false;
     }
     for (int column = 1; column < static_cast<int>(m_filters.size()); ++column) {
         text += wcslen(text) + 1;
-        setText(row, column, text);
+        setCell(row, column, text);
     }
     return true;
 }
@@ -195,6 +250,7 @@ bool CFBListCtrl::filterRows()
 {
     readFilters();
     bool cameBack = false;
+    const Straight straight(*this);
     withRedrawOff(*this, [&] {
         std::vector<int> rejected;
         std::vector<SavedRow> saved;

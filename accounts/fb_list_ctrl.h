@@ -1,8 +1,10 @@
 // The list control with a filter bar in its header.
 #pragma once
 
+#include "accounts/taken_window.h"
 #include "frame/list_ctrl.h"
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -38,7 +40,33 @@ public:
     /// In the order in which they were hidden.
     std::vector<SavedRow>& hiddenRows() { return m_hidden; }
 
+    /// While it lives, the list's rows are read and inserted by the control's own procedure, without the way through
+    /// the window's: of many rows it costs as much as the rest. Where somebody else gets the messages first, he does.
+    class Straight {
+    public:
+        explicit Straight(const CFBListCtrl& list)
+            : m_list(list)
+        {
+            list.m_straight = list.m_window.straight();
+        }
+        Straight(const Straight&) = delete;
+        Straight& operator=(const Straight&) = delete;
+        ~Straight() { m_list.m_straight = nullptr; }
+
+    private:
+        const CFBListCtrl& m_list;
+    };
+
+protected:
+    TakenWindow& takenWindow() { return m_window; }
+
+    /// @param texts  of the columns.
+    /// @return the row's index, -1 when the list refuses it.
+    int insertWholeRow(int index, int image, std::initializer_list<const wchar_t*> texts, LPARAM data) const;
+
 private:
+    LRESULT call(UINT message, WPARAM wParam, LPARAM lParam) const;
+    void setCell(int row, int column, const wchar_t* text) const;
     std::wstring filterInHeader(int column) const;
     void readFilters();
     bool rejects(int row, const wchar_t* firstText) const;
@@ -51,4 +79,7 @@ private:
 
     std::vector<std::wstring> m_filters;
     std::vector<SavedRow> m_hidden;
+    TakenWindow m_window;
+    mutable WNDPROC m_straight =
+        nullptr; ///< see Straight; after a fault in its time of no use until the next
 };

@@ -53,7 +53,7 @@ TEST_F(ShortOfEverything, AListThatFindsNoWayBackToItsRowsIsReminded)
         users.push_back("DOM\\user" + std::to_string(i));
     }
     giveUsers(users);
-    s_toRefuse = 4; // to go on, and in place of the timer, twice
+    s_toRefuse = 2;
     searchServer();
     script.onDialog("look", [](HWND dialog) {
         EXPECT_EQ(rowCount(dialog), 61);

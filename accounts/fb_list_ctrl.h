@@ -1,6 +1,7 @@
 // The list control with a filter bar in its header.
 #pragma once
 
+#include "accounts/saved_rows.h"
 #include "accounts/taken_window.h"
 #include "frame/list_ctrl.h"
 
@@ -29,16 +30,8 @@ public:
     /// The filter of a column as last read; empty when there is none.
     const wchar_t* filter(int column) const;
 
-    /// A row that is out of the list.
-    struct SavedRow {
-        int image = 0;
-        LPARAM data = 0;
-        UINT state = 0;     ///< LVIS_...: only for a row that goes back at once
-        std::wstring texts; ///< those of all columns, each with its terminator
-        const wchar_t* text(int column) const;
-    };
     /// In the order in which they were hidden.
-    std::vector<SavedRow>& hiddenRows() { return m_hidden; }
+    SavedRows& hiddenRows() { return m_hidden; }
 
     /// While it lives, the list's rows are read and inserted by the control's own procedure, without the way through
     /// the window's: of many rows it costs as much as the rest. Where somebody else gets the messages first, he does.
@@ -70,15 +63,16 @@ private:
     std::wstring filterInHeader(int column) const;
     void readFilters();
     bool rejects(int row, const wchar_t* firstText) const;
-    bool rejects(const SavedRow& row) const;
+    /// @param texts  of all columns, each with its terminator.
+    bool rejects(const wchar_t* texts) const;
     class RowReader;
     /// Puts a row at the end of the list. @return false when the list refuses it.
-    bool putBack(const SavedRow& row) const;
+    bool putBack(const SavedRow& row, const wchar_t* texts) const;
     void remove(const std::vector<int>& rows);
     void rebuildWithout(const std::vector<int>& rows);
 
     std::vector<std::wstring> m_filters;
-    std::vector<SavedRow> m_hidden;
+    SavedRows m_hidden;
     TakenWindow m_window;
     mutable WNDPROC m_straight =
         nullptr; ///< see Straight; after a fault in its time of no use until the next

@@ -237,10 +237,11 @@ void RowPump::removeFirstInserted()
             return;
         }
     }
-    std::vector<CFBListCtrl::SavedRow>& hidden = m_list.hiddenRows();
-    for (auto row = hidden.begin(); row != hidden.end(); ++row) {
-        if (isFirstInserted(row->text(0), row->text(1), row->text(2), row->data)) {
-            hidden.erase(row);
+    SavedRows& hidden = m_list.hiddenRows();
+    for (std::size_t i = 0; i < hidden.rows().size(); ++i) {
+        const SavedRow& row = hidden.rows()[i];
+        if (isFirstInserted(hidden.text(row, 0), hidden.text(row, 1), hidden.text(row, 2), row.data)) {
+            hidden.remove(i);
             return;
         }
     }

@@ -230,7 +230,7 @@ void CSidCtrl::releaseSids()
     for (int row = 0; row < rows; ++row) {
         AccountFree()(reinterpret_cast<void*>(data(row)));
     }
-    for (const SavedRow& row : hiddenRows()) {
+    for (const SavedRow& row : hiddenRows().rows()) {
         AccountFree()(reinterpret_cast<void*>(row.data));
     }
     hiddenRows().clear();

@@ -19,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -82,6 +83,7 @@ protected:
     void act(HWND dialog);
     void pump(unsigned messages);
     void end(HWND dialog, HWND owner);
+    void letLibraryGo();
     void settle();
 
     using Freeing = void (*)(SidList*);
@@ -95,7 +97,8 @@ protected:
     RecordingStore m_store;
     std::vector<const void*> m_users;
     SidList* m_owners;
-    int m_stuckRounds = 0; ///< left, until what is stuck is let go
+    std::vector<HMODULE> m_held; ///< the library, once for each round since it was let go
+    int m_stuckRounds = 0;       ///< left, until what is stuck is let go
 };
 
 void AbortFill::search(HWND dialog)
@@ -190,7 +193,9 @@ void AbortFill::end(HWND dialog, HWND owner)
         SendMessageW(GetDlgItem(dialog, IDC_CHOOSER_LIST), LVM_SETITEMSTATE, upTo(3),
                      reinterpret_cast<LPARAM>(&item));
         SendMessageW(dialog, WM_COMMAND, IDOK, 0);
-        SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0); // where nothing could be picked
+        if (IsWindowVisible(dialog)) { // nothing could be picked
+            SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        }
         break;
     }
     default:
@@ -248,13 +253,25 @@ void AbortFill::round()
     if (IsWindow(owner)) {
         DestroyWindow(owner);
     }
-    FreeLibrary(library);
+    m_held.push_back(library);
+    if (upTo(2) == 0) {
+        letLibraryGo();
+    }
     m_store.takeCalls();
+}
+
+void AbortFill::letLibraryGo()
+{
+    for (const HMODULE library : m_held) {
+        FreeLibrary(library);
+    }
+    m_held.clear();
 }
 
 /// Waits for all fills that were left.
 void AbortFill::settle()
 {
+    letLibraryGo();
     pace = Pace::kFast;
     m_stuckRounds = 0;
     SetEvent(release);

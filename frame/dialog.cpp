@@ -26,12 +26,19 @@ INT_PTR Dialog::run(int templateId, HWND owner, LPARAM parameter)
     HRSRC resource = module ? FindResourceW(module, MAKEINTRESOURCEW(templateId), RT_DIALOG) : nullptr;
     HGLOBAL loaded = resource ? LoadResource(module, resource) : nullptr;
 
+    HWND top = owner != nullptr ? GetAncestor(owner, GA_ROOT) : nullptr; // what the platform disables
+    const bool ownerWasEnabled = top != nullptr && IsWindowEnabled(top);
+
     // What is opened from within gets its own turn before this one is created or after it has its object.
     Dialog* const outer = std::exchange(opening, this);
     const INT_PTR code = loaded ? DialogBoxIndirectParamW(nullptr, static_cast<LPCDLGTEMPLATEW>(loaded),
                                                           owner, MyDlgProc, parameter)
                                 : openWithoutTemplate(owner, MyDlgProc, parameter);
     opening = outer;
+    // A dialog that was destroyed without an end leaves its owner disabled on some systems.
+    if (ownerWasEnabled && IsWindow(top)) {
+        EnableWindow(top, TRUE);
+    }
     return code;
 }
 

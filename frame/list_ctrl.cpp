@@ -99,14 +99,16 @@ void CListCtrl::setData(int row, LPARAM data) const
     send(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
 }
 
+void CListCtrl::setState(int row, UINT state, UINT mask) const
+{
+    LVITEMW item{};
+    item.state = state;
+    item.stateMask = mask;
+    send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
 void CListCtrl::selectOnly(int row) const
 {
-    const auto setState = [this](int of, UINT state, UINT mask) {
-        LVITEMW item{};
-        item.state = state;
-        item.stateMask = mask;
-        send(LVM_SETITEMSTATE, static_cast<WPARAM>(of), reinterpret_cast<LPARAM>(&item));
-    };
     constexpr int kAll = -1;
     setState(kAll, 0, LVIS_SELECTED);
     setState(row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);

@@ -3,6 +3,7 @@
 
 #include "frame/wnd.h"
 
+#include <cstddef>
 #include <string>
 
 /// A column of a report list view.
@@ -58,11 +59,19 @@ public:
         return static_cast<int>(send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
     }
 
+    void deselect(int row) const { setState(row, 0, LVIS_SELECTED); }
+
+    /// Tells how many rows there will be, so that the control makes room for them once.
+    void makeRoomFor(std::size_t rows) const { send(LVM_SETITEMCOUNT, rows); }
+
     int selectedCount() const { return static_cast<int>(send(LVM_GETSELECTEDCOUNT)); }
 
     /// The topmost child window, normally the header; null when the list has none, and without a list: of no
     /// window, the platform would give the topmost one of the desktop.
     HWND topChild() const { return handle() != nullptr ? GetTopWindow(handle()) : nullptr; }
+
+private:
+    void setState(int row, UINT state, UINT mask) const;
 };
 
 /// A list-control object for the time of one call: attached to a dialog's control, never destroying it.

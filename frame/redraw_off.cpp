@@ -1,7 +1,5 @@
 #include "frame/redraw_off.h"
 
-#include "frame/stack_guarantee.h"
-
 #include <utility>
 
 RedrawOff::RedrawOff(const CWnd& window)
@@ -49,34 +47,3 @@ void QuietRedrawOff::restoreUnchanged()
         InvalidateRgn(m_window, m_unpainted.get(), TRUE);
     }
 }
-
-namespace redraw_detail {
-namespace {
-
-// Runs where the fault was raised, on top of the stack that it left.
-LONG restoreAndGoOn(RedrawOff& off)
-{
-    off.restore();
-    return EXCEPTION_CONTINUE_SEARCH;
-}
-
-CORVANE_NOINLINE void runRestoring(RedrawOff& off, void (*call)(void*), void* context)
-{
-    __try
-    {
-        call(context);
-    } __except (restoreAndGoOn(off))
-    {
-    }
-}
-
-} // namespace
-
-void run(const CWnd& window, void (*call)(void*), void* context)
-{
-    keepStackForHandlers();
-    RedrawOff off(window);
-    runRestoring(off, call, context);
-}
-
-} // namespace redraw_detail

@@ -1,6 +1,7 @@
 // Bulk changes of a control without a repaint per row.
 #pragma once
 
+#include "frame/always_after.h"
 #include "frame/wnd.h"
 
 #include <memory>
@@ -48,16 +49,12 @@ private:
     RedrawOff m_redraw;
 };
 
-namespace redraw_detail {
-void run(const CWnd& window, void (*call)(void*), void* context);
-}
-
 /// Runs work with redrawing off. Whatever the work raises goes on to the caller, a processor fault too, and
 /// finds the control drawing again: a host that survives a faulting store must not be left with a frozen
 /// list.
 template <class Work>
 void withRedrawOff(const CWnd& window, Work&& work)
 {
-    redraw_detail::run(
-        window, [](void* context) { (*static_cast<std::remove_reference_t<Work>*>(context))(); }, &work);
+    RedrawOff off(window);
+    runAlwaysAfter(work, [&off] { off.restore(); });
 }

@@ -73,9 +73,11 @@ std::wstring table(const std::vector<Row>& rows)
 bool dumpRules(const std::vector<std::wstring>& folders)
 {
     bool complete = true;
-    const auto report = [&complete] {
+    std::wstring told; // the folders are in one file, and what is wrong with it is said of each
+    const auto report = [&] {
         if (const std::wstring error = lornixLastError(); !error.empty()) {
-            printText(error + L"\n", true);
+            printText(error == told ? L"" : error + L"\n", true);
+            told = error;
             complete = false;
         }
     };

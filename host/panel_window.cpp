@@ -44,7 +44,8 @@ bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& fold
     UpdateWindow(window_);
 
     std::vector<std::wstring> known = knownFolders();
-    if (const std::wstring error = lornixLastError(); !error.empty()) {
+    const std::wstring error = lornixLastError();
+    if (known.empty() && !error.empty()) { // else the rules of the folders tell the same
         reportStore(L"The folders with rules could not all be read.", error);
     }
     showFolders(known);

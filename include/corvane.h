@@ -11,6 +11,8 @@
  *             A thread that shows a dialog or changes many rows keeps back 128 KiB of its stack for whoever handles
  *             a stack overflow (SetThreadStackGuarantee), unless it keeps as much already. The platform has no
  *             way to give that back.
+ *             A thread without COM gets a single-threaded apartment while the shell is asked for icons or opens
+ *             the help, and has none again afterwards; the apartment that a thread has chosen is left alone.
  * Text        UTF-16, zero-terminated. Message boxes are shown with MessageBoxA.
  * Errors      Results, not exceptions. A function that has no result reports nothing; the store's results are
  *             mostly not checked. A fault inside a dialog is caught, one line is written to the store's debug

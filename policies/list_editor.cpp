@@ -72,6 +72,11 @@ private:
 
     bool onCommand(int id) override
     {
+        // A command that somebody sends past an open entry dialog, or after the end, would take the store's list away
+        // from under it, or change one that is gone.
+        if (!m_holdsList || !IsWindowEnabled(window())) {
+            return true;
+        }
         switch (id) {
         case IDC_POLICY_ADD:
             add();
@@ -110,7 +115,7 @@ private:
             }
             break;
         case NM_DBLCLK:
-            edit();
+            onCommand(IDC_POLICY_EDIT);
             break;
         case LVN_KEYDOWN:
             onKey(plainKey(notification));
@@ -121,17 +126,17 @@ private:
         return Reply::with(0);
     }
 
-    void onKey(int key) const
+    void onKey(int key)
     {
         switch (key) {
         case VK_INSERT:
-            add();
+            onCommand(IDC_POLICY_ADD);
             break;
         case VK_F2:
-            edit();
+            onCommand(IDC_POLICY_EDIT);
             break;
         case VK_DELETE:
-            remove();
+            onCommand(IDC_POLICY_REMOVE);
             break;
         default:
             break;

@@ -57,7 +57,7 @@ void Adding::add(wchar_t* path, bool amongSeveral)
         startAmongSeveral(*rule);
     }
     debug(rule);
-    const int madeIn = insertRuleRow(m_list, *rule, accountName(rule->sid).text);
+    const int madeIn = insertRuleRow(m_list, 0, *rule, accountName(rule->sid).text);
     m_list.setText(madeIn, rule_column::kPercent, L"00%"); // not computed: the limits may still be unknown
     const int rows = m_list.rowCount();
 
@@ -132,7 +132,7 @@ void Adding::accept(int row, QuotaRule* accepted, bool rowsMoved)
 void Adding::showMembers(const std::vector<QuotaRule*>& rules) const
 {
     for (const QuotaRule* member : std::span(rules).subspan(1)) {
-        const int row = insertRuleRow(m_list, *member, accountName(member->sid).text);
+        const int row = insertRuleRow(m_list, 0, *member, accountName(member->sid).text);
         showPercent(m_list, row, *member);
     }
 }

@@ -6,6 +6,7 @@
 #include "quota/rule_row.h"
 #include "store/lornix.h"
 
+#include <cwchar>
 #include <utility>
 
 std::span<wchar_t* const> foldersOf(const PathList* paths)
@@ -18,10 +19,12 @@ std::span<wchar_t* const> foldersOf(const PathList* paths)
 
 Filling::Filling(const CListCtrl& list, const PathList* paths)
     : m_list(list)
+    , m_sorts(sortsByItself(list))
     , m_folders(foldersOf(paths))
 {
     const int rows = list.rowCount();
     m_rows.reserve(static_cast<std::size_t>(rows));
+    m_shown.reserve(static_cast<std::size_t>(rows));
     for (int row = rows - 1; row >= 0; --row) {
         if (QuotaRule* rule = ruleOfRow(list, row)) {
             m_rows.push_back(rule);
@@ -53,17 +56,45 @@ QuotaRule* Filling::nextNew()
     }
 }
 
-void Filling::show(const QuotaRule& rule) const
+void Filling::show(const QuotaRule& rule)
 {
-    const int row = insertRuleRow(m_list, rule, accountNameOrSid(rule.sid).text);
-    showPercent(m_list, row, rule);
+    const AccountName name = accountNameOrSid(rule.sid);
+    if (m_sorts) {
+        showPercent(m_list, insertRuleRow(m_list, 0, rule, name.text), rule);
+        return;
+    }
+    keep(rule, name.text);
+    formatPercent(m_waiting.back().percent, rule.inUse, rule.hardLimit); // may fault: the row then has none
+}
+
+void Filling::keep(const QuotaRule& rule, const wchar_t* name)
+{
+    const std::size_t place = m_names.size();
+    m_names.insert(m_names.end(), name, name + std::wcslen(name) + 1);
+    m_waiting.push_back({&rule, place, {}});
+}
+
+// A row inserted on top moves all others. From the uppermost to the lowest, each moves only those that were there
+// before the fill.
+void Filling::showRows()
+{
+    const std::vector<Row> rows = std::exchange(m_waiting, {});
+    m_list.makeRoomFor(static_cast<std::size_t>(m_list.rowCount()) + rows.size());
+    int index = 0;
+    for (auto row = rows.rbegin(); row != rows.rend(); ++row, ++index) {
+        const int shown = insertRuleRow(m_list, index, *row->rule, m_names.data() + row->name);
+        if (row->percent[0] != L'\0') {
+            m_list.setText(shown, rule_column::kPercent, row->percent);
+        }
+    }
+    m_names.clear();
 }
 
 // The rows are known, unless the list has an order of its own: those not linked yet stand on top.
 void Filling::finishFolder()
 {
     m_inFolder = false;
-    if (sortsByItself(m_list)) {
+    if (m_sorts) {
         relinkRows(m_list);
     } else {
         m_first = linkOnTop(std::span(m_rows).subspan(m_linked), m_first);

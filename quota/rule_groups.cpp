@@ -2,6 +2,14 @@
 
 #include <utility>
 
+void RuleGroups::reserve(std::size_t rules)
+{
+    m_entries.reserve(rules);
+    while (m_slots.size() < rules * 2) {
+        grow();
+    }
+}
+
 std::uint32_t RuleGroups::addOnTop(std::uint64_t hash, QuotaRule& rule)
 {
     if (m_groups * 2 >= m_slots.size()) {

@@ -10,6 +10,9 @@
 /// Groups of rules that share a hash. A rule costs a few bytes in two blocks and no allocation of its own.
 class RuleGroups {
 public:
+    /// Makes room for as many rules in groups of their own.
+    void reserve(std::size_t rules);
+
     /// Puts a rule on top of its group. @return how many rules the group has now.
     std::uint32_t addOnTop(std::uint64_t hash, QuotaRule& rule);
 

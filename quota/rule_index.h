@@ -4,12 +4,16 @@
 #include "corvane_types.h"
 #include "quota/rule_groups.h"
 
+#include <cstddef>
 #include <cstdint>
 
 /// Answers whether a list already shows a rule, as comparing it with every row from the top would, but
 /// without looking at the rows that differ in limits or folder.
 class RuleIndex {
 public:
+    /// Makes room for as many rules.
+    void reserve(std::size_t rules) { m_alike.reserve(rules); }
+
     /// Adds the record of a row that stands above all rows added before.
     void addOnTop(QuotaRule& rule);
 

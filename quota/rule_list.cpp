@@ -61,11 +61,13 @@ void fill(const CListCtrl& list, const PathList* paths)
     Filling filling(list, paths);
     // A list that shows everything already is not repainted.
     if (QuotaRule* rule = filling.nextNew()) {
-        withRedrawOff(list, [&] {
+        auto readAll = [&] {
             for (; rule != nullptr; rule = filling.nextNew()) {
                 filling.show(*rule);
             }
-        });
+        };
+        // A store that fails in the middle leaves the rows that it has given.
+        withRedrawOff(list, [&] { runAlwaysAfter(readAll, [&] { filling.showRows(); }); });
     }
 }
 
@@ -112,13 +114,19 @@ bool dropSelected(const CListCtrl& list)
     if (selected.empty()) {
         return false;
     }
+    // Downwards the records leave the chain, upwards the rows leave the list: each then moves only rows that stay.
+    for (const int row : selected) {
+        if (const QuotaRule* rule = ruleOfRow(list, row)) {
+            unlinkRule(*rule);
+        }
+    }
     withRedrawOff(list, [&] {
-        for (int deleted = 0; const int row : selected) {
-            const int present = row - deleted++;
-            if (const QuotaRule* rule = ruleOfRow(list, present)) {
-                unlinkRule(*rule);
-            }
-            list.deleteRow(present);
+        // A control that keeps its selection as stretches of rows would look at all of them with each row deleted.
+        for (const int row : selected) {
+            list.deselect(row);
+        }
+        for (auto row = selected.rbegin(); row != selected.rend(); ++row) {
+            list.deleteRow(*row);
         }
     });
     return true;

@@ -76,9 +76,9 @@ AccountName accountNameOrSid(const void* sid)
     return readName(sid, name) ? name : textual;
 }
 
-int insertRuleRow(const CListCtrl& list, const QuotaRule& rule, const wchar_t* name)
+int insertRuleRow(const CListCtrl& list, int index, const QuotaRule& rule, const wchar_t* name)
 {
-    const int row = list.insertRow(0, name, NarrowHandle::of(&rule).carrier());
+    const int row = list.insertRow(index, name, NarrowHandle::of(&rule).carrier());
     showSizes(list, row, rule);
     list.setText(row, rule_column::kFolder, rule.path);
     return row;

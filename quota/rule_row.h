@@ -39,9 +39,10 @@ AccountName accountName(const void* sid);
 /// As accountName, but an account without a name shows its textual SID.
 AccountName accountNameOrSid(const void* sid);
 
-/// Inserts a row at the top, with every cell but the percentage, and the record's handle as item data.
+/// Inserts a row, with every cell but the percentage, and the record's handle as item data.
+/// @param index  where, in a list without an order of its own.
 /// @return the row's index.
-int insertRuleRow(const CListCtrl& list, const QuotaRule& rule, const wchar_t* name);
+int insertRuleRow(const CListCtrl& list, int index, const QuotaRule& rule, const wchar_t* name);
 
 /// Writes the percentage of a rule. A hard limit of 0 faults.
 void showPercent(const CListCtrl& list, int row, const QuotaRule& rule);

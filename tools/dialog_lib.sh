@@ -115,7 +115,7 @@ finish() {
 }
 
 # in_file NAME: the entries in a file of the store, words parted by blanks.
-in_file() { tr -d '\r' <"$data/$1" | grep -v '^#' | tr '\t' ' ' | sed '1d;$d'; }
+in_file() { tr -d '\r' <"$data/$1" | grep -v -e '^#' -e '^checksum' | tr '\t' ' ' | sed '1d;$d'; }
 expect_file() { expect "what is stored in $1" "$2" "$(in_file "$1")"; }
 
 # show_files NAME...: prints files of the store as they are.

@@ -13,6 +13,7 @@ namespace {
 int servedRules = 0;
 int servedFolders = 1;
 bool servedSameLimit = false;
+int servedMembers = 0;
 std::vector<QuotaRule*> given;
 
 constexpr DWORD kFirstAccount = 1000;
@@ -67,6 +68,34 @@ void benchStoreServe(int rules, int folders, bool sameLimit)
     servedRules = rules;
     servedFolders = folders;
     servedSameLimit = sameLimit;
+}
+
+void benchStoreServeMembers(int members)
+{
+    servedMembers = members;
+}
+
+SidList* enumerateGroupUsers(const wchar_t*, const wchar_t*, SidList* list)
+{
+    if (servedMembers == 0) {
+        return list;
+    }
+    const auto count = static_cast<std::size_t>(servedMembers);
+    auto* members = static_cast<SidList*>(std::malloc(sizeof(SidList) + count * sizeof(void*)));
+    members->count = servedMembers;
+    for (int i = 0; i < servedMembers; ++i) {
+        const AccountSid sid(kFirstAccount + static_cast<DWORD>(i));
+        members->sids[i] = AccountSid::copy(&sid);
+    }
+    return members;
+}
+
+void freeSidList(SidList* list)
+{
+    for (int i = 0; list != nullptr && i < list->count; ++i) {
+        std::free(list->sids[i]);
+    }
+    std::free(list);
 }
 
 void benchStoreReleaseAll()

@@ -15,5 +15,8 @@
 /// @param sameLimit  whether all rules have one and the same limit.
 BENCH_STORE_API void benchStoreServe(int rules, int folders, bool sameLimit);
 
+/// How many members every group has from now on.
+BENCH_STORE_API void benchStoreServeMembers(int members);
+
 /// Releases every record that getQuotaList gave so far.
 BENCH_STORE_API void benchStoreReleaseAll();

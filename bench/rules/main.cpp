@@ -5,6 +5,7 @@
 #include "bench/support/options.h"
 #include "bench/support/table.h"
 #include "bench_store.h"
+#include "panel_measures.h"
 #include "rule_table.h"
 
 #include <algorithm>
@@ -123,6 +124,10 @@ int main(int count, char** arguments)
         printTimes(sizes);
     }
     printTable(sizes);
+    std::printf("\nA rule for a group, copied to all members; a list whose parent looks at the selection "
+                "with each row\n"
+                "that changes, and enables two buttons.\n\n");
+    printComparisons("rows", measurePanel(window, options), options.times);
     if (!bench.allSame()) {
         std::fprintf(stderr, "The sides did not show the same rows\n");
         return 1;

@@ -20,6 +20,8 @@ void selectEverySecondRow(HWND list)
     list_view::setRedraw(list, true);
 }
 
+} // namespace
+
 HWND createList(HWND window)
 {
     RECT area;
@@ -31,8 +33,6 @@ HWND createList(HWND window)
     initializeListCtrl2(reinterpret_cast<CListCtrl*>(&object), nullptr);
     return list;
 }
-
-} // namespace
 
 Folders::Folders(int count)
     : m_paths(static_cast<std::size_t>(count))

@@ -47,5 +47,8 @@ private:
     std::array<Tally, kMeasures.size()> m_tallies{};
 };
 
+/// An empty list, prepared for rules. @param window  its visible parent.
+HWND createList(HWND window);
+
 /// @param window  visible parent of the list.
 Life runLife(HWND window, Side& side, const PathList& folders);

@@ -90,11 +90,11 @@ AccountDirectory::AccountDirectory(std::string_view text)
             reader.reject(flaw);
         }
     }
-    flaws_ = std::move(reader.flaws());
+    flaws_ = reader.finding().flaws;
     resolveDomains();
     resolveMembers(memberLines);
-    std::sort(flaws_.begin(), flaws_.end(), [](const Flaw& a, const Flaw& b) { return a.line < b.line; });
-    condition_ = flaws_.empty() ? Condition::kGood : Condition::kDamaged;
+    std::ranges::sort(flaws_.first, {}, &Flaw::line);
+    condition_ = flaws_.count == 0 ? Condition::kGood : Condition::kDamaged;
 }
 
 const char* AccountDirectory::readDomain(std::string_view line)
@@ -174,7 +174,7 @@ void AccountDirectory::resolveMembers(const std::vector<MemberLine>& lines)
             member = find(*name);
         }
         if (member == kNone) {
-            flaws_.push_back({each.line, "the member is no account of this file"});
+            flaws_.add(each.line, "the member is no account of this file");
         } else {
             members_[each.group].push_back(member);
         }

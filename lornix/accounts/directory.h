@@ -36,8 +36,7 @@ public:
 
     Condition condition() const { return condition_; }
 
-    /// By line.
-    const std::vector<Flaw>& flaws() const { return flaws_; }
+    const Flaws& flaws() const { return flaws_; }
 
     std::size_t size() const { return accounts_.size(); }
 
@@ -104,7 +103,7 @@ private:
     std::uint32_t domainWithServerFrom(std::uint32_t first) const;
 
     Condition condition_ = Condition::kForeign;
-    std::vector<Flaw> flaws_;
+    Flaws flaws_;
     std::vector<Domain> domains_;
     std::deque<Account> accounts_;                                       ///< none of them moves
     std::unordered_map<std::string_view, std::uint32_t, SidHash> bySid_; ///< by the bytes in accounts_

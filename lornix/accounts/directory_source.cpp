@@ -15,7 +15,6 @@ namespace {
 
 constexpr const wchar_t* kVariable = L"LORNIX_ACCOUNTS";
 constexpr const wchar_t* kFileName = L"\\accounts.txt";
-constexpr std::size_t kFlawsTold = 100;
 
 /// When a file was last changed; all zero for one that is not there.
 struct Stamp {
@@ -44,15 +43,13 @@ void tell(const std::wstring& path, const AccountDirectory& directory)
     if (directory.condition() == Condition::kForeign) {
         ODS("lornix: accounts: \"%ls\" is no file of accounts\n", path.c_str());
     }
-    std::size_t told = 0;
-    for (const Flaw& flaw : directory.flaws()) {
-        if (told++ == kFlawsTold) {
-            ODS("lornix: accounts: %lu more lines of \"%ls\" are left out\n",
-                static_cast<unsigned long>(directory.flaws().size() - kFlawsTold), path.c_str());
-            break;
-        }
+    for (const Flaw& flaw : directory.flaws().first) {
         ODS("lornix: accounts: line %lu of \"%ls\" is left out: %s\n", static_cast<unsigned long>(flaw.line),
             path.c_str(), flaw.reason);
+    }
+    if (const std::size_t more = directory.flaws().count - directory.flaws().first.size(); more != 0) {
+        ODS("lornix: accounts: %lu more lines of \"%ls\" are left out\n", static_cast<unsigned long>(more),
+            path.c_str());
     }
 }
 

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <list>
 #include <mutex>
+#include <new>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -135,11 +136,20 @@ std::wstring accountName(const void* sid)
     return {};
 }
 
-void expectName(const void* sid)
+void expectName(const void* sid) noexcept
 {
-    if (isSid(sid)) {
+    if (!isSid(sid)) {
+        return;
+    }
+    try {
+        std::string key = keyOf(sid);
         const std::lock_guard lock(guard);
-        expected.add({keyOf(sid)});
+        const Name* known = names.find(key);
+        if (known == nullptr || known->isOver(GetTickCount64())) {
+            expected.add({std::move(key)});
+        }
+    } catch (const std::bad_alloc&) {
+        // Then it is asked for by itself.
     }
 }
 

@@ -15,6 +15,6 @@ std::wstring accountName(const void* sid);
 /// Tells whose names are likely to be asked for soon, and in which order: at the first of them the platform is asked
 /// for many at once. May be called on any thread.
 /// @param sid  null or valid.
-void expectName(const void* sid);
+void expectName(const void* sid) noexcept;
 
 } // namespace lornix

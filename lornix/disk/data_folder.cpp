@@ -1,9 +1,7 @@
 #include "lornix/disk/data_folder.h"
 
 #include "lornix/disk/environment.h"
-#include "lornix/disk/guarded_folder.h"
 #include "lornix/last_error.h"
-#include "lornix/text/folder_key.h"
 #include "lornix_host.h"
 
 #include <shlobj.h>
@@ -17,11 +15,9 @@ namespace {
 constexpr const wchar_t* kVariable = L"LORNIX_DATA";
 constexpr const wchar_t* kMaker = L"\\Vantrel";
 constexpr const wchar_t* kProduct = L"\\lornix";
-constexpr DWORD kLockStep = 20; // milliseconds
-constexpr DWORD kLockLongest = 15000;
 
 std::mutex guard;    // accounts are asked for on other threads, and their file may stand in the folder
-std::wstring chosen; // empty until asked for
+std::wstring chosen; // by the host or the environment; empty until one of them is asked
 std::uint32_t choices = 0;
 
 std::wstring withoutSlashAtEnd(std::wstring path)
@@ -47,44 +43,13 @@ std::wstring fromEnvironment()
 /// The folder of this product's maker for data common to all users; empty when the system has no such place.
 std::wstring makersFolder()
 {
-    wchar_t common[MAX_PATH] = L"";
-    if (FAILED(SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, common))) {
-        return {};
-    }
-    return common + std::wstring(kMaker);
-}
-
-/// @param problem  receives why there is none.
-/// @return the folder that is used unless a host chooses one; empty when there is none.
-std::wstring defaultFolder(std::wstring& problem)
-{
-    if (std::wstring folder = fromEnvironment(); !folder.empty()) {
-        return folder;
-    }
-    const std::wstring makers = makersFolder();
-    if (makers.empty()) {
-        problem = L"There is no folder to keep the rules in: the system names none for application data.";
-        return {};
-    }
-    // Every user can make folders there, also before this product does.
-    const std::wstring folder = makers + kProduct;
-    if (!isOurs(folder)) {
-        problem =
-            L"The data folder \"" + folder +
-            L"\" is not used: it belongs to somebody who is no administrator, or its owner cannot be told.";
-        return {};
-    }
+    static const std::wstring folder = [] {
+        wchar_t common[MAX_PATH] = L"";
+        return FAILED(SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, SHGFP_TYPE_CURRENT, common))
+                   ? std::wstring()
+                   : common + std::wstring(kMaker);
+    }();
     return folder;
-}
-
-/// @param problem  receives why there is no folder in use.
-std::wstring rootInUse(std::wstring& problem)
-{
-    const std::lock_guard lock(guard);
-    if (chosen.empty()) {
-        chosen = defaultFolder(problem);
-    }
-    return chosen;
 }
 
 bool isAbsolute(const std::wstring& path)
@@ -95,14 +60,6 @@ bool isAbsolute(const std::wstring& path)
     const bool drive = path.size() >= 3 && path[1] == L':' && isSlash(path[2]);
     const bool server = path.size() >= 3 && isSlash(path[0]) && isSlash(path[1]);
     return drive || server;
-}
-
-DWORD lockFileOf(const DataFolder& folder, HANDLE& opened)
-{
-    opened = CreateFileW(longPath(folder.lockFile()).c_str(), GENERIC_READ | GENERIC_WRITE,
-                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
-                         FILE_ATTRIBUTE_NORMAL, nullptr);
-    return opened == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS;
 }
 
 void removeLeftovers(const std::wstring& folder)
@@ -124,10 +81,57 @@ void removeLeftovers(const std::wstring& folder)
 
 } // namespace
 
+bool DataFolder::hold()
+{
+    m_held.clear();
+    for (const std::wstring& folder : {makersFolder(), m_root}) {
+        auto held = std::make_shared<const HeldFolder>(holdFolder(folder));
+        const bool isMissing = held->error == ERROR_FILE_NOT_FOUND || held->error == ERROR_PATH_NOT_FOUND;
+        if (isMissing) {
+            return true; // then there are no files either
+        }
+        if (!held->isOurs) {
+            return false;
+        }
+        m_held.push_back(std::move(held));
+    }
+    return true;
+}
+
+DataFolder DataFolder::find(std::wstring& problem)
+{
+    DataFolder folder;
+    {
+        const std::lock_guard lock(guard);
+        if (chosen.empty()) {
+            chosen = fromEnvironment();
+        }
+        folder.m_root = chosen;
+    }
+    if (!folder.m_root.empty()) {
+        return folder;
+    }
+    const std::wstring makers = makersFolder();
+    if (makers.empty()) {
+        problem = L"There is no folder to keep the rules in: the system names none for application data.";
+        return folder;
+    }
+    // Every user can make folders there, also before this product does, and a link to anywhere.
+    folder.m_root = makers + kProduct;
+    folder.m_isGuarded = true;
+    if (!folder.hold()) {
+        problem = L"The data folder \"" + folder.m_root +
+                  L"\" is not used: it or the one above belongs to somebody who is no administrator, can be "
+                  L"changed by others, is a link, or does not let itself be looked at.";
+        return DataFolder();
+    }
+    return folder;
+}
+
 DataFolder DataFolder::current()
 {
     std::wstring problem;
-    DataFolder folder(rootInUse(problem));
+    DataFolder folder = find(problem);
     if (!problem.empty()) {
         report(problem);
     }
@@ -137,7 +141,7 @@ DataFolder DataFolder::current()
 std::wstring DataFolder::currentRoot()
 {
     std::wstring problem;
-    return rootInUse(problem);
+    return find(problem).m_root;
 }
 
 std::uint32_t DataFolder::timesChosen()
@@ -146,57 +150,53 @@ std::uint32_t DataFolder::timesChosen()
     return choices;
 }
 
-std::wstring DataFolder::rulesFile(std::u16string_view folderKey) const
+DWORD DataFolder::make(bool withSetAside)
 {
-    const std::string name = ruleFileName(folderKey);
-    return rulesFolder() + L'\\' + std::wstring(name.begin(), name.end());
-}
-
-DWORD DataFolder::make() const
-{
-    if (const std::wstring makers = makersFolder(); !makers.empty() && root_ == makers + kProduct) {
-        for (const std::wstring& folder : {makers, root_}) {
-            if (const DWORD error = makeGuardedFolder(folder); error != ERROR_SUCCESS) {
-                return error;
-            }
+    if (!m_isGuarded) {
+        return makeFolder(withSetAside ? setAsideFolder() : m_root);
+    }
+    for (const std::wstring& folder : {makersFolder(), m_root}) {
+        if (const DWORD error = makeGuardedFolder(folder, Readers::kEverybody); error != ERROR_SUCCESS) {
+            return error;
         }
     }
-    return makeFolder(rulesFolder());
+    // Somebody else may have been quicker.
+    if (!hold()) {
+        return ERROR_ACCESS_DENIED;
+    }
+    return withSetAside ? makeGuardedFolder(setAsideFolder(), Readers::kAdministrators) : ERROR_SUCCESS;
 }
 
 StoreLock::StoreLock(const DataFolder& folder)
-    : file_([&] {
-        HANDLE opened = INVALID_HANDLE_VALUE;
-        error_ = lockFileOf(folder, opened);
-        return opened;
+    : m_file([&] {
+        // Whoever may open it may hold it, and hold up everybody who stores.
+        Protection protection(Readers::kAdministrators);
+        Handle file =
+            openPlain(folder.lockFile(), GENERIC_READ | GENERIC_WRITE,
+                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                      folder.isGuarded() ? protection.get() : nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL);
+        m_error = file.isOpen() ? ERROR_SUCCESS : GetLastError();
+        return file;
     }())
 {
-    if (error_ != ERROR_SUCCESS) {
-        return;
-    }
-    for (DWORD waited = 0;; waited += kLockStep) {
-        OVERLAPPED start{};
-        if (LockFileEx(file_.get(), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &start)) {
-            error_ = ERROR_SUCCESS;
-            break;
-        }
-        error_ = GetLastError();
-        const bool passes = error_ == ERROR_LOCK_VIOLATION || error_ == ERROR_IO_PENDING;
-        if (!passes || waited >= kLockLongest) {
+    Patience patience(Patience::For::kTurn);
+    for (OVERLAPPED start{}; m_error == ERROR_SUCCESS; start = {}) {
+        if (LockFileEx(m_file.get(), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &start)) {
+            patience.giveBack();
+            // Nobody else writes now, so whatever is half written was left behind.
+            removeLeftovers(folder.root());
             return;
         }
-        Sleep(kLockStep);
+        const DWORD error = GetLastError() == ERROR_IO_PENDING ? ERROR_LOCK_VIOLATION : GetLastError();
+        m_error = patience.waitFor(error) ? ERROR_SUCCESS : error;
     }
-    // Nobody else writes now, so whatever is half written was left behind.
-    removeLeftovers(folder.root());
-    removeLeftovers(folder.rulesFolder());
 }
 
 StoreLock::~StoreLock()
 {
-    if (file_.isOpen() && error_ == ERROR_SUCCESS) {
+    if (m_error == ERROR_SUCCESS) {
         OVERLAPPED start{};
-        UnlockFileEx(file_.get(), 0, 1, 0, &start);
+        UnlockFileEx(m_file.get(), 0, 1, 0, &start);
     }
 }
 
@@ -206,24 +206,21 @@ int lornixSetDataFolder(const wchar_t* folder)
 {
     using namespace lornix;
     return reporting(0, [&] {
-        if (folder == nullptr) {
-            const std::lock_guard lock(guard);
-            chosen.clear();
-            ++choices;
-            return 1;
-        }
-        const std::wstring path = folder;
-        if (!isAbsolute(path)) {
-            report(L"\"" + path + L"\" is no absolute path.");
-            return 0;
-        }
-        if (const DWORD error = makeFolder(withoutSlashAtEnd(path)); error != ERROR_SUCCESS) {
-            report(L"The folder \"" + path + L"\" cannot be used: " + reasonOf(error));
-            return 0;
+        const std::wstring path = withoutSlashAtEnd(folder == nullptr ? L"" : folder);
+        if (folder != nullptr) {
+            if (!isAbsolute(path)) {
+                report(L"\"" + path + L"\" is no absolute path.");
+                return 0;
+            }
+            if (const DWORD error = makeFolder(path); error != ERROR_SUCCESS) {
+                report(L"The folder \"" + path + L"\" cannot be used: " + reasonOf(error));
+                return 0;
+            }
         }
         const std::lock_guard lock(guard);
-        chosen = withoutSlashAtEnd(path);
+        chosen = path;
         ++choices;
+        Patience::restore();
         return 1;
     });
 }
@@ -231,10 +228,10 @@ int lornixSetDataFolder(const wchar_t* folder)
 const wchar_t* lornixDataFolder(void)
 {
     // Leaves the reports of the last call alone.
+    static std::wstring told;
     try {
-        std::wstring problem;
-        lornix::rootInUse(problem);
-        return lornix::chosen.c_str();
+        told = lornix::DataFolder::currentRoot();
+        return told.c_str();
     } catch (const std::bad_alloc&) {
         return L"";
     }

@@ -1,14 +1,27 @@
 #include "lornix/disk/file.h"
 
 #include <algorithm>
+#include <iterator>
+#include <mutex>
+#include <optional>
+#include <utility>
 
 namespace lornix {
 namespace {
 
 constexpr DWORD kStep = 10; // milliseconds
 
-// A hundred times what 100,000 rules need. A file above is none of ours.
-constexpr LONGLONG kLargestFile = 1 << 30;
+constexpr DWORD kLongest[] = {3000, 300, 15000};
+constexpr ULONGLONG kPause = 1000; // calls that are further apart do not follow each other
+constexpr DWORD kTail = 64;
+constexpr DWORD kStoppedOnLink = 681; // as the platform says it; not every set of headers has its name
+
+struct Waiting {
+    DWORD waited = 0;
+    ULONGLONG last = 0;
+};
+std::mutex guard; // files are read on other threads too
+Waiting waiting[std::size(kLongest)];
 
 /// Repeats a platform call until it works or the error is one that stays.
 template <class Call>
@@ -16,6 +29,7 @@ DWORD persistently(Patience& patience, Call call)
 {
     while (true) {
         if (call()) {
+            patience.giveBack();
             return ERROR_SUCCESS;
         }
         if (const DWORD error = GetLastError(); !patience.waitFor(error)) {
@@ -38,19 +52,6 @@ DWORD settled(DWORD error, const std::wstring& path, bool toWrite)
     return toWrite && (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? ERROR_WRITE_PROTECT : error;
 }
 
-DWORD move(const std::wstring& source, const std::wstring& target, DWORD flags, Patience& patience)
-{
-    const std::wstring from = longPath(source);
-    const std::wstring to = longPath(target);
-    return persistently(patience, [&] {
-        if (MoveFileExW(from.c_str(), to.c_str(), flags | MOVEFILE_WRITE_THROUGH)) {
-            return true;
-        }
-        SetLastError(settled(GetLastError(), to, true));
-        return false;
-    });
-}
-
 /// @return 0 or a platform error.
 DWORD writeAll(HANDLE file, std::string_view bytes)
 {
@@ -70,6 +71,53 @@ DWORD writeAll(HANDLE file, std::string_view bytes)
     return FlushFileBuffers(file) ? ERROR_SUCCESS : GetLastError();
 }
 
+/// @param file  receives the open file.
+DWORD openToRead(const std::wstring& path, Patience& patience, std::optional<Handle>& file)
+{
+    const DWORD error = persistently(patience, [&] {
+        file.emplace(openPlain(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                               nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN));
+        if (!file->isOpen()) {
+            SetLastError(settled(GetLastError(), longPath(path), false));
+        }
+        return file->isOpen();
+    });
+    return error == ERROR_PATH_NOT_FOUND ? ERROR_FILE_NOT_FOUND : error;
+}
+
+DWORD readAt(HANDLE file, std::uint64_t offset, std::string& bytes)
+{
+    OVERLAPPED start{};
+    start.Offset = static_cast<DWORD>(offset);
+    start.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    DWORD read = 0;
+    if (!ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, &start) &&
+        GetLastError() != ERROR_HANDLE_EOF)
+    {
+        return GetLastError();
+    }
+    bytes.resize(read);
+    return ERROR_SUCCESS;
+}
+
+std::uint64_t joined(DWORD high, DWORD low)
+{
+    return static_cast<std::uint64_t>(high) << 32 | low;
+}
+
+DWORD takeStamp(HANDLE file, FileStamp& stamp)
+{
+    BY_HANDLE_FILE_INFORMATION found{};
+    if (!GetFileInformationByHandle(file, &found)) {
+        return GetLastError();
+    }
+    stamp.size = joined(found.nFileSizeHigh, found.nFileSizeLow);
+    stamp.changed = joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime);
+    stamp.id = joined(found.nFileIndexHigh, found.nFileIndexLow);
+    stamp.tail.resize(std::min<std::uint64_t>(kTail, stamp.size));
+    return readAt(file, stamp.size - stamp.tail.size(), stamp.tail);
+}
+
 } // namespace
 
 bool Patience::waitFor(DWORD error)
@@ -78,13 +126,40 @@ bool Patience::waitFor(DWORD error)
     if (error != ERROR_SHARING_VIOLATION && error != ERROR_LOCK_VIOLATION && error != ERROR_ACCESS_DENIED) {
         return false;
     }
-    if (waited_ >= longest_) {
-        SetLastError(error);
-        return false;
+    const auto index = static_cast<std::size_t>(m_for);
+    {
+        const std::lock_guard lock(guard);
+        const ULONGLONG now = GetTickCount64();
+        Waiting& mine = waiting[index];
+        if (now - mine.last > kPause) {
+            mine.waited = 0;
+        }
+        mine.last = now;
+        if (mine.waited >= kLongest[index]) {
+            m_waited = 0; // in vain
+            SetLastError(error);
+            return false;
+        }
+        mine.waited += kStep;
+        m_waited += kStep;
     }
     Sleep(kStep);
-    waited_ += kStep;
     return true;
+}
+
+void Patience::giveBack()
+{
+    const std::lock_guard lock(guard);
+    Waiting& mine = waiting[static_cast<std::size_t>(m_for)];
+    mine.waited -= std::min(mine.waited, std::exchange(m_waited, 0));
+}
+
+void Patience::restore()
+{
+    const std::lock_guard lock(guard);
+    for (Waiting& each : waiting) {
+        each.waited = 0;
+    }
 }
 
 std::wstring longPath(const std::wstring& path)
@@ -109,66 +184,103 @@ std::wstring longPath(const std::wstring& path)
     return std::wstring(kPrefix) + full;
 }
 
-DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience)
+Handle openPlain(const std::wstring& path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                 DWORD disposition, DWORD flags)
 {
     const std::wstring name = longPath(path);
-    HANDLE opened = INVALID_HANDLE_VALUE;
-    const DWORD error = persistently(patience, [&] {
-        opened =
-            CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                        nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-        if (opened != INVALID_HANDLE_VALUE) {
-            return true;
-        }
-        SetLastError(settled(GetLastError(), name, false));
-        return false;
-    });
-    const Handle file(opened);
-    if (error != ERROR_SUCCESS) {
-        return error == ERROR_PATH_NOT_FOUND ? ERROR_FILE_NOT_FOUND : error;
+    Handle file(CreateFileW(name.c_str(), access, share, security, disposition,
+                            flags | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!file.isOpen()) {
+        return file;
     }
-    LARGE_INTEGER size{};
-    if (!GetFileSizeEx(file.get(), &size)) {
-        return GetLastError();
+    FILE_ATTRIBUTE_TAG_INFO found{};
+    BY_HANDLE_FILE_INFORMATION known{};
+    if (GetFileInformationByHandle(file.get(), &known) &&
+        (known.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+    {
+        return file;
     }
-    if (size.QuadPart > kLargestFile) {
-        return ERROR_FILE_TOO_LARGE;
+    const bool isLink =
+        !GetFileInformationByHandleEx(file.get(), FileAttributeTagInfo, &found, sizeof found) ||
+        IsReparseTagNameSurrogate(found.ReparseTag);
+    if (isLink) {
+        SetLastError(kStoppedOnLink);
+        return Handle();
     }
-    bytes.resize(static_cast<std::size_t>(size.QuadPart));
-    DWORD read = 0;
-    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) {
-        return GetLastError();
-    }
-    bytes.resize(read);
-    return ERROR_SUCCESS;
+    // A file that its disk keeps in another form, without its repeated parts, say.
+    return Handle(CreateFileW(name.c_str(), access, share, nullptr, OPEN_EXISTING, flags, nullptr));
 }
 
-DWORD writeFile(const std::wstring& path, std::string_view bytes, DWORD disposition)
+DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience, FileStamp* stamp)
 {
-    const std::wstring name = longPath(path);
+    std::optional<Handle> file;
+    if (const DWORD error = openToRead(path, patience, file); error != ERROR_SUCCESS) {
+        return error;
+    }
+    FileStamp now;
+    if (const DWORD error = takeStamp(file->get(), now); error != ERROR_SUCCESS) {
+        return error;
+    }
+    if (now.size > kLargestFile) {
+        return ERROR_FILE_TOO_LARGE;
+    }
+    bytes.resize(now.size);
+    const DWORD error = readAt(file->get(), 0, bytes);
+    if (stamp != nullptr) {
+        *stamp = std::move(now);
+    }
+    return error;
+}
+
+DWORD readStamp(const std::wstring& path, FileStamp& stamp, Patience& patience)
+{
+    std::optional<Handle> file;
+    const DWORD error = openToRead(path, patience, file);
+    return error != ERROR_SUCCESS ? error : takeStamp(file->get(), stamp);
+}
+
+DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security)
+{
+    if (bytes.size() > kLargestFile) {
+        return ERROR_FILE_TOO_LARGE;
+    }
     DWORD error = ERROR_SUCCESS;
     {
-        const Handle file(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                      nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+        // Made new: what another has put there, a link above all, is never written to.
+        const Handle file = openPlain(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, security,
+                                      CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
         if (!file.isOpen()) {
             return GetLastError();
         }
         error = writeAll(file.get(), bytes);
     }
     if (error != ERROR_SUCCESS) {
-        DeleteFileW(name.c_str());
+        DeleteFileW(longPath(path).c_str());
     }
     return error;
 }
 
-DWORD replaceFile(const std::wstring& source, const std::wstring& target, Patience& patience)
+DWORD replaceFile(const std::wstring& path, const std::wstring& temporary, std::string_view bytes,
+                  SECURITY_ATTRIBUTES* security, Patience& patience)
 {
-    return move(source, target, MOVEFILE_REPLACE_EXISTING, patience);
-}
-
-DWORD renameFile(const std::wstring& source, const std::wstring& target, Patience& patience)
-{
-    return move(source, target, 0, patience);
+    DeleteFileW(longPath(temporary).c_str());
+    DWORD error = writeFile(temporary, bytes, security);
+    if (error != ERROR_SUCCESS) {
+        return error;
+    }
+    const std::wstring from = longPath(temporary);
+    const std::wstring to = longPath(path);
+    error = persistently(patience, [&] {
+        if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+            return true;
+        }
+        SetLastError(settled(GetLastError(), to, true));
+        return false;
+    });
+    if (error != ERROR_SUCCESS) {
+        removeFile(temporary, patience);
+    }
+    return error;
 }
 
 DWORD removeFile(const std::wstring& path, Patience& patience)

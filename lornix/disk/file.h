@@ -1,8 +1,9 @@
-// Files, whole and safe.
+// Files, whole and safe. Links at their names are not followed.
 #pragma once
 
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -12,68 +13,98 @@ namespace lornix {
 class Handle {
 public:
     explicit Handle(HANDLE handle = INVALID_HANDLE_VALUE)
-        : handle_(handle)
+        : m_handle(handle)
     {
     }
     Handle(Handle&& other) noexcept
-        : handle_(other.handle_)
+        : m_handle(other.m_handle)
     {
-        other.handle_ = INVALID_HANDLE_VALUE;
+        other.m_handle = INVALID_HANDLE_VALUE;
     }
     Handle& operator=(Handle&&) = delete;
     ~Handle()
     {
         if (isOpen()) {
-            CloseHandle(handle_);
+            CloseHandle(m_handle);
         }
     }
 
-    bool isOpen() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
-    HANDLE get() const { return handle_; }
+    bool isOpen() const { return m_handle != INVALID_HANDLE_VALUE && m_handle != nullptr; }
+    HANDLE get() const { return m_handle; }
 
 private:
-    HANDLE handle_;
+    HANDLE m_handle;
 };
 
-/// How long a call goes on trying when a virus scanner, a backup or another process has a file open. One for a
-/// whole call, so that a thousand files that stay locked do not cost a thousand times the wait.
+/// How long is gone on trying when a virus scanner, a backup or another process has a file open. What calls that
+/// follow each other wait counts together: a host that asks for thirty folders whose file is held does not wait
+/// thirty times.
 class Patience {
 public:
-    /// @param longest  milliseconds in all. Somebody who only wants to look does not wait as long.
-    explicit Patience(DWORD longest = 3000)
-        : longest_(longest)
+    enum class For : std::uint8_t {
+        kChange,
+        kReading, ///< somebody who only wants to look does not wait as long
+        kTurn     ///< to be the one who changes
+    };
+    explicit Patience(For what = For::kChange)
+        : m_for(what)
     {
     }
-
-    static Patience toRead() { return Patience(300); }
+    static Patience toRead() { return Patience(For::kReading); }
 
     /// Waits a moment when the error may pass.
     /// @return false when it is one that stays, or when the time is over.
     bool waitFor(DWORD error);
 
+    /// What was waited since the last time is not counted: it helped.
+    void giveBack();
+
+    /// All of it is there again.
+    static void restore();
+
 private:
-    DWORD longest_;
-    DWORD waited_ = 0;
+    For m_for;
+    DWORD m_waited = 0; ///< since something worked
 };
 
 /// A full path in the form that knows no limit of 260 characters.
 /// @param path  forward slashes are allowed.
 std::wstring longPath(const std::wstring& path);
 
+/// A file above is none of ours: 100,000 rules need an eighth of it.
+inline constexpr LONGLONG kLargestFile = 64 << 20;
+
+/// What tells that a file is still the one that was read.
+struct FileStamp {
+    std::uint64_t size = 0;
+    std::uint64_t changed = 0;
+    std::uint64_t id = 0;
+    std::string tail; ///< its last bytes, where the checksum stands
+    bool operator==(const FileStamp&) const = default;
+};
+
+/// @param stamp  receives what was read, when it is not null.
 /// @return 0 or a platform error. ERROR_FILE_NOT_FOUND also when the folder of the file is missing.
-DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience);
+DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience, FileStamp* stamp = nullptr);
 
-/// Writes a file and makes sure that it is on the disk. On failure nothing of it is left.
-/// @param disposition  CREATE_NEW or CREATE_ALWAYS.
-DWORD writeFile(const std::wstring& path, std::string_view bytes, DWORD disposition);
+/// @return as for readFile.
+DWORD readStamp(const std::wstring& path, FileStamp& stamp, Patience& patience);
 
-/// Puts a file in the place of another, of the same folder, in one step: whoever reads sees the one or the other.
-DWORD replaceFile(const std::wstring& source, const std::wstring& target, Patience& patience);
+/// Makes a new file and sees to it that it is on the disk. On failure nothing of it is left.
+/// @param security  null for what the folder gives to its files.
+DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security);
 
-/// Gives a file a new name that must be free.
-DWORD renameFile(const std::wstring& source, const std::wstring& target, Patience& patience);
+/// Puts a text in the place of a file in one step: whoever reads sees the one or the other.
+/// @param temporary  name in the same folder; what stands there goes.
+DWORD replaceFile(const std::wstring& path, const std::wstring& temporary, std::string_view bytes,
+                  SECURITY_ATTRIBUTES* security, Patience& patience);
 
 DWORD removeFile(const std::wstring& path, Patience& patience);
+
+/// Opens what stands under a name, and not what a link there leads to.
+/// @return invalid, with the platform's last error, when it cannot be opened or is a link.
+Handle openPlain(const std::wstring& path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                 DWORD disposition, DWORD flags);
 
 /// Makes a folder, and those above it that are missing.
 DWORD makeFolder(const std::wstring& path);

@@ -12,68 +12,63 @@ std::wstring quoted(const std::wstring& path)
     return L'"' + path + L'"';
 }
 
-std::wstring describe(const std::vector<Flaw>& flaws)
+std::wstring describe(const Flaws& flaws)
 {
     std::wstring text;
-    for (const Flaw& flaw : flaws) {
-        const std::string reason = flaw.reason;
-        text += (text.empty() ? L"line " : L"; line ") + std::to_wstring(flaw.line) + L": " +
+    for (std::size_t i = 0; i < std::min(kFlawsTold, flaws.first.size()); ++i) {
+        const std::string reason = flaws.first[i].reason;
+        text += (text.empty() ? L"line " : L"; line ") + std::to_wstring(flaws.first[i].line) + L": " +
                 std::wstring(reason.begin(), reason.end());
-        if (&flaw - flaws.data() + 1u == kFlawsTold && flaws.size() > kFlawsTold) {
-            return text + L"; and " + std::to_wstring(flaws.size() - kFlawsTold) + L" more";
-        }
     }
-    return text;
+    return flaws.count <= kFlawsTold
+               ? text
+               : text + L"; and " + std::to_wstring(flaws.count - kFlawsTold) + L" more";
 }
 
 /// "name.txt" becomes "name.1.txt", "name.2.txt" ... in the folder for what is set aside.
 std::wstring nameAside(const KeptFile& file, unsigned number)
 {
     const std::wstring name = file.path.substr(file.path.find_last_of(L'\\') + 1);
-    const std::size_t dot = name.find_last_of(L'.');
+    const std::size_t dot = std::min(name.find_last_of(L'.'), name.size());
     return file.folder.setAsideFolder() + L'\\' + name.substr(0, dot) + L'.' + std::to_wstring(number) +
            name.substr(dot);
 }
 
-/// Tries names until one is free.
-/// @param place  puts the file under a name, gives 0 or a platform error.
-template <class Place>
-DWORD underFreeName(const KeptFile& file, std::wstring& name, Place place)
+/// Security for a file that is made in the place of one.
+SECURITY_ATTRIBUTES* securityOf(const KeptFile& file, Readers readers, Protection& protection)
+{
+    return file.folder.isGuarded() && readers == Readers::kAdministrators ? protection.get() : nullptr;
+}
+
+/// Copies a file under a name that is free.
+/// @return 0 or a platform error.
+DWORD copyAside(KeptFile& file, std::wstring& name, Patience& patience)
 {
     constexpr unsigned kMost = 100000;
-    DWORD error = makeFolder(file.folder.setAsideFolder());
-    if (error != ERROR_SUCCESS) {
-        return error;
+    DWORD error = file.folder.make(true);
+    std::string bytes;
+    if (error == ERROR_SUCCESS) {
+        error = readFile(file.path, bytes, patience);
     }
-    for (unsigned number = 1; number <= kMost; ++number) {
+    Protection protection(Readers::kAdministrators);
+    for (unsigned number = 1; error == ERROR_SUCCESS && number <= kMost; ++number) {
         name = nameAside(file, number);
-        error = place(name);
+        error = writeFile(name, bytes, securityOf(file, Readers::kAdministrators, protection));
         if (error != ERROR_FILE_EXISTS && error != ERROR_ALREADY_EXISTS) {
             break;
         }
-    }
-    return error;
-}
-
-/// @return 0 or a platform error.
-DWORD replaceText(const std::wstring& path, std::string_view text, Patience& patience)
-{
-    const std::wstring temporary = temporaryFor(path);
-    DWORD error = writeFile(temporary, text, CREATE_ALWAYS);
-    if (error == ERROR_SUCCESS) {
-        error = replaceFile(temporary, path, patience);
-        if (error != ERROR_SUCCESS) {
-            removeFile(temporary, patience);
-        }
+        error = ERROR_SUCCESS;
     }
     return error;
 }
 
 } // namespace
 
-Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience)
+Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience, FileStamp* stamp)
 {
-    const DWORD error = readFile(file.path, bytes, patience);
+    bytes.clear();
+    const DWORD error = file.folder.mayHoldFiles() ? readFile(file.path, bytes, patience, stamp)
+                                                   : static_cast<DWORD>(ERROR_FILE_NOT_FOUND);
     if (error == ERROR_SUCCESS) {
         return Reading::kDone;
     }
@@ -85,17 +80,27 @@ Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience)
     return Reading::kFailed;
 }
 
-bool replaceWith(const KeptFile& file, std::string_view text, Patience& patience)
+bool judge(const KeptFile& file, Condition condition, const Flaws& flaws)
 {
-    const DWORD error = replaceText(file.path, text, patience);
-    if (error != ERROR_SUCCESS) {
-        report(file.title + L" cannot be written to " + quoted(file.path) + L", which stays as it was: " +
-               reasonOf(error));
+    switch (condition) {
+    case Condition::kGood:
+        return true;
+    case Condition::kOther:
+        report(file.title + L", " + quoted(file.path) +
+               L", is of a newer version or of another kind. It is left alone.");
+        return false;
+    case Condition::kForeign:
+        report(file.title + L" is not readable as such: " + quoted(file.path) + L'.');
+        return true;
+    case Condition::kDamaged:
+        report(file.title + L" is damaged (" + describe(flaws) + L"): " + quoted(file.path) +
+               L". What is surely good in it is used.");
+        return true;
     }
-    return error == ERROR_SUCCESS;
+    return false;
 }
 
-std::unique_ptr<const StoreLock> openForChange(const DataFolder& data, const std::wstring& doing)
+std::unique_ptr<const StoreLock> openForChange(DataFolder& data, const std::wstring& doing)
 {
     if (!data.isKnown()) {
         return nullptr;
@@ -113,44 +118,33 @@ std::unique_ptr<const StoreLock> openForChange(const DataFolder& data, const std
     return lock;
 }
 
-namespace kept_file_detail {
-
-void reportLockFailure(const KeptFile& file, DWORD error)
+bool replaceKept(KeptFile& file, Condition before, std::string_view text, Patience& patience)
 {
-    report(file.title + L" is damaged, and " + quoted(file.path) +
-           L" cannot be set aside, because the data folder cannot be locked: " + reasonOf(error));
-}
-
-bool setAside(const KeptFile& file, std::string_view bytes, const std::vector<Flaw>& flaws,
-              const std::string* replacement, Patience& patience)
-{
-    std::wstring name;
-    DWORD error = ERROR_SUCCESS;
-    if (replacement == nullptr) {
-        error = underFreeName(file, name,
-                              [&](const std::wstring& to) { return renameFile(file.path, to, patience); });
-    } else {
+    std::wstring aside;
+    if (before != Condition::kGood) {
         // First the copy, then the replacement: a kill in between leaves a copy too many and nothing lost.
-        error = underFreeName(file, name,
-                              [&](const std::wstring& to) { return writeFile(to, bytes, CREATE_NEW); });
-        if (error == ERROR_SUCCESS) {
-            error = replaceText(file.path, *replacement, patience);
-            if (error != ERROR_SUCCESS) {
-                removeFile(name, patience); // else each attempt would leave one more
-            }
+        if (const DWORD error = copyAside(file, aside, patience); error != ERROR_SUCCESS) {
+            report(file.title + L" is damaged and cannot be set aside, so that " + quoted(file.path) +
+                   L" stays as it is: " + reasonOf(error));
+            return false;
         }
     }
-    const std::wstring what =
-        replacement == nullptr ? L" is not readable as such" : L" is damaged (" + describe(flaws) + L")";
+    Protection protection(file.readers);
+    const DWORD error = replaceFile(file.path, temporaryFor(file.path), text,
+                                    securityOf(file, file.readers, protection), patience);
     if (error != ERROR_SUCCESS) {
-        report(file.title + what + L", and " + quoted(file.path) + L" cannot be set aside: " +
+        report(file.title + L" cannot be written to " + quoted(file.path) + L", which stays as it was: " +
                reasonOf(error));
+        if (!aside.empty()) {
+            removeFile(aside, patience); // else each attempt would leave one more
+        }
         return false;
     }
-    report(file.title + what + L". It is kept as " + quoted(name) +
-           (replacement == nullptr ? L"." : L"; all that could be read goes on."));
+    if (!aside.empty()) {
+        report(file.title + L" was damaged. It is kept as " + quoted(aside) +
+               L"; what was surely good in it goes on.");
+    }
     return true;
 }
 
-} // namespace kept_file_detail
 } // namespace lornix

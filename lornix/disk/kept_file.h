@@ -1,15 +1,12 @@
-// Reading a file of the store, and what is done with one that is damaged or foreign: it is set aside whole, under
-// a name that was free, and what can still be used goes on in a new file under the old name.
+// Reading and replacing a file of the store. Reading leaves it as it is, whatever it holds. Who replaces a damaged one
+// keeps it whole under another name first; one of a newer version or of another kind is never replaced.
 #pragma once
 
 #include "lornix/disk/data_folder.h"
 #include "lornix/text/framed_text.h"
 
-#include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
-#include <string_view>
 
 namespace lornix {
 
@@ -17,7 +14,8 @@ namespace lornix {
 struct KeptFile {
     DataFolder folder;
     std::wstring path;
-    std::wstring title; ///< starts a sentence: "The file with ..."
+    std::wstring title;                    ///< starts a sentence: "The file with ..."
+    Readers readers = Readers::kEverybody; ///< where the store has a say in that
 };
 
 enum class Reading : std::uint8_t {
@@ -26,80 +24,47 @@ enum class Reading : std::uint8_t {
     kFailed   ///< which has been reported
 };
 
-/// Puts a text in the place of a file.
-/// @return false with a report; the file is then as it was.
-bool replaceWith(const KeptFile& file, std::string_view text, Patience& patience);
+/// Reads a file as it is.
+/// @param stamp  see readFile.
+Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience, FileStamp* stamp = nullptr);
+
+/// Reports what is wrong with what was read.
+/// @return false when nothing may be done with it.
+bool judge(const KeptFile& file, Condition condition, const Flaws& flaws);
+
+/// Reads a file. `Content` has a condition and flaws and starts out as what a missing file holds.
+/// @param parse  text to Content.
+/// @return nothing when the file cannot be read or is none that this store understands: that has been reported.
+///         A damaged file gives what is surely good, and is reported too.
+template <class Content, class Parse>
+std::optional<Content> readKept(const KeptFile& file, Patience& patience, Parse parse)
+{
+    std::string bytes;
+    std::optional<Content> content;
+    switch (readBytes(file, bytes, patience)) {
+    case Reading::kFailed:
+        break;
+    case Reading::kMissing:
+        content.emplace().condition = Condition::kGood;
+        break;
+    case Reading::kDone:
+        content = parse(std::string_view(bytes));
+        if (!judge(file, content->condition, content->flaws)) {
+            content.reset();
+        }
+        break;
+    }
+    return content;
+}
 
 /// Makes the data folder and locks it.
 /// @param doing  what cannot be done without, for the report: "The rules cannot be stored".
 /// @return the lock, held as long as it lives; null with a report.
-std::unique_ptr<const StoreLock> openForChange(const DataFolder& data, const std::wstring& doing);
+std::unique_ptr<const StoreLock> openForChange(DataFolder& data, const std::wstring& doing);
 
-/// Reads a file as it is.
-Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience);
-
-namespace kept_file_detail {
-
-void reportLockFailure(const KeptFile& file, DWORD error);
-
-/// Keeps the file under another name. A file that is to be replaced stays where it is until then.
-/// @param replacement  what goes on under the old name; null for nothing.
-/// @return false when it cannot be done; it has been reported, and the file is as it was.
-bool setAside(const KeptFile& file, std::string_view bytes, const std::vector<Flaw>& flaws,
-              const std::string* replacement, Patience& patience);
-
-} // namespace kept_file_detail
-
-/// Reads a file. `Content` has a condition and flaws and starts out as what a missing file holds.
-/// @param lock     the caller's, when it holds one; else null: reading needs none, only setting aside does.
-/// @param parse    text to Content.
-/// @param rewrite  Content to text.
-/// @return nothing when the file cannot be read, or stands in the way of being written: that has been reported.
-///         A damaged file gives what could be used, also when it could not be set aside, if `onlyToRead`.
-template <class Content, class Parse, class Rewrite>
-std::optional<Content> readKept(const KeptFile& file, const StoreLock* lock, Patience& patience, Parse parse,
-                                Rewrite rewrite)
-{
-    using namespace kept_file_detail;
-    const bool onlyToRead = lock == nullptr;
-    std::string bytes;
-    const auto load = [&]() -> std::optional<Content> {
-        switch (readBytes(file, bytes, patience)) {
-        case Reading::kFailed:
-            return std::nullopt;
-        case Reading::kDone:
-            return parse(std::string_view(bytes));
-        case Reading::kMissing:
-            break;
-        }
-        Content nothing;
-        nothing.condition = Condition::kGood;
-        return nothing;
-    };
-    std::optional<Content> content = load();
-    if (!content || content->condition == Condition::kGood) {
-        return content;
-    }
-    std::optional<StoreLock> ownLock;
-    if (onlyToRead) {
-        ownLock.emplace(file.folder);
-        if (ownLock->error() != ERROR_SUCCESS) {
-            reportLockFailure(file, ownLock->error());
-            return content;
-        }
-        // Another process may have mended it meanwhile.
-        content = load();
-        if (!content || content->condition == Condition::kGood) {
-            return content;
-        }
-    }
-    const bool isForeign = content->condition == Condition::kForeign;
-    const std::string replacement = isForeign ? std::string() : rewrite(*content);
-    if (!setAside(file, bytes, content->flaws, isForeign ? nullptr : &replacement, patience) && !onlyToRead) {
-        return std::nullopt;
-    }
-    content->condition = Condition::kGood;
-    return content;
-}
+/// Puts a text in the place of a file. The caller holds the lock.
+/// @param before  what the file holds: a damaged one is set aside.
+/// @return false with a report; the file is then as it was.
+bool replaceKept(KeptFile& file, Condition before, std::string_view text, Patience& patience);
 
 } // namespace lornix

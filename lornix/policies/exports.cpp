@@ -10,28 +10,10 @@ using lornix::PolicyEntry;
 using lornix::PolicyList;
 using lornix::reporting;
 
-int load(PolicyList& list)
-{
-    return reporting(0, [&] { return list.load() ? 1 : 0; });
-}
-
 const wchar_t* text(PolicyList& list, uint32_t index)
 {
     const PolicyEntry* entry = list.at(index);
     return entry == nullptr ? nullptr : entry->text.get();
-}
-
-uint32_t add(PolicyList& list, const wchar_t* text)
-{
-    return reporting(PolicyList::kNone, [&] { return list.add(text); });
-}
-
-void update(PolicyList& list, uint32_t index, const wchar_t* text)
-{
-    reporting(false, [&] {
-        list.update(index, text);
-        return true;
-    });
 }
 
 /// An account that comes with a text. @return nothing, the text released, for one that is none: it must not turn
@@ -46,36 +28,73 @@ std::optional<lornix::Sid> accountOf(PolicyList& list, const wchar_t* text, cons
     return lornix::Sid(lornix::sidBytes(sid));
 }
 
-void store(PolicyList& list)
-{
-    reporting(false, [&] { return list.store(); });
-}
-
-void apply(PolicyList& list)
-{
-    reporting(false, [&] { return list.apply(); });
-}
-
 } // namespace
 
 static_assert(NOTIFICATION_ATTRIBUTE_COUNT == lornix::kAttributeCount);
 static_assert(NOTIFICATION_PASSWORD == lornix::kPasswordAttribute);
 
-/* ---- notifications ---- */
+// The same functions for each list, by its name in theirs.
+#define LORNIX_LIST(Name, list)                                                                              \
+    int load##Name(void)                                                                                     \
+    {                                                                                                        \
+        return reporting(0, [] { return lornix::list().load() ? 1 : 0; });                                   \
+    }                                                                                                        \
+    void remove##Name(uint32_t index)                                                                        \
+    {                                                                                                        \
+        lornix::list().remove(index);                                                                        \
+    }                                                                                                        \
+    void store##Name(void)                                                                                   \
+    {                                                                                                        \
+        reporting(false, [] { return lornix::list().store(); });                                             \
+    }                                                                                                        \
+    void free##Name(void)                                                                                    \
+    {                                                                                                        \
+        lornix::list().release();                                                                            \
+    }
 
-int loadNotifications(void)
-{
-    return load(lornix::notifications());
-}
+// For the lists that whoever enforces them reads.
+#define LORNIX_APPLIED_LIST(Name, list)                                                                      \
+    void apply##Name(void)                                                                                   \
+    {                                                                                                        \
+        reporting(false, [] { return lornix::list().apply(); });                                             \
+    }
+
+// For the lists whose entries are a text each.
+#define LORNIX_TEXT_LIST(Name, list)                                                                         \
+    const wchar_t* get##Name(uint32_t index)                                                                 \
+    {                                                                                                        \
+        return text(lornix::list(), index);                                                                  \
+    }                                                                                                        \
+    uint32_t addTo##Name(const wchar_t* text)                                                                \
+    {                                                                                                        \
+        return reporting(PolicyList::kNone, [&] { return lornix::list().add(text); });                       \
+    }                                                                                                        \
+    void update##Name(uint32_t index, const wchar_t* text)                                                   \
+    {                                                                                                        \
+        reporting(false, [&] { return lornix::list().update(index, text), true; });                          \
+    }
+
+LORNIX_LIST(Notifications, notifications)
+LORNIX_TEXT_LIST(Notifications, notifications)
+
+LORNIX_LIST(Excludes, excludes)
+LORNIX_APPLIED_LIST(Excludes, excludes)
+LORNIX_TEXT_LIST(Excludes, excludes)
+
+LORNIX_LIST(MgrAccounts, administrativeAccounts)
+LORNIX_APPLIED_LIST(MgrAccounts, administrativeAccounts)
+LORNIX_TEXT_LIST(MgrAccounts, administrativeAccounts)
+
+LORNIX_LIST(BackupTools, backupTools)
+LORNIX_APPLIED_LIST(BackupTools, backupTools)
+LORNIX_TEXT_LIST(BackupTools, backupTools)
+
+LORNIX_LIST(ExcludeExts, blockedExtensions)
+LORNIX_APPLIED_LIST(ExcludeExts, blockedExtensions)
 
 uint32_t getNotificationsCount(void)
 {
     return lornix::notifications().count();
-}
-
-const wchar_t* getNotifications(uint32_t index)
-{
-    return text(lornix::notifications(), index);
 }
 
 const wchar_t* getNAttr(uint32_t index, uint32_t attribute)
@@ -99,163 +118,7 @@ void setNAttr(uint32_t index, uint32_t attribute, const wchar_t* text)
     });
 }
 
-uint32_t addToNotifications(const wchar_t* script)
-{
-    return add(lornix::notifications(), script);
-}
-
-void updateNotifications(uint32_t index, const wchar_t* script)
-{
-    update(lornix::notifications(), index, script);
-}
-
-void removeNotifications(uint32_t index)
-{
-    lornix::notifications().remove(index);
-}
-
-void storeNotifications(void)
-{
-    store(lornix::notifications());
-}
-
-void freeNotifications(void)
-{
-    lornix::notifications().release();
-}
-
-/* ---- exception files ---- */
-
-int loadExcludes(void)
-{
-    return load(lornix::excludes());
-}
-
-const wchar_t* getExcludes(uint32_t index)
-{
-    return text(lornix::excludes(), index);
-}
-
-uint32_t addToExcludes(const wchar_t* path)
-{
-    return add(lornix::excludes(), path);
-}
-
-void updateExcludes(uint32_t index, const wchar_t* path)
-{
-    update(lornix::excludes(), index, path);
-}
-
-void removeExcludes(uint32_t index)
-{
-    lornix::excludes().remove(index);
-}
-
-void storeExcludes(void)
-{
-    store(lornix::excludes());
-}
-
-void applyExcludes(void)
-{
-    apply(lornix::excludes());
-}
-
-void freeExcludes(void)
-{
-    lornix::excludes().release();
-}
-
-/* ---- administrative accounts ---- */
-
-int loadMgrAccounts(void)
-{
-    return load(lornix::administrativeAccounts());
-}
-
-const wchar_t* getMgrAccounts(uint32_t index)
-{
-    return text(lornix::administrativeAccounts(), index);
-}
-
-uint32_t addToMgrAccounts(const wchar_t* name)
-{
-    return add(lornix::administrativeAccounts(), name);
-}
-
-void updateMgrAccounts(uint32_t index, const wchar_t* name)
-{
-    update(lornix::administrativeAccounts(), index, name);
-}
-
-void removeMgrAccounts(uint32_t index)
-{
-    lornix::administrativeAccounts().remove(index);
-}
-
-void storeMgrAccounts(void)
-{
-    store(lornix::administrativeAccounts());
-}
-
-void applyMgrAccounts(void)
-{
-    apply(lornix::administrativeAccounts());
-}
-
-void freeMgrAccounts(void)
-{
-    lornix::administrativeAccounts().release();
-}
-
-/* ---- backup tools ---- */
-
-int loadBackupTools(void)
-{
-    return load(lornix::backupTools());
-}
-
-const wchar_t* getBackupTools(uint32_t index)
-{
-    return text(lornix::backupTools(), index);
-}
-
-uint32_t addToBackupTools(const wchar_t* name)
-{
-    return add(lornix::backupTools(), name);
-}
-
-void updateBackupTools(uint32_t index, const wchar_t* name)
-{
-    update(lornix::backupTools(), index, name);
-}
-
-void removeBackupTools(uint32_t index)
-{
-    lornix::backupTools().remove(index);
-}
-
-void storeBackupTools(void)
-{
-    store(lornix::backupTools());
-}
-
-void applyBackupTools(void)
-{
-    apply(lornix::backupTools());
-}
-
-void freeBackupTools(void)
-{
-    lornix::backupTools().release();
-}
-
 /* ---- blocked extensions ---- */
-
-int loadExcludeExts(void)
-{
-    return load(lornix::blockedExtensions());
-}
 
 const wchar_t* getExcludeExtsPath(uint32_t index)
 {
@@ -286,26 +149,6 @@ void updateExcludeExts(uint32_t index, const wchar_t* mask, const void* sid)
         }
         return true;
     });
-}
-
-void removeExcludeExts(uint32_t index)
-{
-    lornix::blockedExtensions().remove(index);
-}
-
-void storeExcludeExts(void)
-{
-    store(lornix::blockedExtensions());
-}
-
-void applyExcludeExts(void)
-{
-    apply(lornix::blockedExtensions());
-}
-
-void freeExcludeExts(void)
-{
-    lornix::blockedExtensions().release();
 }
 
 /* ---- what is active ---- */

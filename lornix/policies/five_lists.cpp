@@ -6,14 +6,15 @@ namespace lornix {
 namespace {
 
 constexpr PolicyFormat kNotifications{
-    .kind = {"notifications", 1}, .word = "notification", .hasAttributes = true};
-constexpr PolicyFormat kExcludes{.kind = {"excludes", 1}, .word = "exclude"};
+    .kind = {"notifications", 1, true}, .word = "notification", .hasAttributes = true};
+constexpr PolicyFormat kExcludes{.kind = {"excludes", 1, true}, .word = "exclude"};
 constexpr PolicyFormat kBlockedExtensions{
-    .kind = {"blocked-extensions", 1}, .word = "mask", .hasAccount = true};
-constexpr PolicyFormat kAdministrativeAccounts{.kind = {"administrative-accounts", 1}, .word = "account"};
-constexpr PolicyFormat kBackupTools{.kind = {"backup-tools", 1}, .word = "tool"};
+    .kind = {"blocked-extensions", 1, true}, .word = "mask", .hasAccount = true};
+constexpr PolicyFormat kAdministrativeAccounts{.kind = {"administrative-accounts", 1, true},
+                                               .word = "account"};
+constexpr PolicyFormat kBackupTools{.kind = {"backup-tools", 1, true}, .word = "tool"};
 
-constexpr FileKind kActiveExceptions{"active-exceptions", 1};
+constexpr FileKind kActiveExceptions{"active-exceptions", 1, true};
 
 bool endsWith(const std::wstring& text, std::wstring_view tail)
 {
@@ -27,6 +28,15 @@ bool isFreeName(const std::wstring& name)
     return !name.empty() && name.find_first_of(L"\\/:*?\"<>|") == std::wstring::npos && name.back() != L'.' &&
            name.back() != L' ' && !endsWith(name, L".txt") && !endsWith(name, kTemporary) &&
            !endsWith(name, L".lock") && name.size() < MAX_PATH;
+}
+
+/// Of a file with active exceptions, whatever they are.
+Finding findingOf(std::string_view text)
+{
+    TextReader reader(text, kActiveExceptions);
+    for (std::string_view line; reader.isOurs() && reader.next(line);) {
+    }
+    return reader.finding();
 }
 
 } // namespace
@@ -68,13 +78,14 @@ bool writeActiveExceptions(const std::wstring& fileName)
         report(L"\"" + fileName + L"\" is no name for a file with the active exceptions.");
         return false;
     }
-    const DataFolder data = DataFolder::current();
+    DataFolder data = DataFolder::current();
     if (!data.isKnown()) {
         return false;
     }
     TextWriter writer(kActiveExceptions);
+    Patience patience;
     for (const PolicyList* list : {&excludes(), &backupTools()}) {
-        const auto active = list->active(data);
+        const auto active = list->active(data, patience);
         if (!active) {
             return false;
         }
@@ -82,10 +93,10 @@ bool writeActiveExceptions(const std::wstring& fileName)
             appendRecord(writer, list->format(), entry);
         }
     }
-    const KeptFile file{data, data.root() + L'\\' + fileName, L"The file with the active exceptions"};
+    KeptFile file{data, data.path(fileName), L"The file with the active exceptions"};
     const auto lock = openForChange(data, file.title + L" cannot be stored");
-    Patience patience;
-    return lock && replaceWith(file, writer.finish(), patience);
+    const auto present = lock ? readKept<Finding>(file, patience, findingOf) : std::nullopt;
+    return present && replaceKept(file, present->condition, writer.finish(), patience);
 }
 
 } // namespace lornix

@@ -137,16 +137,14 @@ PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text)
 {
     PolicyRecords result;
     TextReader reader(text, format.kind);
-    if (!reader.isOurs()) {
-        return result;
-    }
     bool underEntry = false; // attributes of an entry that was left out belong to none
-    for (std::string_view line; reader.next(line);) {
+    for (std::string_view line; reader.isOurs() && reader.next(line);) {
         const std::string_view word = takeWord(line);
         const char* flaw = nullptr;
         if (word == format.word) {
             PolicyRecord entry;
-            flaw = readEntry(format, line, entry);
+            flaw = result.entries.size() < kMostEntries ? readEntry(format, line, entry)
+                                                        : "there are too many before it";
             underEntry = flaw == nullptr;
             if (underEntry) {
                 result.entries.push_back(std::move(entry));
@@ -160,8 +158,7 @@ PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text)
             reader.reject(flaw);
         }
     }
-    result.flaws = std::move(reader.flaws());
-    result.condition = result.flaws.empty() ? Condition::kGood : Condition::kDamaged;
+    static_cast<Finding&>(result) = reader.finding();
     return result;
 }
 

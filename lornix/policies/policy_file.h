@@ -33,11 +33,12 @@ struct PolicyRecord {
     std::string sealedPassword;                                            ///< bytes; empty: none
 };
 
+/// An editor shows them all at once, and memory is to stay in proportion to the file.
+inline constexpr std::size_t kMostEntries = 100000;
+
 /// What a file held that could be used, and what could not.
-struct PolicyRecords {
-    Condition condition = Condition::kForeign;
+struct PolicyRecords : Finding {
     std::vector<PolicyRecord> entries;
-    std::vector<Flaw> flaws;
 };
 
 PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text);

@@ -7,30 +7,29 @@ namespace lornix {
 
 KeptFile PolicyList::file(const DataFolder& data) const
 {
-    return {data, data.root() + L'\\' + fileName_, title_};
+    // Passwords are among the attributes: sealed, and yet nobody's business.
+    return {data, data.path(m_fileName), m_title,
+            m_format.hasAttributes ? Readers::kAdministrators : Readers::kEverybody};
 }
 
 KeptFile PolicyList::activeFile(const DataFolder& data) const
 {
-    return {data, data.root() + L"\\active-" + fileName_, title_ + std::wstring(L" as it is active")};
+    return {data, data.path(std::wstring(L"active-") + m_fileName),
+            m_title + std::wstring(L" as it is active")};
 }
 
-std::optional<PolicyRecords> PolicyList::read(const KeptFile& file, const StoreLock* lock) const
+std::optional<PolicyRecords> PolicyList::read(const KeptFile& file, Patience& patience) const
 {
-    Patience patience = lock == nullptr ? Patience::toRead() : Patience();
-    return readKept<PolicyRecords>(
-        file, lock, patience, [this](std::string_view text) { return readPolicy(format_, text); },
-        [this](const PolicyRecords& content) { return writePolicy(format_, content.entries); });
+    return readKept<PolicyRecords>(file, patience,
+                                   [this](std::string_view text) { return readPolicy(m_format, text); });
 }
 
 bool PolicyList::load()
 {
     release();
     const DataFolder data = DataFolder::current();
-    if (!data.isKnown()) {
-        return false;
-    }
-    const auto content = read(file(data), nullptr);
+    Patience patience = Patience::toRead();
+    const auto content = data.isKnown() ? read(file(data), patience) : std::nullopt;
     if (!content) {
         return false;
     }
@@ -39,20 +38,20 @@ bool PolicyList::load()
         unreadable += take(record) ? 0 : 1;
     }
     if (unreadable != 0) {
-        report(title_ + std::wstring(L" holds ") + std::to_wstring(unreadable) +
+        report(m_title + std::wstring(L" holds ") + std::to_wstring(unreadable) +
                L" passwords that this account cannot read. They stay as they are.");
     }
-    persistent_ = writePolicy(format_, content->entries);
-    isLoaded_ = true;
+    m_persistent = writePolicy(m_format, content->entries);
+    m_isLoaded = true;
     return true;
 }
 
 bool PolicyList::take(const PolicyRecord& record)
 {
-    PolicyEntry& entry = entries_.emplace_back();
+    PolicyEntry& entry = m_entries.emplace_back();
     const auto put = [this](OwnedText& slot, std::u16string_view text) {
         slot = copyText(toWide(text).c_str());
-        own_.insert(slot.get());
+        m_own.insert(slot.get());
     };
     put(entry.text, record.text);
     entry.account = record.account;
@@ -69,23 +68,23 @@ bool PolicyList::take(const PolicyRecord& record)
     if (unsealText(entry.sealedPassword, password) != ERROR_SUCCESS) {
         return false;
     }
-    own_.insert(password.get());
+    m_own.insert(password.get());
     return true;
 }
 
-std::optional<PolicyRecords> PolicyList::active(const DataFolder& data) const
+std::optional<PolicyRecords> PolicyList::active(const DataFolder& data, Patience& patience) const
 {
-    return read(activeFile(data), nullptr);
+    return read(activeFile(data), patience);
 }
 
 std::uint32_t PolicyList::count() const
 {
-    return static_cast<std::uint32_t>(entries_.size()) - removed_;
+    return static_cast<std::uint32_t>(m_entries.size()) - m_removed;
 }
 
 PolicyEntry* PolicyList::at(std::uint32_t index)
 {
-    return index < entries_.size() && !entries_[index].isRemoved ? &entries_[index] : nullptr;
+    return index < m_entries.size() && !m_entries[index].isRemoved ? &m_entries[index] : nullptr;
 }
 
 void PolicyList::place(OwnedText& slot, const wchar_t* text)
@@ -94,37 +93,37 @@ void PolicyList::place(OwnedText& slot, const wchar_t* text)
         return;
     }
     OwnedText next;
-    if (text != nullptr && own_.contains(text)) {
+    if (text != nullptr && m_own.contains(text)) {
         next = copyText(text);
     } else {
         next.reset(const_cast<wchar_t*>(text)); // handed over, although the contract says const
     }
     if (next != nullptr) {
-        own_.insert(next.get());
+        m_own.insert(next.get());
     }
     if (slot != nullptr) {
-        own_.erase(slot.get());
+        m_own.erase(slot.get());
     }
     slot = std::move(next);
 }
 
 void PolicyList::refuse(const wchar_t* text)
 {
-    if (!own_.contains(text)) {
+    if (!m_own.contains(text)) {
         const OwnedText unused(const_cast<wchar_t*>(text));
     }
 }
 
 std::uint32_t PolicyList::add(const wchar_t* text, const Sid& account)
 {
-    if (!isLoaded_ || text == nullptr) {
+    if (!m_isLoaded || text == nullptr) {
         refuse(text);
         return kNone;
     }
-    PolicyEntry& entry = entries_.emplace_back();
+    PolicyEntry& entry = m_entries.emplace_back();
     place(entry.text, text);
     entry.account = account;
-    return static_cast<std::uint32_t>(entries_.size() - 1);
+    return static_cast<std::uint32_t>(m_entries.size() - 1);
 }
 
 void PolicyList::update(std::uint32_t index, const wchar_t* text, const Sid& account)
@@ -158,20 +157,21 @@ void PolicyList::remove(std::uint32_t index)
     // It keeps its place, so that the others keep theirs.
     if (PolicyEntry* entry = at(index); entry != nullptr) {
         entry->isRemoved = true;
-        ++removed_;
+        ++m_removed;
     }
 }
 
 bool PolicyList::toRecords(std::vector<PolicyRecord>& records)
 {
-    for (PolicyEntry& entry : entries_) {
+    for (PolicyEntry& entry : m_entries) {
         if (entry.isRemoved) {
             continue;
         }
         const wchar_t* password = entry.attributes[kPasswordAttribute].get();
         if (password != nullptr && entry.sealedPassword.empty()) {
             if (const DWORD error = sealText(password, entry.sealedPassword); error != ERROR_SUCCESS) {
-                report(title_ + std::wstring(L" cannot be stored, because a password cannot be protected: ") +
+                report(m_title +
+                       std::wstring(L" cannot be stored, because a password cannot be protected: ") +
                        reasonOf(error));
                 return false;
             }
@@ -189,78 +189,69 @@ bool PolicyList::toRecords(std::vector<PolicyRecord>& records)
     return true;
 }
 
-bool PolicyList::write(const KeptFile& file, const std::string& text, const std::string* expected) const
-{
-    const auto lock = openForChange(file.folder, file.title + L" cannot be stored");
-    if (!lock) {
-        return false;
-    }
-    Patience patience;
-    if (expected != nullptr && !isAsLoaded(file, *expected, patience)) {
-        return false;
-    }
-    // What is damaged is set aside first.
-    return read(file, lock.get()).has_value() && replaceWith(file, text, patience);
-}
-
-bool PolicyList::isAsLoaded(const KeptFile& file, const std::string& loaded, Patience& patience) const
-{
-    std::string bytes;
-    const Reading reading = readBytes(file, bytes, patience);
-    if (reading == Reading::kFailed) {
-        return false;
-    }
-    PolicyRecords present;
-    if (reading == Reading::kDone) {
-        present = readPolicy(format_, bytes);
-        if (present.condition != Condition::kGood) {
-            return true; // nobody's work, and kept as it is when ours takes its place
-        }
-    }
-    if (writePolicy(format_, present.entries) != loaded) {
-        report(file.title +
-               L" was changed by somebody else since it was loaded, and is not replaced unseen.");
-        return false;
-    }
-    return true;
-}
-
 bool PolicyList::store()
 {
-    if (!isLoaded_) {
-        report(title_ + std::wstring(L" is not stored, because it is not loaded."));
+    if (!m_isLoaded) {
+        report(m_title + std::wstring(L" is not stored, because it is not loaded."));
         return false;
     }
-    const DataFolder data = DataFolder::current();
+    if (count() > kMostEntries) {
+        report(m_title + std::wstring(L" is not stored, because it has too many entries."));
+        return false;
+    }
+    DataFolder data = DataFolder::current();
     std::vector<PolicyRecord> records;
     if (!data.isKnown() || !toRecords(records)) {
         return false;
     }
-    std::string text = writePolicy(format_, records);
-    if (!write(file(data), text, &persistent_)) {
+    KeptFile target = file(data);
+    const auto lock = openForChange(data, target.title + L" cannot be stored");
+    Patience patience;
+    const auto present = lock ? read(target, patience) : std::nullopt;
+    if (!present) {
         return false;
     }
-    persistent_ = std::move(text);
+    // What is damaged is nobody's work, and kept as it is when ours takes its place.
+    if (present->condition == Condition::kGood && writePolicy(m_format, present->entries) != m_persistent) {
+        report(target.title +
+               L" was changed by somebody else since it was loaded, and is not replaced unseen.");
+        return false;
+    }
+    std::string text = writePolicy(m_format, records);
+    if (!replaceKept(target, present->condition, text, patience)) {
+        return false;
+    }
+    m_persistent = std::move(text);
     return true;
 }
 
 bool PolicyList::apply()
 {
-    if (!isLoaded_) {
-        report(title_ + std::wstring(L" is not made active, because it is not loaded."));
+    if (!m_isLoaded) {
+        report(m_title + std::wstring(L" is not made active, because it is not loaded."));
         return false;
     }
-    const DataFolder data = DataFolder::current();
-    return data.isKnown() && write(activeFile(data), persistent_, nullptr);
+    DataFolder data = DataFolder::current();
+    const auto lock = openForChange(data, m_title + std::wstring(L" cannot be made active"));
+    Patience patience;
+    const auto stored = lock ? read(file(data), patience) : std::nullopt;
+    if (!stored || stored->condition != Condition::kGood) {
+        report(m_title + std::wstring(L" is not made active: it is not stored whole."));
+        return false;
+    }
+    KeptFile target = activeFile(data);
+    const auto present = read(target, patience);
+    return present &&
+           replaceKept(target, present->condition, writePolicy(m_format, stored->entries), patience);
 }
 
 void PolicyList::release()
 {
-    isLoaded_ = false;
-    own_.clear();
-    entries_.clear();
-    removed_ = 0;
-    persistent_.clear();
+    m_isLoaded = false;
+    m_own.clear();
+    m_entries.clear();
+    m_removed = 0;
+    m_persistent.clear();
 }
 
 } // namespace lornix

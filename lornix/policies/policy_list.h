@@ -22,7 +22,8 @@ struct PolicyEntry {
 /// A list of entries that is loaded, changed, and made persistent and active.
 ///
 /// Active is what stands in the file "active-NAME.txt" of the data folder, for whoever enforces the list. Making a
-/// list active writes what is persistent at that moment there, so a list that could not be stored changes nothing.
+/// list active writes what its file holds at that moment there, whoever stored it: what could not be stored changes
+/// nothing, and what others stored meanwhile is not undone.
 class PolicyList {
 public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
@@ -30,9 +31,9 @@ public:
     /// @param fileName  of the persistent file.
     /// @param title     starts a sentence: "The list of ...".
     PolicyList(const PolicyFormat& format, const wchar_t* fileName, const wchar_t* title)
-        : format_(format)
-        , fileName_(fileName)
-        , title_(title)
+        : m_format(format)
+        , m_fileName(fileName)
+        , m_title(title)
     {
     }
     PolicyList(const PolicyList&) = delete;
@@ -64,8 +65,8 @@ public:
     void release();
 
     /// What is active. @return nothing, with a report, when it cannot be read.
-    std::optional<PolicyRecords> active(const DataFolder& data) const;
-    const PolicyFormat& format() const { return format_; }
+    std::optional<PolicyRecords> active(const DataFolder& data, Patience& patience) const;
+    const PolicyFormat& format() const { return m_format; }
 
 private:
     /// Puts a string into an entry. It is a malloc block that passes to the list, or one of the list's own
@@ -74,25 +75,20 @@ private:
 
     KeptFile file(const DataFolder& data) const;
     KeptFile activeFile(const DataFolder& data) const;
-    std::optional<PolicyRecords> read(const KeptFile& file, const StoreLock* lock) const;
-    /// @param expected  what the file must still hold, as this store writes it; null for whatever it holds.
-    /// @return false with a report; the file is then as it was.
-    bool write(const KeptFile& file, const std::string& text, const std::string* expected) const;
-    /// @return false with a report; a damaged file passes.
-    bool isAsLoaded(const KeptFile& file, const std::string& loaded, Patience& patience) const;
+    std::optional<PolicyRecords> read(const KeptFile& file, Patience& patience) const;
 
     /// @return false when its password cannot be read.
     bool take(const PolicyRecord& record);
     bool toRecords(std::vector<PolicyRecord>& records);
 
-    PolicyFormat format_;
-    const wchar_t* fileName_;
-    const wchar_t* title_;
-    bool isLoaded_ = false;
-    std::deque<PolicyEntry> entries_; ///< none of them moves
-    std::uint32_t removed_ = 0;       ///< how many of them are removed: editors count before each row
-    std::unordered_set<const wchar_t*> own_;
-    std::string persistent_; ///< text of the file as loaded or last stored
+    PolicyFormat m_format;
+    const wchar_t* m_fileName;
+    const wchar_t* m_title;
+    bool m_isLoaded = false;
+    std::deque<PolicyEntry> m_entries; ///< none of them moves
+    std::uint32_t m_removed = 0;       ///< how many of them are removed: editors count before each row
+    std::unordered_set<const wchar_t*> m_own;
+    std::string m_persistent; ///< text of the file as loaded or last stored
 };
 
 } // namespace lornix

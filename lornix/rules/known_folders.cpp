@@ -1,6 +1,4 @@
-#include "lornix/rules/known_folders.h"
-
-#include "lornix/disk/kept_file.h"
+// The folders that carry rules.
 #include "lornix/last_error.h"
 #include "lornix/rules/rule_file.h"
 #include "lornix/text/folder_key.h"
@@ -18,18 +16,6 @@ namespace {
 struct PathListDelete {
     void operator()(PathList* list) const { freePathList(list); }
 };
-
-KeptFile knownFoldersFile(const DataFolder& data)
-{
-    return {data, data.knownFoldersFile(), L"The file with the known folders"};
-}
-
-std::optional<KnownFolders> readFolders(const KeptFile& file, const StoreLock* lock, Patience& patience)
-{
-    return readKept<KnownFolders>(file, lock, patience, readKnownFolders, [](const KnownFolders& content) {
-        return writeKnownFolders(content.folders);
-    });
-}
 
 /// What a caller was given as the known folders. When it stores its list, this tells what it added and took out.
 struct Given {
@@ -88,16 +74,14 @@ PathList* loadFolders(bool toChange)
             return nullptr;
         }
         Patience patience = Patience::toRead();
-        const auto content = readFolders(knownFoldersFile(data), nullptr, patience);
+        const RuleBook* book = RuleFile(data).read(patience);
+        const auto folders = book == nullptr ? std::vector<std::u16string>() : book->knownFolders();
         if (toChange) {
-            given =
-                Given{DataFolder::timesChosen(), content ? content->folders : std::vector<std::u16string>()};
+            given = Given{DataFolder::timesChosen(), folders};
         }
         std::unique_ptr<PathList, PathListDelete> list;
-        if (content) {
-            for (const std::u16string& folder : content->folders) {
-                list.reset(appendToPaths(list.release(), toWide(folder).c_str()));
-            }
+        for (const std::u16string& folder : folders) {
+            list.reset(appendToPaths(list.release(), toWide(folder).c_str()));
         }
         return list.release();
     });
@@ -114,24 +98,22 @@ bool storeFolders(const PathList* list)
             }
         }
     }
-    const DataFolder data = DataFolder::current();
+    DataFolder data = DataFolder::current();
     const auto lock = openForChange(data, L"The known folders cannot be stored");
-    if (!lock) {
-        return false;
-    }
-    const KeptFile file = knownFoldersFile(data);
+    RuleFile file(data);
     Patience patience;
-    const auto before = readFolders(file, lock.get(), patience); // sets aside what is damaged
-    if (!before) {
+    const RuleBook* book = lock ? file.read(patience) : nullptr;
+    if (book == nullptr) {
         return false;
     }
+    const std::vector<std::u16string> before = book->knownFolders();
     folders = withoutRepeats(folders);
     const std::vector<std::u16string> own = folders;
     const bool isGiven = given && given->dataFolder == DataFolder::timesChosen();
-    if (isGiven && given->folders != before->folders) {
-        folders = merged(before->folders, given->folders, own);
+    if (isGiven && given->folders != before) {
+        folders = merged(before, given->folders, own);
     }
-    if (before->folders != folders && !replaceWith(file, writeKnownFolders(folders), patience)) {
+    if (before != folders && !file.replace(book->withKnown(folders), patience)) {
         return false;
     }
     if (isGiven) {
@@ -141,30 +123,6 @@ bool storeFolders(const PathList* list)
 }
 
 } // namespace
-
-bool changeKnownFolders(const DataFolder& data, const StoreLock& lock, const FolderChanges& changes,
-                        Patience& patience)
-{
-    if (changes.added.empty() && changes.removed.empty()) {
-        return true;
-    }
-    const KeptFile file = knownFoldersFile(data);
-    const auto before = readFolders(file, &lock, patience);
-    if (!before) {
-        return false;
-    }
-    const auto removed = keysOf(changes.removed);
-    std::vector<std::u16string> after;
-    for (const std::u16string& folder : before->folders) {
-        if (!removed.contains(folderKey(folder))) {
-            after.push_back(folder);
-        }
-    }
-    after.insert(after.end(), changes.added.begin(), changes.added.end());
-    after = withoutRepeats(after);
-    return after == before->folders || replaceWith(file, writeKnownFolders(after), patience);
-}
-
 } // namespace lornix
 
 PathList* getKnownPaths(void)

@@ -1,15 +1,15 @@
 // Loading and storing the rules of folders.
-#include "lornix/disk/kept_file.h"
-#include "lornix/disk/seen_files.h"
+#include "lornix/accounts/remembered_names.h"
 #include "lornix/last_error.h"
-#include "lornix/rules/known_folders.h"
 #include "lornix/rules/rule_file.h"
 #include "lornix/sid.h"
+#include "lornix/text/escaped_text.h"
 #include "lornix/text/folder_key.h"
 #include "lornix/text/wide_text.h"
 #include "lornix_host.h"
 #include "store/lornix.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cwchar>
 #include <memory>
@@ -18,16 +18,25 @@
 namespace lornix {
 namespace {
 
-/// What the host has seen. Its user-interface thread alone loads and stores rules.
-SeenFiles& seenRules()
+/// What the host has seen of the rules of a folder, so that it replaces nothing that it never saw: a mark of them, or
+/// nothing when they could not be read. Its user-interface thread alone loads and stores rules.
+using Mark = std::size_t;
+using SeenRules = std::unordered_map<std::u16string, std::optional<Mark>>;
+
+SeenRules& seenRules()
 {
-    static SeenFiles seen;
+    static SeenRules seen;
     static std::uint32_t choice = 0;
     if (choice != DataFolder::timesChosen()) {
         choice = DataFolder::timesChosen();
-        seen = SeenFiles();
+        seen.clear();
     }
     return seen;
+}
+
+Mark markOf(std::string_view lines)
+{
+    return std::hash<std::string_view>()(lines);
 }
 
 std::wstring quoted(std::u16string_view folder)
@@ -87,56 +96,6 @@ Chain chainOf(const std::vector<StoredRule>& rules)
     return first;
 }
 
-KeptFile rulesFileOf(const DataFolder& folder, std::u16string_view key, std::u16string_view name)
-{
-    return {folder, folder.rulesFile(key), L"The file with the rules of " + quoted(name)};
-}
-
-FolderRules parseRules(std::string_view text, std::u16string_view key)
-{
-    FolderRules rules = readFolderRules(text);
-    // A copy of another folder's file would bring that folder's rules here.
-    return folderKey(rules.folder) == key ? rules : FolderRules();
-}
-
-/// Whether a file that is to be replaced could be read, or be set aside as damaged.
-bool clearTheWay(const KeptFile& file, std::u16string_view key, const StoreLock& lock, Patience& patience)
-{
-    return readKept<FolderRules>(
-               file, &lock, patience, [&](std::string_view text) { return parseRules(text, key); },
-               [](const FolderRules& rules) { return writeFolderRules(rules.folder, rules.rules); })
-        .has_value();
-}
-
-/// Reads for a host, and keeps in mind what it has seen.
-std::optional<FolderRules> showRules(const KeptFile& file, std::u16string_view key)
-{
-    SeenFiles::Mark text = SeenFiles::markOf({});
-    std::optional<SeenFiles::Mark> mended;
-    const auto parse = [&](std::string_view read) {
-        text = SeenFiles::markOf(read);
-        mended.reset();
-        FolderRules rules = parseRules(read, key);
-        if (rules.condition == Condition::kForeign) {
-            mended = SeenFiles::markOf({}); // nothing stays under its name
-        }
-        return rules;
-    };
-    const auto rewrite = [&](const FolderRules& rules) {
-        std::string replacement = writeFolderRules(rules.folder, rules.rules);
-        mended = SeenFiles::markOf(replacement);
-        return replacement;
-    };
-    Patience patience = Patience::toRead();
-    auto content = readKept<FolderRules>(file, nullptr, patience, parse, rewrite);
-    if (content) {
-        seenRules().saw(file.path, text, mended.value_or(text));
-    } else {
-        seenRules().missed(file.path);
-    }
-    return content;
-}
-
 QuotaRule* loadRules(const wchar_t* folder)
 {
     return reporting<QuotaRule*>(nullptr, [&]() -> QuotaRule* {
@@ -148,26 +107,28 @@ QuotaRule* loadRules(const wchar_t* folder)
         if (!data.isKnown()) {
             return nullptr;
         }
-        const std::u16string name = fromWide(folder);
-        const std::u16string key = folderKey(name);
-        const auto content = showRules(rulesFileOf(data, key, name), key);
-        return content ? chainOf(content->rules).release() : nullptr;
+        std::u16string key = folderKey(fromWide(folder));
+        Patience patience = Patience::toRead();
+        const RuleBook* book = RuleFile(data).read(patience);
+        Chain chain = chainOf(book == nullptr ? std::vector<StoredRule>() : book->rulesOf(key));
+        seenRules()[key] = book == nullptr ? std::optional<Mark>() : markOf(book->entryOf(key).lines);
+        return chain.release();
     });
 }
+
+/// A rule of the chain, and which one it is.
+struct Row {
+    const QuotaRule* rule;
+    std::size_t number;
+};
 
 /// The rules of one folder that are to be stored.
 struct FolderGroup {
     std::u16string folder;
     std::u16string key;
-    std::vector<const QuotaRule*> rules;
-};
-
-/// What is to be done for one folder once everything is written.
-struct Change {
-    const FolderGroup* group;
-    std::wstring target;
-    bool removes; ///< instead of putting the temporary file in its place
-    SeenFiles::Mark text;
+    std::vector<Row> rows;
+    std::size_t start = 0; ///< of their lines
+    std::size_t size = 0;
 };
 
 class Storing {
@@ -175,49 +136,55 @@ public:
     /// @return false with a report when something in the arguments cannot be stored.
     bool sort(const PathList& folders, const QuotaRule* chain);
 
-    /// @return false with a report; what could not be replaced is as it was.
-    bool store(const DataFolder& data);
+    /// @return false with a report; what is stored is as it was.
+    bool store(DataFolder data);
 
 private:
     FolderGroup* groupOf(const QuotaRule& rule);
-    bool prepare(const DataFolder& data, const StoreLock& lock);
-    bool prepareFolder(const DataFolder& data, const FolderGroup& group, const StoreLock& lock);
-    bool commit(const DataFolder& data, const StoreLock& lock);
-    void abandon();
+    bool isEachAccountOnce();
+    void write();
+    std::string_view linesOf(const FolderGroup& group) const
+    {
+        return {m_lines.data() + group.start, group.size};
+    }
+    bool collect(const RuleBook& book, std::vector<RuleBook::Change>& changes) const;
 
-    std::vector<FolderGroup> groups_;
-    std::unordered_map<std::u16string, std::size_t> groupsByKey_;
-    std::u16string lastPath_;
-    FolderGroup* lastGroup_ = nullptr;
-    std::vector<Change> changes_;
-    Patience patience_;
+    std::vector<FolderGroup> m_groups;
+    std::unordered_map<std::u16string, std::size_t> m_groupsByKey;
+    std::wstring_view m_lastPath;
+    FolderGroup* m_lastGroup = nullptr;
+    std::string m_lines;
 };
 
+bool refuse(const std::wstring& rules, const wchar_t* path, const std::wstring& reason)
+{
+    report(L"Nothing was stored: " + rules + L", on " +
+           quoted(path == nullptr ? std::u16string() : fromWide(path)) + L", cannot be kept, because " +
+           reason + L'.');
+    return false;
+}
+
 /// @return what keeps a rule from being stored, or null.
-const wchar_t* flawOf(const QuotaRule& rule)
+const char* flawOf(const QuotaRule& rule)
 {
     if (rule.path == nullptr || *rule.path == L'\0') {
-        return L"it names no folder";
-    }
-    if (rule.hardLimit <= 0) {
-        return L"its hard limit is 0 or less";
+        return "it names no folder";
     }
     if (rule.sid != nullptr && !isSid(rule.sid)) {
-        return L"its account is no valid security identifier";
+        return "its account is no valid security identifier";
     }
-    return nullptr;
+    return flawOfLimits(rule.hardLimit, rule.softLimit);
 }
 
 FolderGroup* Storing::groupOf(const QuotaRule& rule)
 {
     // Rules of one folder mostly follow each other and spell it alike.
-    const std::wstring_view path = rule.path;
-    if (lastGroup_ == nullptr || !std::equal(path.begin(), path.end(), lastPath_.begin(), lastPath_.end())) {
-        lastPath_ = fromWide(path);
-        const auto found = groupsByKey_.find(folderKey(lastPath_));
-        lastGroup_ = found == groupsByKey_.end() ? nullptr : &groups_[found->second];
+    if (const std::wstring_view path = rule.path; m_lastGroup == nullptr || path != m_lastPath) {
+        m_lastPath = path;
+        const auto found = m_groupsByKey.find(folderKey(fromWide(path)));
+        m_lastGroup = found == m_groupsByKey.end() ? nullptr : &m_groups[found->second];
     }
-    return lastGroup_;
+    return m_lastGroup;
 }
 
 bool Storing::sort(const PathList& folders, const QuotaRule* chain)
@@ -229,167 +196,125 @@ bool Storing::sort(const PathList& folders, const QuotaRule* chain)
             return false;
         }
         FolderGroup group{fromWide(paths[i]), folderKey(fromWide(paths[i])), {}};
-        if (groupsByKey_.try_emplace(group.key, groups_.size()).second) {
-            groups_.push_back(std::move(group));
+        if (m_groupsByKey.try_emplace(group.key, m_groups.size()).second) {
+            m_groups.push_back(std::move(group));
         }
     }
     std::size_t number = 1;
     for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next, ++number) {
-        const wchar_t* flaw = flawOf(*rule);
+        const char* flaw = flawOf(*rule);
         FolderGroup* group = flaw == nullptr ? groupOf(*rule) : nullptr;
-        if (flaw == nullptr && group == nullptr) {
-            flaw = L"its folder is not among those to be stored";
+        if (group == nullptr) {
+            const std::string reason = flaw == nullptr ? "its folder is not among those to be stored" : flaw;
+            return refuse(L"rule " + std::to_wstring(number), rule->path, {reason.begin(), reason.end()});
         }
-        if (flaw != nullptr) {
-            report(L"Nothing was stored: rule " + std::to_wstring(number) + L", on " +
-                   quoted(rule->path == nullptr ? std::u16string() : fromWide(rule->path)) +
-                   L", cannot be kept, because " + flaw + L'.');
-            return false;
+        group->rows.push_back({rule, number});
+    }
+    return isEachAccountOnce();
+}
+
+bool Storing::isEachAccountOnce()
+{
+    std::vector<Row> rows;
+    const auto bytes = [](const Row& row) {
+        const auto sid = sidBytes(row.rule->sid);
+        return std::string_view(reinterpret_cast<const char*>(sid.data()), sid.size());
+    };
+    for (const FolderGroup& group : m_groups) {
+        rows = group.rows;
+        std::ranges::sort(rows, {}, [&](const Row& row) { return std::pair(bytes(row), row.number); });
+        const auto twice = std::ranges::adjacent_find(rows, {}, bytes);
+        if (twice != rows.end()) {
+            return refuse(L"rules " + std::to_wstring(twice->number) + L" and " +
+                              std::to_wstring(std::next(twice)->number),
+                          twice->rule->path, L"both are for one account");
         }
-        group->rules.push_back(rule);
     }
     return true;
 }
 
-void noteStored(const std::wstring& path, SeenFiles::Mark text)
+void Storing::write()
 {
-    if (seenRules().knows(path)) {
-        seenRules().saw(path, text, text);
+    std::wstring_view path;
+    std::string escaped;
+    for (FolderGroup& group : m_groups) {
+        group.start = m_lines.size();
+        for (const Row& row : group.rows) {
+            const QuotaRule& rule = *row.rule;
+            if (path != rule.path) {
+                path = rule.path;
+                escaped.clear();
+                appendEscaped(escaped, fromWide(path));
+            }
+            appendRule(m_lines, rule.hardLimit, rule.softLimit, rule.inUse, sidBytes(rule.sid), escaped);
+        }
+        group.size = m_lines.size() - group.start;
     }
 }
 
 /// @return false with a report when a host would replace rules that it has not seen.
-bool mayReplace(const KeptFile& file, const FolderGroup& group, std::string_view before)
+bool mayReplace(const FolderGroup& group, std::string_view before)
 {
-    switch (seenRules().standingOf(file.path, SeenFiles::markOf(before))) {
-    case SeenFiles::Standing::kChanged:
-        report(L"The rules of " + quoted(group.folder) +
-               L" were changed by somebody else since they were read here. Read them again before changing "
-               L"them.");
-        return false;
-    case SeenFiles::Standing::kUnseen:
-        report(L"The rules of " + quoted(group.folder) +
-               L" could not be read and are not replaced unseen. Read them again before changing them.");
-        return false;
-    case SeenFiles::Standing::kUntouched:
-        break;
+    const auto seen = seenRules().find(group.key);
+    if (seen == seenRules().end() || (seen->second && *seen->second == markOf(before))) {
+        return true; // nobody asked for them, or they are as they were seen
     }
-    return true;
+    const std::wstring rules = L"The rules of " + quoted(group.folder);
+    report(!seen->second
+               ? rules +
+                     L" could not be read and are not replaced unseen. Read them again before changing them."
+               : rules + L" were changed by somebody else since they were read here. Read them again before "
+                         L"changing them.");
+    return false;
 }
 
-bool Storing::prepareFolder(const DataFolder& data, const FolderGroup& group, const StoreLock& lock)
+/// @return false with a report when rules of some folders must not be replaced.
+bool Storing::collect(const RuleBook& book, std::vector<RuleBook::Change>& changes) const
 {
-    const KeptFile file = rulesFileOf(data, group.key, group.folder);
-    std::string before;
-    const Reading reading = readBytes(file, before, patience_);
-    if (reading == Reading::kFailed) {
-        return false;
-    }
-    std::string text;
-    if (!group.rules.empty()) {
-        FolderRulesWriter writer(group.folder);
-        for (const QuotaRule* rule : group.rules) {
-            writer.add(rule->hardLimit, rule->softLimit, rule->inUse, sidBytes(rule->sid),
-                       fromWide(rule->path));
-        }
-        text = writer.finish();
-    }
-    const bool isThere = reading == Reading::kDone;
-    const SeenFiles::Mark mark = SeenFiles::markOf(text);
-    if (isThere == !text.empty() && text == before) {
-        noteStored(file.path, mark);
-        return true;
-    }
-    if (!mayReplace(file, group, before)) {
-        return false;
-    }
-    // What is in the way may be damaged, and must not be lost.
-    if (isThere && !clearTheWay(file, group.key, lock, patience_)) {
-        return false;
-    }
-    if (!text.empty()) {
-        if (const DWORD error = writeFile(temporaryFor(file.path), text, CREATE_ALWAYS);
-            error != ERROR_SUCCESS)
-        {
-            report(L"The rules of " + quoted(group.folder) + L" cannot be written: " + reasonOf(error));
-            return false;
+    bool mayAll = true;
+    for (const FolderGroup& group : m_groups) {
+        const RuleBook::Entry before = book.entryOf(group.key);
+        const bool isKnown = !group.rows.empty();
+        const bool isSame = before.lines == linesOf(group);
+        if (!isSame && !mayReplace(group, before.lines)) {
+            mayAll = false;
+        } else if (!isSame || before.isKnown != isKnown) {
+            changes.push_back({group.key, group.folder, linesOf(group), isKnown});
         }
     }
-    changes_.push_back({&group, file.path, text.empty(), mark});
-    return true;
+    return mayAll;
 }
 
-bool Storing::prepare(const DataFolder& data, const StoreLock& lock)
-{
-    for (const FolderGroup& group : groups_) {
-        if (!prepareFolder(data, group, lock)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-void Storing::abandon()
-{
-    for (const Change& change : changes_) {
-        if (!change.removes) {
-            removeFile(temporaryFor(change.target), patience_);
-        }
-    }
-    report(L"Nothing was stored.");
-}
-
-bool Storing::commit(const DataFolder& data, const StoreLock& lock)
-{
-    // Known before there are rules, and until there are none: a kill never leaves rules that nobody looks for.
-    FolderChanges joining;
-    for (const FolderGroup& group : groups_) {
-        if (!group.rules.empty()) {
-            joining.added.push_back(group.folder);
-        }
-    }
-    if (!changeKnownFolders(data, lock, joining, patience_)) {
-        abandon();
-        return false;
-    }
-    bool complete = true;
-    std::unordered_map<std::u16string_view, bool> failed;
-    for (const Change& change : changes_) {
-        DWORD error = change.removes ? removeFile(change.target, patience_)
-                                     : replaceFile(temporaryFor(change.target), change.target, patience_);
-        if (change.removes && error == ERROR_FILE_NOT_FOUND) {
-            error = ERROR_SUCCESS; // it was set aside
-        }
-        if (error != ERROR_SUCCESS) {
-            report(L"The rules of " + quoted(change.group->folder) + L" cannot be stored in \"" +
-                   change.target + L"\", where the former ones stay: " + reasonOf(error));
-            removeFile(temporaryFor(change.target), patience_);
-            failed[change.group->key] = true;
-            complete = false;
-        } else {
-            noteStored(change.target, change.text);
-        }
-    }
-    FolderChanges leaving;
-    for (const FolderGroup& group : groups_) {
-        if (group.rules.empty() && !failed.contains(group.key)) {
-            leaving.removed.push_back(group.folder);
-        }
-    }
-    return changeKnownFolders(data, lock, leaving, patience_) && complete;
-}
-
-bool Storing::store(const DataFolder& data)
+bool Storing::store(DataFolder data)
 {
     const auto lock = openForChange(data, L"Nothing was stored");
     if (!lock) {
         return false;
     }
-    if (!prepare(data, *lock)) {
-        abandon();
+    write();
+    RuleFile file(data);
+    Patience patience;
+    const RuleBook* book = file.read(patience);
+    std::vector<RuleBook::Change> changes;
+    if (m_lines.size() > static_cast<std::size_t>(kLargestFile)) {
+        report(L"The rules are too many for one file.");
+        book = nullptr;
+    }
+    bool isDone = book != nullptr && collect(*book, changes);
+    // Also with no change: what is damaged is mended.
+    if (isDone && (!changes.empty() || book->condition != Condition::kGood)) {
+        isDone = file.replace(book->with(changes), patience);
+    }
+    if (!isDone) {
+        report(L"Nothing was stored.");
         return false;
     }
-    return commit(data, *lock);
+    for (const FolderGroup& group : m_groups) {
+        if (const auto seen = seenRules().find(group.key); seen != seenRules().end()) {
+            seen->second = markOf(linesOf(group));
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -397,7 +322,11 @@ bool Storing::store(const DataFolder& data)
 
 QuotaRule* getQuotaList(const wchar_t* folder)
 {
-    return lornix::loadRules(folder);
+    QuotaRule* const rules = lornix::loadRules(folder);
+    for (const QuotaRule* rule = rules; rule != nullptr; rule = rule->next) {
+        lornix::expectName(rule->sid); // a list shows them
+    }
+    return rules;
 }
 
 QuotaRule* lornixLoadRules(const wchar_t* folder)
@@ -414,11 +343,7 @@ int lornixStoreRules(const PathList* folders, const QuotaRule* chain)
             return 0;
         }
         Storing storing;
-        if (!storing.sort(*folders, chain)) {
-            return 0;
-        }
-        const DataFolder data = DataFolder::current();
-        return storing.store(data) ? 1 : 0;
+        return storing.sort(*folders, chain) && storing.store(DataFolder::current()) ? 1 : 0;
     });
 }
 

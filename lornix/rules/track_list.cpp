@@ -1,8 +1,9 @@
 // Rules made for groups, remembered for accounts that join the groups later.
 #include "lornix/disk/kept_file.h"
 #include "lornix/last_error.h"
-#include "lornix/rules/rule_file.h"
+#include "lornix/rules/rule_book.h"
 #include "lornix/sid.h"
+#include "lornix/text/escaped_text.h"
 #include "lornix/text/folder_key.h"
 #include "lornix/text/wide_text.h"
 #include "store/lornix.h"
@@ -14,44 +15,48 @@ namespace {
 
 constexpr const wchar_t* kCannot = L"The rule cannot be kept for tracking";
 
-/// Puts a rule into the list; a later one for the same account and folder takes the place of the former.
-void remember(std::vector<StoredRule>& rules, StoredRule rule)
-{
-    const std::u16string key = folderKey(rule.folder);
-    const auto same = std::find_if(rules.begin(), rules.end(), [&](const StoredRule& each) {
-        return std::ranges::equal(each.sid.bytes(), rule.sid.bytes()) && folderKey(each.folder) == key;
-    });
-    if (same == rules.end()) {
-        rules.push_back(std::move(rule));
-    } else {
-        *same = std::move(rule);
-    }
-}
-
 bool track(const QuotaRule& rule)
 {
-    if (rule.path == nullptr || *rule.path == L'\0' || rule.hardLimit <= 0 ||
+    if (rule.path == nullptr || *rule.path == L'\0' || flawOfLimits(rule.hardLimit, rule.softLimit) ||
         (rule.sid != nullptr && !isSid(rule.sid)))
     {
-        report(std::wstring(kCannot) + L": it has no folder, no hard limit or no valid account.");
+        report(std::wstring(kCannot) +
+               L": it has no folder, no hard limit, a soft limit above it, or no valid account.");
         return false;
     }
-    const DataFolder data = DataFolder::current();
+    DataFolder data = DataFolder::current();
     const auto lock = openForChange(data, kCannot);
     if (!lock) {
         return false;
     }
-    const KeptFile file{data, data.trackedRulesFile(), L"The file with the tracked rules"};
+    KeptFile file{data, data.path(L"tracked-rules.txt"), L"The file with the tracked rules"};
     Patience patience;
-    auto content =
-        readKept<TrackedRules>(file, lock.get(), patience, readTrackedRules,
-                               [](const TrackedRules& tracked) { return writeTrackedRules(tracked.rules); });
-    if (!content) {
+    const auto book = readKept<RuleBook>(file, patience,
+                                         [](std::string_view text) { return RuleBook(kTrackedRules, text); });
+    if (!book) {
         return false;
     }
-    remember(content->rules,
-             {rule.hardLimit, rule.softLimit, rule.inUse, Sid(sidBytes(rule.sid)), fromWide(rule.path)});
-    return replaceWith(file, writeTrackedRules(content->rules), patience);
+    // A later rule for the same account and folder takes the place of the former.
+    const std::u16string folder = fromWide(rule.path);
+    const std::u16string key = folderKey(folder);
+    std::vector<StoredRule> rules = book->rulesOf(key);
+    StoredRule mine{rule.hardLimit, rule.softLimit, rule.inUse, Sid(sidBytes(rule.sid)), folder};
+    const auto same = std::ranges::find_if(rules, [&](const StoredRule& each) {
+        return std::ranges::equal(each.sid.bytes(), mine.sid.bytes());
+    });
+    if (same == rules.end()) {
+        rules.push_back(std::move(mine));
+    } else {
+        *same = std::move(mine);
+    }
+    std::string lines;
+    for (const StoredRule& each : rules) {
+        std::string escaped;
+        appendEscaped(escaped, each.folder);
+        appendRule(lines, each.hardLimit, each.softLimit, each.inUse, each.sid.bytes(), escaped);
+    }
+    return replaceKept(file, book->condition, book->with({{key, folder, lines, false}}).text(kTrackedRules),
+                       patience);
 }
 
 } // namespace

@@ -1,5 +1,10 @@
 #include "lornix/text/framed_text.h"
 
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace lornix {
@@ -10,10 +15,26 @@ constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF"; // some editors put one in front
 constexpr std::string_view kEnd = "end";
+constexpr std::string_view kChecksum = "checksum";
+constexpr std::string_view kUnchecked = "-";
 
 std::string firstLine(const FileKind& kind)
 {
     return "lornix " + std::string(kind.name) + ' ' + std::to_string(kind.version);
+}
+
+/// What a first line says that is not the one expected.
+Condition conditionOf(std::string_view line, const FileKind& kind)
+{
+    const auto isDigit = [](char unit) {
+        return unit >= '0' && unit <= '9';
+    };
+    const std::string_view product = takeWord(line);
+    const std::string_view name = takeWord(line);
+    const bool isSound = product == "lornix" && !line.empty() && std::ranges::all_of(line, isDigit);
+    // No older version was ever given to anybody.
+    const bool isOlder = name == kind.name && (line.starts_with('0') || line == std::to_string(kind.version));
+    return isSound && !isOlder ? Condition::kOther : Condition::kForeign;
 }
 
 std::string_view trimmed(std::string_view text)
@@ -27,50 +48,87 @@ std::string_view trimmed(std::string_view text)
 
 } // namespace
 
+std::uint64_t checksumOf(std::string_view bytes)
+{
+    static_assert(std::endian::native == std::endian::little, "the sum is part of the files");
+    std::uint64_t sum = bytes.size();
+    while (!bytes.empty()) {
+        std::uint64_t word = 0;
+        const std::size_t size = std::min(bytes.size(), sizeof word);
+        std::memcpy(&word, bytes.data(), size);
+        bytes.remove_prefix(size);
+        sum = (sum ^ word) * 0x9E3779B97F4A7C15u; // each step can be undone, so that no change gets lost
+        sum ^= sum >> 29;
+    }
+    return sum;
+}
+
+void appendHex(std::string& line, std::uint64_t number)
+{
+    char digits[16];
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), number, 16).ptr;
+    line.append(static_cast<std::size_t>(std::end(digits) - end), '0').append(digits, end);
+}
+
 TextWriter::TextWriter(const FileKind& kind)
-    : text_(firstLine(kind))
+    : m_text(firstLine(kind))
+    , m_isChecked(kind.isChecked)
 {
     endLine();
 }
 
 void TextWriter::endLine()
 {
-    text_ += kLineEnd;
+    m_text += kLineEnd;
 }
 
 void TextWriter::comment(std::string_view text)
 {
-    text_ += "# ";
-    text_ += text;
+    m_text += "# ";
+    m_text += text;
     endLine();
 }
 
 std::string TextWriter::finish()
 {
-    text_ += kEnd;
+    if (m_isChecked) {
+        const std::uint64_t sum = checksumOf(m_text);
+        m_text += kChecksum;
+        m_text += '\t';
+        appendHex(m_text, sum);
+        endLine();
+    }
+    m_text += kEnd;
     endLine();
-    return std::exchange(text_, {});
+    return std::exchange(m_text, {});
 }
 
 TextReader::TextReader(std::string_view text, const FileKind& kind)
-    : rest_(text)
+    : m_text(text)
+    , m_rest(text)
+    , m_isChecked(kind.isChecked)
 {
-    if (rest_.starts_with(kByteOrderMark)) {
-        rest_.remove_prefix(kByteOrderMark.size());
+    if (m_rest.starts_with(kByteOrderMark)) {
+        m_rest.remove_prefix(kByteOrderMark.size());
     }
     std::string_view line;
-    isOurs_ = takeLine(line) && line == firstLine(kind);
+    const bool hasLine = takeLine(line);
+    m_opening = hasLine && line == firstLine(kind) ? Condition::kGood : conditionOf(line, kind);
+    if (m_opening == Condition::kForeign) {
+        m_flaws.add(1, "it does not say what the file is");
+    }
 }
 
 bool TextReader::takeLine(std::string_view& line)
 {
-    if (rest_.empty()) {
+    if (m_rest.empty()) {
         return false;
     }
-    ++lineNumber_;
-    const std::size_t end = rest_.find('\n');
-    line = rest_.substr(0, end);
-    rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+    ++m_lineNumber;
+    const std::size_t end = m_rest.find('\n');
+    m_isWhole = end != std::string_view::npos;
+    line = m_rest.substr(0, end);
+    m_rest.remove_prefix(m_isWhole ? end + 1 : m_rest.size());
     if (line.ends_with('\r')) {
         line.remove_suffix(1);
     }
@@ -78,30 +136,65 @@ bool TextReader::takeLine(std::string_view& line)
     return true;
 }
 
+void TextReader::readChecksum(std::string_view line, std::size_t start)
+{
+    m_hasChecksum = true;
+    takeWord(line);
+    std::string_view above = m_text.substr(0, start);
+    if (above.starts_with(kByteOrderMark)) {
+        above.remove_prefix(kByteOrderMark.size());
+    }
+    std::string expected;
+    appendHex(expected, checksumOf(above));
+    if (line != kUnchecked && line != expected) {
+        reject("the checksum is another, so that something above was changed");
+    }
+}
+
+void TextReader::expectNothingMore()
+{
+    for (std::string_view behind; takeLine(behind);) {
+        if (!behind.empty()) {
+            reject("it stands behind the end");
+        }
+    }
+}
+
 bool TextReader::next(std::string_view& line)
 {
-    while (takeLine(line)) {
+    for (std::size_t start = position(); takeLine(line); start = position()) {
         if (line == kEnd) {
-            std::string_view behind;
-            while (takeLine(behind)) {
-                if (!behind.empty()) {
-                    reject("it stands behind the end");
-                }
+            if (m_isChecked && !m_hasChecksum) {
+                reject("the checksum is missing");
             }
+            expectNothingMore();
             return false;
         }
-        if (!line.empty() && line.front() != '#') {
+        if (line.empty() || line.front() == '#') {
+            continue;
+        }
+        if (!m_isChecked) {
+            return true;
+        }
+        if (!m_isWhole) {
+            reject("it was cut off"); // half a path is a path too
+        } else if (m_hasChecksum) {
+            reject("it stands behind the checksum");
+        } else if (std::string_view rest = line; takeWord(rest) == kChecksum) {
+            readChecksum(line, start);
+        } else {
             return true;
         }
     }
-    ++lineNumber_;
+    ++m_lineNumber;
     reject("the end is missing");
     return false;
 }
 
-void TextReader::reject(const char* reason)
+Finding TextReader::finding()
 {
-    flaws_.push_back({lineNumber_, reason});
+    const bool isDamaged = isOurs() && m_flaws.count != 0;
+    return {isDamaged ? Condition::kDamaged : m_opening, std::move(m_flaws)};
 }
 
 std::string_view takeWord(std::string_view& line)

@@ -1,5 +1,6 @@
 // The frame that all files of the store share: a first line that says what the file is, lines, a last line "end".
-// Blank lines and lines that start with # say nothing. A file without its end was cut off.
+// Blank lines and lines that start with # say nothing. A file without its end was cut off. Before the end of what the
+// store writes itself stands a checksum of all above, which tells what was changed behind its back.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +15,8 @@ namespace lornix {
 struct FileKind {
     std::string_view name; ///< one word
     int version;
+    bool isChecked =
+        false; ///< a checksum stands before the end; "-" in its place is for people who edit the file
 };
 
 /// Something in a file that cannot be used.
@@ -22,11 +25,35 @@ struct Flaw {
     const char* reason; ///< a static text, "this is so and so" in a few words
 };
 
+/// The first flaws of a file, and how many there are: a file of nothing else would cost more memory than its size.
+struct Flaws {
+    static constexpr std::size_t kMost = 100;
+    std::vector<Flaw> first;
+    std::size_t count = 0;
+
+    void add(std::size_t line, const char* reason)
+    {
+        if (count++ < kMost) {
+            first.push_back({line, reason});
+        }
+    }
+};
+
 enum class Condition : std::uint8_t {
     kGood,    ///< all of it was understood
     kDamaged, ///< the file is one of ours, and what is listed in the flaws was left out
-    kForeign, ///< no file of this kind, or none that tells what it belongs to
+    kForeign, ///< nothing in it is anything that the store has written
+    kOther,   ///< a sound file of another kind or of a newer version: hands off
 };
+
+/// What is told of a file beside what it holds.
+struct Finding {
+    Condition condition = Condition::kGood;
+    Flaws flaws;
+};
+
+/// Of any bytes: a change of a single one always changes it.
+std::uint64_t checksumOf(std::string_view bytes);
 
 /// Builds the text of a file.
 class TextWriter {
@@ -34,15 +61,16 @@ public:
     explicit TextWriter(const FileKind& kind);
 
     /// The text so far, to append a line to: without its end, which endLine adds.
-    std::string& line() { return text_; }
+    std::string& line() { return m_text; }
     void endLine();
     void comment(std::string_view text);
 
-    /// Adds the last line. Nothing may follow.
+    /// Adds the last lines. Nothing may follow.
     std::string finish();
 
 private:
-    std::string text_;
+    std::string m_text;
+    bool m_isChecked;
 };
 
 /// Takes the text of a file apart.
@@ -51,31 +79,42 @@ public:
     /// @param text  outlives the reader.
     TextReader(std::string_view text, const FileKind& kind);
 
-    /// False when the first line names another kind or another version.
-    bool isOurs() const { return isOurs_; }
+    bool isOurs() const { return m_opening == Condition::kGood; }
 
     /// Gives the next line that says something, without blanks around it.
     /// @return false at the end, and then the flaws tell if it is missing or not the end at all.
     bool next(std::string_view& line);
 
     /// Counted from 1, of the line given last.
-    std::size_t lineNumber() const { return lineNumber_; }
+    std::size_t lineNumber() const { return m_lineNumber; }
+
+    /// Where the line behind the one given last starts.
+    std::size_t position() const { return m_text.size() - m_rest.size(); }
 
     /// Notes that the line given last cannot be used.
-    void reject(const char* reason);
+    void reject(const char* reason) { m_flaws.add(m_lineNumber, reason); }
 
-    std::vector<Flaw>& flaws() { return flaws_; }
+    /// What the first line says, and what was found below.
+    Finding finding();
 
 private:
     bool takeLine(std::string_view& line);
+    void readChecksum(std::string_view line, std::size_t start);
+    void expectNothingMore();
 
-    std::string_view rest_;
-    std::size_t lineNumber_ = 0;
-    bool isOurs_ = false;
-    std::vector<Flaw> flaws_;
+    std::string_view m_text;
+    std::string_view m_rest;
+    bool m_isChecked;
+    bool m_hasChecksum = false;
+    bool m_isWhole = true; // the line taken last has its line end
+    std::size_t m_lineNumber = 0;
+    Condition m_opening = Condition::kForeign;
+    Flaws m_flaws;
 };
 
 /// Takes a word off the front of a line, and the blanks behind it.
 std::string_view takeWord(std::string_view& line);
+
+void appendHex(std::string& line, std::uint64_t number);
 
 } // namespace lornix

@@ -69,9 +69,11 @@ TEST_F(FilterBarTest, EnterInAFieldGoesOnToTheListAndClosesNothing)
         ASSERT_TRUE(isEnabled(dialog, IDOK));
         SetActiveWindow(dialog);
         HWND field = filterBar->openField(0);
-        PostMessageW(field, WM_KEYDOWN, VK_RETURN, 0x1C0001);
+        ASSERT_EQ(GetFocus(), field);
+        MSG enter{field, WM_KEYDOWN, VK_RETURN, 0x1C0001, 0, {}};
+        EXPECT_TRUE(IsDialogMessageW(dialog, &enter)) << "as the dialog's loop does it";
+        EXPECT_EQ(GetFocus(), list(dialog));
     });
-    script.step("the list has the keyboard", [](HWND dialog) { return GetFocus() == list(dialog); });
     finish();
 }
 

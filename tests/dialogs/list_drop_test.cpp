@@ -1,7 +1,10 @@
 // Dropping rows, and handing the chain back.
 #include "tests/support/list_host.h"
+#include "tests/support/message_watch.h"
 #include "tests/support/paths.h"
 #include "tests/support/recording_store.h"
+
+#include <commctrl.h>
 
 #include <gmock/gmock.h>
 
@@ -54,6 +57,64 @@ TEST_F(ListDropTest, NeighboursAndEnds)
     EXPECT_NE(dropFromListCtrl2(host.object()), 0);
     EXPECT_THAT(host.column(5), ElementsAre("1", "4"));
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("Anyone 1", "Anyone 4"));
+}
+
+TEST_F(ListDropTest, TheHostIsToldOfEachDroppedRow)
+{
+    fill(6);
+    host.selectOnly({1, 3, 4});
+    std::vector<LPARAM> expected{host.data(1), host.data(3), host.data(4)};
+    std::vector<LPARAM> told;
+    const MessageWatch watch(host.window(), [&](UINT message, WPARAM, LPARAM header) {
+        if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(header)->code == LVN_DELETEITEM) {
+            told.push_back(reinterpret_cast<const NMLISTVIEW*>(header)->lParam);
+        }
+    });
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_THAT(told, testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(ListDropTest, RowsThatGoMoveNoneThatGo)
+{
+    fill(6);
+    host.selectOnly({1, 3, 4});
+    std::vector<WPARAM> deleted;
+    const MessageWatch watch(host.list(), [&](UINT message, WPARAM row, LPARAM) {
+        if (message == LVM_DELETEITEM) {
+            deleted.push_back(row);
+            EXPECT_EQ(ListView_GetSelectedCount(host.list()), 0u);
+        }
+    });
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_THAT(deleted, ElementsAre(4u, 3u, 1u));
+}
+
+TEST_F(ListDropTest, RecordsLeaveTheChainDownwards)
+{
+    fill(4);
+    QuotaRule* const first = host.record(0);
+    QuotaRule* const upper = host.record(1);
+    QuotaRule* const lower = host.record(2);
+    QuotaRule* const last = host.record(3);
+    host.selectOnly({1, 2});
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_EQ(upper->prev, first);
+    EXPECT_EQ(upper->next, lower);
+    EXPECT_EQ(lower->prev, first);
+    EXPECT_EQ(lower->next, last);
+    EXPECT_EQ(first->next, last);
+    EXPECT_EQ(last->prev, first);
+}
+
+TEST_F(ListDropTest, TheFocusStaysOnItsRow)
+{
+    fill(6);
+    host.selectOnly({0, 1, 4});
+    ListView_SetItemState(host.list(), 3, LVIS_FOCUSED, LVIS_FOCUSED);
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_EQ(ListView_GetNextItem(host.list(), -1, LVNI_FOCUSED), 1);
+    EXPECT_THAT(host.column(5), ElementsAre("2", "3", "5"));
+    EXPECT_EQ(ListView_GetSelectedCount(host.list()), 0u);
 }
 
 TEST_F(ListDropTest, AllRows)

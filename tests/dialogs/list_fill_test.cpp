@@ -256,6 +256,58 @@ TEST_F(ListFillTest, FaultsOnAHardLimitOfZero)
     EXPECT_EQ(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
 }
 
+TEST_F(ListFillTest, AFaultLeavesTheRowsThatWereGiven)
+{
+    store.put(L"C:\\a", alice, 100, 90, 5);
+    store.put(L"C:\\a", bob, 100, 91, 6);
+    store.put(L"C:\\b", alice, 100, 92, 7);
+    store.put(L"C:\\b", bob, 100, 93, 8);
+    const Paths paths{L"C:\\a", L"C:\\b"};
+    for (const Fault fault : kEveryFault) {
+        initializeListCtrl2(host.object(), nullptr);
+        EnableWindow(host.list(), FALSE);
+        store.raise("getTextualSidW", fault, 4);
+        EXPECT_NE(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), 0u);
+        EXPECT_THAT(host.rows(),
+                    ElementsAre("SALES\\alice|100 |92 |7 |07%|C:\\b", "SALES\\bob|100 |91 |6 |06%|C:\\a",
+                                "SALES\\alice|100 |90 |5 |05%|C:\\a"))
+            << faultName(fault);
+        EXPECT_THAT(chainTexts(host.record(1)), ElementsAre("SALES\\bob C:\\a", "SALES\\alice C:\\a"));
+        EXPECT_TRUE(IsWindowEnabled(host.list())) << "the first folder is done";
+    }
+}
+
+TEST_F(ListFillTest, ARowWhosePercentageFaultsIsThereWithoutIt)
+{
+    store.put(L"C:\\a", alice, 100, 90, 5);
+    store.put(L"C:\\a", bob, 0, 91, 6);
+    store.put(L"C:\\a", alice, 100, 92, 7);
+    const Paths paths{L"C:\\a"};
+    EXPECT_EQ(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
+    EXPECT_THAT(host.rows(),
+                ElementsAre("SALES\\bob|0 |91 |6 ||C:\\a", "SALES\\alice|100 |90 |5 |05%|C:\\a"));
+}
+
+TEST_F(ListFillTest, NoRowMovesAnother)
+{
+    for (int i = 0; i < 5; ++i) {
+        store.put(L"C:\\a", alice, 100 + i, 90, 0);
+        store.put(L"C:\\b", bob, 100 + i, 90, 0);
+    }
+    int moved = 0;
+    const MessageWatch watch(host.list(), [&](UINT message, WPARAM, LPARAM item) {
+        if (message == LVM_INSERTITEMW) {
+            moved += host.rowCount() - reinterpret_cast<const LVITEMW*>(item)->iItem;
+        }
+    });
+    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    EXPECT_EQ(moved, 0);
+    fillUpListCtrl2(Paths{L"C:\\b"}, host.object());
+    EXPECT_EQ(moved, 25) << "five times those that were there";
+    EXPECT_THAT(host.column(1),
+                ElementsAre("104 ", "103 ", "102 ", "101 ", "100 ", "104 ", "103 ", "102 ", "101 ", "100 "));
+}
+
 TEST_F(ListFillTest, AFaultLeavesNoDrawingObjectsBehind)
 {
     store.put(L"C:\\a", alice, 100, 90, 0);

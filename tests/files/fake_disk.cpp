@@ -12,6 +12,8 @@
 #include <shellapi.h>
 #include <utility>
 
+constexpr UINT_PTR kFirstIcon = 0x50000000; // above those of the platform
+
 struct FakeDisk::State {
     struct Drive {
         std::wstring name;
@@ -27,7 +29,7 @@ struct FakeDisk::State {
     std::vector<std::string> calls;
     std::map<HANDLE, Search> searches;
     UINT_PTR lastSearch = 0x1000;
-    UINT_PTR lastIcon = 0x5000;
+    UINT_PTR lastIcon = kFirstIcon;
     std::set<HICON> icons;
     HIMAGELIST images = nullptr;
 };
@@ -196,6 +198,9 @@ DWORD_PTR WINAPI fileInfo(const wchar_t* path, DWORD attributes, SHFILEINFOW* in
 
 BOOL WINAPI destroyIcon(HICON icon)
 {
+    if (reinterpret_cast<UINT_PTR>(icon) < kFirstIcon) {
+        return DestroyIcon(icon); // of another dialog
+    }
     EXPECT_EQ(state->icons.erase(icon), 1u);
     return TRUE;
 }

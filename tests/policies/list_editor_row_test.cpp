@@ -222,6 +222,40 @@ TEST_P(ListEditorRowTest, DestroyedUnderItsEntryDialogItGivesTheListBackAndAddsN
               0);
 }
 
+TEST_P(ListEditorRowTest, AnEntryDialogThatIsDestroyedLeavesItUsable)
+{
+    visit.add();
+    visit.script.onDialog("destroy it", [](HWND entry) { DestroyWindow(entry); });
+    visit
+        .list([this](HWND dialog, const ListInDialog&) {
+            EXPECT_EQ(windowText(dialog), editor.caption);
+            EXPECT_TRUE(IsWindowEnabled(dialog));
+        })
+        .press(IDCANCEL);
+    EXPECT_EQ(visit.run(editor.open), 0);
+}
+
+TEST_P(ListEditorRowTest, CommandsSentPastAnEntryDialogAreNotTaken)
+{
+    visit.add();
+    visit.script.onDialog("send commands to what is behind", [this](HWND entry) {
+        HWND editorWindow = GetWindow(entry, GW_OWNER);
+        store.recording.takeCalls();
+        for (const int id : {IDOK, IDCANCEL, ids::kAdd, ids::kEdit, ids::kRemove}) {
+            SendMessageW(editorWindow, WM_COMMAND, static_cast<WPARAM>(id), 0);
+        }
+        PostMessageW(entry, WM_COMMAND, IDCANCEL, 0);
+    });
+    visit.list([](HWND dialog, const ListInDialog&) {
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
+    EXPECT_EQ(visit.run(editor.open), 0);
+    const std::vector<std::string> calls = store.recording.calls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.free), 1);
+    EXPECT_EQ(calls.back(), editor.free);
+}
+
 TEST_P(ListEditorRowTest, AFaultInThatIsTold)
 {
     store.recording.raise(editor.free, Fault::AccessViolation);

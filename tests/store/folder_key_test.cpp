@@ -3,13 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <array>
 
 namespace {
 
 using lornix::folderKey;
 using lornix::lowerCase;
-using lornix::ruleFileName;
 
 TEST(LowerCaseTest, LettersWithAPartner)
 {
@@ -61,34 +60,6 @@ TEST(FolderKeyTest, CaseSlashesAndSlashesAtTheEndDoNotCount)
     EXPECT_EQ(folderKey(u"//"), u"\\");
     EXPECT_EQ(folderKey(u""), u"");
     EXPECT_NE(folderKey(u"D:\\A B"), folderKey(u"D:\\A  B"));
-}
-
-TEST(FolderKeyTest, FileNamesNeverChange)
-{
-    // Stored files are found by these names.
-    EXPECT_EQ(ruleFileName(u"d:\\projects\\alpha"), "alpha_3c68ae8bce8007d1.txt");
-    EXPECT_EQ(ruleFileName(u"c:"), "c_ebe6e792ba421dec.txt");
-    EXPECT_EQ(ruleFileName(u"d:\\b\u00FCro"), "b_ro_4b23f69539627f54.txt");
-    EXPECT_EQ(ruleFileName(u"\u4E2D"), "07d03807b4981da2.txt");
-}
-
-TEST(FolderKeyTest, FileNamesArePlain)
-{
-    const std::regex plain("([a-z0-9-][a-z0-9_-]*_)?[0-9a-f]{16}\\.txt");
-    for (const std::u16string& key :
-         {std::u16string(u"d:\\..\\con"), std::u16string(u"*?<>|\":"), std::u16string(500, u'x'),
-          std::u16string(u"\\"), std::u16string{0xD800, u'a', 0xDC00}, std::u16string(u"d:\\a.b.c   "),
-          std::u16string()})
-    {
-        const std::string name = ruleFileName(key);
-        EXPECT_TRUE(std::regex_match(name, plain)) << name;
-        EXPECT_LE(name.size(), 61u);
-    }
-}
-
-TEST(FolderKeyTest, FoldersWithTheSameEndHaveFilesOfTheirOwn)
-{
-    EXPECT_NE(ruleFileName(u"d:\\a\\data"), ruleFileName(u"d:\\b\\data"));
 }
 
 } // namespace

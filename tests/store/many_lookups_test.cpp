@@ -257,6 +257,25 @@ TEST_F(ManyLookupsTest, TheNamesOfAListAreAskedForTogether)
     EXPECT_EQ(platform.names, 4) << "and remembered, those too that nobody knows";
 }
 
+TEST_F(ManyLookupsTest, TheNamesOfRulesAreAskedForTogether)
+{
+    std::vector<Rule> rules;
+    for (int i = 0; i < 500; ++i) {
+        rules.push_back({.path = L"D:\\Projects", .sid = domainOf(lastList) + L'-' + std::to_wstring(i)});
+    }
+    store({L"D:\\Projects"}, rules);
+    const Chain chain(getQuotaList(L"D:\\Projects"));
+    EXPECT_EQ(platform.names, 0);
+    int count = 0;
+    for (const QuotaRule* rule = chain.get(); rule != nullptr; rule = rule->next, ++count) {
+        wchar_t buffer[100];
+        EXPECT_EQ(getAccountBySidW(rule->sid, buffer, 100) != nullptr, isKnown(numberOf(rule->sid)));
+    }
+    EXPECT_EQ(count, 500);
+    EXPECT_EQ(platform.names, 2);
+    EXPECT_EQ(platform.singleNames, 0);
+}
+
 TEST_F(ManyLookupsTest, NamesWhoseTimeIsOverAreAskedForTogether)
 {
     const Sids list = membersByNumber(500);

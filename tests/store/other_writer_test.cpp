@@ -22,11 +22,11 @@ protected:
     /// Refused, and nothing is changed.
     void expectRefused(const std::vector<Rule>& rules, const std::wstring& reason)
     {
-        const std::string before = bytesOf(theRulesFile());
+        const std::string before = bytesOf(rulesFile());
         EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf(rules).get()), 0);
         EXPECT_TRUE(reported(L"\"" + kFolder + L"\" " + reason));
         EXPECT_TRUE(reported(L"Nothing was stored."));
-        EXPECT_EQ(bytesOf(theRulesFile()), before);
+        EXPECT_EQ(bytesOf(rulesFile()), before);
         EXPECT_EQ(namesOf(Folders(lornixKnownFolders()).get()), Names{kFolder});
     }
 
@@ -40,13 +40,11 @@ protected:
     void seeOneRuleWhileAnotherComes()
     {
         store({kFolder}, {{kFolder, 7}});
-        const std::string theirs = bytesOf(theRulesFile());
+        const std::string theirs = bytesOf(rulesFile());
         store({kFolder}, {{kFolder, 8}});
         EXPECT_EQ(stored(kFolder).size(), 1u);
-        writeBytes(theRulesFile(), theirs);
+        writeBytes(rulesFile(), theirs);
     }
-
-    std::filesystem::path knownFile() const { return data() / L"known-folders.txt"; }
 };
 
 TEST_F(OtherWriterTest, RulesThatChangedMeanwhileAreNotReplaced)
@@ -63,8 +61,8 @@ TEST_F(OtherWriterTest, RulesThatChangedMeanwhileAreNotReplaced)
 TEST_F(OtherWriterTest, RulesThatCameMeanwhileAreNotReplaced)
 {
     store({kFolder}, {{kFolder, 7}});
-    const std::string theirs = bytesOf(theRulesFile());
-    const auto file = theRulesFile();
+    const std::string theirs = bytesOf(rulesFile());
+    const auto file = rulesFile();
     store({kFolder}, {});
     EXPECT_TRUE(stored(kFolder).empty());
     writeBytes(file, theirs);
@@ -96,10 +94,10 @@ TEST_F(OtherWriterTest, RulesThatCouldNotBeReadAreNotReplaced)
 TEST_F(OtherWriterTest, OneFolderThatIsRefusedKeepsTheOthersAsTheyAre)
 {
     const std::wstring other = L"D:\\Other";
-    store({kFolder}, {{kFolder, 7}});
-    const auto file = theRulesFile();
+    store({kFolder, other}, {{kFolder, 7}, {other, 1}});
+    const auto file = rulesFile();
     const std::string theirs = bytesOf(file);
-    store({kFolder, other}, {{kFolder, 8}, {other, 1}});
+    store({kFolder}, {{kFolder, 8}});
     EXPECT_EQ(stored(kFolder).size(), 1u);
     writeBytes(file, theirs);
     EXPECT_EQ(lornixStoreRules(foldersOf({other, kFolder}).get(), chainOf({{other, 2}, {kFolder, 9}}).get()),
@@ -108,31 +106,51 @@ TEST_F(OtherWriterTest, OneFolderThatIsRefusedKeepsTheOthersAsTheyAre)
     EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 7}}));
 }
 
-TEST_F(OtherWriterTest, DamagedRulesThatWereMendedAreSeen)
+TEST_F(OtherWriterTest, WhatIsGoodInADamagedFileIsSeen)
 {
-    store({kFolder}, {{kFolder, 7}, {kFolder, 8}});
-    std::string text = bytesOf(theRulesFile());
-    writeBytes(theRulesFile(), text.replace(text.find("8\t"), 1, "x"));
+    store({kFolder}, {{kFolder, 7}, {kFolder, 8, 1, 0, L"S-1-5-32-545"}});
+    std::string text = bytesOf(rulesFile());
+    writeBytes(rulesFile(), text.replace(text.find("8\t"), 1, "x"));
     EXPECT_EQ(stored(kFolder).size(), 1u);
     EXPECT_TRUE(reported(L"is damaged"));
-    store({kFolder}, {{kFolder, 9}});
+    EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 1);
     EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
 }
 
-TEST_F(OtherWriterTest, ForeignRulesThatWereSetAsideAreSeen)
+TEST_F(OtherWriterTest, ForeignRulesAreSeenAsNone)
 {
     store({kFolder}, {{kFolder, 7}});
-    writeBytes(theRulesFile(), "a shopping list");
+    writeBytes(rulesFile(), "a shopping list");
     EXPECT_TRUE(stored(kFolder).empty());
-    store({kFolder}, {{kFolder, 9}});
+    EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 1);
     EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
     EXPECT_EQ(bytesOf(setAside() / namesIn(setAside()).at(0)), "a shopping list");
+}
+
+TEST_F(OtherWriterTest, EveryFolderInConflictIsTold)
+{
+    const std::vector<std::wstring> folders{L"D:\\A", L"D:\\B", L"D:\\C"};
+    store(folders, {{L"D:\\A", 7}, {L"D:\\B", 7}, {L"D:\\C", 7}});
+    const std::string theirs = bytesOf(rulesFile());
+    store(folders, {{L"D:\\A", 8}, {L"D:\\B", 8}, {L"D:\\C", 7}});
+    for (const std::wstring& folder : folders) {
+        EXPECT_EQ(stored(folder).size(), 1u);
+    }
+    writeBytes(rulesFile(), theirs);
+    EXPECT_EQ(lornixStoreRules(foldersOf(folders).get(),
+                               chainOf({{L"D:\\A", 9}, {L"D:\\B", 9}, {L"D:\\C", 9}}).get()),
+              0);
+    EXPECT_TRUE(reported(L"The rules of \"D:\\A\" were changed by somebody else"));
+    EXPECT_TRUE(reported(L"The rules of \"D:\\B\" were changed by somebody else"));
+    EXPECT_FALSE(reported(L"\"D:\\C\""));
+    EXPECT_EQ(bytesOf(rulesFile()), theirs);
+    store({L"D:\\C"}, {{L"D:\\C", 9}}); // nobody touched that one
 }
 
 TEST_F(OtherWriterTest, WhoAsksForNothingReplacesWhatIsThere)
 {
     store({kFolder}, {{kFolder, 7}});
-    writeBytes(theRulesFile(), "a shopping list");
+    writeBytes(rulesFile(), "a shopping list");
     EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 1);
     EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
 }
@@ -154,11 +172,11 @@ TEST_F(OtherWriterTest, KnownFoldersThatCouldNotBeReadAreKept)
 TEST_F(OtherWriterTest, KnownFoldersThatCameMeanwhileAreKept)
 {
     storeKnownPaths(foldersOf({L"C:\\a", L"C:\\b", L"C:\\theirs"}).get());
-    const std::string theirs = bytesOf(knownFile());
+    const std::string theirs = bytesOf(rulesFile());
     storeKnownPaths(foldersOf({L"C:\\a", L"C:\\b"}).get());
     PathList* const known = getKnownPaths();
     EXPECT_EQ(namesOf(known), (Names{L"C:\\a", L"C:\\b"}));
-    writeBytes(knownFile(), theirs);
+    writeBytes(rulesFile(), theirs);
     appendAndStore(known, L"C:\\c");
     EXPECT_EQ(namesOf(Folders(lornixKnownFolders()).get()),
               (Names{L"C:\\a", L"C:\\b", L"C:\\theirs", L"C:\\c"}));

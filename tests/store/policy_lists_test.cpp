@@ -289,16 +289,21 @@ TEST_P(PolicyListsTest, LoadingAgainDropsWhatWasNotStored)
     EXPECT_EQ(texts(), Texts{L"a"});
 }
 
-TEST_P(PolicyListsTest, ADamagedFileIsSetAsideAndItsGoodLinesGoOn)
+TEST_P(PolicyListsTest, ADamagedFileGivesItsGoodLinesAndIsSetAsideByStoring)
 {
     const std::string before = list().firstLine + std::string("\r\n") + line("good") + "nonsense here\r\n" +
-                               line("bad %u12") + line("better") + "end\r\n";
+                               line("bad %u12") + line("better") + "checksum\t-\r\nend\r\n";
     std::filesystem::create_directories(data());
     writeBytes(file(), before);
-    EXPECT_NE(list().load(), 0);
-    EXPECT_EQ(texts(), (Texts{L"good", L"better"}));
-    EXPECT_TRUE(reported(L"line 3"));
-    EXPECT_TRUE(reported(L"line 4"));
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_NE(list().load(), 0);
+        EXPECT_EQ(texts(), (Texts{L"good", L"better"}));
+        EXPECT_TRUE(reported(L"line 3"));
+        EXPECT_TRUE(reported(L"line 4"));
+        EXPECT_TRUE(namesIn(setAside()).empty());
+        EXPECT_EQ(bytesOf(file()), before);
+    }
+    list().store();
     const auto aside = namesIn(setAside());
     ASSERT_EQ(aside.size(), 1u);
     EXPECT_EQ(bytesOf(setAside() / aside[0]), before);
@@ -307,26 +312,103 @@ TEST_P(PolicyListsTest, ADamagedFileIsSetAsideAndItsGoodLinesGoOn)
     EXPECT_EQ(namesIn(setAside()).size(), 1u);
 }
 
-TEST_P(PolicyListsTest, AFileThatWasCutOffIsSetAside)
+TEST_P(PolicyListsTest, AFileThatWasCutOffGivesItsWholeLines)
 {
     writeFile(line("one") + list().word + "tw");
     EXPECT_NE(list().load(), 0);
-    EXPECT_EQ(texts().front(), L"one");
+    EXPECT_EQ(texts(), Texts{L"one"});
     EXPECT_TRUE(reported(L"the end is missing"));
-    EXPECT_EQ(namesIn(setAside()).size(), 1u);
+    EXPECT_TRUE(namesIn(setAside()).empty());
 }
 
-TEST_P(PolicyListsTest, AForeignFileIsSetAside)
+TEST_P(PolicyListsTest, AForeignFileIsSetAsideByStoring)
 {
+    const std::string before("\0\1\2 something else", 18);
     std::filesystem::create_directories(data());
-    writeBytes(file(), std::string_view("\0\1\2 something else", 18));
+    writeBytes(file(), before);
     EXPECT_NE(list().load(), 0);
     EXPECT_EQ(texts(), Texts());
-    ASSERT_EQ(namesIn(setAside()).size(), 1u);
+    EXPECT_TRUE(reported(L"is not readable as such"));
+    EXPECT_EQ(bytesOf(file()), before);
+    EXPECT_TRUE(namesIn(setAside()).empty());
     list().add(L"new");
     list().store();
     EXPECT_EQ(storedTexts(), Texts{L"new"});
-    EXPECT_EQ(bytesOf(setAside() / namesIn(setAside())[0]), std::string("\0\1\2 something else", 18));
+    ASSERT_EQ(namesIn(setAside()).size(), 1u);
+    EXPECT_EQ(bytesOf(setAside() / namesIn(setAside())[0]), before);
+}
+
+TEST_P(PolicyListsTest, AFileOfANewerVersionIsNeverTouched)
+{
+    std::string newer = list().firstLine;
+    newer.back() = '2';
+    for (const std::string& before : {newer + "\r\n" + line("kept") + "end\r\n", newer,
+                                      std::string("lornix rules 1\r\nchecksum\t-\r\nend\r\n")})
+    {
+        std::filesystem::create_directories(data());
+        writeBytes(file(), before);
+        EXPECT_EQ(list().load(), 0);
+        EXPECT_TRUE(reported(L"is of a newer version or of another kind"));
+        EXPECT_EQ(list().get(0), nullptr);
+        EXPECT_EQ(list().add(L"new"), kNone);
+        list().store();
+        EXPECT_TRUE(reported(L"not loaded"));
+        EXPECT_EQ(bytesOf(file()), before);
+        // Also when it comes while the list is loaded.
+        std::filesystem::remove(file());
+        EXPECT_NE(list().load(), 0);
+        list().add(L"new");
+        writeBytes(file(), before);
+        list().store();
+        EXPECT_TRUE(reported(L"is of a newer version or of another kind"));
+        EXPECT_EQ(bytesOf(file()), before);
+        if (list().apply != nullptr) {
+            list().apply();
+            EXPECT_TRUE(reported(L"is of a newer version or of another kind"));
+            EXPECT_FALSE(std::filesystem::exists(activeFile()));
+        }
+    }
+    EXPECT_TRUE(namesIn(setAside()).empty());
+}
+
+TEST_P(PolicyListsTest, ApplyingAfterARefusedStoreMeansWhatIsStored)
+{
+    if (list().apply == nullptr) {
+        EXPECT_STREQ(list().name, "Notifications");
+        return;
+    }
+    storeTexts({L"dismissed", L"stays"});
+    list().load();
+    list().apply();
+    // Somebody else takes one out meanwhile, and makes it so.
+    const std::string both = bytesOf(file());
+    storeTexts({L"stays"});
+    const std::string one = bytesOf(file());
+    writeBytes(file(), both);
+    list().load();
+    writeBytes(file(), one);
+    writeBytes(activeFile(), one);
+    list().add(L"new");
+    list().store();
+    EXPECT_TRUE(reported(L"was changed by somebody else"));
+    list().apply();
+    EXPECT_EQ(bytesOf(activeFile()), one) << "whoever was dismissed does not come back";
+}
+
+TEST_P(PolicyListsTest, WhatIsNotWholeIsNotMadeActive)
+{
+    if (list().apply == nullptr) {
+        EXPECT_STREQ(list().name, "Notifications");
+        return;
+    }
+    storeTexts({L"a", L"b"});
+    list().load();
+    list().apply();
+    const std::string before = bytesOf(activeFile());
+    writeBytes(file(), list().firstLine + std::string("\r\n") + line("a"));
+    list().apply();
+    EXPECT_TRUE(reported(L"is not made active"));
+    EXPECT_EQ(bytesOf(activeFile()), before);
 }
 
 TEST_P(PolicyListsTest, AFileDamagedBehindItsBackIsNotOverwritten)

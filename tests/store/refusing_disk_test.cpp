@@ -1,5 +1,5 @@
 // Disks that are full, read-only, locked: nothing that was stored is lost, and the report says why.
-#include "store_test.h"
+#include "held_files.h"
 
 #include "tests/support/import_patch.h"
 
@@ -80,9 +80,8 @@ protected:
         EXPECT_TRUE(stored(L"D:\\C").empty());
         EXPECT_EQ(namesOf(Folders(lornixKnownFolders()).get()),
                   (std::vector<std::wstring>{L"D:\\A", L"D:\\B"}));
-        EXPECT_EQ(namesIn(rulesFolder()).size(), 2u) << "nothing half written stays";
-        EXPECT_EQ(namesIn(data()),
-                  (std::vector<std::wstring>{L"known-folders.txt", L"lornix.lock", L"rules"}));
+        EXPECT_EQ(namesIn(data()), (std::vector<std::wstring>{L"lornix.lock", L"rules.txt"}))
+            << "nothing half written stays";
     }
 };
 
@@ -102,7 +101,7 @@ TEST_F(RefusingDiskTest, FullDiskAtEveryByteChangesNothing)
         expectBefore();
         ASSERT_FALSE(HasFailure()) << size;
     }
-    EXPECT_GT(size, 400);
+    EXPECT_GT(size, 150);
     EXPECT_STREQ(lornixLastError(), L"");
     EXPECT_EQ(stored(L"D:\\C"), (std::vector<Rule>{{L"D:\\C", 70}}));
 }
@@ -120,7 +119,7 @@ TEST_F(RefusingDiskTest, FullDiskWhileKnownFoldersOrTrackedRulesAreStored)
 {
     addToTrackList(chainOf({{L"D:\\A", 5}}).get());
     const std::string tracked = bytesOf(data() / "tracked-rules.txt");
-    const std::string known = bytesOf(data() / "known-folders.txt");
+    const std::string known = bytesOf(rulesFile());
     {
         const ImportPatch full(storeModule(), "WriteFile", &fullDisk);
         room = 30;
@@ -131,28 +130,26 @@ TEST_F(RefusingDiskTest, FullDiskWhileKnownFoldersOrTrackedRulesAreStored)
         EXPECT_TRUE(reported(L"(error 112)"));
     }
     EXPECT_EQ(bytesOf(data() / "tracked-rules.txt"), tracked);
-    EXPECT_EQ(bytesOf(data() / "known-folders.txt"), known);
-    EXPECT_EQ(namesIn(data()).size(), 4u);
+    EXPECT_EQ(bytesOf(rulesFile()), known);
+    EXPECT_EQ(namesIn(data()).size(), 3u);
 }
 
 TEST_F(RefusingDiskTest, FullDiskWhileADamagedFileIsSetAside)
 {
-    const auto file = rulesFolder() / namesIn(rulesFolder()).front();
-    const std::string damaged = bytesOf(file) + "damage";
-    writeBytes(file, damaged);
+    const std::string damaged = bytesOf(rulesFile()) + "damage";
+    writeBytes(rulesFile(), damaged);
     {
         const ImportPatch full(storeModule(), "WriteFile", &fullDisk);
         room = 40;
-        EXPECT_EQ(stored(L"D:\\A").size(), 1u);
+        EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
         EXPECT_TRUE(reported(L"cannot be set aside"));
         EXPECT_TRUE(reported(L"(error 112)"));
         room = static_cast<LONGLONG>(damaged.size()) + 10; // the copy fits, its replacement does not
-        EXPECT_EQ(stored(L"D:\\A").size(), 1u);
-        EXPECT_TRUE(reported(L"cannot be set aside"));
+        EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+        EXPECT_TRUE(reported(L"(error 112)"));
     }
-    EXPECT_EQ(bytesOf(file), damaged);
+    EXPECT_EQ(bytesOf(rulesFile()), damaged);
     EXPECT_TRUE(namesIn(setAside()).empty());
-    EXPECT_EQ(namesIn(rulesFolder()).size(), 2u);
 }
 
 TEST_F(RefusingDiskTest, ReadOnlyDataFolderIsReadAndNotWritten)
@@ -171,60 +168,77 @@ TEST_F(RefusingDiskTest, ReadOnlyDataFolderIsReadAndNotWritten)
 
 TEST_F(RefusingDiskTest, DamagedFileInAReadOnlyDataFolderIsReadAndStays)
 {
-    const auto file = rulesFolder() / namesIn(rulesFolder()).front();
-    const std::string damaged = bytesOf(file) + "damage";
-    writeBytes(file, damaged);
+    const std::string damaged = bytesOf(rulesFile()) + "damage";
+    writeBytes(rulesFile(), damaged);
     const ImportPatch patch(storeModule(), "CreateFileW", &readOnlyDisk);
     EXPECT_EQ(stored(L"D:\\A").size(), 1u);
-    EXPECT_TRUE(reported(L"cannot be set aside"));
-    EXPECT_EQ(bytesOf(file), damaged);
+    EXPECT_TRUE(reported(L"is damaged"));
+    EXPECT_EQ(bytesOf(rulesFile()), damaged);
 }
 
-TEST_F(RefusingDiskTest, OneFileThatCannotBeReplacedDoesNotStopTheOthers)
+TEST_F(RefusingDiskTest, FileThatCannotBeReplacedStaysForAllFolders)
 {
-    refusedTarget = namesIn(rulesFolder()).front();
-    const bool isA = refusedTarget.starts_with(L"a_");
-    ASSERT_TRUE(isA);
-    {
-        const ImportPatch move(storeModule(), "MoveFileExW", &refusingMove);
-        const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
-        ASSERT_EQ(move.count() + sleep.count(), 2);
-        sleeps = 0;
-        EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}, {L"D:\\B", 60}, {L"D:\\C", 70}}), 0);
-        EXPECT_TRUE(reported(L"The rules of \"D:\\A\" cannot be stored"));
-        EXPECT_TRUE(reported(L"where the former ones stay"));
-        EXPECT_GT(sleeps, 10) << "it is tried for a while";
-        EXPECT_LT(sleeps, 1000);
-    }
-    EXPECT_EQ(stored(L"D:\\A"), (std::vector<Rule>{{L"D:\\A", 5}}));
-    EXPECT_EQ(stored(L"D:\\B"), (std::vector<Rule>{{L"D:\\B", 60}}));
-    EXPECT_EQ(stored(L"D:\\C"), (std::vector<Rule>{{L"D:\\C", 70}}));
-    EXPECT_EQ(namesIn(rulesFolder()).size(), 3u);
-}
-
-TEST_F(RefusingDiskTest, ManyFilesThatStayLockedDoNotCostTheWaitEach)
-{
-    refusedTarget = L".txt";
     const ImportPatch move(storeModule(), "MoveFileExW", &refusingMove);
     const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
+    ASSERT_EQ(move.count() + sleep.count(), 2);
+    refusedTarget = L"rules.txt";
     sleeps = 0;
-    EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}, {L"D:\\B", 60}}), 0);
+    EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}, {L"D:\\B", 60}, {L"D:\\C", 70}}), 0);
+    EXPECT_TRUE(reported(L"The file with the rules cannot be written"));
+    EXPECT_TRUE(reported(L"Nothing was stored."));
+    EXPECT_GT(sleeps, 10) << "it is tried for a while";
+    EXPECT_LT(sleeps, 1000);
+    expectBefore();
+}
+
+TEST_F(RefusingDiskTest, WaitingForFilesIsCountedOverCallsThatFollowEachOther)
+{
+    const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
+    const HeldFiles held;
+    sleeps = 0;
+    EXPECT_TRUE(stored(L"D:\\A").empty());
+    EXPECT_TRUE(reported(L"(error 32)"));
     const int once = sleeps;
-    std::vector<std::wstring> folders;
-    std::vector<Rule> rules;
-    for (int i = 0; i < 50; ++i) {
-        folders.push_back(L"D:\\A\\" + std::to_wstring(i));
-        rules.push_back({folders.back()});
+    EXPECT_GT(once, 10);
+    for (int i = 0; i < 30; ++i) { // a panel that starts with as many folders
+        stored(L"D:\\" + std::to_wstring(i));
+        loadExcludes();
     }
-    storeKnownPaths(nullptr);
+    EXPECT_EQ(sleeps, once);
     sleeps = 0;
-    EXPECT_EQ(attempt(folders, rules), 0);
-    EXPECT_LT(sleeps, 2 * once);
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(attempt({L"D:\\A"}, {{L"D:\\A", 50}}), 0);
+    }
+    EXPECT_EQ(sleeps, 0) << "a lock that cannot be opened is no lock that somebody has";
+    const auto begin = GetTickCount64();
+    while (GetTickCount64() < begin + 1200) { // somebody reads what was reported
+        SleepEx(50, FALSE);
+    }
+    stored(L"D:\\A");
+    EXPECT_EQ(sleeps, once) << "another call of the host";
+}
+
+TEST_F(RefusingDiskTest, ALockThatSomeoneKeepsIsWaitedForOnce)
+{
+    const HANDLE lock = CreateFileW((data() / "lornix.lock").c_str(), GENERIC_READ | GENERIC_WRITE,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    OVERLAPPED start{};
+    ASSERT_TRUE(LockFileEx(lock, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &start));
+    const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
+    sleeps = 0;
+    EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+    const int once = sleeps;
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+    }
+    EXPECT_EQ(sleeps, once);
+    CloseHandle(lock);
 }
 
 TEST_F(RefusingDiskTest, FileThatIsOpenElsewhereForAMoment)
 {
-    const auto file = rulesFolder() / namesIn(rulesFolder()).front();
+    const auto file = rulesFile();
     static HANDLE holder = INVALID_HANDLE_VALUE;
     holder = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(holder, INVALID_HANDLE_VALUE);

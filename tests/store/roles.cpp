@@ -16,9 +16,10 @@ int fail(const wchar_t* what)
     return 1;
 }
 
-bool storeGeneration(std::int64_t number)
+bool storeGeneration(std::int64_t number, std::size_t folders = kFewFolders)
 {
-    return lornixStoreRules(foldersOf(generationFolders()).get(), chainOf(generation(number)).get()) != 0;
+    return lornixStoreRules(foldersOf(generationFolders(folders)).get(),
+                            chainOf(generation(number, folders)).get()) != 0;
 }
 
 /// Adds a line to a file in one step: it is in the file even if the process ends right after.
@@ -31,11 +32,12 @@ void note(const std::wstring& file, const std::string& line)
     CloseHandle(out);
 }
 
-/// DATA NOTES FIRST: stores one generation after the other, for ever, and notes each that is stored.
+/// DATA NOTES FIRST FOLDERS: stores one generation after the other, for ever, and notes each that is stored.
 int storeForEver(const std::vector<std::wstring>& arguments)
 {
+    const std::size_t folders = std::stoul(arguments.at(3));
     for (std::int64_t number = std::stoll(arguments.at(2));; ++number) {
-        if (!storeGeneration(number)) {
+        if (!storeGeneration(number, folders)) {
             return fail(L"cannot store");
         }
         note(arguments.at(1), std::to_string(number) + "\n");
@@ -48,7 +50,7 @@ int storeOften(const std::vector<std::wstring>& arguments)
     const std::wstring folder = arguments.at(1);
     const std::int64_t count = std::stoll(arguments.at(2));
     for (std::int64_t number = 1; number <= count; ++number) {
-        const std::vector<Rule> rules(static_cast<std::size_t>(number % 5) + 1, Rule{folder, number});
+        const auto rules = rulesForMany(folder, number, static_cast<std::size_t>(number % 5) + 1);
         if (lornixStoreRules(foldersOf({folder}).get(), chainOf(rules).get()) == 0) {
             return fail(L"cannot store");
         }
@@ -137,20 +139,10 @@ int endInTheMiddle(const std::vector<std::wstring>& arguments)
     }
     callsLeft = std::stoi(arguments.at(1));
     const std::wstring action = arguments.at(2);
-    if (action == L"load") {
-        Chain(lornixLoadRules(generationFolders().front().c_str()));
-    } else if (!storeGeneration(std::stoll(action))) {
+    if (!storeGeneration(std::stoll(action))) {
         return fail(L"cannot store");
     }
     return 0;
-}
-
-/// DATA BYTES: stores rules that need more bytes than a file may have here.
-int storeMuch(const std::vector<std::wstring>& arguments)
-{
-    const std::wstring folder = L"D:\\Projects";
-    const std::vector<Rule> rules(std::stoul(arguments.at(1)) / 16, Rule{folder, 1000000, 900000, -1});
-    return lornixStoreRules(foldersOf({folder}).get(), chainOf(rules).get()) != 0 ? 0 : fail(L"cannot store");
 }
 
 /// DATA: writes debug lines.
@@ -170,7 +162,6 @@ int playRole(const std::wstring& role, const std::vector<std::wstring>& argument
         {L"store-for-ever", storeForEver},
         {L"store-often", storeOften},
         {L"end-in-the-middle", endInTheMiddle},
-        {L"store-much", storeMuch},
         {L"speak", speak},
     };
     if (lornixSetDataFolder(arguments.at(0).c_str()) == 0) {

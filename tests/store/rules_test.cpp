@@ -23,7 +23,6 @@ TEST_F(RulesTest, ReadBackAsStoredAndInTheirOrder)
         {L"D:\\Projects", 104857600, 99614720, 52428800, kAnna},
         {L"D:\\Projects", 1, -1, -1, L""},
         {L"D:\\Projects", INT64_MAX, INT64_MIN, INT64_MAX, kUsers},
-        {L"D:\\Projects", 104857600, 99614720, 52428800, kAnna}, // the very same once more
     };
     store({L"D:\\Projects"}, rules);
     EXPECT_EQ(stored(L"D:\\Projects"), rules);
@@ -32,8 +31,9 @@ TEST_F(RulesTest, ReadBackAsStoredAndInTheirOrder)
 
 TEST_F(RulesTest, SpellingOfEveryPathIsKept)
 {
-    const std::vector<Rule> rules{
-        {L"D:/PROJECTS/Alpha"}, {L"d:\\projects\\alpha"}, {L"D:\\Projects/Alpha\\"}};
+    const std::vector<Rule> rules{{L"D:/PROJECTS/Alpha"},
+                                  {L"d:\\projects\\alpha", 2, 1, 0, kAnna},
+                                  {L"D:\\Projects/Alpha\\", 2, 1, 0, kUsers}};
     store({L"D:\\Projects\\Alpha"}, rules);
     EXPECT_EQ(stored(L"d:/Projects/ALPHA"), rules);
 }
@@ -82,17 +82,21 @@ TEST_F(RulesTest, PathsOfAnyLength)
 TEST_F(RulesTest, StoringReplacesTheListedFoldersOnly)
 {
     store({L"D:\\A", L"D:\\B"}, {{L"D:\\A"}, {L"D:\\B"}});
-    store({L"D:\\A"}, {{L"D:\\A", 5}, {L"D:\\A", 6}});
-    EXPECT_EQ(stored(L"D:\\A"), (std::vector<Rule>{{L"D:\\A", 5}, {L"D:\\A", 6}}));
+    store({L"D:\\A"}, rulesForMany(L"D:\\A", 5, 2));
+    EXPECT_EQ(stored(L"D:\\A"), rulesForMany(L"D:\\A", 5, 2));
     EXPECT_EQ(stored(L"D:\\B"), std::vector<Rule>{{L"D:\\B"}});
 }
 
 TEST_F(RulesTest, RulesOfManyFoldersMayBeMixedInTheChain)
 {
-    store({L"D:\\A", L"D:\\B", L"d:/a"},
-          {{L"D:\\A", 1}, {L"D:\\B", 2}, {L"D:/a", 3}, {L"D:\\B", 4}, {L"D:\\A", 5}});
-    EXPECT_EQ(stored(L"D:\\A"), (std::vector<Rule>{{L"D:\\A", 1}, {L"D:/a", 3}, {L"D:\\A", 5}}));
-    EXPECT_EQ(stored(L"D:\\B"), (std::vector<Rule>{{L"D:\\B", 2}, {L"D:\\B", 4}}));
+    store({L"D:\\A", L"D:\\B", L"d:/a"}, {{L"D:\\A", 1},
+                                          {L"D:\\B", 2},
+                                          {L"D:/a", 3, 1, 0, kAnna},
+                                          {L"D:\\B", 4, 1, 0, kAnna},
+                                          {L"D:\\A", 5, 1, 0, kUsers}});
+    EXPECT_EQ(stored(L"D:\\A"),
+              (std::vector<Rule>{{L"D:\\A", 1}, {L"D:/a", 3, 1, 0, kAnna}, {L"D:\\A", 5, 1, 0, kUsers}}));
+    EXPECT_EQ(stored(L"D:\\B"), (std::vector<Rule>{{L"D:\\B", 2}, {L"D:\\B", 4, 1, 0, kAnna}}));
 }
 
 TEST_F(RulesTest, FolderWithoutRulesInTheChainEndsUpWithNone)
@@ -100,7 +104,8 @@ TEST_F(RulesTest, FolderWithoutRulesInTheChainEndsUpWithNone)
     store({L"D:\\A"}, {{L"D:\\A"}});
     store({L"D:\\A"}, {});
     EXPECT_TRUE(stored(L"D:\\A").empty());
-    EXPECT_TRUE(namesIn(rulesFolder()).empty());
+    EXPECT_EQ(bytesOf(rulesFile()), checked("lornix rules 1\r\n"
+                                            "# hard limit, soft limit, in use (bytes); account; folder\r\n"));
 }
 
 TEST_F(RulesTest, KnownFoldersFollow)
@@ -179,27 +184,55 @@ TEST_F(RulesTest, ReportsAreThoseOfTheLastCall)
 
 TEST_F(RulesTest, TheFileIsReadable)
 {
-    store({L"D:\\B\u00FCro\\Team A"},
-          {{L"D:\\B\u00FCro\\Team A", 2048, 1024, -1, kUsers}, {L"d:/b\u00FCro/team a", 5, 4, 3}});
-    EXPECT_EQ(theRulesFile().filename().wstring().substr(0, 7), L"team_a_");
-    EXPECT_EQ(
-        bytesOf(theRulesFile()),
-        "lornix rules 1\r\n"
-        "folder\tD:\\B\xC3\xBCro\\Team A\r\n"
-        "# hard limit, soft limit, in use (bytes); account; the folder where the rule spells it otherwise\r\n"
-        "2048\t1024\t-1\tS-1-5-32-545\r\n"
-        "5\t4\t3\tanyone\td:/b\xC3\xBCro/team a\r\n"
-        "end\r\n");
+    store({L"D:\\B\u00FCro\\Team A", L"E:\\"}, {{L"D:\\B\u00FCro\\Team A", 2048, 1024, -1, kUsers},
+                                                {L"E:\\", 9, 8, 7},
+                                                {L"d:/b\u00FCro/team a", 5, 4, 3}});
+    EXPECT_EQ(bytesOf(rulesFile()), checked("lornix rules 1\r\n"
+                                            "# hard limit, soft limit, in use (bytes); account; folder\r\n"
+                                            "folder\tD:\\B\xC3\xBCro\\Team A\r\n"
+                                            "2048\t1024\t-1\tS-1-5-32-545\tD:\\B\xC3\xBCro\\Team A\r\n"
+                                            "5\t4\t3\tanyone\td:/b\xC3\xBCro/team a\r\n"
+                                            "folder\tE:\\\r\n"
+                                            "9\t8\t7\tanyone\tE:\\\r\n"));
+    EXPECT_EQ(namesIn(data()), (std::vector<std::wstring>{L"lornix.lock", L"rules.txt"}));
+}
+
+TEST_F(RulesTest, ASoftLimitAboveTheHardOneIsRefused)
+{
+    store({L"D:\\A"}, {{L"D:\\A", 5, 5}});
+    EXPECT_EQ(lornixStoreRules(foldersOf({L"D:\\A"}).get(),
+                               chainOf({{L"D:\\A", 9, 9}, {L"D:\\A", 9, 10, 0, kUsers}}).get()),
+              0);
+    EXPECT_TRUE(
+        reported(L"rule 2, on \"D:\\A\", cannot be kept, because its soft limit is above the hard one"));
+    EXPECT_EQ(stored(L"D:\\A"), (std::vector<Rule>{{L"D:\\A", 5, 5}}));
+}
+
+TEST_F(RulesTest, TwoRulesOfOneFolderForOneAccountAreRefused)
+{
+    const std::vector<std::wstring> folders{L"D:\\A", L"D:\\B"};
+    const auto attempt = [&](const std::vector<Rule>& rules) {
+        return lornixStoreRules(foldersOf(folders).get(), chainOf(rules).get());
+    };
+    EXPECT_EQ(attempt({{L"D:\\A", 5, 1, 0, kAnna},
+                       {L"D:\\B", 5, 1, 0, kAnna}, // another folder
+                       {L"D:\\A", 5, 1, 0, kUsers},
+                       {L"d:/a/", 6, 1, 0, kAnna}}),
+              0);
+    EXPECT_TRUE(reported(L"rules 1 and 4, on \"D:\\A\", cannot be kept, because both are for one account"));
+    EXPECT_EQ(attempt({{L"D:\\B"}, {L"D:\\A"}, {L"D:\\B", 7}}), 0);
+    EXPECT_TRUE(reported(L"rules 1 and 3, on \"D:\\B\", cannot be kept, because both are for one account"));
+    EXPECT_FALSE(std::filesystem::exists(rulesFile()));
 }
 
 TEST_F(RulesTest, StoringTheSameAgainLeavesTheFilesAlone)
 {
     const std::vector<Rule> rules{{L"D:\\A"}, {L"D:\\A", 9, 8, 7, kAnna}};
     store({L"D:\\A"}, rules);
-    const auto before = std::filesystem::last_write_time(theRulesFile());
-    std::filesystem::last_write_time(theRulesFile(), before - std::chrono::hours(5));
+    const auto before = std::filesystem::last_write_time(rulesFile());
+    std::filesystem::last_write_time(rulesFile(), before - std::chrono::hours(5));
     store({L"D:\\A"}, rules);
-    EXPECT_EQ(std::filesystem::last_write_time(theRulesFile()), before - std::chrono::hours(5));
+    EXPECT_EQ(std::filesystem::last_write_time(rulesFile()), before - std::chrono::hours(5));
 }
 
 TEST_F(RulesTest, ManyRulesInOneFolder)
@@ -224,7 +257,6 @@ TEST_F(RulesTest, ManyFolders)
         rules.push_back({folders.back(), static_cast<std::int64_t>(i) + 1});
     }
     store(folders, rules);
-    EXPECT_EQ(namesIn(rulesFolder()).size(), kCount);
     EXPECT_EQ(namesOf(Folders(getKnownPaths()).get()), folders);
     for (const std::size_t i : {std::size_t{0}, kCount / 2, kCount - 1}) {
         EXPECT_EQ(stored(folders[i]), std::vector<Rule>{rules[i]});

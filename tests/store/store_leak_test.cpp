@@ -18,7 +18,7 @@ TEST_F(StoreLeakTest, EveryCallReleasesWhatItUses)
         EXPECT_EQ(lornixStoreRules(foldersOf({L"D:\\A", L"D:\\B", L"D:\\C"}).get(), chain.get()), 1);
         EXPECT_EQ(lornixStoreRules(foldersOf({L"D:\\A"}).get(), chain.get()), 0);
         EXPECT_EQ(stored(L"D:\\A").size(), 1u);
-        writeBytes(rulesFolder() / namesIn(rulesFolder()).front(), "foreign");
+        writeBytes(rulesFile(), "foreign");
         EXPECT_TRUE(stored(L"D:\\A").empty());
         storeKnownPaths(Folders(getKnownPaths()).get());
         addToTrackList(chain.get());

@@ -2,6 +2,8 @@
 
 #include "tree.h"
 
+#include "lornix/text/framed_text.h"
+
 #include <sddl.h>
 
 #include <algorithm>
@@ -128,6 +130,22 @@ void writeBytes(const std::filesystem::path& file, std::string_view bytes)
     EXPECT_TRUE(out.good()) << file;
 }
 
+std::string checked(const std::string& lines)
+{
+    std::string text = lines + "checksum\t";
+    lornix::appendHex(text, lornix::checksumOf(lines));
+    return text + "\r\nend\r\n";
+}
+
+std::vector<Rule> rulesForMany(const std::wstring& folder, std::int64_t hardLimit, std::size_t count)
+{
+    std::vector<Rule> rules(count, Rule{folder, hardLimit});
+    for (std::size_t i = 0; i < count; ++i) {
+        rules[i].sid = L"S-1-5-21-1-2-3-" + std::to_wstring(i);
+    }
+    return rules;
+}
+
 std::vector<std::wstring> namesIn(const std::filesystem::path& folder)
 {
     std::vector<std::wstring> names;
@@ -168,13 +186,6 @@ void StoreTest::TearDown()
     if (!HasFailure()) {
         EXPECT_TRUE(removeTree(root_.wstring()));
     }
-}
-
-std::filesystem::path StoreTest::theRulesFile() const
-{
-    const auto names = namesIn(rulesFolder());
-    EXPECT_EQ(names.size(), 1u);
-    return names.empty() ? std::filesystem::path() : rulesFolder() / names.front();
 }
 
 } // namespace store_test

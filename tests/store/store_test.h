@@ -19,7 +19,7 @@ namespace store_test {
 struct Rule {
     std::wstring path;
     std::int64_t hardLimit = 1048576;
-    std::int64_t softLimit = 1000000;
+    std::int64_t softLimit = 1;
     std::int64_t inUse = 12;
     std::wstring sid = {}; ///< S-1-...; empty: anyone
 
@@ -76,6 +76,12 @@ void store(const std::vector<std::wstring>& folders, const std::vector<Rule>& ru
 std::string bytesOf(const std::filesystem::path& file);
 void writeBytes(const std::filesystem::path& file, std::string_view bytes);
 
+/// The text of a file that the store takes for its own: the lines given, with the checksum and the end.
+std::string checked(const std::string& lines);
+
+/// Rules of one folder that differ by their accounts alone.
+std::vector<Rule> rulesForMany(const std::wstring& folder, std::int64_t hardLimit, std::size_t count);
+
 /// Names of what is in a folder, sorted; none when there is no such folder.
 std::vector<std::wstring> namesIn(const std::filesystem::path& folder);
 
@@ -90,11 +96,8 @@ protected:
 
     const std::filesystem::path& root() const { return root_; }
     std::filesystem::path data() const { return root_ / L"data"; }
-    std::filesystem::path rulesFolder() const { return data() / L"rules"; }
+    std::filesystem::path rulesFile() const { return data() / L"rules.txt"; }
     std::filesystem::path setAside() const { return data() / L"set-aside"; }
-
-    /// The one file in the rules folder.
-    std::filesystem::path theRulesFile() const;
 
 private:
     std::filesystem::path root_;

@@ -16,9 +16,9 @@ protected:
 
     static std::string linesOf(const std::string& rules)
     {
-        return "lornix tracked-rules 1\r\n# hard limit, soft limit, in use (bytes); account of the group; "
-               "folder\r\n" +
-               rules + "end\r\n";
+        return checked(
+            "lornix tracked-rules 1\r\n# hard limit, soft limit, in use (bytes); account; folder\r\n" +
+            rules);
     }
 };
 
@@ -54,6 +54,8 @@ TEST_F(TrackListTest, RulesThatCannotBeKeptAreReported)
     EXPECT_TRUE(reported(L"No rule was given"));
     track({kFolder, 0, 0, 0, kUsers});
     EXPECT_TRUE(reported(L"no hard limit"));
+    track({kFolder, 5, 6, 0, kUsers});
+    EXPECT_TRUE(reported(L"a soft limit above it"));
     track({L"", 5, 4, 3, kUsers});
     EXPECT_TRUE(reported(L"no folder"));
     std::uint8_t invalid[16] = {9};

@@ -1,8 +1,8 @@
 // Choosers that go at random moments of their fill, with all that may go with them.
-//   abort_fill [--seed=N] [--count=N]
 #include "corvane.h"
 #include "res/resource.h"
 #include "tests/stress/directory.h"
+#include "tests/stress/stress.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/leak_count.h"
 #include "tests/support/recording_store.h"
@@ -17,14 +17,11 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace {
-
-unsigned seed = 1;
-int count = 40;
 
 /// How the store and the directory answer now.
 enum class Pace { kFast, kSlow, kStuck };
@@ -93,7 +90,7 @@ protected:
             reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"lornix"), "freeSidList")));
     }
 
-    std::mt19937 m_random{seed};
+    std::mt19937 m_random{stress::seed()};
     RecordingStore m_store;
     std::vector<const void*> m_users;
     SidList* m_owners;
@@ -289,18 +286,19 @@ void AbortFill::settle()
 
 TEST_F(AbortFill, AtRandomMoments)
 {
-    std::printf("seed %u, count %d\n", seed, count);
     ASSERT_NE(LoadLibraryW(L"comdlg32.dll"), nullptr); // some runtimes lose a handle each time it goes
     constexpr int kWarmUp = 20;
     LeakCount before;
-    for (int i = 0; i < count + kWarmUp; ++i) {
+    const auto rounds = static_cast<int>(stress::count());
+    for (int i = 0; i < rounds + kWarmUp; ++i) {
+        stress::alive(("round " + std::to_string(i)).c_str());
         if (i == kWarmUp) {
             settle();
             before = LeakCount::now();
         }
         round();
         if (HasFailure()) {
-            FAIL() << "seed " << seed << ", round " << i;
+            FAIL() << "round " << i;
         }
         if (i % 500 == 499) {
             settle();
@@ -312,24 +310,8 @@ TEST_F(AbortFill, AtRandomMoments)
     settle();
     const LeakCount after = LeakCount::now();
     EXPECT_LT(after.handles, before.handles + 20) << before << " before, " << after << " after";
-    EXPECT_LT(after.heapBlocks, before.heapBlocks + 50 + count / 10)
+    EXPECT_LT(after.heapBlocks, before.heapBlocks + 50 + rounds / 10)
         << before << " before, " << after << " after";
     EXPECT_LT(after.gdiObjects, before.gdiObjects + 20) << before << " before, " << after << " after";
     EXPECT_EQ(after.windows, before.windows);
-}
-
-int main(int argc, char** argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--seed=", 7) == 0) {
-            seed = static_cast<unsigned>(std::strtoul(argv[i] + 7, nullptr, 10));
-        } else if (std::strncmp(argv[i], "--count=", 8) == 0) {
-            count = std::atoi(argv[i] + 8);
-        } else {
-            std::fprintf(stderr, "abort_fill [--seed=N] [--count=N]\n");
-            return 2;
-        }
-    }
-    return RUN_ALL_TESTS();
 }

@@ -69,6 +69,9 @@ Fault note(const char* function, std::string line)
             fault = plan.fault;
         }
     }
+    if (fault == Fault::None && current->faultFor) {
+        fault = current->faultFor(function);
+    }
     return fault;
 }
 

@@ -76,6 +76,9 @@ public:
     /// the store's end fails the test.
     void raise(std::string_view function, Fault fault, int nth = 1);
 
+    /// Asked at each call for what it is to raise, beside what is planned; one thread at a time.
+    std::function<Fault(const char* function)> faultFor;
+
     /// The calls so far, each as "name argument argument". Debug lines stand among them as "ODS text".
     std::vector<std::string> calls() const;
 

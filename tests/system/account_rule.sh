@@ -5,8 +5,8 @@ story_begin "$1" "$2" One Two
 write_accounts
 alice=S-1-5-21-1111-2222-3333-1001 bob=S-1-5-21-1111-2222-3333-1002 olivia=S-1-5-21-0-0-0-1000
 
-# stored_accounts FOLDER: the accounts of the rules in a folder's file, sorted.
-stored_accounts() { cat "$data/rules/$1"_*.txt | tr -d '\r' | grep '^[0-9]' | cut -f 4 | sort; }
+# stored_accounts FOLDER: the accounts of a folder's rules, sorted.
+stored_accounts() { tr -d '\r' <"$data/rules.txt" | grep -i "^[0-9].*\\\\$1\$" | cut -f 4 | sort; }
 
 step 'a user'
 host_start --folder "$tree\\One" --folder "$tree\\Two"

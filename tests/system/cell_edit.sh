@@ -113,10 +113,15 @@ expect_limits 'One|2146435072|2146435072
 Two|4194304|4194304'
 
 step 'F2 on a row that is out of sight: it comes into sight, and its cell is open'
-file=$(grep -l '^4194304' "$data"/rules/*.txt) || fail 'no file has the rule'
-for ((i = 1; i <= 60; i++)); do
-    sed -i "\$i 4194304\t4194304\t1\tS-1-5-21-1-2-3-$i" "$file"
-done
+two_folder=$(tr -d '\r' <"$data/rules.txt" | grep '^4194304' | cut -f 5) || fail 'no rule with that limit'
+{
+    grep -v -e '^checksum' -e '^end' "$data/rules.txt"
+    for ((i = 1; i <= 60; i++)); do
+        printf '4194304\t4194304\t1\tS-1-5-21-1-2-3-%d\t%s\r\n' "$i" "$two_folder"
+    done
+    printf 'checksum\t-\r\nend\r\n'
+} >"$data/more"
+mv "$data/more" "$data/rules.txt"
 host_start
 wait_status '62 rules in 2 folders'
 press alt+u Home space

@@ -34,9 +34,13 @@ wait_for 'the error in the status line' error_is_shown
 wait_status '0 rules in 2 folders'
 wait_saved
 
-step 'a new rule is stored as if nothing had been'
+step 'a new rule is stored, and what was there is set aside'
 add_rule 60M 50M
+wait_store_box 'Not everything could be read or stored.'
+answer 'Quota Store' Return
 press ctrl+s
+wait_store_box 'The rules are stored. There is more to know:'
+answer 'Quota Store' Return
 wait_saved
 host_close
 expect_limits 'One|62914560|52428800'

@@ -29,7 +29,7 @@ add_rule 20M 10M
 wait_rules "Anyone|20480K|10240K|$users |$(printf '%02d' $((users * 100 / 20971520)))%|$tree\\Users"
 wait_unsaved
 # Adding by dialog and id tells the store at once; by list object that is left to Apply.
-times_known() { tr -d '\r' 2>/dev/null <"$data/known-folders.txt" | grep -c '\\Users$'; }
+times_known() { tr -d '\r' 2>/dev/null <"$data/rules.txt" | grep -c '^folder.*\\Users$'; }
 [[ " ${options[*]} " = *' --list-object '* ]] && known=0 || known=1
 expect 'how often the folder is known before Apply' "$known" "$(times_known)"
 expect 'Apply with an unsaved change' yes "$(peek enabled "$panel" $id_apply)"

@@ -31,7 +31,8 @@ wait_entries ''
 answer Notifications Escape
 wait_store_box "$not_all"
 answer 'Quota Store' Return
-grep -rqF 'not a list' "$data" || fail 'what was in the damaged file is gone'
+expect 'the damaged file' 'not a list' "$(cat "$data/notifications.txt")"
+rm "$data/notifications.txt"
 
 step 'an editor without troubles'
 editor_open n Notifications $id_notifications

@@ -20,17 +20,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const PolicyFormat formats[] = {
-        {.kind = {"notifications", 1}, .word = "notification", .hasAttributes = true},
-        {.kind = {"blocked-extensions", 1}, .word = "mask", .hasAccount = true},
-        {.kind = {"excludes", 1}, .word = "exclude"},
+        {.kind = {"notifications", 1, true}, .word = "notification", .hasAttributes = true},
+        {.kind = {"blocked-extensions", 1, true}, .word = "mask", .hasAccount = true},
+        {.kind = {"excludes", 1, true}, .word = "exclude"},
     };
     for (const PolicyFormat& format : formats) {
         const PolicyRecords read = readPolicy(format, text);
-        if (read.condition == Condition::kForeign) {
+        if (read.condition == Condition::kForeign || read.condition == Condition::kOther) {
             require(read.entries.empty(), "entries of a foreign file");
             continue;
         }
-        require((read.condition == Condition::kGood) == read.flaws.empty(), "the condition and the flaws");
+        require((read.condition == Condition::kGood) == (read.flaws.count == 0),
+                "the condition and the flaws");
         for (const PolicyRecord& entry : read.entries) {
             require(!entry.attributes[kPasswordAttribute], "a password in clear");
         }

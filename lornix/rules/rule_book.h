@@ -1,0 +1,104 @@
+// What a file of rules holds: a rule a line, with its folder, and the folders that are known.
+#pragma once
+
+#include "lornix/text/framed_text.h"
+#include "lornix/text/sid_text.h"
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lornix {
+
+/// The stored rules, and those made for groups, for accounts that join the groups later.
+inline constexpr FileKind kRules{"rules", 1, true};
+inline constexpr FileKind kTrackedRules{"tracked-rules", 1, true};
+
+/// A rule as a file keeps it.
+struct StoredRule {
+    std::int64_t hardLimit = 0; ///< above 0
+    std::int64_t softLimit = 0; ///< not above the hard one
+    std::int64_t inUse = 0;
+    Sid sid;               ///< empty: for anyone
+    std::u16string folder; ///< as the rule spells it
+};
+
+/// @return what keeps limits from being stored, or null.
+const char* flawOfLimits(std::int64_t hardLimit, std::int64_t softLimit);
+
+/// Appends the line of a rule.
+/// @param sid            empty for anyone.
+/// @param escapedFolder  as it stands in the line.
+void appendRule(std::string& lines, std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
+                std::span<const std::uint8_t> sid, std::string_view escapedFolder);
+
+/// The lines of a file by their folders, without what they say: 100,000 rules of 5,000 folders are then little more
+/// than their text, and storing those of one folder takes the others over as they are.
+class RuleBook : public Finding {
+public:
+    RuleBook() = default;
+
+    /// What a file holds.
+    RuleBook(const FileKind& kind, std::string_view file);
+
+    /// The text of a file that holds it.
+    std::string text(const FileKind& kind = kRules) const;
+
+    struct Entry {
+        std::string_view lines; ///< of the folder's rules
+        bool isKnown = false;
+    };
+    /// @param key  of a folder, see folderKey.
+    Entry entryOf(std::u16string_view key) const;
+    std::vector<StoredRule> rulesOf(std::u16string_view key) const;
+
+    /// In their order.
+    std::vector<std::u16string> knownFolders() const;
+
+    /// What the lines of a folder's rules are to be.
+    struct Change {
+        std::u16string_view key;
+        std::u16string_view folder; ///< as a folder that gets to be known is spelled
+        std::string_view lines;
+        bool isKnown;
+    };
+    /// The book with the lines of some folders replaced. A key may stand there once.
+    RuleBook with(const std::vector<Change>& changes) const;
+
+    /// The book with other known folders. None may stand there twice.
+    RuleBook withKnown(const std::vector<std::u16string>& folders) const;
+
+private:
+    /// The lines of a folder: the one that makes it known, if there is one, and its rules.
+    struct Block {
+        std::uint64_t hash; ///< of the folder's key
+        std::uint32_t start;
+        std::uint32_t known; ///< length of the first line
+        std::uint32_t rules;
+    };
+    struct Piece;
+
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+    /// @param lines  the text that the blocks are of.
+    std::uint32_t find(std::u16string_view key, std::string_view lines) const;
+    void append(std::uint64_t hash, std::string_view known, std::string_view rules);
+    void addBlock(const Block& block);
+    void gather(std::string_view file, const std::deque<Piece>& pieces);
+    std::string_view knownLine(const Block& block) const
+    {
+        return {m_lines.data() + block.start, block.known};
+    }
+    std::string_view ruleLines(const Block& block) const
+    {
+        return {m_lines.data() + block.start + block.known, block.rules};
+    }
+
+    std::string m_lines; ///< of all blocks, in their order
+    std::vector<Block> m_blocks;
+    std::vector<std::uint32_t> m_slots; ///< open hash table of indices of blocks
+};
+
+} // namespace lornix

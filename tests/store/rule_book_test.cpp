@@ -1,0 +1,252 @@
+#include "lornix/rules/rule_book.h"
+#include "lornix/text/folder_key.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace lornix;
+
+const std::string kHead = "lornix rules 1\r\n";
+const std::string kComment = "# hard limit, soft limit, in use (bytes); account; folder\r\n";
+
+std::string checked(const std::string& lines)
+{
+    std::string text = lines + "checksum\t";
+    appendHex(text, checksumOf(lines));
+    return text + "\r\nend\r\n";
+}
+
+RuleBook read(std::string_view text)
+{
+    return RuleBook(kRules, text);
+}
+
+/// What somebody wrote by hand.
+RuleBook readLines(const std::string& lines)
+{
+    return read(kHead + lines + "checksum -\nend\n");
+}
+
+std::vector<StoredRule> rulesOf(const RuleBook& book, std::u16string_view folder)
+{
+    return book.rulesOf(folderKey(folder));
+}
+
+std::vector<std::size_t> linesOf(const RuleBook& book)
+{
+    std::vector<std::size_t> lines;
+    for (const Flaw& flaw : book.flaws.first) {
+        lines.push_back(flaw.line);
+    }
+    return lines;
+}
+
+void expectRule(const StoredRule& rule, std::int64_t hard, std::int64_t soft, std::int64_t inUse,
+                std::u16string_view folder, bool hasAccount = false)
+{
+    EXPECT_EQ(rule.hardLimit, hard);
+    EXPECT_EQ(rule.softLimit, soft);
+    EXPECT_EQ(rule.inUse, inUse);
+    EXPECT_EQ(rule.folder, folder);
+    EXPECT_EQ(!rule.sid.isEmpty(), hasAccount);
+}
+
+TEST(RuleBookTest, AnEmptyOneIsAFileToo)
+{
+    const std::string text = RuleBook().text();
+    EXPECT_EQ(text, checked(kHead + kComment));
+    EXPECT_EQ(read(text).condition, Condition::kGood);
+    EXPECT_TRUE(rulesOf(read(text), u"D:\\A").empty());
+}
+
+TEST(RuleBookTest, WhatIsWrittenReadsBack)
+{
+    std::string lines;
+    appendRule(lines, 5, 4, 3, parseSid("S-1-5-32-544")->bytes(), "D:\\A");
+    appendRule(lines, INT64_MAX, INT64_MIN, -1, {}, "d:/a/");
+    const std::string text = RuleBook().with({{u"d:\\a", u"D:\\A", lines, true}}).text();
+    EXPECT_EQ(text, checked(kHead + kComment + "folder\tD:\\A\r\n" + lines));
+    const RuleBook book = read(text);
+    EXPECT_EQ(book.condition, Condition::kGood);
+    EXPECT_EQ(book.knownFolders(), std::vector<std::u16string>{u"D:\\A"});
+    const auto rules = rulesOf(book, u"D:/a");
+    ASSERT_EQ(rules.size(), 2u);
+    expectRule(rules[0], 5, 4, 3, u"D:\\A", true);
+    expectRule(rules[1], INT64_MAX, INT64_MIN, -1, u"d:/a/");
+    EXPECT_EQ(book.text(), text);
+}
+
+TEST(RuleBookTest, WhatAnEditorDoesToItIsTaken)
+{
+    const RuleBook book =
+        read("\xEF\xBB\xBFlornix rules 1\n\n 5  4\t\t3  anyone D:\\A B  \n   folder   D:\\A B  \n# a remark\n"
+             "7 6 5 anyone D:\\C\n 6 5 4 S-1-5-32-544 d:/a b\nfolder d:/a b\n  checksum  - \n  end  \n\n\n");
+    EXPECT_EQ(book.condition, Condition::kGood);
+    EXPECT_EQ(book.knownFolders(), std::vector<std::u16string>{u"D:\\A B"});
+    const auto rules = rulesOf(book, u"d:\\A b");
+    ASSERT_EQ(rules.size(), 2u);
+    expectRule(rules[0], 5, 4, 3, u"D:\\A B");
+    expectRule(rules[1], 6, 5, 4, u"d:/a b", true);
+    EXPECT_EQ(rulesOf(book, u"D:\\C").size(), 1u);
+    const RuleBook again = read(book.text());
+    EXPECT_EQ(again.condition, Condition::kGood);
+    EXPECT_EQ(again.text(), book.text());
+}
+
+TEST(RuleBookTest, ForeignFiles)
+{
+    for (const std::string text :
+         {"", "\n", "lornix", "PK\x03\x04", "Lornix rules 1\nchecksum -\nend\n", "lornix rules",
+          "lornix rules x", "lornix rules 0\nend\n", "lornix rules 1 \x01\n"})
+    {
+        EXPECT_EQ(read(text).condition, Condition::kForeign) << text;
+    }
+    for (const std::string text : {"lornix rules 2\nend\n", "lornix known-folders 1\nfolder D:\\A\nend\n",
+                                   "lornix rules 12", "lornix tracked-rules 1"})
+    {
+        EXPECT_EQ(read(text).condition, Condition::kOther) << text;
+        EXPECT_TRUE(read(text).knownFolders().empty());
+    }
+}
+
+TEST(RuleBookTest, DamagedLinesAreLeftOutAndNamed)
+{
+    const RuleBook book = readLines("folder D:\\A\n"       // line 2
+                                    "5 4 3 anyone D:\\A\n" // line 3
+                                    "nonsense\n"
+                                    "5 4 anyone D:\\A\n"
+                                    "5 4 3 S-1-x D:\\A\n"
+                                    "0 -4 3 anyone D:\\A\n"
+                                    "-1 -4 3 anyone D:\\A\n" // line 8
+                                    "5 6 3 anyone D:\\A\n"
+                                    "5 4 3 anyone D:\\%\n"
+                                    "9223372036854775808 4 3 anyone D:\\A\n"
+                                    "5.0 4 3 anyone D:\\A\n"
+                                    "5 4 3 anyone \xC3\n" // line 13
+                                    "5 4 3\n"
+                                    "5 4 3 anyone\n"
+                                    "folder\n"
+                                    "folder D:\\%u0000\n" // line 17
+                                    "6 5 4 S-1-5-32-544 D:\\A\n");
+    EXPECT_EQ(book.condition, Condition::kDamaged);
+    const auto rules = rulesOf(book, u"D:\\A");
+    ASSERT_EQ(rules.size(), 2u);
+    expectRule(rules[0], 5, 4, 3, u"D:\\A");
+    expectRule(rules[1], 6, 5, 4, u"D:\\A", true);
+    EXPECT_EQ(linesOf(book), (std::vector<std::size_t>{4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17}));
+    EXPECT_STREQ(book.flaws.first[3].reason, "its hard limit is 0 or less");
+    EXPECT_STREQ(book.flaws.first[5].reason, "its soft limit is above the hard one");
+}
+
+TEST(RuleBookTest, ManyFlawsAreCountedAndNotKept)
+{
+    std::string lines;
+    for (int i = 0; i < 100000; ++i) {
+        lines += "?\n";
+    }
+    const RuleBook book = readLines(lines);
+    EXPECT_EQ(book.flaws.count, 100000u);
+    EXPECT_EQ(book.flaws.first.size(), Flaws::kMost);
+}
+
+TEST(RuleBookTest, FileWithoutItsEndIsDamagedAtEveryLength)
+{
+    std::string lines;
+    for (int i = 0; i < 3; ++i) {
+        appendRule(lines, 5, 4, 3, {}, "D:\\A\\B");
+    }
+    const std::string whole = RuleBook().with({{u"d:\\a\\b", u"D:\\A\\B", lines, true}}).text();
+    const std::size_t body = whole.rfind("end") + 3;
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        const RuleBook book = read(std::string_view(whole).substr(0, length));
+        EXPECT_EQ(book.condition == Condition::kGood, length >= body) << length;
+        EXPECT_TRUE(rulesOf(book, u"D:\\A").empty()) << "half a folder is another one";
+        EXPECT_LE(rulesOf(book, u"D:\\A\\B").size(), 3u);
+    }
+}
+
+TEST(RuleBookTest, AnyChangeOfOneByteIsNoticed)
+{
+    std::string lines;
+    appendRule(lines, 500, 400, 300, {}, "D:\\A");
+    const std::string whole = RuleBook().with({{u"d:\\a", u"D:\\A", lines, true}}).text();
+    for (std::size_t i = 0; i < whole.rfind("end"); ++i) {
+        for (int bit = 0; bit < 8; ++bit) {
+            std::string changed = whole;
+            changed[i] = static_cast<char>(changed[i] ^ 1 << bit);
+            const bool isBlank = whole[i] == '\r' || whole[i] == '\t'; // of the last two lines
+            EXPECT_TRUE(read(changed).condition != Condition::kGood ||
+                        (i > whole.find("checksum") && isBlank))
+                << i << ' ' << bit;
+        }
+    }
+}
+
+TEST(RuleBookTest, LinesBehindTheEndAreDamage)
+{
+    const RuleBook book = read(kHead + "checksum -\n5 4 3 anyone D:\\A\nend\n5 4 3 anyone D:\\A\nend\n");
+    EXPECT_EQ(book.condition, Condition::kDamaged);
+    EXPECT_TRUE(rulesOf(book, u"D:\\A").empty());
+    EXPECT_EQ(linesOf(book), (std::vector<std::size_t>{3, 5, 6}));
+}
+
+TEST(RuleBookTest, ZeroBytesAreDamageAndNotTheEnd)
+{
+    const RuleBook book = read(kHead + "5 4 3 anyone D:\\A\n" + std::string(4096, '\0'));
+    EXPECT_EQ(book.condition, Condition::kDamaged);
+    EXPECT_EQ(rulesOf(book, u"D:\\A").size(), 1u);
+}
+
+TEST(RuleBookTest, OneFolderIsReplacedAndTheOthersStayAsTheyStand)
+{
+    const RuleBook book = readLines("folder D:\\B\nfolder D:\\A\n5  4 3 anyone D:\\A\n7 6 5 anyone D:\\B\n");
+    std::string lines;
+    appendRule(lines, 9, 8, 7, {}, "D:\\C");
+    const RuleBook next =
+        book.with({{u"d:\\b", u"d:/b", "8 8 8 anyone d:/b\r\n", true}, {u"d:\\c", u"D:\\C", lines, true}});
+    EXPECT_EQ(next.text(), checked(kHead + kComment +
+                                   "folder D:\\B\n8 8 8 anyone d:/b\r\n"
+                                   "folder D:\\A\n5  4 3 anyone D:\\A\n"
+                                   "folder\tD:\\C\r\n9\t8\t7\tanyone\tD:\\C\r\n"));
+    const RuleBook fewer = next.with({{u"d:\\a", u"D:\\A", {}, false}});
+    EXPECT_EQ(fewer.knownFolders(), (std::vector<std::u16string>{u"D:\\B", u"D:\\C"}));
+    EXPECT_TRUE(rulesOf(fewer, u"D:\\A").empty());
+    EXPECT_EQ(rulesOf(fewer, u"D:\\C").size(), 1u);
+}
+
+TEST(RuleBookTest, KnownFolders)
+{
+    const std::vector<std::u16string> folders{u"D:\\A", u" end ", u"end", u"# D:\\B", u"\t"};
+    const RuleBook book = readLines("5 4 3 anyone D:\\C\n6 5 4 anyone d:/a\n").withKnown(folders);
+    EXPECT_EQ(book.text(),
+              checked(kHead + kComment +
+                      "folder\tD:\\A\r\n6 5 4 anyone d:/a\nfolder\t%u0020end%u0020\r\n"
+                      "folder\tend\r\nfolder\t# D:\\B\r\nfolder\t%u0009\r\n5 4 3 anyone D:\\C\n"));
+    EXPECT_EQ(read(book.text()).knownFolders(), folders);
+}
+
+TEST(RuleBookTest, ManyFoldersAndTheirRulesInAnyOrder)
+{
+    constexpr int kCount = 20000;
+    std::string lines;
+    for (int round = 0; round < 3; ++round) {
+        for (int i = 0; i < kCount; ++i) {
+            lines += std::to_string(i + 1) + " 1 " + std::to_string(round) + " anyone D:\\" +
+                     std::to_string(i) + "\n";
+        }
+    }
+    const RuleBook book = readLines(lines);
+    EXPECT_EQ(book.condition, Condition::kGood);
+    for (int i = 0; i < kCount; i += 777) {
+        const std::string name = "D:\\" + std::to_string(i);
+        const auto rules = rulesOf(book, std::u16string(name.begin(), name.end()));
+        ASSERT_EQ(rules.size(), 3u);
+        for (int round = 0; round < 3; ++round) {
+            expectRule(rules[static_cast<std::size_t>(round)], i + 1, 1, round,
+                       std::u16string(name.begin(), name.end()));
+        }
+    }
+}
+
+} // namespace

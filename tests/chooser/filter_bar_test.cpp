@@ -89,17 +89,23 @@ TEST_F(FilterBarTest, EnterInTheListStillAdds)
     std::free(chosen);
 }
 
-TEST_F(FilterBarTest, TheKeyboardOfADialogThatWasEnteredAgainComesToTheList)
+TEST_F(FilterBarTest, TheKeyboardOfADialogThatWasEnteredAgainDuringTheFillComesToTheList)
 {
-    filled([](HWND dialog) {
+    gate.shut();
+    startSearch();
+    script.step("the thread in the store", [this](HWND) { return gate.waiting() == 1; });
+    script.onDialog("leave and come back", [this](HWND dialog) {
         SetActiveWindow(dialog);
-        SetFocus(dialog); // as the platform does when what had the keyboard is disabled
+        SetFocus(dialog); // what had the keyboard is disabled
         ASSERT_EQ(GetFocus(), dialog);
+        EnableWindow(list(dialog), TRUE);
         rescueKeyboard(dialog, list(dialog));
         EXPECT_EQ(GetFocus(), list(dialog));
+        EnableWindow(GetDlgItem(dialog, IDCANCEL), TRUE);
         SetFocus(GetDlgItem(dialog, IDCANCEL));
         rescueKeyboard(dialog, list(dialog));
         EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDCANCEL)) << "a control that can be used keeps it";
+        gate.open();
     });
     finish();
 }

@@ -94,6 +94,7 @@ std::optional<std::vector<std::wstring>> lookUpNames(const std::vector<std::stri
     const Policy policy(nullptr, POLICY_LOOKUP_NAMES);
     std::vector<std::string> own = sids; // the platform takes them as what it may write to
     std::vector<PSID> pointers;
+    pointers.reserve(own.size());
     for (std::string& sid : own) {
         pointers.push_back(sid.data());
     }

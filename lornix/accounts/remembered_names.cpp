@@ -141,15 +141,15 @@ void expectName(const void* sid) noexcept
     if (!isSid(sid)) {
         return;
     }
+    const std::lock_guard lock(guard);
     try {
         std::string key = keyOf(sid);
-        const std::lock_guard lock(guard);
         const Name* known = names.find(key);
         if (known == nullptr || known->isOver(GetTickCount64())) {
             expected.add({std::move(key)});
         }
     } catch (const std::bad_alloc&) {
-        // Then it is asked for by itself.
+        expected = {}; // each is asked for by itself then
     }
 }
 

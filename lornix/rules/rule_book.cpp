@@ -124,7 +124,18 @@ void appendRule(std::string& lines, std::int64_t hardLimit, std::int64_t softLim
     lines += "\r\n";
 }
 
+RuleBook::RuleBook(const FileKind& kind)
+    : m_kind(kind)
+{
+    TextWriter writer(kind);
+    writer.comment("hard limit, soft limit, in use (bytes); account; folder");
+    m_text = std::move(writer.line());
+    m_head = m_text.size();
+    finish();
+}
+
 RuleBook::RuleBook(const FileKind& kind, std::string_view file)
+    : RuleBook(kind)
 {
     TextReader reader(file, kind);
     std::deque<Piece> pieces;
@@ -174,19 +185,21 @@ RuleBook::RuleBook(const FileKind& kind, std::string_view file)
 
 void RuleBook::gather(std::string_view file, const std::deque<Piece>& pieces)
 {
-    std::uint32_t size = 0;
+    begin();
+    auto size = static_cast<std::uint32_t>(m_text.size());
     for (Block& block : m_blocks) {
         block.start = size;
         size += block.known + block.rules;
         block.rules = 0; // counted once more
     }
-    m_lines.resize(size);
+    m_text.resize(size);
     for (const Piece& piece : pieces) {
         Block& block = m_blocks[piece.block];
         const std::uint32_t behind = piece.isKnown ? 0 : block.known + block.rules;
-        file.copy(m_lines.data() + block.start + behind, piece.length, piece.start);
+        file.copy(m_text.data() + block.start + behind, piece.length, piece.start);
         block.rules += piece.isKnown ? 0 : piece.length;
     }
+    finish();
 }
 
 std::uint32_t RuleBook::find(std::u16string_view key, std::string_view lines) const
@@ -232,24 +245,15 @@ void RuleBook::append(std::uint64_t hash, std::string_view known, std::string_vi
     if (known.empty() && rules.empty()) {
         return;
     }
-    addBlock({hash, static_cast<std::uint32_t>(m_lines.size()), static_cast<std::uint32_t>(known.size()),
+    addBlock({hash, static_cast<std::uint32_t>(m_text.size()), static_cast<std::uint32_t>(known.size()),
               static_cast<std::uint32_t>(rules.size())});
-    m_lines += known;
-    m_lines += rules;
-}
-
-std::string RuleBook::text(const FileKind& kind) const
-{
-    TextWriter writer(kind);
-    writer.line().reserve(m_lines.size() + 200);
-    writer.comment("hard limit, soft limit, in use (bytes); account; folder");
-    writer.line() += m_lines;
-    return writer.finish();
+    m_text += known;
+    m_text += rules;
 }
 
 RuleBook::Entry RuleBook::entryOf(std::u16string_view key) const
 {
-    const std::uint32_t index = find(key, m_lines);
+    const std::uint32_t index = find(key, m_text);
     return index == kNone ? Entry() : Entry{ruleLines(m_blocks[index]), m_blocks[index].known != 0};
 }
 
@@ -283,14 +287,15 @@ RuleBook RuleBook::with(const std::vector<Change>& changes) const
 {
     std::vector<const Change*> changeOf(m_blocks.size());
     std::vector<const Change*> added;
-    std::size_t size = m_lines.size();
+    std::size_t size = m_text.size();
     for (const Change& change : changes) {
-        const std::uint32_t index = find(change.key, m_lines);
+        const std::uint32_t index = find(change.key, m_text);
         (index == kNone ? added.emplace_back() : changeOf[index]) = &change;
         size += change.lines.size();
     }
-    RuleBook next;
-    next.m_lines.reserve(size);
+    RuleBook next(m_kind);
+    next.begin();
+    next.m_text.reserve(size + size / 8);
     for (std::size_t i = 0; i < m_blocks.size(); ++i) {
         const Block& block = m_blocks[i];
         if (const Change* change = changeOf[i]; change == nullptr) {
@@ -306,16 +311,18 @@ RuleBook RuleBook::with(const std::vector<Change>& changes) const
         next.append(hashOf(change->key), change->isKnown ? knownLineOf(change->folder) : std::string(),
                     change->lines);
     }
+    next.finish();
     return next;
 }
 
 RuleBook RuleBook::withKnown(const std::vector<std::u16string>& folders) const
 {
-    RuleBook next;
+    RuleBook next(m_kind);
+    next.begin();
     std::vector<bool> isDone(m_blocks.size());
     for (const std::u16string& folder : folders) {
         const std::u16string key = folderKey(folder);
-        const std::uint32_t index = find(key, m_lines);
+        const std::uint32_t index = find(key, m_text);
         const bool isHere = index != kNone;
         next.append(hashOf(key), knownLineOf(folder),
                     isHere ? ruleLines(m_blocks[index]) : std::string_view());
@@ -328,6 +335,7 @@ RuleBook RuleBook::withKnown(const std::vector<std::u16string>& folders) const
             next.append(m_blocks[i].hash, {}, ruleLines(m_blocks[i]));
         }
     }
+    next.finish();
     return next;
 }
 

@@ -35,16 +35,17 @@ void appendRule(std::string& lines, std::int64_t hardLimit, std::int64_t softLim
                 std::span<const std::uint8_t> sid, std::string_view escapedFolder);
 
 /// The lines of a file by their folders, without what they say: 100,000 rules of 5,000 folders are then little more
-/// than their text, and storing those of one folder takes the others over as they are.
+/// than their text, and storing those of one folder takes the others over as they are. What is read is put in order by
+/// folders; the whole text of the file stands in memory once.
 class RuleBook : public Finding {
 public:
-    RuleBook() = default;
+    explicit RuleBook(const FileKind& kind = kRules);
 
     /// What a file holds.
     RuleBook(const FileKind& kind, std::string_view file);
 
     /// The text of a file that holds it.
-    std::string text(const FileKind& kind = kRules) const;
+    const std::string& text() const { return m_text; }
 
     struct Entry {
         std::string_view lines; ///< of the folder's rules
@@ -87,16 +88,20 @@ private:
     void append(std::uint64_t hash, std::string_view known, std::string_view rules);
     void addBlock(const Block& block);
     void gather(std::string_view file, const std::deque<Piece>& pieces);
+    void begin() { m_text.resize(m_head); }
+    void finish() { appendEnd(m_text, m_kind); }
     std::string_view knownLine(const Block& block) const
     {
-        return {m_lines.data() + block.start, block.known};
+        return {m_text.data() + block.start, block.known};
     }
     std::string_view ruleLines(const Block& block) const
     {
-        return {m_lines.data() + block.start + block.known, block.rules};
+        return {m_text.data() + block.start + block.known, block.rules};
     }
 
-    std::string m_lines; ///< of all blocks, in their order
+    FileKind m_kind;
+    std::size_t m_head = 0; ///< length of what stands above the lines
+    std::string m_text;     ///< the lines of all blocks, in their order, and what stands around them
     std::vector<Block> m_blocks;
     std::vector<std::uint32_t> m_slots; ///< open hash table of indices of blocks
 };

@@ -7,7 +7,6 @@ namespace {
 struct Remembered {
     std::wstring path;
     FileStamp stamp;
-    std::uint64_t sum = 0;  ///< of all its bytes
     bool isSettled = false; ///< the stamp alone tells a change
     RuleBook book;
 };
@@ -42,14 +41,10 @@ const RuleBook* RuleFile::read(Patience& patience)
         if (reading == Reading::kFailed) {
             return nullptr;
         }
-        const std::uint64_t sum = checksumOf(bytes);
-        if (!isSame || remembered->sum != sum || remembered->stamp.size != stamp.size) {
+        const bool isMissing = reading == Reading::kMissing;
+        if (!isSame || isMissing || remembered->book.text() != bytes) {
             remembered.reset(); // two at once would need twice the memory
-            remembered = Remembered{m_file.path,
-                                    {},
-                                    sum,
-                                    false,
-                                    reading == Reading::kMissing ? RuleBook() : RuleBook(kRules, bytes)};
+            remembered = Remembered{m_file.path, {}, false, isMissing ? RuleBook() : RuleBook(kRules, bytes)};
         }
         remembered->isSettled = reading == Reading::kDone && isSettled(stamp);
         remembered->stamp = std::move(stamp);
@@ -60,13 +55,10 @@ const RuleBook* RuleFile::read(Patience& patience)
 
 bool RuleFile::replace(RuleBook book, Patience& patience)
 {
-    const std::string text = book.text();
-    if (!replaceKept(m_file, remembered->book.condition, text, patience)) {
+    if (!replaceKept(m_file, remembered->book.condition, book.text(), patience)) {
         return false;
     }
-    FileStamp stamp;
-    stamp.size = text.size();
-    remembered = Remembered{m_file.path, std::move(stamp), checksumOf(text), false, std::move(book)};
+    remembered = Remembered{m_file.path, {}, false, std::move(book)};
     return true;
 }
 

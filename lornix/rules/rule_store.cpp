@@ -59,23 +59,30 @@ wchar_t* copyOf(std::u16string_view text)
     return copy;
 }
 
-QuotaRule* recordOf(const StoredRule& rule)
+/// @param sid  empty for anyone.
+Chain newRecord(std::u16string_view folder, std::span<const std::uint8_t> sid)
 {
     Chain record(static_cast<QuotaRule*>(std::calloc(1, sizeof(QuotaRule))));
     if (record == nullptr) {
         throw std::bad_alloc();
     }
-    record->type = rule.sid.isEmpty() ? QUOTA_RULE_FOR_ANYONE : QUOTA_RULE_FOR_ACCOUNT;
-    record->inUse = rule.inUse;
-    record->hardLimit = rule.hardLimit;
-    record->softLimit = rule.softLimit;
-    if (!rule.sid.isEmpty()) {
-        record->sid = sidDup(rule.sid.bytes().data());
+    record->type = sid.empty() ? QUOTA_RULE_FOR_ANYONE : QUOTA_RULE_FOR_ACCOUNT;
+    if (!sid.empty()) {
+        record->sid = sidDup(sid.data());
         if (record->sid == nullptr) {
             throw std::bad_alloc();
         }
     }
-    record->path = copyOf(rule.folder);
+    record->path = copyOf(folder);
+    return record;
+}
+
+QuotaRule* recordOf(const StoredRule& rule)
+{
+    Chain record = newRecord(rule.folder, rule.sid.bytes());
+    record->inUse = rule.inUse;
+    record->hardLimit = rule.hardLimit;
+    record->softLimit = rule.softLimit;
     return record.release();
 }
 
@@ -154,7 +161,10 @@ private:
     std::wstring_view m_lastPath;
     FolderGroup* m_lastGroup = nullptr;
     std::string m_lines;
+    std::size_t m_size = 0; ///< that they will have, about
 };
+
+constexpr std::size_t kUsualLine = 90;
 
 bool refuse(const std::wstring& rules, const wchar_t* path, const std::wstring& reason)
 {
@@ -209,25 +219,25 @@ bool Storing::sort(const PathList& folders, const QuotaRule* chain)
             return refuse(L"rule " + std::to_wstring(number), rule->path, {reason.begin(), reason.end()});
         }
         group->rows.push_back({rule, number});
+        m_size += kUsualLine + m_lastPath.size();
     }
     return isEachAccountOnce();
 }
 
 bool Storing::isEachAccountOnce()
 {
-    std::vector<Row> rows;
-    const auto bytes = [](const Row& row) {
-        const auto sid = sidBytes(row.rule->sid);
-        return std::string_view(reinterpret_cast<const char*>(sid.data()), sid.size());
-    };
+    std::unordered_map<std::string_view, std::size_t> numbers; // of the rows, by their accounts
     for (const FolderGroup& group : m_groups) {
-        rows = group.rows;
-        std::ranges::sort(rows, {}, [&](const Row& row) { return std::pair(bytes(row), row.number); });
-        const auto twice = std::ranges::adjacent_find(rows, {}, bytes);
-        if (twice != rows.end()) {
-            return refuse(L"rules " + std::to_wstring(twice->number) + L" and " +
-                              std::to_wstring(std::next(twice)->number),
-                          twice->rule->path, L"both are for one account");
+        numbers.clear();
+        for (const Row& row : group.rows) {
+            const auto sid = sidBytes(row.rule->sid);
+            const std::string_view bytes(reinterpret_cast<const char*>(sid.data()), sid.size());
+            const auto [other, isFirst] = numbers.try_emplace(bytes, row.number);
+            if (!isFirst) {
+                return refuse(L"rules " + std::to_wstring(other->second) + L" and " +
+                                  std::to_wstring(row.number),
+                              toWide(group.folder).c_str(), L"both are for one account");
+            }
         }
     }
     return true;
@@ -237,6 +247,7 @@ void Storing::write()
 {
     std::wstring_view path;
     std::string escaped;
+    m_lines.reserve(m_size);
     for (FolderGroup& group : m_groups) {
         group.start = m_lines.size();
         for (const Row& row : group.rows) {
@@ -345,6 +356,23 @@ int lornixStoreRules(const PathList* folders, const QuotaRule* chain)
         Storing storing;
         return storing.sort(*folders, chain) && storing.store(DataFolder::current()) ? 1 : 0;
     });
+}
+
+QuotaRule* lornixNewRule(const wchar_t* folder, const void* sid)
+{
+    using namespace lornix;
+    return reporting<QuotaRule*>(nullptr, [&]() -> QuotaRule* {
+        if (folder == nullptr || (sid != nullptr && !isSid(sid))) {
+            report(L"A rule without a folder, or for an account that is no valid SID, was asked for.");
+            return nullptr;
+        }
+        return newRecord(fromWide(folder), sidBytes(sid)).release();
+    });
+}
+
+void lornixFree(void* block)
+{
+    std::free(block);
 }
 
 void lornixFreeRules(QuotaRule* chain)

@@ -15,6 +15,17 @@ namespace {
 
 constexpr const wchar_t* kCannot = L"The rule cannot be kept for tracking";
 
+struct TrackedBook : RuleBook {
+    TrackedBook()
+        : RuleBook(kTrackedRules)
+    {
+    }
+    explicit TrackedBook(std::string_view text)
+        : RuleBook(kTrackedRules, text)
+    {
+    }
+};
+
 bool track(const QuotaRule& rule)
 {
     if (rule.path == nullptr || *rule.path == L'\0' || flawOfLimits(rule.hardLimit, rule.softLimit) ||
@@ -31,8 +42,8 @@ bool track(const QuotaRule& rule)
     }
     KeptFile file{data, data.path(L"tracked-rules.txt"), L"The file with the tracked rules"};
     Patience patience;
-    const auto book = readKept<RuleBook>(file, patience,
-                                         [](std::string_view text) { return RuleBook(kTrackedRules, text); });
+    const auto book =
+        readKept<TrackedBook>(file, patience, [](std::string_view text) { return TrackedBook(text); });
     if (!book) {
         return false;
     }
@@ -55,8 +66,7 @@ bool track(const QuotaRule& rule)
         appendEscaped(escaped, each.folder);
         appendRule(lines, each.hardLimit, each.softLimit, each.inUse, each.sid.bytes(), escaped);
     }
-    return replaceKept(file, book->condition, book->with({{key, folder, lines, false}}).text(kTrackedRules),
-                       patience);
+    return replaceKept(file, book->condition, book->with({{key, folder, lines, false}}).text(), patience);
 }
 
 } // namespace

@@ -14,11 +14,11 @@ namespace {
 constexpr std::size_t kBatch = 256;
 constexpr std::size_t kMostWaiting = 64; // batches
 
-/// Threads beside the caller's.
-unsigned helpers()
+/// Most threads beside the caller's.
+std::size_t helpers()
 {
     constexpr unsigned kMost = 7;
-    return std::clamp(std::thread::hardware_concurrency(), 1u, kMost + 1) - 1;
+    return std::clamp(std::thread::hardware_concurrency(), 1U, kMost + 1) - 1;
 }
 
 /// A file's security descriptor with the owner alone, and room for the longest identifier.
@@ -64,6 +64,11 @@ private:
 
 } // namespace
 
+OwnerSums::OwnerSums()
+    : m_mostThreads(helpers())
+{
+}
+
 void OwnedBytes::add(const OwnedBytes& others)
 {
     for (const auto& [sid, bytes] : others.bySid) {
@@ -102,17 +107,22 @@ void OwnerSums::hand(Batch batch)
         waiting = m_waiting.size();
     }
     m_changed.notify_one();
-    try {
-        if (waiting > 1 && m_threads.size() < helpers()) {
-            m_threads.emplace_back([this] { work(); });
-        }
-    } catch (const std::system_error&) {
-        // Then with those that there are.
+    if (waiting > 1 && m_threads.size() < m_mostThreads) {
+        startThread();
     }
     if (waiting > kMostWaiting && takeBatch(batch, false)) {
         sumUp(batch, m_sums);
     }
     rethrow();
+}
+
+void OwnerSums::startThread()
+{
+    try {
+        m_threads.emplace_back([this] { work(); });
+    } catch (const std::system_error&) {
+        m_mostThreads = m_threads.size(); // those that there are will do
+    }
 }
 
 bool OwnerSums::takeBatch(Batch& batch, bool wait)

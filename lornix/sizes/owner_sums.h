@@ -34,7 +34,7 @@ struct OwnedBytes {
 /// threads ends the work, and goes on in the caller's.
 class OwnerSums {
 public:
-    OwnerSums() = default;
+    OwnerSums();
     OwnerSums(const OwnerSums&) = delete;
     OwnerSums& operator=(const OwnerSums&) = delete;
 
@@ -57,6 +57,7 @@ private:
     using Batch = std::vector<File>;
 
     void hand(Batch batch);
+    void startThread();
     bool takeBatch(Batch& batch, bool wait);
     void work();
     void sumUp(const Batch& batch, OwnedBytes& sums);
@@ -64,6 +65,7 @@ private:
 
     Batch m_next;
     OwnedBytes m_sums; ///< of the caller's thread
+    std::size_t m_mostThreads;
     std::vector<std::thread> m_threads;
 
     std::mutex m_guard; ///< of all below

@@ -137,7 +137,7 @@ bool TreeWalk::step()
         noteUnread(error);
     }
     m_isFresh = false;
-    return error == ERROR_SUCCESS;
+    return m_entry != nullptr;
 }
 
 bool TreeWalk::next()

@@ -72,7 +72,7 @@ void appendHex(std::string& line, std::uint64_t number)
 
 TextWriter::TextWriter(const FileKind& kind)
     : m_text(firstLine(kind))
-    , m_isChecked(kind.isChecked)
+    , m_kind(kind)
 {
     endLine();
 }
@@ -91,16 +91,21 @@ void TextWriter::comment(std::string_view text)
 
 std::string TextWriter::finish()
 {
-    if (m_isChecked) {
-        const std::uint64_t sum = checksumOf(m_text);
-        m_text += kChecksum;
-        m_text += '\t';
-        appendHex(m_text, sum);
-        endLine();
-    }
-    m_text += kEnd;
-    endLine();
+    appendEnd(m_text, m_kind);
     return std::exchange(m_text, {});
+}
+
+void appendEnd(std::string& text, const FileKind& kind)
+{
+    if (kind.isChecked) {
+        const std::uint64_t sum = checksumOf(text);
+        text += kChecksum;
+        text += '\t';
+        appendHex(text, sum);
+        text += kLineEnd;
+    }
+    text += kEnd;
+    text += kLineEnd;
 }
 
 TextReader::TextReader(std::string_view text, const FileKind& kind)

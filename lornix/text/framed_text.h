@@ -55,6 +55,9 @@ struct Finding {
 /// Of any bytes: a change of a single one always changes it.
 std::uint64_t checksumOf(std::string_view bytes);
 
+/// Adds the last lines to the text of a file.
+void appendEnd(std::string& text, const FileKind& kind);
+
 /// Builds the text of a file.
 class TextWriter {
 public:
@@ -70,7 +73,7 @@ public:
 
 private:
     std::string m_text;
-    bool m_isChecked;
+    FileKind m_kind;
 };
 
 /// Takes the text of a file apart.

@@ -25,19 +25,6 @@ QuotaRule* raised(const QuotaRule& rule)
     return copy;
 }
 
-/// Stands for malloc: each new rule record lies above 4 GiB.
-void* recordsAbove4GiB(size_t size)
-{
-    return size == sizeof(QuotaRule) ? rule_memory::above4GiB() : std::malloc(size);
-}
-
-void keepRecordsAbove4GiB(void* block)
-{
-    if (!rule_memory::isAbove4GiB(block)) {
-        std::free(block);
-    }
-}
-
 struct HighAddressTest : testing::Test {
     RecordingStore store;
     ListHost host;
@@ -166,9 +153,7 @@ TEST_F(HighAddressTest, EditsCells)
 
 TEST_F(HighAddressTest, AddsWithMembersEditsAndDrops)
 {
-    const ImportPatch take(ImportPatch::corvane(), "malloc", recordsAbove4GiB);
-    const ImportPatch give(ImportPatch::corvane(), "free", keepRecordsAbove4GiB);
-    ASSERT_EQ(take.count(), 1);
+    const rule_memory::LibraryRecords above(rule_memory::above4GiB);
     fillThree();
     void* const staff = store.account("staff");
     groupHas(store, {alice, store.account("bob")});

@@ -207,6 +207,7 @@ TEST_F(ListAddTest, MeasuresSeveralFoldersForAnyoneOnly)
 
 TEST_F(ListAddTest, LinksNewRecordsInFront)
 {
+    const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
     store.put(L"C:\\old", bob, 2048, 1024, 0);
     fillUpListCtrl2(Paths{L"C:\\old"}, host.object());
     addWithOk(nullptr, Paths{L"C:\\a", L"C:\\b"}, 2);
@@ -215,6 +216,7 @@ TEST_F(ListAddTest, LinksNewRecordsInFront)
 
 TEST_F(ListAddTest, CutsTheRecordFromItsNeighboursWhileTheDialogIsOpen)
 {
+    const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
     store.put(L"C:\\old", bob, 2048, 1024, 0);
     fillUpListCtrl2(Paths{L"C:\\old"}, host.object());
     DialogScript script;
@@ -289,6 +291,7 @@ TEST_F(ListAddTest, TheSameFolderInAnotherSpellingIsRefused)
 
 TEST_F(ListAddTest, SlashesAreRewrittenInPlaceWhenAccountsAreEqual)
 {
+    const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
     addWithOk(alice, Paths{L"C:\\one"}, 1);
     const Paths paths{L"C:\\two\\deep"};
     addWithOk(alice, paths, 1);

@@ -4,6 +4,7 @@
 #include "tests/support/message_watch.h"
 #include "tests/support/owner_window.h"
 #include "tests/support/paths.h"
+#include "tests/support/rule_memory.h"
 
 #include <commctrl.h>
 
@@ -108,6 +109,7 @@ TEST_F(ListMeanwhileTest, AnAddedRuleFindsItsRowAfterASort)
 
 TEST_F(ListMeanwhileTest, AGroupFindsItsRowAfterAFill)
 {
+    const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
     EXPECT_NE(addGroupWhile([this](HWND) { fillUpListCtrl2(Paths{L"C:\\late"}, host.object()); }), 0);
     EXPECT_THAT(host.column(0), ElementsAre("bob", "alice", "alice", "staff", "bob", "bob"));
     EXPECT_THAT(host.column(4), ElementsAre("00%", "00%", "00%", "00%", "00%", "00%"));
@@ -166,6 +168,7 @@ TEST_F(ListMeanwhileTest, AListThatIsGoneIsNotWritten)
 
 TEST_F(ListMeanwhileTest, AListWithAnOrderOfItsOwnIsChainedInThatOrder)
 {
+    const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
     for (const DWORD style : {DWORD{LVS_SORTASCENDING}, DWORD{LVS_SORTDESCENDING}}) {
         ListHost sorted(style);
         initializeListCtrl2(sorted.object(), Paths{L"C:\\old"});

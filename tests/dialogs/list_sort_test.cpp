@@ -59,14 +59,6 @@ struct ListSortTest : testing::Test {
 
 } // namespace
 
-// Only a process of its own, as each test has, shows what the library begins with.
-TEST_F(ListSortTest, TheFirstCallOfAllIsAFirstOneForTheFirstColumnToo)
-{
-    put(0, {L"alice", L"bob"});
-    sortListCtrl2(host.object(), 0);
-    EXPECT_THAT(host.column(0), ElementsAre("bob", "alice"));
-}
-
 TEST_F(ListSortTest, NumbersAscendFirst)
 {
     EXPECT_THAT(sortedOnce({L"20 ", L"3 ", L"100 "}), ElementsAre("3 ", "20 ", "100 "));

@@ -3,6 +3,7 @@
 #include "tests/policies/editor_visit.h"
 #include "tests/policies/file_dialogs.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/low_string.h"
 #include "tests/support/text.h"
 
 #include <gmock/gmock.h>
@@ -46,6 +47,14 @@ protected:
     RecordingStore store;
     DialogScript script;
 };
+
+/// The file name of the test program, by which the running processes know it.
+std::wstring thisProgram()
+{
+    wchar_t path[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return std::wstring(path).substr(std::wstring(path).rfind(L'\\') + 1);
+}
 
 const wchar_t* textAt(intptr_t address)
 {
@@ -240,10 +249,12 @@ TEST_F(BackupToolEntryTest, StartsWithTheGivenTextAndGivesACopyThatTheCallerFree
         clickLater(entry, IDOK);
     });
     const intptr_t result = open(L"C:\\given\\name.exe");
+    const LowString text(result);
     EXPECT_EQ(result & 0xFFFFFFFF, result);
-    EXPECT_STREQ(textAt(result), L"name.exe");
-    EXPECT_NE(_msize(reinterpret_cast<void*>(result)), static_cast<size_t>(-1));
-    std::free(reinterpret_cast<void*>(result));
+    EXPECT_STREQ(text.get(), L"name.exe");
+    if (!hasRegionOfItsOwn(text.get())) {
+        EXPECT_NE(_msize(text.get()), static_cast<size_t>(-1)) << "a block of the C runtime";
+    }
 }
 
 TEST_F(BackupToolEntryTest, CancelAndTheCloseBoxGiveNothing)
@@ -270,9 +281,7 @@ TEST_F(BackupToolEntryTest, CutsAt259CharactersBeforeItLooksForTheTail)
 {
     const std::wstring longName = std::wstring(300, L'n');
     enter(longName.c_str());
-    intptr_t result = open(nullptr);
-    EXPECT_EQ(std::wcslen(textAt(result)), 259u);
-    std::free(reinterpret_cast<void*>(result));
+    EXPECT_EQ(std::wcslen(LowString(open(nullptr)).get()), 259u);
 
     // The last backslash is beyond what is read.
     const std::wstring longPath = L"C:\\" + std::wstring(300, L'd') + L"\\tool.exe";
@@ -281,9 +290,8 @@ TEST_F(BackupToolEntryTest, CutsAt259CharactersBeforeItLooksForTheTail)
         type(entry, ids::kText, longPath.c_str());
         clickLater(entry, IDOK);
     });
-    result = again.run([] { return editBackupToolListEntry(nullptr, nullptr); });
-    EXPECT_EQ(std::wstring(textAt(result)), std::wstring(256, L'd'));
-    std::free(reinterpret_cast<void*>(result));
+    const LowString tail(again.run([] { return editBackupToolListEntry(nullptr, nullptr); }));
+    EXPECT_EQ(std::wstring(tail.get()), std::wstring(256, L'd'));
 }
 
 TEST_F(BackupToolEntryTest, BrowsesTheDisk)
@@ -299,20 +307,18 @@ TEST_F(BackupToolEntryTest, BrowsesTheDisk)
         EXPECT_EQ(controlText(entry, ids::kText), "tape drive.exe");
         clickLater(entry, IDOK);
     });
-    const intptr_t result = open(nullptr);
-    EXPECT_STREQ(textAt(result), L"tape drive.exe");
-    std::free(reinterpret_cast<void*>(result));
+    EXPECT_STREQ(LowString(open(nullptr)).get(), L"tape drive.exe");
 }
 
 TEST_F(BackupToolEntryTest, BrowsesTheRunningProcesses)
 {
     script.onDialog("browse", [](HWND entry) { clickLater(entry, kBrowseRunning); });
     script.onDialog("choose this test", [](HWND chooser) {
-        ASSERT_GE(selectRowWith(GetDlgItem(chooser, kProcessList), L"policies_test.exe"), 0);
+        ASSERT_GE(selectRowWith(GetDlgItem(chooser, kProcessList), thisProgram().c_str()), 0);
         clickLater(chooser, IDOK);
     });
     script.onDialog("look, then browse in vain", [](HWND entry) {
-        EXPECT_EQ(controlText(entry, ids::kText), "policies_test.exe");
+        EXPECT_EQ(controlText(entry, ids::kText), utf8(thisProgram()));
         clickLater(entry, kBrowseRunning);
     });
     script.onDialog("cancel", [](HWND chooser) {
@@ -320,9 +326,7 @@ TEST_F(BackupToolEntryTest, BrowsesTheRunningProcesses)
         clickLater(chooser, IDCANCEL);
     });
     script.onDialog("press OK", [](HWND entry) { clickLater(entry, IDOK); });
-    const intptr_t result = open(L"other.exe");
-    EXPECT_STREQ(textAt(result), L"policies_test.exe");
-    std::free(reinterpret_cast<void*>(result));
+    EXPECT_STREQ(LowString(open(L"other.exe")).get(), thisProgram().c_str());
 }
 
 TEST_F(BackupToolEntryTest, AProcessChooserThatCannotBeShownChoosesNothing)
@@ -354,10 +358,8 @@ TEST_F(BackupToolEntryTest, AFaultLeavesItOpen)
                            static_cast<BOOL(WINAPI*)(OPENFILENAMEW*)>(fault));
     script.onDialog("browse", [](HWND entry) { click(entry, ids::kBrowse); });
     enter(L"still here.exe");
-    const intptr_t result = open(nullptr);
-    EXPECT_STREQ(textAt(result), L"still here.exe");
+    EXPECT_STREQ(LowString(open(nullptr)).get(), L"still here.exe");
     EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: elpDlg, MyDlgProc, 74\n"));
-    std::free(reinterpret_cast<void*>(result));
 }
 
 TEST_F(BackupToolEntryTest, AnAddressThatLooksNegativeIsExtendedWithZeros)

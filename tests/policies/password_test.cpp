@@ -47,28 +47,31 @@ int occurrences(const BYTE* start, size_t bytes, size_t length, Expected expecte
     return found;
 }
 
+struct Search {
+    int found = 0;
+    size_t searched = 0; ///< bytes
+};
+
 /// How many times the end of a password stands in what is writable of an allocation.
-int leftIn(const void* allocation, size_t length, wchar_t kind)
+Search leftIn(const void* allocation, size_t length, wchar_t kind)
 {
     const auto tail = [=](size_t i) {
         const size_t at = i + 2; // the first characters of a freed block are the heap's
         return static_cast<wchar_t>(kind + (at * 7 + length) % 26);
     };
-    int found = 0;
-    size_t searched = 0;
+    Search search;
     MEMORY_BASIC_INFORMATION region{};
     for (const auto* at = static_cast<const BYTE*>(allocation);
          VirtualQuery(at, &region, sizeof region) != 0 && region.AllocationBase == allocation;
          at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize)
     {
         if (region.State == MEM_COMMIT && (region.Protect & (PAGE_READWRITE | PAGE_WRITECOPY)) != 0) {
-            searched += region.RegionSize;
-            found += occurrences(static_cast<const BYTE*>(region.BaseAddress), region.RegionSize, length - 2,
-                                 tail);
+            search.searched += region.RegionSize;
+            search.found += occurrences(static_cast<const BYTE*>(region.BaseAddress), region.RegionSize,
+                                        length - 2, tail);
         }
     }
-    EXPECT_GT(searched, 0u);
-    return found;
+    return search;
 }
 
 /// The same in the whole heap of the C runtime, where blocks that were freed stand as they were, and in the library's
@@ -86,11 +89,14 @@ int left(size_t length, wchar_t kind)
         }
     }
     HeapUnlock(heap);
-    int found = 0;
+    Search all;
     for (const void* allocation : allocations) {
-        found += leftIn(allocation, length, kind);
+        const Search one = leftIn(allocation, length, kind);
+        all.found += one.found;
+        all.searched += one.searched;
     }
-    return found;
+    EXPECT_GT(all.searched, size_t{1} << 16);
+    return all.found;
 }
 
 /// Short ones stood in other memory than long ones.
@@ -99,7 +105,7 @@ protected:
     /// Opens the notification that has the stored password, if any, types another one and ends the entry dialog.
     void visitEntry(bool stored, int button)
     {
-        std::wstring old = password(length, kStored);
+        std::wstring old = password(length, m_stored);
         store.putNotification(L"script",
                               {nullptr, L"0", L"0", L"runner", stored ? old.c_str() : nullptr, L"0"});
         wipe(old);
@@ -107,7 +113,7 @@ protected:
         visit.edit(0)
             .entry(kEntry,
                    [&](HWND entry) {
-                       std::wstring typed = password(length, kTyped);
+                       std::wstring typed = password(length, m_typed);
                        type(entry, kPassword, typed.c_str());
                        wipe(typed);
                        PostMessageW(entry, WM_COMMAND, static_cast<WPARAM>(button), 0);
@@ -116,8 +122,14 @@ protected:
         EXPECT_EQ(visit.run(editNotifications), 0);
     }
 
-    static constexpr wchar_t kStored = L'\x4e00';
-    static constexpr wchar_t kTyped = L'\x5e00';
+    /// Passwords that no test before has left anything of.
+    static wchar_t fresh()
+    {
+        static wchar_t next = L'\x4e00';
+        return next += 32;
+    }
+    const wchar_t m_stored = fresh();
+    const wchar_t m_typed = fresh();
     const size_t length = GetParam();
     PolicyStore store;
 };
@@ -127,23 +139,23 @@ protected:
 TEST_P(PasswordTest, OkLeavesTheStoresCopyAlone)
 {
     visitEntry(true, IDOK);
-    EXPECT_EQ(left(length, kStored), 0);
-    EXPECT_EQ(left(length, kTyped), 1);
+    EXPECT_EQ(left(length, m_stored), 0);
+    EXPECT_EQ(left(length, m_typed), 1);
 }
 
 TEST_P(PasswordTest, CancelLeavesTheStoresCopyAlone)
 {
     visitEntry(true, IDCANCEL);
-    EXPECT_EQ(left(length, kTyped), 0);
-    EXPECT_EQ(left(length, kStored), 1);
+    EXPECT_EQ(left(length, m_typed), 0);
+    EXPECT_EQ(left(length, m_stored), 1);
 }
 
 TEST_P(PasswordTest, AFaultOfTheStoreLeavesNoCopyEither)
 {
     store.recording.raise("setNAttr", Fault::AccessViolation);
     visitEntry(true, IDOK);
-    EXPECT_EQ(left(length, kTyped), 0);
-    EXPECT_EQ(left(length, kStored), 1);
+    EXPECT_EQ(left(length, m_typed), 0);
+    EXPECT_EQ(left(length, m_stored), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, PasswordTest, testing::Values(6u, 7u, 40u, 259u),

@@ -3,6 +3,7 @@
 #include "tests/processes/run_time_functions.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/low_string.h"
 #include "tests/support/nothing_left.h"
 #include "tests/support/owner_window.h"
 #include "tests/support/recording_store.h"
@@ -300,7 +301,7 @@ TEST_F(ProcessChooserTest, ABackupToolIsTheNameAfterTheBackslash)
             clickLater(entry, IDOK);
         });
     const intptr_t entered = script.run([] { return editBackupToolListEntry(nullptr, nullptr); });
-    const std::unique_ptr<wchar_t, Free> tool(reinterpret_cast<wchar_t*>(entered));
+    const LowString tool(entered);
     EXPECT_STREQ(tool.get(), L"backup.exe");
     // What the chooser gave is kept.
     EXPECT_THAT(released, testing::Not(Contains(static_cast<void*>(chosenName))));

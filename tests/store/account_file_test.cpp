@@ -3,6 +3,7 @@
 #include "held_files.h"
 #include "store_test.h"
 
+#include <algorithm>
 #include <set>
 #include <thread>
 

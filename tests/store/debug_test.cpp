@@ -4,6 +4,7 @@
 
 #include "tests/support/import_patch.h"
 
+#include <algorithm>
 #include <set>
 #include <sstream>
 
@@ -89,7 +90,7 @@ TEST_F(DebugTest, ConversionsAreThoseOfTheRuntime)
         ODS(arguments...);
         const std::string text = bytesOf(log_);
         char expected[500];
-        _snprintf(expected, sizeof expected, arguments...);
+        _snprintf(expected, sizeof expected, arguments..., nullptr); // one more, so that there is always one
         EXPECT_EQ(text, expected);
         return text;
     };

@@ -4,6 +4,7 @@
 
 #include "tests/support/pe_image.h"
 
+#include <algorithm>
 #include <set>
 
 namespace {

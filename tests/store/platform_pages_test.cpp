@@ -3,6 +3,7 @@
 #include "store_test.h"
 
 #include <lm.h>
+#include <ntsecapi.h>
 
 #include <functional>
 
@@ -172,6 +173,13 @@ BOOL WINAPI lookupAccountName(LPCWSTR name, LPCWSTR account, PSID sid, LPDWORD s
     return CopySid(*sidSize, sid, sidOf(accountSid((alias ? 3000 : 5000) + number)).get());
 }
 
+/// So that names are looked up one by one, which is scripted above.
+NTSTATUS NTAPI refusePolicy(LSA_UNICODE_STRING*, LSA_OBJECT_ATTRIBUTES*, ACCESS_MASK, LSA_HANDLE*)
+{
+    constexpr NTSTATUS kRefused = static_cast<NTSTATUS>(0xC0000022);
+    return kRefused;
+}
+
 class PlatformPagesTest : public StoreTest {
 protected:
     void SetUp() override
@@ -179,7 +187,7 @@ protected:
         StoreTest::SetUp();
         server = {};
         for (const ImportPatch* patch :
-             {&modals_, &display_, &groups_, &localMembers_, &globalMembers_, &names_})
+             {&modals_, &display_, &groups_, &localMembers_, &globalMembers_, &names_, &policy_})
         {
             ASSERT_EQ(patch->count(), 1);
         }
@@ -202,6 +210,7 @@ private:
     ImportPatch localMembers_{store_, "NetLocalGroupGetMembers", &localMembers};
     ImportPatch globalMembers_{store_, "NetGroupGetUsers", &globalMembers};
     ImportPatch names_{store_, "LookupAccountNameW", &lookupAccountName};
+    ImportPatch policy_{store_, "LsaOpenPolicy", &refusePolicy};
 };
 
 Texts users()

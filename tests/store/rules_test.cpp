@@ -235,6 +235,32 @@ TEST_F(RulesTest, StoringTheSameAgainLeavesTheFilesAlone)
     EXPECT_EQ(std::filesystem::last_write_time(rulesFile()), before - std::chrono::hours(5));
 }
 
+TEST_F(RulesTest, RecordsForAHostOfAnotherRuntime)
+{
+    const Block<void> anna = sidOf(kAnna);
+    Chain chain(lornixNewRule(L"D:\\A", anna.get()));
+    ASSERT_NE(chain, nullptr);
+    EXPECT_EQ(chain->type, QUOTA_RULE_FOR_ACCOUNT);
+    EXPECT_NE(chain->sid, anna.get());
+    chain->hardLimit = 5;
+    QuotaRule* const second = lornixNewRule(L"D:\\A", nullptr);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second->type, QUOTA_RULE_FOR_ANYONE);
+    EXPECT_EQ(second->hardLimit + second->softLimit + second->inUse, 0);
+    second->hardLimit = 6;
+    second->prev = chain.get();
+    chain->next = second;
+    EXPECT_EQ(lornixStoreRules(foldersOf({L"D:\\A"}).get(), chain.get()), 1);
+    EXPECT_EQ(stored(L"D:\\A"), (std::vector<Rule>{{L"D:\\A", 5, 0, 0, kAnna}, {L"D:\\A", 6, 0, 0}}));
+
+    std::uint8_t invalid[16] = {9};
+    EXPECT_EQ(lornixNewRule(L"D:\\A", invalid), nullptr);
+    EXPECT_STRNE(lornixLastError(), L"");
+    EXPECT_EQ(lornixNewRule(nullptr, nullptr), nullptr);
+    lornixFree(getSidByNameW(L"Administrators"));
+    lornixFree(nullptr);
+}
+
 TEST_F(RulesTest, ManyRulesInOneFolder)
 {
     constexpr std::size_t kCount = 100000;

@@ -35,7 +35,7 @@ public:
 
     LPARAM data(int row) const;
 
-    /// The record whose address a row's item data is.
+    /// The record of a row, which must lie below 4 GiB: only then is the item data its address.
     QuotaRule* record(int row) const { return reinterpret_cast<QuotaRule*>(data(row)); }
 
     void setCell(int row, int column, const wchar_t* text);

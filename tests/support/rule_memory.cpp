@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
+#include <cstdlib>
 #include <new>
 
 namespace {
@@ -49,31 +52,72 @@ private:
 
 constexpr UINT_PTR k4GiB = UINT_PTR{1} << 32;
 
+struct Range {
+    UINT_PTR from;
+    UINT_PTR to;
+};
+constexpr Range kAbove{k4GiB * 0x12, k4GiB * 0x20};
+constexpr Range kBelow2{0x20000000, 0x70000000};
+constexpr Range kBelow4{0x90000000, 0xF0000000};
+
+QuotaRule* (*makeRecord)() = nullptr;
+
+void* take(size_t size)
+{
+    return size == sizeof(QuotaRule) ? makeRecord() : std::malloc(size);
+}
+
+// Blocks of the records' ranges stay: they are not the heap's, or not for sure.
+void give(void* block)
+{
+    const auto address = reinterpret_cast<UINT_PTR>(block);
+    for (const Range& range : {kAbove, kBelow2, kBelow4}) {
+        if (range.from <= address && address < range.to) {
+            return;
+        }
+    }
+    std::free(block);
+}
+
 } // namespace
 
 namespace rule_memory {
 
 QuotaRule* above4GiB()
 {
-    static Arena arena(k4GiB * 0x12, k4GiB * 0x20);
+    static Arena arena(kAbove.from, kAbove.to);
     return arena.take();
 }
 
 QuotaRule* below4GiB()
 {
-    static Arena arena(0x20000000, 0x70000000);
+    static Arena arena(kBelow2.from, kBelow2.to);
     return arena.take();
 }
 
 QuotaRule* between2And4GiB()
 {
-    static Arena arena(0x90000000, 0xF0000000);
+    static Arena arena(kBelow4.from, kBelow4.to);
     return arena.take();
 }
 
 bool isAbove4GiB(const void* address)
 {
     return reinterpret_cast<UINT_PTR>(address) >= k4GiB;
+}
+
+LibraryRecords::LibraryRecords(QuotaRule* (*make)())
+    : m_take(ImportPatch::corvane(), "malloc", take)
+    , m_give(ImportPatch::corvane(), "free", give)
+{
+    EXPECT_EQ(m_take.count(), 1);
+    EXPECT_EQ(m_give.count(), 1);
+    makeRecord = make;
+}
+
+LibraryRecords::~LibraryRecords()
+{
+    makeRecord = nullptr;
 }
 
 } // namespace rule_memory

@@ -1,6 +1,8 @@
 // Rule records at chosen addresses.
 #pragma once
 
+#include "tests/support/import_patch.h"
+
 #include "corvane_types.h"
 
 /// Records that a host might have anywhere; they last until the program ends.
@@ -16,5 +18,19 @@ QuotaRule* below4GiB();
 QuotaRule* between2And4GiB();
 
 bool isAbove4GiB(const void* address);
+
+/// While it lives, the library gets its rule records from one of the functions above, wherever the heap lies: below
+/// 4 GiB a row's item data is the record's address, above it is a stand-in.
+class LibraryRecords {
+public:
+    explicit LibraryRecords(QuotaRule* (*make)());
+    ~LibraryRecords();
+    LibraryRecords(const LibraryRecords&) = delete;
+    LibraryRecords& operator=(const LibraryRecords&) = delete;
+
+private:
+    ImportPatch m_take;
+    ImportPatch m_give;
+};
 
 } // namespace rule_memory

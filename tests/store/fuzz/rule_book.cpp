@@ -29,9 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 "the condition and the flaws");
         require(book.condition == Condition::kGood || book.condition == Condition::kDamaged || known.empty(),
                 "folders of a file that is none");
-        const RuleBook again(kind, book.text(kind));
+        const RuleBook again(kind, book.text());
         require(again.condition == Condition::kGood && again.knownFolders() == known &&
-                    again.text(kind) == book.text(kind),
+                    again.text() == book.text(),
                 "what was understood, written and read again");
         auto folders = known;
         folders.insert(folders.end(), {u"D:\\A", u"\0", u"end"});

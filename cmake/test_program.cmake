@@ -1,0 +1,62 @@
+# Test programs and their runs. A program runs whole, in one process: a process for each of its tests would cost more than
+# the tests themselves. Its own last lines tell how many passed.
+
+# Usage: run_test_program(TARGET [SHARDS N] [WORKING_DIRECTORY DIR]) has the tests of a program run, the long ones in
+# several parts that may go side by side.
+function(run_test_program target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;WORKING_DIRECTORY" "")
+  if(NOT arg_SHARDS)
+    set(arg_SHARDS 1)
+  endif()
+  if(NOT arg_WORKING_DIRECTORY)
+    set(arg_WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  endif()
+  math(EXPR last "${arg_SHARDS} - 1")
+  foreach(shard RANGE ${last})
+    set(name ${target})
+    set(environment GTEST_BRIEF=1)
+    if(arg_SHARDS GREATER 1)
+      math(EXPR number "${shard} + 1")
+      set(name ${target}.${number})
+      list(APPEND environment GTEST_TOTAL_SHARDS=${arg_SHARDS} GTEST_SHARD_INDEX=${shard})
+    endif()
+    add_test(NAME ${name} COMMAND ${target} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY})
+    # A dialog that hangs is ended by its script long before this.
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 300 COST ${arg_SHARDS})
+  endforeach()
+endfunction()
+
+# The runtime's desktop outlives a program by a second and keeps its error output open, and the runner would wait for
+# that each time. The tests tell all they have to tell on the other one.
+function(without_error_output target)
+  set_target_properties(${target} PROPERTIES CROSSCOMPILING_EMULATOR
+    "sh;-c;exec ${CMAKE_CROSSCOMPILING_EMULATOR} \"$@\" 2>/dev/null;sh")
+endfunction()
+
+# Usage: both_heaps(NAME SOURCE... [LIBRARIES LIBRARY...] [OBJECTS FILE...] [OPTIONS LINK_OPTION...] [SHARDS N] [DIRECTORY DIR])
+# makes and runs two programs of the same tests: NAME with its heap below 4 GiB, where addresses fit into item data and end codes,
+# and NAME_high with its heap above, where the library hands out stand-ins. Which of the two is the usual one differs from
+# runtime to runtime. What they are compiled from is the target NAME_objects.
+function(both_heaps name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;DIRECTORY" "LIBRARIES;OBJECTS;OPTIONS")
+  add_library(${name}_objects OBJECT ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name}_objects PRIVATE ${arg_LIBRARIES})
+  foreach(regime below above)
+    set(program ${name})
+    # A program that is not aware of large addresses gets none as long as there are others.
+    set(options -Wl,-Xlink=-largeaddressaware:no)
+    if(regime STREQUAL above)
+      set(program ${name}_high)
+      set(options "")
+    endif()
+    add_executable(${program} $<TARGET_OBJECTS:${name}_objects> ${arg_OBJECTS}
+      ${PROJECT_SOURCE_DIR}/tests/support/heap_${regime}_4gib.cpp)
+    target_link_libraries(${program} PRIVATE ${arg_LIBRARIES})
+    target_link_options(${program} PRIVATE ${options} ${arg_OPTIONS})
+    if(arg_DIRECTORY)
+      set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${arg_DIRECTORY})
+    endif()
+    without_error_output(${program})
+    run_test_program(${program} SHARDS ${arg_SHARDS})
+  endforeach()
+endfunction()

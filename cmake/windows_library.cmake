@@ -43,3 +43,10 @@ function(windows_library target)
   endif()
   target_sources(${target} PRIVATE ${export_list})
 endfunction()
+
+# Usage: public_headers(TARGET) for a library that others link: as corvane::TARGET, here and in the package alike.
+function(public_headers target)
+  add_library(corvane::${target} ALIAS ${target})
+  target_include_directories(${target} INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:include>)
+endfunction()

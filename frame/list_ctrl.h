@@ -3,7 +3,6 @@
 
 #include "frame/wnd.h"
 
-#include <cstddef>
 #include <string>
 
 /// A column of a report list view.
@@ -60,9 +59,6 @@ public:
     }
 
     void deselect(int row) const { setState(row, 0, LVIS_SELECTED); }
-
-    /// Tells how many rows there will be, so that the control makes room for them once.
-    void makeRoomFor(std::size_t rows) const { send(LVM_SETITEMCOUNT, rows); }
 
     int selectedCount() const { return static_cast<int>(send(LVM_GETSELECTEDCOUNT)); }
 

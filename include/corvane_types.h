@@ -10,6 +10,10 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#if UINTPTR_MAX < 0xffffffffffffffffu
+#error "corvane is for 64-bit programs: its records and handles are laid out for nothing else."
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif

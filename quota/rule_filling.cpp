@@ -79,7 +79,6 @@ void Filling::keep(const QuotaRule& rule, const wchar_t* name)
 void Filling::showRows()
 {
     const std::vector<Row> rows = std::exchange(m_waiting, {});
-    m_list.makeRoomFor(static_cast<std::size_t>(m_list.rowCount()) + rows.size());
     int index = 0;
     for (auto row = rows.rbegin(); row != rows.rend(); ++row, ++index) {
         const int shown = insertRuleRow(m_list, index, *row->rule, m_names.data() + row->name);

@@ -2,12 +2,14 @@
 # The sample control panel on a sample folder tree, for a person at the display. Rules that were applied are there
 # again at the next start, and are printed when the panel is closed.
 #   tools/panel.sh BUILD OUT    with the Windows runtime that the caller has selected
-. "$(dirname "$0")/tour_lib.sh"
-. "$(dirname "$0")/dialog_lib.sh"
+steps=$(dirname "$0")/../tests/system/steps
+. "$steps/panel.sh"
+. "$steps/samples.sh"
 build=$(cd "$1" && pwd)
 mkdir -p "$2"
 out=$(cd "$2" && pwd)
 data=$out/data
+ln -sfn "$out" "$WINEPREFIX/drive_c/Quota"
 
 if [ ! -e "$out/tree/complete" ]; then
     echo "Making a folder tree, and accounts to choose from"

@@ -16,7 +16,7 @@ for binary in corvane.dll lornix.dll corvane_host.exe; do
     # Every room has its lines in it.
     units=$(llvm-pdbutil-19 dump -files "$build/bin/$pdb" | sed -nE 's,.* /corvane/([a-z_/]+\.cpp)$,\1,p' | sort -u)
     case $binary in
-    corvane.dll) rooms='frame quota accounts files policies shell' ;;
+    corvane.dll) rooms='frame quota accounts files processes policies shell' ;;
     lornix.dll) rooms='lornix' ;;
     *) rooms='host' ;;
     esac

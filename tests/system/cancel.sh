@@ -13,31 +13,32 @@ nothing_changed() {
     wait_window "$panel"
     wait_saved
     expect 'the list' "$rows" "$(rules)"
-    expect 'Apply' no "$(peek enabled "$panel" $id_apply)"
+    expect 'Apply' no "$(peek enabled "$panel" IDC_APPLY)"
 }
 cancel_refused_limits() {
     wait_window "$settings"
     set_limits 1K 1K
     wait_window Information
+    shot message-invalid-limits
     answer Information Return
     answer "$settings" Escape
     nothing_changed
 }
 
 step 'cancel adding, by key and by button'
-click "$panel" $id_add
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window "$settings"
 answer "$settings" Escape
 nothing_changed
-click "$panel" $id_add
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window "$settings"
-fill "$settings" $id_hard 77M
-click "$settings" 2
+fill "$settings" IDC_QUOTA_HARD_LIMIT 77M
+click "$settings" IDCANCEL
 wait_gone "$settings"
 nothing_changed
 
 step 'cancel adding after limits were refused'
-click "$panel" $id_add
+click "$panel" IDC_ADD_FOR_ANYONE
 cancel_refused_limits
 
 step 'cancel adding on several folders'
@@ -45,8 +46,8 @@ click_folder 2
 make_files "$out/tree/Four" 3 4
 add_folder "$tree\\Four"
 click_folder 2
-ctrl_click_folder 3
-click "$panel" $id_add
+with_ctrl click_folder 3
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window "$settings"
 wait_for "the dialog of the first folder" in_applied_to Three
 press Escape
@@ -63,20 +64,21 @@ done
 
 step 'leave a cell without typing, and after typing'
 double_click_cell 1 2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 press Return
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 nothing_changed
 press F2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 1M
 press Escape
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 nothing_changed
 
 step 'cancel browsing'
-click "$panel" $id_folder_browse
+click "$panel" IDC_FOLDER_BROWSE
 wait_window 'Browse for Folder'
+shot browse-for-folder
 answer 'Browse for Folder' Escape
 nothing_changed
 

@@ -5,25 +5,27 @@ story_begin "$1" "$2" One Two
 store_rules One 30M 20M Two 50M 40M
 
 host_start
-one=$(($(rules | cut -f 6 | grep -nxF "$tree\\One" | cut -d : -f 1) - 1))
+one=$(row_of One)
 two=$((1 - one))
 cell() { rules | sed -n "$(($1 + 1))p" | cut -f $(($2 + 1)); }
 cell_is() { [ "$(cell "$1" "$2")" = "$3" ]; }
 open_cell() {
     double_click_cell "$1" 2
-    wait_shows cell focus "$panel"
+    wait_focus "$panel" cell
 }
 
 step 'texts that are no limit'
 open_cell "$one"
+shot editing-in-place
 while IFS='|' read -r typed because; do
     press Home shift+End
     type_text "$typed"
     press Return
     wait_window 'Soft Quota Limit'
-    expect 'the message' "$because" "$(peek text 'Soft Quota Limit' $id_message | head -n 1)"
+    [ "$typed" != 3G ] || shot message-too-large-for-the-cell
+    expect 'the message' "$because" "$(peek text 'Soft Quota Limit' IDC_BOX_TEXT | head -n 1)"
     answer 'Soft Quota Limit' Return
-    wait_shows cell focus "$panel"
+    wait_focus "$panel" cell
 done <<'TEXTS'
 3G|3G is too large to be typed into the list.
 2048M|2048M is too large to be typed into the list.
@@ -34,14 +36,14 @@ much|"much" is not a limit.
 5|5 is too small for a limit.
 TEXTS
 press Escape
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 wait_saved
 
 step 'the largest one, with Tab'
 open_cell "$one"
 type_text 2047M
 press Tab
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 wait_for 'the new soft limit' cell_is "$one" 2 2047M
 wait_for 'the new limit' cell_is "$one" 1 2047M
 wait_for 'the new percentage' cell_is "$one" 4 00%
@@ -50,14 +52,14 @@ wait_unsaved
 step 'leave the cell by a click elsewhere: it is taken'
 open_cell "$two"
 type_text 2m
-click "$panel" $id_folder
+click "$panel" IDC_FOLDER_EDIT
 wait_for 'the new soft limit' cell_is "$two" 2 2048K
 wait_for 'the new limit' cell_is "$two" 1 2048K
 
 step 'leave it by the Apply button: it is taken and stored'
 open_cell "$two"
 type_text 3M
-click "$panel" $id_apply
+click "$panel" IDC_APPLY
 wait_saved
 expect_limits 'One|2146435072|2146435072
 Two|3145728|3145728'
@@ -68,33 +70,33 @@ type_text 1X
 press ctrl+s
 wait_window 'Soft Quota Limit'
 answer 'Soft Quota Limit' Return
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 press Escape
 wait_saved
 
 step 'a check box does not change over a wrong text'
 click_folder 0
-wait_shows yes enabled "$panel" $id_owners_first
+wait_shows yes enabled "$panel" IDC_OWNERS_FIRST
 open_cell "$two"
 type_text 1X
 press alt+w
 wait_window 'Soft Quota Limit'
 answer 'Soft Quota Limit' Return
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 press Escape
-expect 'the check box' no "$(peek checked "$panel" $id_owners_first)"
+expect 'the check box' no "$(peek checked "$panel" IDC_OWNERS_FIRST)"
 press alt+w
-wait_shows yes checked "$panel" $id_owners_first
+wait_shows yes checked "$panel" IDC_OWNERS_FIRST
 
 step 'Apply can be pressed while a cell is open, though nothing has changed yet'
-expect 'Apply with the cell closed' no "$(peek enabled "$panel" $id_apply)"
+expect 'Apply with the cell closed' no "$(peek enabled "$panel" IDC_APPLY)"
 open_cell "$two"
-expect 'Apply with the cell open' yes "$(peek enabled "$panel" $id_apply)"
+expect 'Apply with the cell open' yes "$(peek enabled "$panel" IDC_APPLY)"
 press Escape
-wait_shows no enabled "$panel" $id_apply
+wait_shows no enabled "$panel" IDC_APPLY
 open_cell "$two"
 type_text 6M
-click "$panel" $id_apply
+click "$panel" IDC_APPLY
 wait_for 'the new soft limit' cell_is "$two" 2 6144K
 wait_saved
 expect_limits 'One|2146435072|2146435072
@@ -125,13 +127,14 @@ mv "$data/more" "$data/rules.txt"
 host_start
 wait_status '62 rules in 2 folders'
 press alt+u Home space
-wait_shows 0 chosen "$panel" $id_rules
-at point "$panel" $id_rules && xdotool click --repeat 30 5
+wait_shows 0 chosen "$panel" IDC_RULES
+at point "$panel" IDC_RULES
+wheel 30
 height_of() { peek "$@" | cut -d ' ' -f 2; }
-row_0_is_above() { [ "$(height_of cell "$panel" $id_rules 0 1)" -lt "$(height_of header "$panel" $id_rules 1)" ]; }
+row_0_is_above() { [ "$(height_of cell "$panel" IDC_RULES 0 1)" -lt "$(height_of header "$panel" IDC_RULES 1)" ]; }
 wait_for 'the first row out of sight' row_0_is_above
 press F2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 7M
 press Return
 wait_unsaved

@@ -6,7 +6,7 @@ store_rules One 30M 20M
 
 change() {
     double_click_cell 0 2
-    wait_shows cell focus "$panel"
+    wait_focus "$panel" cell
     type_text "$1"
     press Return
     wait_unsaved
@@ -17,6 +17,7 @@ host_start
 change 11M
 press alt+F4
 wait_window 'Unsaved Changes'
+shot question-unsaved-changes
 answer 'Unsaved Changes' Escape
 wait_window "$panel"
 wait_unsaved
@@ -44,7 +45,7 @@ step 'a change that was taken back is none'
 host_start
 change 13M
 double_click_cell 0 2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 12M
 press Return
 wait_saved
@@ -81,9 +82,9 @@ wait_window "$settings"
 expect 'whether the session may end' no "$(peek endsession "$panel")"
 answer "$settings" Escape
 double_click_cell 0 2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 expect 'whether the session may end' no "$(peek endsession "$panel")"
 press Escape
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 host_close
 expect_limits 'One|15728640|14680064'

@@ -23,13 +23,10 @@ wine "$build/bin/corvane_host.exe" --folder </dev/null >>"$out/host.log" 2>&1 &
 host_pid=$!
 wait_window 'Quota Control Panel Cannot Start'
 expect 'the message' '--folder needs a folder after it.' \
-    "$(peek text 'Quota Control Panel Cannot Start' $id_message | head -n 1)"
+    "$(peek text 'Quota Control Panel Cannot Start' IDC_BOX_TEXT | head -n 1)"
 shot message-command-line
 press Return
-code=0
-wait "$host_pid" || code=$?
-host_pid=
-expect 'the exit code' 2 "$code"
+host_ended 2
 
 step 'a data folder that is a file'
 touch "$out/a file"
@@ -38,16 +35,14 @@ expect 'the exit code' 1 "$code"
 expect 'the message' "The data folder \"$(windows_path "$out/a file")\" cannot be used." "$(head -n 1 <<<"$said")"
 
 step 'folders from the command line, one of them in two spellings, one that is not there'
-wine "$build/bin/corvane_host.exe" --data "$(windows_path "$data")" --folder "$tree\\One" --folder "${tree//\\//}/Two/" \
-    --folder "$tree\\None" </dev/null >>"$out/host.log" 2>&1 &
-host_pid=$!
+host_launch --folder "$tree\\One" --folder "${tree//\\//}/Two/" --folder "$tree\\None"
 wait_window 'Add Folder'
 expect 'the message' "There is no folder \"$tree\\None\", or it cannot be reached." \
-    "$(peek text 'Add Folder' $id_message)"
+    "$(peek text 'Add Folder' IDC_BOX_TEXT)"
 answer 'Add Folder' Return
 wait_window "$panel"
 expect 'the folders' "$tree\\One
-$tree\\Two" "$(peek entries "$panel" $id_folders)"
+$tree\\Two" "$(peek entries "$panel" IDC_FOLDERS)"
 add_rule 30M 20M
 click_folder 0
 add_rule 50M 40M
@@ -58,7 +53,7 @@ host_close
 step 'a folder from the command line that the store knows already'
 host_start --folder "$tree\\one"
 wait_status '2 rules in 2 folders'
-wait_shows "New rules are for $tree\\One." text "$panel" $id_folder_hint
+wait_shows "New rules are for $tree\\One." text "$panel" IDC_FOLDER_HINT
 host_close
 
 step 'the dump of all folders and of one'

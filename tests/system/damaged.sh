@@ -24,8 +24,7 @@ grep -rqF '3145728O' "$data" || fail 'what was in the damaged file is gone'
 step 'damage the rules of the other folder, look at the panel'
 file=$(grep -rl --include='*.txt' '^52428800' "$data")
 sed -i 's/^52428800/-52428800/' "$file"
-wine "$build/bin/corvane_host.exe" --data "$(windows_path "$data")" --folder "$tree\\One" </dev/null >>"$out/host.log" 2>&1 &
-host_pid=$!
+host_launch --folder "$tree\\One"
 wait_store_box 'Not all rules could be read.'
 shot message-damaged
 answer 'Quota Store' Return

@@ -20,7 +20,7 @@ try_editor() {
     press Return
     wait_gone "$entry"
     wait_shows 1 count "$editor" "$entries"
-    click "$editor" $id_cancel
+    click "$editor" IDCANCEL
     wait_gone "$editor"
     [ ! -e "$data/$file" ] || fail "$file was stored"
 
@@ -38,16 +38,16 @@ try_editor() {
     wait_shows 1 count "$editor" "$entries"
     rows=$(editor_rows)
     editor_edit 0 "$entry"
-    fill "$entry" $id_entry_text other
+    fill "$entry" IDC_ENTRY_TEXT other
     answer "$entry" Escape
     wait_entries "$rows"
     editor_edit 0 "$entry"
-    fill "$entry" $id_entry_text other
+    fill "$entry" IDC_ENTRY_TEXT other
     press Return
     wait_gone "$entry"
     wait_for 'the other text' is_other
     press Home space
-    wait_shows yes enabled "$editor" $id_entry_remove
+    wait_shows yes enabled "$editor" IDC_POLICY_REMOVE
     press Tab Tab Tab space
     wait_entries ''
     answer "$editor" Escape
@@ -55,10 +55,10 @@ try_editor() {
 }
 
 host_start
-try_editor n Notifications $id_notifications notifications.txt 'Notification script'
-try_editor x 'Manage exception files' $id_entries excludes.txt 'Exclude file'
-try_editor e 'Manage blocked extensions' $id_entries blocked-extensions.txt 'Blocked extension'
-try_editor b 'Manage backup tools' $id_entries backup-tools.txt 'Backup Processes'
+try_editor n Notifications IDC_NOTIFICATIONS_LIST notifications.txt 'Notification script'
+try_editor x 'Manage exception files' IDC_POLICY_LIST excludes.txt 'Exclude file'
+try_editor e 'Manage blocked extensions' IDC_POLICY_LIST blocked-extensions.txt 'Blocked extension'
+try_editor b 'Manage backup tools' IDC_POLICY_LIST backup-tools.txt 'Backup Processes'
 
 step 'Manage Administrative Accounts'
 editor_open a 'Manage Administrative Accounts'

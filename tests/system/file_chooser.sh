@@ -6,7 +6,6 @@ files='Choose file' processes='Select program' entry='Backup Processes'
 
 # The tree shows the files of a drive's first folder, in the order of their names but for the last one.
 for name in alpha.txt bravo.txt charlie.txt; do
-    at_end rm -f "$WINEPREFIX/drive_c/$name"
     echo "$name" >"$WINEPREFIX/drive_c/$name"
 done
 
@@ -14,38 +13,39 @@ step 'the drives; the one that the host stands on is open'
 host_start
 menu t f
 wait_window "$files"
-shown=$(peek tree "$files" $id_tree)
+shot choose-file
+shown=$(peek tree "$files" IDC_CHOOSE_FILE_TREE)
 expect 'the files of the drive' 3 "$(grep -cxE $'\t(alpha|bravo|charlie)\\.txt' <<<"$shown")"
 expect 'the first drive' C: "$(head -n 1 <<<"$shown")"
-expect 'the selected node' C: "$(peek chosen "$files" $id_tree)"
+expect 'the selected node' C: "$(peek chosen "$files" IDC_CHOOSE_FILE_TREE)"
 
 step 'OK with a drive'
 press Return
 wait_window 'Chosen File'
-expect 'what was chosen' C: "$(peek text 'Chosen File' $id_message)"
+shot chosen-file
+expect 'what was chosen' C: "$(peek text 'Chosen File' IDC_BOX_TEXT)"
 answer 'Chosen File' Return
 
 step 'OK with a file, found by typing its name'
 menu t f
 wait_window "$files"
-click "$files" $id_tree
-wait_shows $id_tree focus "$files"
+click "$files" IDC_CHOOSE_FILE_TREE
+wait_focus "$files" IDC_CHOOSE_FILE_TREE
 type_text brav
-wait_shows bravo.txt chosen "$files" $id_tree
+wait_shows bravo.txt chosen "$files" IDC_CHOOSE_FILE_TREE
 press Return
 wait_window 'Chosen File'
-expect 'what was chosen' 'C:\bravo.txt' "$(peek text 'Chosen File' $id_message)"
+expect 'what was chosen' 'C:\bravo.txt' "$(peek text 'Chosen File' IDC_BOX_TEXT)"
 answer 'Chosen File' Return
 
 step 'a drive that is closed and opened is read again'
 menu t f
 wait_window "$files"
-click "$files" $id_tree
-wait_shows $id_tree focus "$files"
+click "$files" IDC_CHOOSE_FILE_TREE
+wait_focus "$files" IDC_CHOOSE_FILE_TREE
 press Home Left
-at_end rm -f "$WINEPREFIX/drive_c/delta.txt"
 touch "$WINEPREFIX/drive_c/delta.txt"
-has_delta() { peek tree "$files" $id_tree | grep -qx $'\tdelta.txt'; }
+has_delta() { peek tree "$files" IDC_CHOOSE_FILE_TREE | grep -qx $'\tdelta.txt'; }
 ! has_delta || fail 'the closed drive shows a file'
 press Right
 wait_for 'the new file' has_delta
@@ -61,14 +61,16 @@ wait_window "$panel"
 step 'a process, by its name'
 menu t p
 wait_window "$processes"
-expect 'the order' "$(peek list "$processes" $id_processes | sort -f)" "$(peek list "$processes" $id_processes)"
-expect 'OK with nothing selected' no "$(peek enabled "$processes" $id_ok)"
-click "$processes" $id_processes
+expect 'the order' "$(peek list "$processes" IDC_PROCESS_LIST | sort -f)" "$(peek list "$processes" IDC_PROCESS_LIST)"
+expect 'OK with nothing selected' no "$(peek enabled "$processes" IDOK)"
+click "$processes" IDC_PROCESS_LIST
 type_text corv
-wait_shows yes enabled "$processes" $id_ok
+wait_shows yes enabled "$processes" IDOK
+shot choose-process
 press Return
 wait_window 'Chosen Process'
-expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' $id_message)"
+shot chosen-process
+expect 'what was chosen' corvane_host.exe "$(peek text 'Chosen Process' IDC_BOX_TEXT)"
 answer 'Chosen Process' Return
 wait_window "$panel"
 
@@ -77,9 +79,10 @@ for name in nightly.exe weekly.exe; do
     menu t b
     wait_window "$entry"
     type_text "C:\\Tools\\$name"
+    [ $name != nightly.exe ] || shot backup-process
     press Return
     wait_window 'Chosen Process'
-    expect 'what was chosen' $name "$(peek text 'Chosen Process' $id_message)"
+    expect 'what was chosen' $name "$(peek text 'Chosen Process' IDC_BOX_TEXT)"
     answer 'Chosen Process' Return
     wait_window "$panel"
 done

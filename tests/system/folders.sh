@@ -5,48 +5,50 @@ story_begin "$1" "$2" One Two
 touch "$out/tree/a file"
 store_rules One 30M 20M Two 50M 40M
 
-# refused TYPED TEXT: a message with this text, and the typed path still there to be mended.
+# refused TYPED TEXT PICTURE: a message with this text, and the typed path still there to be mended.
 refused() {
-    fill "$panel" $id_folder "$1"
+    fill "$panel" IDC_FOLDER_EDIT "$1"
     press Return
     wait_window 'Add Folder'
-    expect 'the message' "$2" "$(peek text 'Add Folder' $id_message)"
+    shot "$3"
+    expect 'the message' "$2" "$(peek text 'Add Folder' IDC_BOX_TEXT)"
     answer 'Add Folder' Return
-    wait_shows $id_folder focus "$panel"
-    expect 'the folder field' "$1" "$(peek text "$panel" $id_folder)"
-    expect 'the folders' "$folders" "$(peek entries "$panel" $id_folders)"
+    wait_focus "$panel" IDC_FOLDER_EDIT
+    expect 'the folder field' "$1" "$(peek text "$panel" IDC_FOLDER_EDIT)"
+    expect 'the folders' "$folders" "$(peek entries "$panel" IDC_FOLDERS)"
 }
 
 step 'refused paths'
 host_start
-folders=$(peek entries "$panel" $id_folders)
+folders=$(peek entries "$panel" IDC_FOLDERS)
 expect 'the folders at the start' "$tree\\One
 $tree\\Two" "$(sort <<<"$folders")"
-refused "$tree\\None" "There is no folder \"$tree\\None\", or it cannot be reached."
-refused "$tree\\a file" "\"$tree\\a file\" is a file. Quota rules are defined on folders."
+refused "$tree\\None" "There is no folder \"$tree\\None\", or it cannot be reached." message-no-such-folder
+refused "$tree\\a file" "\"$tree\\a file\" is a file. Quota rules are defined on folders." message-a-file
 refused 'data' '"data" is not a full path. Start it with a drive or a server:
-C:\Data or \\server\share.'
-refused "${tree//\\//}/ONE/" "The folder \"$tree\\ONE\" is already shown."
-click "$panel" $id_folder
+C:\Data or \\server\share.' message-no-full-path
+refused "${tree//\\//}/ONE/" "The folder \"$tree\\ONE\" is already shown." message-folder-already-shown
+click "$panel" IDC_FOLDER_EDIT
 press Home shift+End Delete
-click "$panel" $id_folder_add
+click "$panel" IDC_FOLDER_ADD
 wait_window 'Add Folder'
+shot message-no-path
 expect 'the message' 'Type the folder'\''s path first, for example C:\Data, or choose it with Browse.' \
-    "$(peek text 'Add Folder' $id_message)"
+    "$(peek text 'Add Folder' IDC_BOX_TEXT)"
 answer 'Add Folder' Return
 
 step 'no folder is selected: nothing to add for'
-expect 'the selected folders' '' "$(peek chosen "$panel" $id_folders)"
-expect 'Add' no "$(peek enabled "$panel" $id_add)"
-expect 'Remove' no "$(peek enabled "$panel" $id_folder_remove)"
-wait_shows 'Select the folders that new rules are for.' text "$panel" $id_folder_hint
+expect 'the selected folders' '' "$(peek chosen "$panel" IDC_FOLDERS)"
+expect 'Add' no "$(peek enabled "$panel" IDC_ADD_FOR_ANYONE)"
+expect 'Remove' no "$(peek enabled "$panel" IDC_FOLDER_REMOVE)"
+wait_shows 'Select the folders that new rules are for.' text "$panel" IDC_FOLDER_HINT
 
 # number_of NAME: where a folder stands in the box.
-number_of() { echo $(($(peek entries "$panel" $id_folders | grep -nxF "$tree\\$1" | cut -d : -f 1) - 1)); }
+number_of() { echo $(($(peek entries "$panel" IDC_FOLDERS | grep -nxF "$tree\\$1" | cut -d : -f 1) - 1)); }
 
 step 'remove a folder from view'
 click_folder "$(number_of One)"
-click "$panel" $id_folder_remove
+click "$panel" IDC_FOLDER_REMOVE
 wait_column 5 "$tree\\Two"
 wait_status '1 rule in 1 folder'
 wait_saved
@@ -57,19 +59,19 @@ wait_status '2 rules in 2 folders'
 wait_saved
 
 step 'remove a folder with unsaved changes: the question'
-row=$(($(rules | cut -f 6 | grep -nxF "$tree\\Two" | cut -d : -f 1) - 1))
+row=$(row_of Two)
 double_click_cell $row 2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 10M
 press Return
 wait_unsaved
 click_folder "$(number_of Two)"
-click "$panel" $id_folder_remove
+click "$panel" IDC_FOLDER_REMOVE
 wait_window 'Unsaved Changes'
 answer 'Unsaved Changes' alt+n
 wait_unsaved
 wait_status '2 rules in 2 folders'
-click "$panel" $id_folder_remove
+click "$panel" IDC_FOLDER_REMOVE
 wait_window 'Unsaved Changes'
 answer 'Unsaved Changes' alt+y
 wait_saved

@@ -11,8 +11,9 @@ host_start
 for end in 'click 1' 'press Return' 'press Escape' 'press alt+F4'; do
     menu h a
     wait_window "$about"
+    [[ $end != click* ]] || shot about
     case $end in
-    click*) click "$about" $id_ok ;;
+    click*) click "$about" IDOK ;;
     *) $end ;;
     esac
     wait_gone "$about"
@@ -29,8 +30,6 @@ expect 'the windows' "$panel" "$(peek windows | grep .)"
 step 'help with one: the file is opened by the program for it'
 mkdir -p "$out/product/doc"
 echo help >"$out/product/doc/vantrel40.chm"
-at_end registry delete "$key" /v Path
-at_end registry add 'HKLM\Software\Classes\.chm' /ve /d chm.file
 registry add "$key" /v Path /d 'C:\Quota\product' || fail 'the registry cannot be written'
 registry add 'HKLM\Software\Classes\.chm' /ve /d corvane.test.help
 registry add 'HKLM\Software\Classes\corvane.test.help\shell\open\command' /ve /d 'C:\windows\notepad.exe "%1"'
@@ -38,4 +37,5 @@ press F1
 wait_window vantrel40
 press alt+F4
 wait_gone vantrel40
+wait_window "$panel"
 host_close

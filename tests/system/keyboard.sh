@@ -2,14 +2,11 @@
 # The whole job without a mouse: every control is reached, every command has its key.
 . "$(dirname "$0")/story.sh"
 story_begin "$1" "$2" One Two
-xdotool mousemove 0 0
-for forbidden in click click_cell double_click_cell click_header click_folder; do
-    eval "$forbidden() { fail 'the mouse was used'; }"
-done
+mouse() { fail 'the mouse was used'; }
 
 step 'start with the focus in the folder field'
 host_start
-wait_shows $id_folder focus "$panel"
+wait_focus "$panel" IDC_FOLDER_EDIT
 
 step 'Enter adds a folder'
 type_text "$tree\\One"
@@ -21,27 +18,27 @@ wait_for 'the second folder' folder_is_shown "$tree\\Two"
 
 step 'the tab key goes round in reading order'
 press alt+o
-wait_shows $id_folder focus "$panel"
-for id in $id_folder_add $id_folder_browse $id_folders $id_folder_remove $id_rules $id_add_account $id_owners_first $id_add $id_reload $id_folder; do
+wait_focus "$panel" IDC_FOLDER_EDIT
+for id in IDC_FOLDER_ADD IDC_FOLDER_BROWSE IDC_FOLDERS IDC_FOLDER_REMOVE IDC_RULES IDC_ADD_FOR_ACCOUNT IDC_OWNERS_FIRST IDC_ADD_FOR_ANYONE IDC_RELOAD IDC_FOLDER_EDIT; do
     press Tab
-    wait_shows "$id" focus "$panel"
+    wait_focus "$panel" "$id"
 done
 press shift+Tab
-wait_shows $id_reload focus "$panel"
+wait_focus "$panel" IDC_RELOAD
 
 step 'the check box has its key, and the blank as well'
 press alt+w
-wait_shows yes checked "$panel" $id_owners_first
-wait_shows $id_owners_first focus "$panel"
+wait_shows yes checked "$panel" IDC_OWNERS_FIRST
+wait_focus "$panel" IDC_OWNERS_FIRST
 press space
-wait_shows no checked "$panel" $id_owners_first
+wait_shows no checked "$panel" IDC_OWNERS_FIRST
 
 step 'select both folders and add a rule for each'
 press alt+s
-wait_shows $id_folders focus "$panel"
+wait_focus "$panel" IDC_FOLDERS
 press Home shift+End
 wait_shows "0
-1" chosen "$panel" $id_folders
+1" chosen "$panel" IDC_FOLDERS
 press alt+y
 wait_window "$settings"
 press Return
@@ -53,15 +50,15 @@ wait_column 5 "$tree\\Two|$tree\\One"
 
 step 'Enter edits the selected rule'
 press alt+u
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 press Home space
-wait_shows 0 chosen "$panel" $id_rules
+wait_shows 0 chosen "$panel" IDC_RULES
 press Return
 wait_window "$settings"
-wait_shows $id_soft focus "$settings"
+wait_focus "$settings" IDC_QUOTA_SOFT_LIMIT
 type_text 30M
 press Tab
-wait_shows $id_hard focus "$settings"
+wait_focus "$settings" IDC_QUOTA_HARD_LIMIT
 type_text 40M
 press Return
 wait_gone "$settings"
@@ -70,16 +67,16 @@ wait_column 2 '30720K|97280K'
 
 step 'F2 changes the soft limit in place, Esc leaves it'
 press F2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 5M
 press Escape
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 wait_column 2 '30720K|97280K'
 press F2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 60M
 press Return
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 wait_column 1 '61440K|102400K'
 wait_column 2 '61440K|97280K'
 
@@ -95,31 +92,32 @@ wait_column 5 "$tree\\One"
 wait_unsaved
 press F5
 wait_window 'Unsaved Changes'
+shot question-reload
 answer 'Unsaved Changes' alt+y
 wait_saved
 wait_status '2 rules in 2 folders'
 
 step 'a button that F5 disables hands the keys to the list'
-for id in $id_edit $id_drop; do
+for id in IDC_EDIT IDC_DROP; do
     press alt+u Home space
-    wait_shows 0 chosen "$panel" $id_rules
-    wait_shows yes enabled "$panel" $id_edit
+    wait_shows 0 chosen "$panel" IDC_RULES
+    wait_shows yes enabled "$panel" IDC_EDIT
     press Tab Tab Tab Tab
-    [ "$id" = $id_edit ] || press Tab
-    wait_shows "$id" focus "$panel"
+    [ "$id" = IDC_EDIT ] || press Tab
+    wait_focus "$panel" "$id"
     press F5
     wait_shows no enabled "$panel" "$id"
-    wait_shows $id_rules focus "$panel"
+    wait_focus "$panel" IDC_RULES
 done
 
 step 'Ctrl+A takes all'
 press alt+u ctrl+a
 wait_shows '0
-1' chosen "$panel" $id_rules
+1' chosen "$panel" IDC_RULES
 
 step 'Esc does not close the window'
 press alt+o Escape alt+u
-wait_shows $id_rules focus "$panel"
+wait_focus "$panel" IDC_RULES
 
 step 'the menus have every command'
 press alt+r d

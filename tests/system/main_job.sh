@@ -19,12 +19,14 @@ host_start "${options[@]}"
 add_folder "$tree\\Projects"
 add_folder "$tree\\Users"
 wait_status '0 rules in 2 folders'
-for id in $id_edit $id_drop $id_apply; do
+for id in IDC_EDIT IDC_DROP IDC_APPLY; do
     expect "button $id without a rule" no "$(peek enabled "$panel" "$id")"
 done
 
+shot no-rules
+
 step 'add a rule on the one that was added last'
-wait_shows "New rules are for $tree\\Users." text "$panel" $id_folder_hint
+wait_shows "New rules are for $tree\\Users." text "$panel" IDC_FOLDER_HINT
 add_rule 20M 10M
 wait_rules "Anyone|20480K|10240K|$users |$(printf '%02d' $((users * 100 / 20971520)))%|$tree\\Users"
 wait_unsaved
@@ -32,23 +34,25 @@ wait_unsaved
 times_known() { tr -d '\r' 2>/dev/null <"$data/rules.txt" | grep -c '^folder.*\\Users$'; }
 [[ " ${options[*]} " = *' --list-object '* ]] && known=0 || known=1
 expect 'how often the folder is known before Apply' "$known" "$(times_known)"
-expect 'Apply with an unsaved change' yes "$(peek enabled "$panel" $id_apply)"
+expect 'Apply with an unsaved change' yes "$(peek enabled "$panel" IDC_APPLY)"
 
 step 'add a rule that is in the way of itself'
-click "$panel" $id_add
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window Information
+shot message-already-used
 answer Information Return
 wait_status '1 rule in 2 folders'
 
 step 'add on both: one is passed over, the other gets its rule'
 click_folder 0
-ctrl_click_folder 1
-wait_shows 'New rules are for each of the 2 selected folders.' text "$panel" $id_folder_hint
-click "$panel" $id_add
+with_ctrl click_folder 1
+wait_shows 'New rules are for each of the 2 selected folders.' text "$panel" IDC_FOLDER_HINT
+click "$panel" IDC_ADD_FOR_ANYONE
 wait_window "$settings"
-wait_shows 102400K text "$settings" $id_hard
-wait_shows 97280K text "$settings" $id_soft
-click "$settings" $id_ok
+wait_shows 102400K text "$settings" IDC_QUOTA_HARD_LIMIT
+wait_shows 97280K text "$settings" IDC_QUOTA_SOFT_LIMIT
+shot quota-settings-add
+click "$settings" IDOK
 wait_window Information
 answer Information Return
 wait_column 5 "$tree\\Projects|$tree\\Users"
@@ -57,19 +61,20 @@ wait_column 4 "00%|$(printf '%02d' $((users * 100 / 20971520)))%"
 step 'edit: a limit below what is there is refused, a good one is taken'
 double_click_cell 0 5
 wait_window "$settings"
-fill "$settings" $id_hard 100K
-click "$settings" $id_ok
+shot quota-settings-edit
+fill "$settings" IDC_QUOTA_HARD_LIMIT 100K
+click "$settings" IDOK
 wait_window Information
 answer Information Return
 set_limits 50M 40M
 wait_gone "$settings"
 wait_column 1 '51200K|20480K'
-expect 'Edit with a selected row' yes "$(peek enabled "$panel" $id_edit)"
+expect 'Edit with a selected row' yes "$(peek enabled "$panel" IDC_EDIT)"
 
 step 'a double click edits the rule it is on, Enter the first one selected'
 click_cell 0 5
-wait_shows 0 chosen "$panel" $id_rules
-ctrl_double_click_cell 1 5
+wait_shows 0 chosen "$panel" IDC_RULES
+with_ctrl double_click_cell 1 5
 wait_window "$settings"
 wait_for 'the rule of the second row' in_applied_to Users
 set_limits 24M 12M
@@ -78,7 +83,7 @@ in_users="24576K|12288K|$users |$(printf '%02d' $((users * 100 / 25165824)))%|$t
 wait_rules "Anyone|51200K|40960K|$projects |$(printf '%02d' $((projects * 100 / 52428800)))%|$tree\\Projects
 Anyone|$in_users"
 wait_shows '0
-1' chosen "$panel" $id_rules
+1' chosen "$panel" IDC_RULES
 press Return
 wait_window "$settings"
 wait_for 'the rule of the first row' in_applied_to Projects
@@ -92,12 +97,14 @@ click_header 1
 wait_column 1 '24576K|61440K'
 click_header 1
 wait_column 1 '61440K|24576K'
+shot sorted-by-limit
 
 step 'apply'
-click "$panel" $id_apply
+click "$panel" IDC_APPLY
 wait_saved
 wait_status 'All changes stored'
-expect 'Apply without an unsaved change' no "$(peek enabled "$panel" $id_apply)"
+shot applied
+expect 'Apply without an unsaved change' no "$(peek enabled "$panel" IDC_APPLY)"
 expect_stored "Anyone|25165824|12582912|$users|$tree\\Users
 Anyone|62914560|47185920|$projects|$tree\\Projects"
 
@@ -111,11 +118,10 @@ wait_status '2 rules in 2 folders'
 expect 'the rules after the restart' "$shown" "$(rules | sort)"
 
 step 'drop one, apply: its folder has none any more'
-row=$(rules | cut -f 6 | grep -nxF "$tree\\Users" | cut -d : -f 1)
-click_cell $((row - 1)) 0
-click "$panel" $id_drop
+click_cell "$(row_of Users)" 0
+click "$panel" IDC_DROP
 wait_column 5 "$tree\\Projects"
-click "$panel" $id_apply
+click "$panel" IDC_APPLY
 wait_saved
 host_close
 expect_stored "Anyone|62914560|47185920|$projects|$tree\\Projects"

@@ -8,7 +8,7 @@ not_all='Not everything could be read or stored.'
 step 'an editor that cannot store'
 host_start --folder "$tree\\One"
 wait_status 'No store error'
-editor_open n Notifications $id_notifications
+editor_open n Notifications IDC_NOTIFICATIONS_LIST
 editor_add 'Notification script'
 type_text first
 press Return
@@ -26,7 +26,7 @@ unblock
 step 'an editor that finds a damaged file'
 mkdir -p "$data"
 echo 'not a list' >"$data/notifications.txt"
-editor_open n Notifications $id_notifications
+editor_open n Notifications IDC_NOTIFICATIONS_LIST
 wait_entries ''
 answer Notifications Escape
 wait_store_box "$not_all"
@@ -35,7 +35,7 @@ expect 'the damaged file' 'not a list' "$(cat "$data/notifications.txt")"
 rm "$data/notifications.txt"
 
 step 'an editor without troubles'
-editor_open n Notifications $id_notifications
+editor_open n Notifications IDC_NOTIFICATIONS_LIST
 answer Notifications Escape
 wait_window "$panel"
 

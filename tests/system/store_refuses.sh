@@ -8,7 +8,7 @@ stored_before=$(stored)
 step 'make a change'
 host_start
 double_click_cell 0 2
-wait_shows cell focus "$panel"
+wait_focus "$panel" cell
 type_text 10M
 press Return
 wait_unsaved
@@ -23,7 +23,7 @@ wait_unsaved
 wait_status 'Unsaved changes'
 wait_for 'the error in the status line' error_is_shown
 wait_column 2 10240K
-expect 'Apply' yes "$(peek enabled "$panel" $id_apply)"
+expect 'Apply' yes "$(peek enabled "$panel" IDC_APPLY)"
 
 step 'closing with Yes stays open as well'
 press alt+F4

@@ -1,11 +1,49 @@
-# What the stories share. Sourced by each with the build folder and its own output folder.
-. "$(dirname "${BASH_SOURCE[0]}")/../../tools/tour_lib.sh"
-. "$(dirname "${BASH_SOURCE[0]}")/../../tools/dialog_lib.sh"
+# shellcheck shell=bash
+# What the stories share. Each sources it, calls
+#   story_begin BUILD OUT FOLDER...    BUILD: folder of the build; OUT: folder for data, pictures and logs, emptied first;
+#                                      then an empty data folder, and a tree with one small folder of files per name
+# and drives the panel as a person does, by keys and mouse, with a look at what stands in its windows. OUT is C:\Quota for
+# the programs that are driven. There is no display, unless CORVANE_PICTURES names a folder for pictures: then there is one
+# of the story's own, and its keyboard and mouse are used.
+#
+# Nothing waits for a guessed time: every wait is for a state, ends as soon as it is there, and fails after
+# $patience seconds with the name of the step.
 
-# story_begin BUILD OUT FOLDER...: an empty data folder, and a tree with one small folder of files per name.
+set -u -o pipefail
+steps=$(dirname "${BASH_SOURCE[0]}")/steps
+. "$steps/../../../tools/wine.sh"
+. "$steps/look.sh"
+. "$steps/hands.sh"
+. "$steps/panel.sh"
+. "$steps/dialogs.sh"
+. "$steps/samples.sh"
+
+patience=30
+current_step=start
+launcher=()    # a program and its options, which starts the host
+
 story_begin() {
-    tour_begin "$1" "$2"
+    build=$(cd "$1" && pwd) || exit 2
+    mkdir -p "$2" || exit 2
+    out=$(cd "$2" && pwd)
     shift 2
+    prefix=$wine_root/story-${out##*/}
+    lock_prefix "$prefix"
+    trap story_end EXIT
+    trap 'exit 130' HUP INT TERM
+    rm -rf "$out"
+    mkdir "$out" || exit 2
+    data=$out/data
+    pictures=${CORVANE_PICTURES:+$CORVANE_PICTURES/${out##*/}}
+    rm -rf "$pictures"
+    kind=quiet
+    [ -z "$pictures" ] || kind=screen
+    wine_use $kind "$prefix"
+    # Programs see the output folder under a short name, the same on every machine.
+    ln -s "$out" "$WINEPREFIX/drive_c/Quota"
+    [ $kind = quiet ] || display_start
+    peek_start
+
     tree=$(windows_path "$out/tree")
     local folder seed=0
     for folder; do
@@ -14,64 +52,48 @@ story_begin() {
     done
 }
 
-# add_rule HARD SOFT: a rule for anyone on the selected folder.
-add_rule() {
-    click "$panel" $id_add
-    wait_window "$settings"
-    set_limits "$1" "$2"
-    wait_gone "$settings"
+story_end() {
+    stop_all
+    rm -rf "$prefix" "$prefix.lock"
 }
 
-# stored_limits: hard and soft limit of every stored rule, by folder.
-stored_limits() { stored | sed 's/^Anyone|\([0-9]*|[0-9]*\)|[0-9]*|.*\\/\1 /' | awk '{ print $2 "|" $1 }' | sort; }
-expect_limits() { expect 'the stored limits' "$1" "$(stored_limits)"; }
+# step TEXT: what is done next; said to the person who watches and in the error when it gets stuck.
+step() {
+    current_step=$*
+    echo "  $*"
+}
 
-# store_rules FOLDER HARD SOFT ...: stores rules through a host of its own, which it closes again.
-store_rules() {
-    step 'store some rules to begin with'
-    host_start
-    while [ $# -gt 0 ]; do
-        add_folder "$tree\\$1"
-        add_rule "$2" "$3"
-        shift 3
+fail() {
+    echo "FAILED at the step \"$current_step\": $*" >&2
+    echo "Windows on the screen:" >&2
+    peek windows >&2
+    echo "In front: $(peek foreground)" >&2
+    [ $kind = screen ] && picture "$out/failed.png" && echo "Picture of the screen: $out/failed.png" >&2
+    exit 1
+}
+
+# expect WHAT WANTED GOT
+expect() {
+    [ "$2" = "$3" ] || fail "$1
+--- wanted
+$2
+--- got
+$3"
+}
+
+# wait_for WHAT COMMAND...: until the command succeeds.
+wait_for() {
+    local what=$1 deadline=$((SECONDS + patience))
+    shift
+    until "$@"; do
+        [ "$SECONDS" -lt "$deadline" ] || fail "$what did not come within $patience seconds"
+        if [ -n "$host_pid" ] && ! kill -0 "$host_pid" 2>/dev/null; then
+            fail "the host ended while it was to show $what"
+        fi
+        breathe
     done
-    press ctrl+s
-    wait_saved
-    host_close
 }
 
-# in_applied_to NAME: the settings dialog is for the folder of this name.
-in_applied_to() { [[ $(peek text "$settings" 1012) = *[\\/]"$1" ]]; }
-
-# Whether the status line tells of an error.
-error_is_shown() { grep -q '^Store: ' <<<"$(peek parts "$panel" $id_status)"; }
-
-# block, unblock: the store cannot write, and can again. For a user whom no permission holds back, a file stands in
-# the place of the data folder.
-block() {
-    chmod -R a-w "$data"
-    if touch "$data/probe" 2>/dev/null; then
-        rm "$data/probe"
-        chmod -R u+w "$data"
-        mv "$data" "$data.aside"
-        echo 'in the way' >"$data"
-    fi
-}
-unblock() {
-    if [ -d "$data.aside" ]; then
-        rm "$data"
-        mv "$data.aside" "$data"
-    else
-        chmod -R u+w "$data"
-    fi
-}
-
-# wait_store_box LINE: until the box about the store is there; its first line, and that it has a reason. Its text is
-# in $message.
-wait_store_box() {
-    wait_window 'Quota Store'
-    message=$(peek text 'Quota Store' $id_message)
-    sed 's/^/    /' <<<"$message"
-    expect 'how the message begins' "$1" "$(head -n 1 <<<"$message")"
-    [ "$(wc -l <<<"$message")" -gt 2 ] || fail 'the message has no reason'
-}
+# Between two looks, without a process of its own.
+exec {nothing_comes}<> <(:)
+breathe() { read -r -t 0.02 -u "$nothing_comes" || true; }

@@ -23,19 +23,26 @@ launcher=("$(windows_path "$build/tests/system/as_plain_user.exe")")
 host_start
 wait_status 'Not an administrator: view only'
 wait_status '2 rules in 2 folders'
-wait_shows 'Only an administrator can change rules and policies.' text "$panel" $id_folder_hint
+wait_shows 'Only an administrator can change rules and policies.' text "$panel" IDC_FOLDER_HINT
+
+shot view-only
+press alt+i
+wait_shows yes menu
+shot view-only-menu
+press Escape Escape
+wait_shows no menu
 
 step 'no button changes anything'
-not_possible $id_add_account $id_owners_first $id_add $id_edit $id_drop $id_apply
+not_possible IDC_ADD_FOR_ACCOUNT IDC_OWNERS_FIRST IDC_ADD_FOR_ANYONE IDC_EDIT IDC_DROP IDC_APPLY
 click_folder 0
 click_cell 0 0
-wait_shows 0 chosen "$panel" $id_rules
-not_possible $id_add_account $id_owners_first $id_add $id_edit $id_drop $id_apply
+wait_shows 0 chosen "$panel" IDC_RULES
+not_possible IDC_ADD_FOR_ACCOUNT IDC_OWNERS_FIRST IDC_ADD_FOR_ANYONE IDC_EDIT IDC_DROP IDC_APPLY
 
 step 'nor does a key or the mouse'
 press Return F2 Delete alt+w
 nothing_happened
-expect 'the check box' no "$(peek checked "$panel" $id_owners_first)"
+expect 'the check box' no "$(peek checked "$panel" IDC_OWNERS_FIRST)"
 double_click_cell 0 0
 nothing_happened
 double_click_cell 0 2
@@ -54,7 +61,7 @@ step 'looking is allowed'
 click_header 1
 wait_column 1 '30720K|51200K'
 click_folder 0
-click "$panel" $id_folder_remove
+click "$panel" IDC_FOLDER_REMOVE
 wait_status '1 rule in 1 folder'
 press F5
 wait_status '1 rule in 1 folder'

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -16,6 +17,21 @@ std::vector<const QuotaRule*> rulesOf(const RuleGroups& groups, std::uint64_t ha
     });
     EXPECT_FALSE(met);
     return rules;
+}
+
+TEST(RuleGroups, RoomMadeBeforehandChangesNothing)
+{
+    constexpr std::uint64_t kMany = 1000;
+    std::vector<QuotaRule> rules(kMany);
+    RuleGroups groups;
+    groups.addOnTop(3, rules[0]);
+    groups.reserve(kMany);
+    for (std::uint64_t i = 1; i < kMany; ++i) {
+        groups.addOnTop(i % 500, rules[i]);
+    }
+    EXPECT_EQ(rulesOf(groups, 3), (std::vector<const QuotaRule*>{&rules[503], &rules[3], &rules[0]}));
+    EXPECT_EQ(groups.size(499), 2u);
+    EXPECT_EQ(groups.size(500), 0u);
 }
 
 TEST(RuleGroups, FromTheTopDown)

@@ -1,5 +1,7 @@
 #include "window.h"
 
+#include "control_names.h"
+
 #include <cstdio>
 
 namespace peek {
@@ -14,9 +16,20 @@ std::string utf8(const std::wstring& text)
     return bytes;
 }
 
+std::wstring wide(const std::string& bytes)
+{
+    const auto count = static_cast<int>(bytes.size());
+    std::wstring text(bytes.size(), L'\0');
+    text.resize(
+        static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), count, text.data(), count)));
+    return text;
+}
+
 void print(const std::wstring& text)
 {
-    std::printf("%s\n", utf8(text).c_str());
+    std::string bytes = utf8(text);
+    std::erase(bytes, '\r');
+    std::printf("%s\n", bytes.c_str());
 }
 
 void print(int number)
@@ -81,11 +94,11 @@ HWND findWindow(const std::wstring& title)
     throw Missing{"a window \"" + utf8(title) + "\""};
 }
 
-HWND findControl(const std::wstring& title, int id)
+HWND findControl(const std::wstring& title, const std::wstring& name)
 {
-    const HWND control = GetDlgItem(findWindow(title), id);
+    const HWND control = GetDlgItem(findWindow(title), controlNumber(name));
     if (control == nullptr) {
-        throw Missing{"control " + std::to_string(id) + " of \"" + utf8(title) + "\""};
+        throw Missing{"control " + utf8(name) + " of \"" + utf8(title) + "\""};
     }
     return control;
 }

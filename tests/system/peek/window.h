@@ -14,8 +14,9 @@ struct Missing {
 };
 
 std::string utf8(const std::wstring& text);
+std::wstring wide(const std::string& utf8);
 
-/// A line on standard output.
+/// A line on standard output, without returns.
 void print(const std::wstring& text);
 void print(int number);
 
@@ -33,7 +34,7 @@ std::wstring titleOf(HWND window);
 HWND findWindow(const std::wstring& title);
 
 /// A control of such a window. Throws when there is none.
-HWND findControl(const std::wstring& title, int id);
+HWND findControl(const std::wstring& title, const std::wstring& name);
 
 /// Whether a window is of a class of the system.
 bool isA(HWND window, const wchar_t* className);

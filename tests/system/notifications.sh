@@ -1,35 +1,33 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # The editor of notifications: every field of an entry, an edit, a removal, and a password that is kept secret.
-. "$(dirname "$0")/../tour_lib.sh"
-. "$(dirname "$0")/../dialog_lib.sh"
-tour_begin "$1" "$2"
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
 entry='Notification script'
-id_account_only=1023 id_account=1026 id_run_as=1028 id_password=1029 id_increment=1030 id_per_hour=1035 id_per_week=1037
 mkdir -p "$out/scripts"
 touch "$out/scripts/warn.vbs" "$out/scripts/clean.exe"
 
 step 'add one, with every field'
 host_start
-editor_open n Notifications $id_notifications
+editor_open n Notifications IDC_NOTIFICATIONS_LIST
 shot empty
 editor_add "$entry"
 shot entry-new
-click "$entry" $id_entry_browse
+click "$entry" IDC_ENTRY_BROWSE
 wait_window 'Select file'
 type_text 'C:\Quota\scripts\warn.vbs'
 shot select-script
 press Return
 wait_gone 'Select file'
-wait_shows 'C:\Quota\scripts\warn.vbs' text "$entry" $id_entry_text
-expect 'the account before it is asked for' no "$(peek enabled "$entry" $id_account)"
-click "$entry" $id_account_only
-wait_shows yes enabled "$entry" $id_account
-fill "$entry" $id_account 'EXAMPLE\alice'
-fill "$entry" $id_run_as 'EXAMPLE\operator'
-click "$entry" $id_password
+wait_shows 'C:\Quota\scripts\warn.vbs' text "$entry" IDC_ENTRY_TEXT
+expect 'the account before it is asked for' no "$(peek enabled "$entry" IDC_NOTIFY_ACCOUNT)"
+click "$entry" IDC_NOTIFY_ACCOUNT_ONLY
+wait_shows yes enabled "$entry" IDC_NOTIFY_ACCOUNT
+fill "$entry" IDC_NOTIFY_ACCOUNT 'EXAMPLE\alice'
+fill "$entry" IDC_NOTIFY_RUN_AS 'EXAMPLE\operator'
+click "$entry" IDC_NOTIFY_PASSWORD
 type_text 'open sesame'
-fill "$entry" $id_increment 10M
-click "$entry" $id_per_hour
+fill "$entry" IDC_NOTIFY_MIN_INCREMENT 10M
+click "$entry" IDC_NOTIFY_PER_HOUR
 shot entry-filled
 finish "$entry"
 first='C:\Quota\scripts\warn.vbs|EXAMPLE\alice|1hr|EXAMPLE\operator|10240K'
@@ -48,7 +46,7 @@ $first"
 
 step 'edit one, remove one'
 editor_edit 1 "$entry"
-click "$entry" $id_per_week
+click "$entry" IDC_NOTIFY_PER_WEEK
 finish "$entry"
 editor_remove 0
 wait_entries "C:\\Quota\\scripts\\clean.exe|Anyone|1week(s)|IUSR_VANTREL|0 
@@ -58,7 +56,6 @@ shot edited
 step 'store'
 finish "$editor"
 host_close
-show_files notifications.txt
 grep -q 'open sesame' "$data/notifications.txt" && fail 'the password is stored in clear'
 stored_attributes() { in_file notifications.txt | sed 's/^password-sealed [0-9a-f]*$/password-sealed .../'; }
 expect 'what is stored' 'notification C:\Quota\scripts\warn.vbs
@@ -75,10 +72,10 @@ min-increment 0' "$(stored_attributes)"
 
 step 'open again: all of it is back'
 host_start
-editor_open n Notifications $id_notifications
+editor_open n Notifications IDC_NOTIFICATIONS_LIST
 editor_edit 1 "$entry"
-expect 'the account' 'EXAMPLE\alice' "$(peek text "$entry" $id_account)"
-expect 'once per hour' yes "$(peek checked "$entry" $id_per_hour)"
+expect 'the account' 'EXAMPLE\alice' "$(peek text "$entry" IDC_NOTIFY_ACCOUNT)"
+expect 'once per hour' yes "$(peek checked "$entry" IDC_NOTIFY_PER_HOUR)"
 answer "$entry" Escape
 answer "$editor" Escape
 host_close

@@ -1,8 +1,7 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # The editor of backup tools: names typed, picked from the running processes, picked from the disk.
-. "$(dirname "$0")/../tour_lib.sh"
-. "$(dirname "$0")/../dialog_lib.sh"
-tour_begin "$1" "$2"
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
 entry='Backup Processes'
 processes='Select program'
 
@@ -16,25 +15,25 @@ finish "$entry"
 
 step 'one that is running'
 editor_add "$entry"
-click "$entry" $id_entry_browse_running
+click "$entry" IDC_ENTRY_BROWSE_RUNNING
 wait_window "$processes"
-expect 'OK with nothing selected' no "$(peek enabled "$processes" $id_ok)"
-row=$(peek list "$processes" $id_processes | grep -n -m 1 -x corvane_host.exe | cut -d : -f 1)
-click_row "$processes" $id_processes $((row - 1))
-wait_shows yes enabled "$processes" $id_ok
+expect 'OK with nothing selected' no "$(peek enabled "$processes" IDOK)"
+row=$(peek list "$processes" IDC_PROCESS_LIST | grep -n -m 1 -x corvane_host.exe | cut -d : -f 1)
+click_row "$processes" IDC_PROCESS_LIST $((row - 1))
+wait_shows yes enabled "$processes" IDOK
 shot running-processes
 finish "$processes"
-wait_shows corvane_host.exe text "$entry" $id_entry_text
+wait_shows corvane_host.exe text "$entry" IDC_ENTRY_TEXT
 finish "$entry"
 
 step 'one from the disk: its name counts, not its folder'
 editor_add "$entry"
-click "$entry" $id_entry_browse
+click "$entry" IDC_ENTRY_BROWSE
 wait_window 'Select file'
 type_text 'C:\Tools\archive.exe'
 press Return
 wait_gone 'Select file'
-wait_shows archive.exe text "$entry" $id_entry_text
+wait_shows archive.exe text "$entry" IDC_ENTRY_TEXT
 finish "$entry"
 wait_entries 'archive.exe
 corvane_host.exe
@@ -43,7 +42,7 @@ shot three
 
 step 'edit one, remove one'
 editor_edit 2 "$entry"
-fill "$entry" $id_entry_text weekly.exe
+fill "$entry" IDC_ENTRY_TEXT weekly.exe
 finish "$entry"
 editor_remove 1
 wait_entries 'archive.exe
@@ -52,7 +51,6 @@ weekly.exe'
 step 'store'
 finish "$editor"
 host_close
-show_files backup-tools.txt active-backup-tools.txt excludes.cnf
 expect_file backup-tools.txt 'tool weekly.exe
 tool archive.exe'
 expect_file active-backup-tools.txt "$(in_file backup-tools.txt)"

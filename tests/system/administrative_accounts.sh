@@ -1,8 +1,7 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # The editor of administrative accounts: the chooser is its entry dialog.
-. "$(dirname "$0")/../tour_lib.sh"
-. "$(dirname "$0")/../dialog_lib.sh"
-tour_begin "$1" "$2"
+. "$(dirname "$0")/story.sh"
+story_begin "$1" "$2"
 write_accounts
 
 step 'add three'
@@ -22,7 +21,7 @@ step 'anyone is nobody in particular'
 editor_add "$chooser"
 pick Anyone
 wait_window "$editor"
-wait_shows 3 count "$editor" $id_entries
+wait_shows 3 count "$editor" IDC_POLICY_LIST
 
 step 'another account by a double click, one removed'
 editor_edit 2 "$chooser"
@@ -36,7 +35,6 @@ shot edited
 step 'store'
 finish "$editor"
 host_close
-show_files administrative-accounts.txt active-administrative-accounts.txt
 expect_file administrative-accounts.txt 'account EXAMPLE\bob
 account EXAMPLE\Accounting'
 expect_file active-administrative-accounts.txt "$(in_file administrative-accounts.txt)"

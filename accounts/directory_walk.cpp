@@ -267,7 +267,14 @@ void Walker::insertRow(const wchar_t* name, const wchar_t* className, void* sid)
         return;
     }
     wchar_t account[kTextLimit + 1];
-    if (m_hasDomain) {
+    if (m_hasDomain && name != nullptr) {
+        // Formatting would cost as much as the rest of the row.
+        std::size_t length = 0;
+        for (const std::wstring_view part : {m_domain, std::wstring_view(L"\\"), std::wstring_view(name)}) {
+            length += part.copy(account + length, kTextLimit - length);
+        }
+        account[length] = L'\0';
+    } else if (m_hasDomain) {
         formatText(account, L"%.*ls\\%ls", static_cast<int>(m_domain.size()), m_domain.data(), name);
     } else {
         formatText(account, L"%ls", name);

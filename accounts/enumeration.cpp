@@ -1,12 +1,11 @@
 #include "accounts/enumeration.h"
 
 #include "accounts/account_name.h"
-#include "accounts/account_resolution.h"
+#include "accounts/account_rows.h"
 #include "accounts/account_sink.h"
 #include "accounts/directory_walk.h"
 #include "accounts/fill_turn.h"
 #include "accounts/null_session.h"
-#include "accounts/preset_owners.h"
 #include "frame/c_memory.h"
 #include "frame/crash_guard.h"
 #include "frame/domain_servers.h"
@@ -33,16 +32,15 @@ bool guardStep(const char* line, Step&& step)
     return false;
 }
 
+const wchar_t* orEmpty(const wchar_t* text)
+{
+    return text != nullptr ? text : L"";
+}
+
 int countOf(const SidList* list)
 {
     return list != nullptr ? list->count : 0;
 }
-
-/// What the accounts of one list have in common.
-struct AccountKind {
-    const wchar_t* type;
-    int image;
-};
 
 /// How the accounts of this machine are added on the directory's road.
 struct LocalAccounts {
@@ -53,12 +51,6 @@ struct LocalAccounts {
     const char* freeFault;
 };
 
-/// A server of the store's road, and whether this fill has a session there.
-struct Server {
-    CBlock<wchar_t> name;
-    bool connected = false;
-};
-
 /// One fill. It stands outside of the guards, so that what it holds is released after any fault.
 ///
 /// A step may take as long as a network does, so the window is looked at before each of them, and for each account.
@@ -67,13 +59,14 @@ public:
     explicit Fill(FillContext& context)
         : m_context(context)
         , m_sink(*context.sink)
-        , m_presetOwners(context.presetOwners)
+        , m_rows(context)
     {
     }
     Fill(const Fill&) = delete;
     Fill& operator=(const Fill&) = delete;
     ~Fill();
 
+    void begin();
     void run();
 
 private:
@@ -95,31 +88,26 @@ private:
     bool findServers();
     void openNullSessions();
     void closeNullSessions();
-    void disconnect(Server& server);
     void enumerateOn(SidList* (*enumerate)(const wchar_t*, SidList*), const char* domainFault,
                      const char* localFault);
 
-    void insertAccounts(const SidList* list, AccountKind kind);
-    void insertRow(int image, const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
-                   const void* sid);
     void freeTotal();
 
     FillContext& m_context;
     AccountSink& m_sink;
-    PresetOwners m_presetOwners;
+    AccountRows m_rows;
     SidList* m_total = nullptr;
-    Server m_server;
-    Server m_server2;
-    int m_nextRow = 0;
+    ServerSession m_server;
+    ServerSession m_server2;
     wchar_t m_hostBuffer[2048] = {};
 };
 
 Fill::~Fill()
 {
     resetHost();
-    for (Server* const server : {&m_server, &m_server2}) {
-        if (server->connected) {
-            guardStep("EstablishNullSession (disconnect) => sigsegv\n", [&] { disconnect(*server); });
+    for (ServerSession* const server : {&m_server, &m_server2}) {
+        if (server->isOpen()) {
+            guardStep("EstablishNullSession (disconnect) => sigsegv\n", [&] { server->close(); });
         }
     }
     if (m_total != nullptr) {
@@ -135,21 +123,16 @@ void Fill::runStep(const char* line, Step&& step)
     }
 }
 
-/// The rows that need no store. They show before the fill waits for its turn.
-void insertFirstRows(FillContext& context)
+/// What needs no store: it shows before the fill waits for its turn.
+void Fill::begin()
 {
-    AccountSink& sink = *context.sink;
-    sink.insert(0, context.groupImage, L"Please wait until data fetched...", L"", L"", nullptr);
-    if (sink.alive()) {
-        sink.insert(1, context.groupImage, L"Anyone", L"Anyone", L"System", reinterpret_cast<void*>(1));
-    }
-    context.counters[0] = 0;
-    context.counters[1] = 0;
+    m_rows.insertFirst();
+    m_context.counters[0] = 0;
+    m_context.counters[1] = 0;
 }
 
 void Fill::run()
 {
-    m_nextRow = 2;
     if (abandoned()) {
         return;
     }
@@ -171,18 +154,10 @@ void Fill::run()
 
 void Fill::addPresetOwners()
 {
-    const SidList* const owners = m_context.presetOwners;
-    if (owners == nullptr) {
+    if (m_context.presetOwners == nullptr) {
         return;
     }
-    for (int i = 0; i < owners->count && !abandoned(); ++i) {
-        const wchar_t* domain = nullptr;
-        const wchar_t* name = nullptr;
-        const wchar_t* const fullName = resolveAccount(owners->sids[i], domain, name);
-        if (fullName != nullptr) {
-            insertRow(m_context.userImage, name, fullName, L"File owner", owners->sids[i]);
-        }
-    }
+    m_rows.insertPresetOwners();
     if (!abandoned()) {
         mergePresetOwners();
     }
@@ -212,11 +187,11 @@ void Fill::chooseHost()
     if (m_context.host != nullptr || (noDirectory != nullptr ? noDirectory : L"N")[0] == L'Y') {
         return;
     }
-    m_server.name.reset(getDomainServer());
-    formatText(m_hostBuffer, L"WinNT://%ls", m_server.name.get());
+    m_server.setName(getDomainServer());
+    formatText(m_hostBuffer, L"WinNT://%ls", m_server.name());
     m_context.host = m_hostBuffer;
     ODS("wcHost := %ls\n", m_context.host);
-    m_server.name.reset();
+    m_server.setName(nullptr);
 }
 
 void Fill::resetHost()
@@ -269,10 +244,10 @@ void Fill::addFromDirectory(DirectoryKind kind, const char* walkFault, const cha
 
 void Fill::addLocalAccounts(const LocalAccounts& accounts)
 {
-    m_nextRow = m_sink.rowCount();
+    m_rows.countOn();
     SidList* found = nullptr;
     runStep(accounts.enumerateFault, [&] { found = accounts.enumerate(nullptr, nullptr); });
-    runStep(accounts.insertFault, [&] { insertAccounts(found, accounts.kind); });
+    runStep(accounts.insertFault, [&] { m_rows.insert(found, accounts.kind); });
     merge(found, accounts.freeFault);
 }
 
@@ -303,7 +278,7 @@ void Fill::fillFromStore()
     }
     ODS("Users = %d\n", countOf(m_total));
     guardStep("Adding users => sigsegv in tree insertion\n",
-              [&] { insertAccounts(m_total, {L"User", m_context.userImage}); });
+              [&] { m_rows.insert(m_total, {L"User", m_context.userImage}); });
     if (abandoned()) {
         return;
     }
@@ -314,12 +289,12 @@ void Fill::fillFromStore()
         return;
     }
     guardStep("EstablishNullSession (disconnect) => sigsegv\n", [&] { closeNullSessions(); });
-    m_server.name.reset();
-    m_server2.name.reset();
+    m_server.setName(nullptr);
+    m_server2.setName(nullptr);
     resetHost();
     ODS("Groups = %d\n", countOf(m_total));
     runStep("enumerateGroups => sigsegv at insertion in tree\n",
-            [&] { insertAccounts(m_total, {L"Group", m_context.groupImage}); });
+            [&] { m_rows.insert(m_total, {L"Group", m_context.groupImage}); });
     m_context.host = nullptr;
     if (abandoned()) {
         return;
@@ -331,49 +306,41 @@ void Fill::fillFromStore()
 /// @return false when the window is gone.
 bool Fill::findServers()
 {
-    m_server.name.reset(m_context.host != nullptr ? _wcsdup(m_context.host) : getDomainServer());
+    m_server.setName(m_context.host != nullptr ? _wcsdup(m_context.host) : getDomainServer());
     if (abandoned()) {
         return false;
     }
-    if (m_server.name) {
-        m_server2.name.reset(getDomainServerByName(m_server.name.get()));
+    if (m_server.name() != nullptr) {
+        m_server2.setName(getDomainServerByName(m_server.name()));
     }
     if (abandoned()) {
         return false;
     }
-    m_sink.nameServers(m_server.name.get(), m_server2.name.get());
+    m_sink.nameServers(m_server.name(), m_server2.name());
     wchar_t names[2][kServerNameCapacity];
-    formatText(names[0], L"%ls", m_server.name ? m_server.name.get() : L"");
-    formatText(names[1], L"%ls", m_server2.name ? m_server2.name.get() : L"");
+    formatText(names[0], L"%ls", orEmpty(m_server.name()));
+    formatText(names[1], L"%ls", orEmpty(m_server2.name()));
     ODS("Domain server = %ls/%ls\n", names[0], names[1]);
     return true;
 }
 
 void Fill::openNullSessions()
 {
-    // Without a session the server may still answer, so nobody asks how these went.
-    for (Server* const server : {&m_server, &m_server2}) {
-        if (server->name && !abandoned()) {
-            server->connected = EstablishNullSession(server->name.get(), 1) != 0;
+    for (ServerSession* const server : {&m_server, &m_server2}) {
+        if (server->name() != nullptr && !abandoned()) {
+            server->open();
         }
     }
 }
 
-/// Closes them whether they could be opened or not, as it always was.
 void Fill::closeNullSessions()
 {
-    m_server2.connected = false; // a fault at the first passes the second over
-    for (Server* const server : {&m_server, &m_server2}) {
-        if (server->name) {
-            disconnect(*server);
+    m_server2.leaveOpen(); // a fault at the first passes the second over
+    for (ServerSession* const server : {&m_server, &m_server2}) {
+        if (server->name() != nullptr) {
+            server->close();
         }
     }
-}
-
-void Fill::disconnect(Server& server)
-{
-    server.connected = false;
-    EstablishNullSession(server.name.get(), 0);
 }
 
 /// Grows the total by the accounts of the servers and of this machine. A call that gives null replaces it, too.
@@ -381,42 +348,13 @@ void Fill::enumerateOn(SidList* (*enumerate)(const wchar_t*, SidList*), const ch
                        const char* localFault)
 {
     guardStep(domainFault, [&] {
-        for (const Server* const server : {&m_server, &m_server2}) {
-            if (server->name && !abandoned()) {
-                m_total = enumerate(server->name.get(), m_total);
+        for (const ServerSession* const server : {&m_server, &m_server2}) {
+            if (server->name() != nullptr && !abandoned()) {
+                m_total = enumerate(server->name(), m_total);
             }
         }
     });
     runStep(localFault, [&] { m_total = enumerate(nullptr, m_total); });
-}
-
-void Fill::insertAccounts(const SidList* list, AccountKind kind)
-{
-    for (int i = 0; i < countOf(list); ++i) {
-        void* const sid = list->sids[i];
-        if (m_presetOwners.excludes(sid)) {
-            continue;
-        }
-        if (abandoned()) {
-            return;
-        }
-        const wchar_t* domain = nullptr;
-        const wchar_t* name = nullptr;
-        const wchar_t* const fullName = resolveAccount(sid, domain, name);
-        if (fullName != nullptr) {
-            insertRow(kind.image, name, fullName, kind.type, sid);
-        }
-    }
-}
-
-/// Inserts a row behind those that were inserted before, unless the window is gone.
-void Fill::insertRow(int image, const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
-                     const void* sid)
-{
-    if (!abandoned()) {
-        m_sink.insert(m_nextRow, image, account, fullName, type, sidDup(sid));
-        ++m_nextRow;
-    }
 }
 
 void Fill::freeTotal()
@@ -434,7 +372,7 @@ void fillTree(FillContext* context)
     FillTurn turn; // before the fill, which releases what it holds by the store
     Fill fill(*context);
     if (!runGuarded([&] {
-            insertFirstRows(*context);
+            fill.begin();
             if (turn.take(*context->sink)) {
                 fill.run();
             }

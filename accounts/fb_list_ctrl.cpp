@@ -30,13 +30,41 @@ HDITEMW textFilter(HD_TEXTFILTERW& filter, wchar_t (&buffer)[kFilterCapacity])
 
 } // namespace
 
-const wchar_t* CFBListCtrl::SavedRow::text(int column) const
+LRESULT CFBListCtrl::call(UINT message, WPARAM wParam, LPARAM lParam) const
 {
-    const wchar_t* text = texts.c_str();
-    for (; column > 0; --column) {
-        text += wcslen(text) + 1;
+    // A list that went in the middle has no handle any more.
+    return m_straight != nullptr && handle() != nullptr
+               ? CallWindowProcW(m_straight, handle(), message, wParam, lParam)
+               : send(message, wParam, lParam);
+}
+
+int CFBListCtrl::insertWholeRow(int index, int image, std::initializer_list<const wchar_t*> texts,
+                                LPARAM data) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;
+    item.iItem = index;
+    item.iImage = image;
+    item.lParam = data;
+    int row = -1;
+    for (int column = 0; const wchar_t* text : texts) {
+        if (column == 0) {
+            item.pszText = const_cast<wchar_t*>(text);
+            row = static_cast<int>(call(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+        } else if (row != -1) {
+            setCell(row, column, text);
+        }
+        ++column;
     }
-    return text;
+    return row;
+}
+
+void CFBListCtrl::setCell(int row, int column, const wchar_t* text) const
+{
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = const_cast<wchar_t*>(text);
+    call(LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
 }
 
 void CFBListCtrl::addFilterBar() const
@@ -113,7 +141,7 @@ public:
         m_text[0] = L'\0';
         m_item.pszText = m_text;
         m_item.cchTextMax = static_cast<int>(std::size(m_text));
-        m_list.send(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&m_item));
+        m_list.call(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&m_item));
         // A full buffer may mean a longer text, and a control may also leave its text where it is.
         if (m_item.pszText != m_text || wcsnlen(m_text, std::size(m_text)) + 1 >= std::size(m_text)) {
             m_longText = m_list.text(row, 0);
@@ -123,24 +151,40 @@ public:
 
     const wchar_t* firstText() const { return m_item.pszText; }
 
-    /// The whole row that was read.
-    SavedRow save()
+    /// Adds the whole row that was read.
+    /// @param stateMask  what of its state is kept.
+    void save(SavedRows& rows, UINT stateMask)
     {
-        m_texts = m_item.pszText;
-        m_texts += L'\0';
+        rows.add(m_item.iImage, m_item.lParam, m_item.state & stateMask);
+        rows.addText(m_item.pszText);
         for (int column = 1; column < static_cast<int>(m_list.m_filters.size()); ++column) {
-            m_texts += m_list.text(m_item.iItem, column);
-            m_texts += L'\0';
+            addCell(rows, column);
         }
-        return {m_item.iImage, m_item.lParam, m_item.state, m_texts};
     }
 
 private:
+    static constexpr int kShortText = 260;
+
+    void addCell(SavedRows& rows, int column)
+    {
+        wchar_t text[kShortText];
+        LVITEMW cell{};
+        cell.iSubItem = column;
+        cell.pszText = text;
+        cell.cchTextMax = kShortText;
+        const auto length = static_cast<std::size_t>(m_list.call(
+            LVM_GETITEMTEXTW, static_cast<WPARAM>(m_item.iItem), reinterpret_cast<LPARAM>(&cell)));
+        if (cell.pszText == text && length + 1 < kShortText) {
+            rows.addText({text, length});
+        } else {
+            rows.addText(m_list.text(m_item.iItem, column));
+        }
+    }
+
     const CFBListCtrl& m_list;
     LVITEMW m_item{};
-    wchar_t m_text[260];
+    wchar_t m_text[kShortText];
     std::wstring m_longText;
-    std::wstring m_texts;
 };
 
 bool CFBListCtrl::rejects(int row, const wchar_t* firstText) const
@@ -157,9 +201,8 @@ bool CFBListCtrl::rejects(int row, const wchar_t* firstText) const
     return false;
 }
 
-bool CFBListCtrl::rejects(const SavedRow& row) const
+bool CFBListCtrl::rejects(const wchar_t* text) const
 {
-    const wchar_t* text = row.texts.c_str();
     for (const std::wstring& filter : m_filters) {
         if (!filter.empty() && !passesFilter(text, filter.c_str())) {
             return true;
@@ -169,7 +212,7 @@ bool CFBListCtrl::rejects(const SavedRow& row) const
     return false;
 }
 
-bool CFBListCtrl::putBack(const SavedRow& saved) const
+bool CFBListCtrl::putBack(const SavedRow& saved, const wchar_t* text) const
 {
     LVITEMW item{};
     item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM | (saved.state != 0 ? LVIF_STATE : 0u);
@@ -178,15 +221,14 @@ bool CFBListCtrl::putBack(const SavedRow& saved) const
     item.lParam = saved.data;
     item.stateMask = kKeptState;
     item.state = saved.state;
-    const wchar_t* text = saved.texts.c_str();
     item.pszText = const_cast<wchar_t*>(text);
-    const auto row = static_cast<int>(send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+    const auto row = static_cast<int>(call(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
     if (row == -1) {
         return false;
     }
     for (int column = 1; column < static_cast<int>(m_filters.size()); ++column) {
         text += wcslen(text) + 1;
-        setText(row, column, text);
+        setCell(row, column, text);
     }
     return true;
 }
@@ -195,31 +237,33 @@ bool CFBListCtrl::filterRows()
 {
     readFilters();
     bool cameBack = false;
+    const Straight straight(*this);
     withRedrawOff(*this, [&] {
         std::vector<int> rejected;
-        std::vector<SavedRow> saved;
+        SavedRows saved;
         RowReader reader(*this);
         const int rows = rowCount();
         for (int row = 0; row < rows; ++row) {
             reader.read(row);
             if (rejects(row, reader.firstText())) {
                 rejected.push_back(row);
-                saved.push_back(reader.save());
-                saved.back().state = 0; // hidden, a row loses its selection
+                reader.save(saved, 0); // hidden, a row loses its selection
             }
         }
-        std::vector<SavedRow> hidden;
-        hidden.reserve(m_hidden.size() + saved.size()); // before any row goes: what fails, fails without loss
+        SavedRows hidden;
+        // Before any row goes: what fails, fails without loss.
+        hidden.reserve(m_hidden.rows().size() + saved.rows().size(),
+                       m_hidden.characters() + saved.characters());
         remove(rejected);
-        for (SavedRow& row : m_hidden) {
-            if (rejects(row) || !putBack(row)) {
-                hidden.push_back(std::move(row));
+        for (const SavedRow& row : m_hidden.rows()) {
+            if (rejects(m_hidden.texts(row)) || !putBack(row, m_hidden.texts(row))) {
+                hidden.add(m_hidden, row);
             } else {
                 cameBack = true;
             }
         }
-        std::move(saved.begin(), saved.end(), std::back_inserter(hidden));
-        m_hidden.swap(hidden);
+        hidden.add(saved);
+        std::swap(m_hidden, hidden);
     });
     return cameBack;
 }
@@ -239,7 +283,7 @@ void CFBListCtrl::remove(const std::vector<int>& rows)
 
 void CFBListCtrl::rebuildWithout(const std::vector<int>& rows)
 {
-    std::vector<SavedRow> staying;
+    SavedRows staying;
     RowReader reader(*this);
     const auto marked = static_cast<int>(send(LVM_GETSELECTIONMARK));
     int newMark = -1;
@@ -251,15 +295,15 @@ void CFBListCtrl::rebuildWithout(const std::vector<int>& rows)
             continue;
         }
         if (row == marked) {
-            newMark = static_cast<int>(staying.size());
+            newMark = static_cast<int>(staying.rows().size());
         }
         reader.read(row);
-        staying.push_back(reader.save());
+        reader.save(staying, kKeptState);
     }
     deleteAllRows();
-    for (const SavedRow& row : staying) {
-        if (!putBack(row)) {
-            m_hidden.push_back(row); // it comes back with the next filter
+    for (const SavedRow& row : staying.rows()) {
+        if (!putBack(row, staying.texts(row))) {
+            m_hidden.add(staying, row); // it comes back with the next filter
         }
     }
     send(LVM_SETSELECTIONMARK, 0, newMark);

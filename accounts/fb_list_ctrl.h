@@ -1,8 +1,11 @@
 // The list control with a filter bar in its header.
 #pragma once
 
+#include "accounts/saved_rows.h"
+#include "accounts/taken_window.h"
 #include "frame/list_ctrl.h"
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -27,28 +30,50 @@ public:
     /// The filter of a column as last read; empty when there is none.
     const wchar_t* filter(int column) const;
 
-    /// A row that is out of the list.
-    struct SavedRow {
-        int image = 0;
-        LPARAM data = 0;
-        UINT state = 0;     ///< LVIS_...: only for a row that goes back at once
-        std::wstring texts; ///< those of all columns, each with its terminator
-        const wchar_t* text(int column) const;
-    };
     /// In the order in which they were hidden.
-    std::vector<SavedRow>& hiddenRows() { return m_hidden; }
+    SavedRows& hiddenRows() { return m_hidden; }
+
+    /// While it lives, the list's rows are read and inserted by the control's own procedure, without the way through
+    /// the window's: of many rows it costs as much as the rest. Where somebody else gets the messages first, he does.
+    class Straight {
+    public:
+        explicit Straight(const CFBListCtrl& list)
+            : m_list(list)
+        {
+            list.m_straight = list.m_window.straight();
+        }
+        Straight(const Straight&) = delete;
+        Straight& operator=(const Straight&) = delete;
+        ~Straight() { m_list.m_straight = nullptr; }
+
+    private:
+        const CFBListCtrl& m_list;
+    };
+
+protected:
+    TakenWindow& takenWindow() { return m_window; }
+
+    /// @param texts  of the columns.
+    /// @return the row's index, -1 when the list refuses it.
+    int insertWholeRow(int index, int image, std::initializer_list<const wchar_t*> texts, LPARAM data) const;
 
 private:
+    LRESULT call(UINT message, WPARAM wParam, LPARAM lParam) const;
+    void setCell(int row, int column, const wchar_t* text) const;
     std::wstring filterInHeader(int column) const;
     void readFilters();
     bool rejects(int row, const wchar_t* firstText) const;
-    bool rejects(const SavedRow& row) const;
+    /// @param texts  of all columns, each with its terminator.
+    bool rejects(const wchar_t* texts) const;
     class RowReader;
     /// Puts a row at the end of the list. @return false when the list refuses it.
-    bool putBack(const SavedRow& row) const;
+    bool putBack(const SavedRow& row, const wchar_t* texts) const;
     void remove(const std::vector<int>& rows);
     void rebuildWithout(const std::vector<int>& rows);
 
     std::vector<std::wstring> m_filters;
-    std::vector<SavedRow> m_hidden;
+    SavedRows m_hidden;
+    TakenWindow m_window;
+    mutable WNDPROC m_straight =
+        nullptr; ///< see Straight; after a fault in its time of no use until the next
 };

@@ -1,10 +1,8 @@
 // The account list.
 #pragma once
 
-#include "accounts/account_fill.h"
 #include "accounts/fb_list_ctrl.h"
-
-#include <memory>
+#include "accounts/row_pump.h"
 
 /// A report list with one row per account: its name, its full name, its type. A fill thread finds the accounts;
 /// their rows reach the list in batches, in the order in which they were found. Rows carry a SID copy or the
@@ -55,24 +53,8 @@ public:
 private:
     static LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT onMessage(UINT message, WPARAM wParam, LPARAM lParam);
-    void takeOverWindow();
     void leaveWindow();
     void loadImages();
-
-    void onNotice();
-    void goOn();
-    void takeRowsLater(UINT milliseconds);
-    void takeRowsNow();
-    void takeRows(ULONGLONG until, int takes);
-    void takeAllRows();
-    bool nextBatch(int& takes);
-    void takeRow(RowBatch::Entry& entry);
-    bool isFirstInserted(const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
-                         LPARAM data) const;
-    void removeFirstInserted();
-    void onFillEnd();
-    void enableDialog();
-    void dropFill();
     void releaseSids();
 
     int m_sortColumn = -1;
@@ -82,15 +64,5 @@ private:
     int m_groupImage = -1;
     const SidList* m_presetOwners = nullptr;
 
-    WNDPROC m_windowProcedure = nullptr; ///< the platform's
-    std::shared_ptr<AccountFill> m_fill; ///< null when no fill runs
-    RowBatch m_batch;                    ///< taken from the fill, and in the list up to m_next
-    std::size_t m_next = 0;
-    ULONGLONG m_lastTaken = 0; ///< when rows were last put into the list
-    bool m_timerSet = false;
-    bool m_goingOn = false;       ///< a message to go on is under way
-    bool m_mayLeave = false;      ///< the fill waits for another: the dialog may go, or take what there is
-    std::wstring m_firstTexts[3]; ///< of the row that was inserted first
-    LPARAM m_firstData = 0;
-    bool m_anyInserted = false;
+    RowPump m_pump{*this};
 };

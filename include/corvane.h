@@ -7,7 +7,8 @@
  *
  * Threads     All functions are called on the thread that owns the windows passed in, and return when their
  *             work, or their modal dialog, is done. State such as the sort column is module-wide and unlocked:
- *             one dialog of a kind at a time.
+ *             one thread at a time. Dialogs keep their state to themselves: two windows of a thread may each have
+ *             one of a kind open; only the account chooser keeps its last choice for all.
  *             A thread that shows a dialog or changes many rows keeps back 128 KiB of its stack for whoever handles
  *             a stack overflow (SetThreadStackGuarantee), unless it keeps as much already. The platform has no
  *             way to give that back.
@@ -20,10 +21,11 @@
  *             the store throws there, the host sees.
  * Memory      Blocks come from the shared C runtime msvcrt.dll: release with its free.
  *
- * A row of the quota list carries its record as item data, and a dialog gives its record as end code, in 32
- * bits: the low half of the address, zero-extended. A record below 4 GiB is its own 32-bit value and may be
- * read straight from the item data. A record above 4 GiB gets a stand-in that is no valid address; take such
- * records from the chain that getDataModified gives, never from the item data.
+ * Records     A row of the quota list carries its record as item data, and a dialog gives its record as end code,
+ *             in 32 bits. On today's Windows records lie above 4 GiB, and the 32-bit value is then a stand-in that
+ *             is no valid address: take records from the chain that getDataModified gives, never from the item
+ *             data. Only where a record lies below 4 GiB, as in a host that is not aware of large addresses, is the
+ *             value its address.
  */
 #ifndef CORVANE_H
 #define CORVANE_H

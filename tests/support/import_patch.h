@@ -28,6 +28,9 @@ public:
     /// How many imports were replaced. 0: the module does not import such a function, so nothing is patched.
     int count() const { return static_cast<int>(slots_.size()); }
 
+    /// Leaves the replacement in place beyond this object: for a module that may be gone by then.
+    void keep() { slots_.clear(); }
+
     /// What the module called before, null when there is none.
     template <class Function>
     Function* original() const

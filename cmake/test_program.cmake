@@ -1,15 +1,21 @@
 # Test programs and their runs. A program runs whole, in one process: a process for each of its tests would cost more than
 # the tests themselves. Its own last lines tell how many passed.
+include(GoogleTest)
 
-# Usage: run_test_program(TARGET [SHARDS N] [WORKING_DIRECTORY DIR]) has the tests of a program run, the long ones in
-# several parts that may go side by side.
+# Usage: run_test_program(TARGET [SHARDS N | EACH_ALONE] [WORKING_DIRECTORY DIR]) has the tests of a program run, the long
+# ones in several parts that may go side by side. EACH_ALONE is for tests of what is remembered as long as a process lives.
 function(run_test_program target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;WORKING_DIRECTORY" "")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "EACH_ALONE" "SHARDS;WORKING_DIRECTORY" "")
   if(NOT arg_SHARDS)
     set(arg_SHARDS 1)
   endif()
   if(NOT arg_WORKING_DIRECTORY)
     set(arg_WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  endif()
+  if(arg_EACH_ALONE)
+    # They are listed when they run, so that a build needs no Windows runtime.
+    gtest_discover_tests(${target} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+    return()
   endif()
   math(EXPR last "${arg_SHARDS} - 1")
   foreach(shard RANGE ${last})

@@ -5,8 +5,8 @@
 
 namespace peek {
 
-/// The number of a control: IDC_QUOTA_HARD_LIMIT, IDOK; IDC_BOX_TEXT is the text of a message box. Throws when nothing has
-/// this name.
+/// The number of a control: IDC_QUOTA_HARD_LIMIT, IDOK; IDC_BOX_TEXT is the text of a message box; of a window that is not
+/// ours, the number itself. Throws when nothing has this name.
 int controlNumber(const std::wstring& name);
 
 } // namespace peek

@@ -49,8 +49,8 @@ function(both_heaps name)
   target_link_libraries(${name}_objects PRIVATE ${arg_LIBRARIES})
   foreach(regime below above)
     set(program ${name})
-    # A program that is not aware of large addresses gets none as long as there are others.
-    set(options -Wl,-Xlink=-largeaddressaware:no)
+    # Without high entropy, and not aware of large addresses, a program gets low ones as long as there are any.
+    set(options -Wl,-Xlink=-largeaddressaware:no -Wl,--disable-high-entropy-va)
     if(regime STREQUAL above)
       set(program ${name}_high)
       set(options "")

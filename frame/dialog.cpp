@@ -4,6 +4,17 @@
 
 namespace {
 
+// Some systems tell of a click when an automatic radio button merely gets the keyboard. One that was clicked has checked
+// itself before it tells.
+bool isPassingFocus(WPARAM wParam, LPARAM lParam)
+{
+    HWND const button = reinterpret_cast<HWND>(lParam);
+    return button != nullptr && HIWORD(wParam) == BN_CLICKED &&
+           (SendMessageW(button, WM_GETDLGCODE, 0, 0) & DLGC_RADIOBUTTON) != 0 &&
+           (GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK) == BS_AUTORADIOBUTTON &&
+           SendMessageW(button, BM_GETCHECK, 0, 0) != BST_CHECKED;
+}
+
 // The dialog that this thread is about to create. It finds its object here, because the creation parameter is not
 // free: hosts that watch a dialog find the edited record in it.
 thread_local Dialog* opening = nullptr;
@@ -56,6 +67,9 @@ Reply Dialog::dispatch(UINT message, WPARAM wParam, LPARAM lParam)
         onInit();
         return Reply::with(TRUE);
     case WM_COMMAND:
+        if (isPassingFocus(wParam, lParam)) {
+            return {};
+        }
         return {onCommand(LOWORD(wParam)), 0};
     case WM_NOTIFY:
         return onNotify(*reinterpret_cast<NMHDR*>(lParam));

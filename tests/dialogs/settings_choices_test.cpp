@@ -79,6 +79,20 @@ TEST_F(SettingsChoicesTest, PassingByWithTheTabKeyChoosesNothing)
     EXPECT_EQ(WindowsRadios::clicks(), 0);
 }
 
+// Where the button only tells, without checking itself, and cannot be told not to.
+TEST_F(SettingsChoicesTest, AButtonThatOnlyTellsOfTheKeyboardChoosesNothing)
+{
+    QuotaRule* const unchecked = newRule(alice);
+    unchecked->inUse = 77;
+    whileOpen(unchecked, kAdd, [](HWND dialog) {
+        for (const int button : {kNoFiles, kOwnedFiles, kAllFiles}) {
+            SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
+                         reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
+        }
+    });
+    EXPECT_EQ(unchecked->inUse, 77);
+}
+
 TEST_F(SettingsChoicesTest, ExcludeEachOther)
 {
     whileOpen(newRule(alice), kAdd, [](HWND dialog) {

@@ -139,6 +139,7 @@ TEST_F(FillEndTest, FillingAndPickingLeavesNothingBehind)
     for (int i = 0; i < 3; ++i) {
         once();
     }
+    fillThreadLists();
     const LeakCount before = LeakCount::now();
     for (int i = 0; i < kRounds; ++i) {
         once();
@@ -169,6 +170,7 @@ TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
     for (int opening = 0; opening < kOpenings + kWarmUp; ++opening) {
         if (opening == kWarmUp) {
             threads.forget();
+            fillThreadLists();
             before = LeakCount::now();
         }
         const unsigned pumps = upTo(60);

@@ -4,7 +4,9 @@
 
 #include <malloc.h>
 
+#include <cstdlib>
 #include <ostream>
+#include <thread>
 
 namespace {
 
@@ -93,6 +95,20 @@ LeakCount LeakCount::now()
     count.windows = threadWindows();
     count.heapBlocks = busyHeapBlocks();
     return count;
+}
+
+void fillThreadLists()
+{
+    constexpr int kThreads = 160;
+    constexpr size_t kSmall = 2048;
+    for (int i = 0; i < kThreads; ++i) {
+        std::thread([] {
+            for (size_t size = 8; size <= kSmall; size += 8) {
+                void* volatile const block = std::malloc(size);
+                std::free(block);
+            }
+        }).join();
+    }
 }
 
 std::ostream& operator<<(std::ostream& out, const LeakCount& count)

@@ -117,7 +117,10 @@ TEST_F(NetworkAccountsTest, AServerThatNeverComesToAnEndIsLeft)
 NET_API_STATUS WINAPI placeholder(const wchar_t*, const wchar_t*, DWORD, LPBYTE*, DWORD, DWORD*, DWORD*,
                                   DWORD_PTR*)
 {
-    RaiseException(0x80000100, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    // The runtime reads the names of the module and the function before it looks for a handler.
+    const ULONG_PTR names[] = {reinterpret_cast<ULONG_PTR>("netapi32"),
+                               reinterpret_cast<ULONG_PTR>("NetGroupGetUsers")};
+    RaiseException(0x80000100, EXCEPTION_NONCONTINUABLE, static_cast<DWORD>(std::size(names)), names);
     return NERR_Success;
 }
 

@@ -12,9 +12,9 @@ struct LeakCount {
     static LeakCount now();
 
     friend bool operator==(const LeakCount&, const LeakCount&) = default;
-    friend /// Has the heap make what it keeps for threads: some runtimes have lists of small blocks for each of so many threads and
+    friend std::ostream& operator<<(std::ostream& out, const LeakCount& count);
+};
+
+/// Has the heap make what it keeps for threads: some runtimes have lists of small blocks for each of so many threads and
 /// count a list as one block. To be called before a count, where threads come and go before the next one.
 void fillThreadLists();
-
-std::ostream& operator<<(std::ostream& out, const LeakCount& count);
-};

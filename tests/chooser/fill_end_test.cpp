@@ -153,14 +153,14 @@ TEST_F(FillEndTest, FillingAndPickingLeavesNothingBehind)
     EXPECT_EQ(store.openSidLists(), 0);
 }
 
-// A hundred and fifty in all, told apart by their seeds; tests/stress/run abort_fill does as many as it is told.
+// Three hundred in all, told apart by their seeds; tests/stress/run abort_fill does as many as it is told.
 class RandomFillEndTest : public FillEndTest, public testing::WithParamInterface<unsigned> {};
 INSTANTIATE_TEST_SUITE_P(Seed, RandomFillEndTest, testing::Values(1u, 2u, 3u, 4u, 5u));
 
 TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
 {
-    constexpr int kOpenings = 30;
-    constexpr int kWarmUp = 10;
+    constexpr int kOpenings = 60;
+    constexpr int kWarmUp = 20;
     std::mt19937 random(GetParam());
     const auto upTo = [&random](unsigned most) {
         return random() % (most + 1);

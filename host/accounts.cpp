@@ -40,15 +40,15 @@ Sid ownerOf(const std::wstring& file)
 class Waiting {
 public:
     Waiting()
-        : before_(SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)))) // IDC_WAIT, as a wide name
+        : m_before(SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)))) // IDC_WAIT, as a wide name
     {
     }
-    ~Waiting() { SetCursor(before_); }
+    ~Waiting() { SetCursor(m_before); }
     Waiting(const Waiting&) = delete;
     Waiting& operator=(const Waiting&) = delete;
 
 private:
-    HCURSOR before_;
+    HCURSOR m_before;
 };
 
 struct CloseFind {
@@ -62,14 +62,14 @@ public:
     void lookAt(const std::wstring& folder)
     {
         std::vector<std::wstring> waiting{folder}; // a stack of its own: folders may be nested deeply
-        while (!waiting.empty() && seen_ < kMostFiles) {
+        while (!waiting.empty() && m_seen < kMostFiles) {
             const std::wstring next = std::move(waiting.back());
             waiting.pop_back();
             lookInto(next, waiting);
         }
     }
 
-    std::vector<Sid> owners() && { return std::move(owners_); }
+    std::vector<Sid> owners() && { return std::move(m_owners); }
 
 private:
     void lookInto(const std::wstring& folder, std::vector<std::wstring>& waiting)
@@ -87,7 +87,7 @@ private:
             if (name == L"." || name == L"..") {
                 continue;
             }
-            ++seen_;
+            ++m_seen;
             note(ownerOf(start + name));
             // A link may lead back to where the search comes from.
             const bool isLink = (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
@@ -95,19 +95,19 @@ private:
             if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 && !isLink) {
                 waiting.push_back(start + name);
             }
-        } while (seen_ < kMostFiles && FindNextFileW(first, &entry));
+        } while (m_seen < kMostFiles && FindNextFileW(first, &entry));
     }
 
     void note(Sid owner)
     {
-        if (!owner.empty() && known_.insert(ownerKey(owner)).second) {
-            owners_.push_back(std::move(owner));
+        if (!owner.empty() && m_known.insert(ownerKey(owner)).second) {
+            m_owners.push_back(std::move(owner));
         }
     }
 
-    std::vector<Sid> owners_;
-    std::set<std::wstring> known_;
-    int seen_ = 0;
+    std::vector<Sid> m_owners;
+    std::set<std::wstring> m_known;
+    int m_seen = 0;
 };
 
 /// Who owns what is in some folders.

@@ -33,10 +33,10 @@ std::wstring cellText(HWND list, int row)
 } // namespace
 
 CellEditor::CellEditor(HWND dialog, int listId, RulePage& page, UINT whenDone)
-    : dialog_(dialog)
-    , listId_(listId)
-    , page_(page)
-    , whenDone_(whenDone)
+    : m_dialog(dialog)
+    , m_listId(listId)
+    , m_page(page)
+    , m_whenDone(whenDone)
 {
 }
 
@@ -48,13 +48,13 @@ CellEditor::~CellEditor()
 int CellEditor::notify(UINT code, wchar_t* text)
 {
     NMLVDISPINFOW notification{};
-    notification.hdr.hwndFrom = page_.list();
-    notification.hdr.idFrom = static_cast<UINT_PTR>(listId_);
+    notification.hdr.hwndFrom = m_page.list();
+    notification.hdr.idFrom = static_cast<UINT_PTR>(m_listId);
     notification.hdr.code = code;
-    notification.item.iItem = row_;
+    notification.item.iItem = m_row;
     notification.item.iSubItem = kColumn;
     notification.item.pszText = text;
-    return hookNotify(dialog_, listId_, &notification.hdr);
+    return hookNotify(m_dialog, m_listId, &notification.hdr);
 }
 
 void CellEditor::open(int row)
@@ -62,27 +62,27 @@ void CellEditor::open(int row)
     if (isOpen() || row < 0) {
         return;
     }
-    row_ = row;
+    m_row = row;
     if (notify(LVN_BEGINLABELEDITW, nullptr) != 0) {
         return;
     }
-    const HWND list = page_.list();
+    const HWND list = m_page.list();
     ListView_EnsureVisible(list, row, FALSE);
     RECT cell{};
     ListView_GetSubItemRect(list, row, kColumn, LVIR_LABEL, &cell);
-    before_ = cellText(list, row);
-    edit_ = CreateWindowExW(0, WC_EDITW, before_.c_str(),
-                            WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL | ES_RIGHT, cell.left,
-                            cell.top - 1, cell.right - cell.left, cell.bottom - cell.top + 2, list, nullptr,
-                            reinterpret_cast<HINSTANCE>(GetWindowLongPtrW(dialog_, GWLP_HINSTANCE)), nullptr);
-    if (edit_ == nullptr) {
+    m_before = cellText(list, row);
+    m_edit = CreateWindowExW(
+        0, WC_EDITW, m_before.c_str(), WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL | ES_RIGHT,
+        cell.left, cell.top - 1, cell.right - cell.left, cell.bottom - cell.top + 2, list, nullptr,
+        reinterpret_cast<HINSTANCE>(GetWindowLongPtrW(m_dialog, GWLP_HINSTANCE)), nullptr);
+    if (m_edit == nullptr) {
         return;
     }
-    SetWindowSubclass(edit_, keys, 0, reinterpret_cast<DWORD_PTR>(this));
-    SendMessageW(edit_, WM_SETFONT, static_cast<WPARAM>(SendMessageW(list, WM_GETFONT, 0, 0)), TRUE);
-    SendMessageW(edit_, EM_SETLIMITTEXT, kLongestText, 0);
-    SendMessageW(edit_, EM_SETSEL, 0, -1);
-    SetFocus(edit_);
+    SetWindowSubclass(m_edit, keys, 0, reinterpret_cast<DWORD_PTR>(this));
+    SendMessageW(m_edit, WM_SETFONT, static_cast<WPARAM>(SendMessageW(list, WM_GETFONT, 0, 0)), TRUE);
+    SendMessageW(m_edit, EM_SETLIMITTEXT, kLongestText, 0);
+    SendMessageW(m_edit, EM_SETSEL, 0, -1);
+    SetFocus(m_edit);
 }
 
 bool CellEditor::finish()
@@ -90,27 +90,27 @@ bool CellEditor::finish()
     if (!isOpen()) {
         return true;
     }
-    if (explaining_) {
+    if (m_explaining) {
         return false;
     }
-    const std::wstring typed = textOf(edit_);
-    if (typed == before_) {
+    const std::wstring typed = textOf(m_edit);
+    if (typed == m_before) {
         // Untouched. Taking it would also set the hard limit, which nobody asked for.
         cancel();
         return true;
     }
     CellLimit limit = checkCellLimit(typed);
     if (!limit.problem.empty()) {
-        explaining_ = true; // the box takes the focus from the edit, which asks to finish once more
-        say(dialog_, MB_ICONWARNING, L"Soft Quota Limit", limit.problem);
-        explaining_ = false;
-        SetFocus(edit_);
-        SendMessageW(edit_, EM_SETSEL, 0, -1);
+        m_explaining = true; // the box takes the focus from the edit, which asks to finish once more
+        say(m_dialog, MB_ICONWARNING, L"Soft Quota Limit", limit.problem);
+        m_explaining = false;
+        SetFocus(m_edit);
+        SendMessageW(m_edit, EM_SETSEL, 0, -1);
         return false;
     }
     close();
     if (notify(LVN_ENDLABELEDITW, limit.text.data()) != 0) {
-        page_.showNumbers(row_);
+        m_page.showNumbers(m_row);
     }
     return true;
 }
@@ -125,12 +125,12 @@ void CellEditor::cancel()
 
 void CellEditor::close()
 {
-    if (const HWND edit = edit_) {
-        edit_ = nullptr; // first: destroying it takes the focus away, which must not count as leaving it
+    if (const HWND edit = m_edit) {
+        m_edit = nullptr; // first: destroying it takes the focus away, which must not count as leaving it
         const bool hadFocus = GetFocus() == edit;
         DestroyWindow(edit);
         if (hadFocus) {
-            SetFocus(page_.list());
+            SetFocus(m_page.list());
         }
     }
 }
@@ -145,11 +145,11 @@ LRESULT CALLBACK CellEditor::keys(HWND edit, UINT message, WPARAM wParam, LPARAM
     case WM_KEYDOWN:
         if (wParam == VK_ESCAPE) {
             editor.cancel();
-            PostMessageW(editor.dialog_, editor.whenDone_, 0, 0);
+            PostMessageW(editor.m_dialog, editor.m_whenDone, 0, 0);
             return 0;
         }
         if (wParam == VK_RETURN || wParam == VK_TAB) {
-            PostMessageW(editor.dialog_, editor.whenDone_, 0, 0);
+            PostMessageW(editor.m_dialog, editor.m_whenDone, 0, 0);
             return 0;
         }
         break;
@@ -159,8 +159,8 @@ LRESULT CALLBACK CellEditor::keys(HWND edit, UINT message, WPARAM wParam, LPARAM
         }
         break;
     case WM_KILLFOCUS:
-        if (editor.edit_ == edit) {
-            PostMessageW(editor.dialog_, editor.whenDone_, 0, 0);
+        if (editor.m_edit == edit) {
+            PostMessageW(editor.m_dialog, editor.m_whenDone, 0, 0);
         }
         break;
     case WM_NCDESTROY:

@@ -18,7 +18,7 @@ public:
     CellEditor(const CellEditor&) = delete;
     CellEditor& operator=(const CellEditor&) = delete;
 
-    bool isOpen() const { return edit_ != nullptr; }
+    bool isOpen() const { return m_edit != nullptr; }
 
     /// Opens an edit over the row's cell, if the library allows it.
     void open(int row);
@@ -36,14 +36,14 @@ private:
     static LRESULT CALLBACK keys(HWND edit, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                  DWORD_PTR self);
 
-    HWND dialog_;
-    int listId_;
-    RulePage& page_;
-    UINT whenDone_;
-    HWND edit_ = nullptr;
-    int row_ = -1;
-    bool explaining_ = false; ///< a message about what was typed is on the screen
-    std::wstring before_;
+    HWND m_dialog;
+    int m_listId;
+    RulePage& m_page;
+    UINT m_whenDone;
+    HWND m_edit = nullptr;
+    int m_row = -1;
+    bool m_explaining = false; ///< a message about what was typed is on the screen
+    std::wstring m_before;
 };
 
 } // namespace host

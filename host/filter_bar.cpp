@@ -24,7 +24,7 @@ constexpr int kRowHeight = 19; // pixels: an edit in the dialogs' font
 class FilterBar {
 public:
     explicit FilterBar(HWND header)
-        : header_(header)
+        : m_header(header)
     {
     }
 
@@ -42,7 +42,7 @@ private:
 
     LRESULT pass(UINT message, WPARAM wParam, LPARAM lParam)
     {
-        return DefSubclassProc(header_, message, wParam, lParam);
+        return DefSubclassProc(m_header, message, wParam, lParam);
     }
     LRESULT setItem(WPARAM column, const HDITEMW& item);
     LRESULT getItem(WPARAM column, HDITEMW& item);
@@ -51,10 +51,10 @@ private:
     void notify();
     void paint();
 
-    HWND header_;
-    std::vector<Filter> filters_;
-    UINT timeout_ = 1000; // milliseconds between typing and telling, until the owner says otherwise
-    bool setting_ = false;
+    HWND m_header;
+    std::vector<Filter> m_filters;
+    UINT m_timeout = 1000; // milliseconds between typing and telling, until the owner says otherwise
+    bool m_setting = false;
 };
 
 LRESULT FilterBar::handle(UINT message, WPARAM wParam, LPARAM lParam)
@@ -72,7 +72,7 @@ LRESULT FilterBar::handle(UINT message, WPARAM wParam, LPARAM lParam)
     case HDM_GETITEMW:
         return getItem(wParam, *reinterpret_cast<HDITEMW*>(lParam));
     case HDM_SETFILTERCHANGETIMEOUT:
-        return static_cast<LRESULT>(std::exchange(timeout_, static_cast<UINT>(lParam)));
+        return static_cast<LRESULT>(std::exchange(m_timeout, static_cast<UINT>(lParam)));
     case HDM_CLEARFILTER:
         clear(static_cast<int>(wParam));
         return 1;
@@ -87,13 +87,13 @@ LRESULT FilterBar::handle(UINT message, WPARAM wParam, LPARAM lParam)
     }
     case WM_MOUSEMOVE: {
         const LRESULT result = pass(message, wParam, lParam);
-        if (GetCapture() == header_) {
+        if (GetCapture() == m_header) {
             arrange(); // a divider is being dragged
         }
         return result;
     }
     case WM_COMMAND:
-        if (HIWORD(wParam) == EN_CHANGE && !setting_) {
+        if (HIWORD(wParam) == EN_CHANGE && !m_setting) {
             typed(reinterpret_cast<HWND>(lParam));
         }
         return 0;
@@ -119,35 +119,35 @@ LRESULT FilterBar::handle(UINT message, WPARAM wParam, LPARAM lParam)
 void FilterBar::arrange()
 {
     const auto columns =
-        static_cast<size_t>(std::max<LRESULT>(SendMessageW(header_, HDM_GETITEMCOUNT, 0, 0), 0));
-    while (filters_.size() > columns) {
-        DestroyWindow(filters_.back().edit);
-        filters_.pop_back();
+        static_cast<size_t>(std::max<LRESULT>(SendMessageW(m_header, HDM_GETITEMCOUNT, 0, 0), 0));
+    while (m_filters.size() > columns) {
+        DestroyWindow(m_filters.back().edit);
+        m_filters.pop_back();
     }
-    while (filters_.size() < columns) {
-        filters_.push_back({newFilterEdit(header_), {}, false});
+    while (m_filters.size() < columns) {
+        m_filters.push_back({newFilterEdit(m_header), {}, false});
     }
     RECT client{};
-    GetClientRect(header_, &client);
+    GetClientRect(m_header, &client);
     for (size_t column = 0; column < columns; ++column) {
         RECT cell{};
-        SendMessageW(header_, HDM_GETITEMRECT, column, reinterpret_cast<LPARAM>(&cell));
-        MoveWindow(filters_[column].edit, cell.left, client.bottom - kRowHeight, cell.right - cell.left,
+        SendMessageW(m_header, HDM_GETITEMRECT, column, reinterpret_cast<LPARAM>(&cell));
+        MoveWindow(m_filters[column].edit, cell.left, client.bottom - kRowHeight, cell.right - cell.left,
                    kRowHeight, TRUE);
     }
 }
 
 LRESULT FilterBar::setItem(WPARAM column, const HDITEMW& item)
 {
-    if ((item.mask & HDI_FILTER) != 0 && column < filters_.size() && item.pvFilter != nullptr &&
+    if ((item.mask & HDI_FILTER) != 0 && column < m_filters.size() && item.pvFilter != nullptr &&
         (item.type & ~static_cast<UINT>(HDFT_HASNOVALUE)) == HDFT_ISSTRING)
     {
         const bool none = (item.type & HDFT_HASNOVALUE) != 0;
         const wchar_t* text = static_cast<const HD_TEXTFILTERW*>(item.pvFilter)->pszText;
-        filters_[column].text = none || text == nullptr ? L"" : text;
-        setting_ = true;
-        SetWindowTextW(filters_[column].edit, filters_[column].text.c_str());
-        setting_ = false;
+        m_filters[column].text = none || text == nullptr ? L"" : text;
+        m_setting = true;
+        SetWindowTextW(m_filters[column].edit, m_filters[column].text.c_str());
+        m_setting = false;
     }
     HDITEMW rest = item;
     rest.mask &= ~static_cast<UINT>(HDI_FILTER);
@@ -170,8 +170,8 @@ LRESULT FilterBar::getItem(WPARAM column, HDITEMW& item)
     item.mask = mask;
     item.type = type;
     item.pvFilter = filter;
-    if ((mask & HDI_FILTER) != 0 && column < filters_.size()) {
-        const std::wstring& text = filters_[column].text;
+    if ((mask & HDI_FILTER) != 0 && column < m_filters.size()) {
+        const std::wstring& text = m_filters[column].text;
         item.type = HDFT_ISSTRING | (text.empty() ? static_cast<UINT>(HDFT_HASNOVALUE) : 0u);
         auto* target = static_cast<HD_TEXTFILTERW*>(filter);
         if (target != nullptr && target->pszText != nullptr && target->cchTextMax > 0) {
@@ -184,33 +184,33 @@ LRESULT FilterBar::getItem(WPARAM column, HDITEMW& item)
 
 void FilterBar::clear(int column)
 {
-    for (size_t i = 0; i < filters_.size(); ++i) {
+    for (size_t i = 0; i < m_filters.size(); ++i) {
         if (column == -1 || static_cast<size_t>(column) == i) {
-            SetWindowTextW(filters_[i].edit, L""); // its change goes the way of a typed one
+            SetWindowTextW(m_filters[i].edit, L""); // its change goes the way of a typed one
         }
     }
 }
 
 void FilterBar::typed(HWND edit)
 {
-    for (Filter& filter : filters_) {
+    for (Filter& filter : m_filters) {
         if (filter.edit == edit) {
             filter.text = windowText(edit);
             filter.changed = true;
-            SetTimer(header_, kChangeTimer, timeout_, nullptr);
+            SetTimer(m_header, kChangeTimer, m_timeout, nullptr);
         }
     }
 }
 
 void FilterBar::notify()
 {
-    KillTimer(header_, kChangeTimer);
+    KillTimer(m_header, kChangeTimer);
     // The runtime's list view keeps this notification to itself: it goes straight to the list's own parent.
-    const HWND listener = GetParent(GetParent(header_));
-    for (size_t column = 0; column < filters_.size(); ++column) {
-        if (std::exchange(filters_[column].changed, false)) {
+    const HWND listener = GetParent(GetParent(m_header));
+    for (size_t column = 0; column < m_filters.size(); ++column) {
+        if (std::exchange(m_filters[column].changed, false)) {
             NMHEADERW change{};
-            change.hdr = {header_, static_cast<UINT_PTR>(GetDlgCtrlID(header_)),
+            change.hdr = {m_header, static_cast<UINT_PTR>(GetDlgCtrlID(m_header)),
                           static_cast<UINT>(HDN_FILTERCHANGE)};
             change.iItem = static_cast<int>(column);
             SendMessageW(listener, WM_NOTIFY, change.hdr.idFrom, reinterpret_cast<LPARAM>(&change));
@@ -222,9 +222,9 @@ void FilterBar::notify()
 void FilterBar::paint()
 {
     PAINTSTRUCT paint{};
-    const HDC dc = BeginPaint(header_, &paint);
-    paintHeadings(header_, dc, kRowHeight);
-    EndPaint(header_, &paint);
+    const HDC dc = BeginPaint(m_header, &paint);
+    paintHeadings(m_header, dc, kRowHeight);
+    EndPaint(m_header, &paint);
 }
 
 LRESULT CALLBACK subclass(HWND header, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,

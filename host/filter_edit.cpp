@@ -15,12 +15,12 @@ constexpr int kTextMargin = 4; // pixels
 class FilterEdit {
 public:
     explicit FilterEdit(HWND edit)
-        : edit_(edit)
+        : m_edit(edit)
     {
     }
 
     /// What stands there now is what Esc brings back.
-    void begin() { before_ = windowText(edit_); }
+    void begin() { m_before = windowText(m_edit); }
 
     LRESULT handle(UINT message, WPARAM wParam, LPARAM lParam)
     {
@@ -49,7 +49,7 @@ public:
         default:
             break;
         }
-        return DefSubclassProc(edit_, message, wParam, lParam);
+        return DefSubclassProc(m_edit, message, wParam, lParam);
     }
 
 private:
@@ -58,15 +58,15 @@ private:
     void end(WPARAM key)
     {
         if (key == VK_ESCAPE) {
-            SetWindowTextW(edit_, before_.c_str());
+            SetWindowTextW(m_edit, m_before.c_str());
         }
-        const HWND header = GetParent(edit_);
+        const HWND header = GetParent(m_edit);
         SendMessageW(header, kFilterEntered, 0, 0);
         SetFocus(GetParent(header));
     }
 
-    HWND edit_;
-    std::wstring before_;
+    HWND m_edit;
+    std::wstring m_before;
 };
 
 LRESULT CALLBACK subclass(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,

@@ -15,20 +15,20 @@ namespace host {
 
 bool FolderList::has(const std::wstring& name) const
 {
-    return byKey_.contains(folderKey(name));
+    return m_byKey.contains(folderKey(name));
 }
 
 std::vector<std::wstring> FolderList::add(const std::vector<std::wstring>& names)
 {
     std::vector<std::wstring> added;
-    const PaintPause pause(box_);
+    const PaintPause pause(m_box);
     for (const std::wstring& name : names) {
         std::wstring folder = tidyFolder(name);
-        if (folder.empty() || !byKey_.try_emplace(folderKey(folder), names_.size()).second) {
+        if (folder.empty() || !m_byKey.try_emplace(folderKey(folder), m_names.size()).second) {
             continue;
         }
-        SendMessageW(box_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(folder.c_str()));
-        names_.push_back(folder);
+        SendMessageW(m_box, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(folder.c_str()));
+        m_names.push_back(folder);
         added.push_back(std::move(folder));
     }
     fitScrollBar(added);
@@ -37,21 +37,21 @@ std::vector<std::wstring> FolderList::add(const std::vector<std::wstring>& names
 
 void FolderList::selectOnly(const std::wstring& name)
 {
-    const auto found = byKey_.find(folderKey(name));
-    if (found == byKey_.end()) {
+    const auto found = m_byKey.find(folderKey(name));
+    if (found == m_byKey.end()) {
         return;
     }
-    SendMessageW(box_, LB_SETSEL, FALSE, -1);
-    SendMessageW(box_, LB_SETSEL, TRUE, static_cast<LPARAM>(found->second));
-    SendMessageW(box_, LB_SETCARETINDEX, found->second, FALSE);
+    SendMessageW(m_box, LB_SETSEL, FALSE, -1);
+    SendMessageW(m_box, LB_SETSEL, TRUE, static_cast<LPARAM>(found->second));
+    SendMessageW(m_box, LB_SETCARETINDEX, found->second, FALSE);
 }
 
 std::vector<std::wstring> FolderList::selected() const
 {
     std::vector<std::wstring> chosen;
-    for (size_t i = 0; i < names_.size(); ++i) {
-        if (SendMessageW(box_, LB_GETSEL, i, 0) > 0) {
-            chosen.push_back(names_[i]);
+    for (size_t i = 0; i < m_names.size(); ++i) {
+        if (SendMessageW(m_box, LB_GETSEL, i, 0) > 0) {
+            chosen.push_back(m_names[i]);
         }
     }
     return chosen;
@@ -61,41 +61,41 @@ void FolderList::remove(const std::vector<std::wstring>& names)
 {
     std::set<size_t, std::greater<>> leaving; // the last one first, so that no number changes before its turn
     for (const std::wstring& name : names) {
-        if (const auto found = byKey_.find(folderKey(name)); found != byKey_.end()) {
+        if (const auto found = m_byKey.find(folderKey(name)); found != m_byKey.end()) {
             leaving.insert(found->second);
         }
     }
-    const PaintPause pause(box_);
+    const PaintPause pause(m_box);
     for (const size_t index : leaving) {
-        SendMessageW(box_, LB_DELETESTRING, index, 0);
+        SendMessageW(m_box, LB_DELETESTRING, index, 0);
     }
     std::vector<std::wstring> staying;
-    byKey_.clear();
-    for (size_t i = 0; i < names_.size(); ++i) {
+    m_byKey.clear();
+    for (size_t i = 0; i < m_names.size(); ++i) {
         if (!leaving.contains(i)) {
-            byKey_.emplace(folderKey(names_[i]), staying.size());
-            staying.push_back(std::move(names_[i]));
+            m_byKey.emplace(folderKey(m_names[i]), staying.size());
+            staying.push_back(std::move(m_names[i]));
         }
     }
-    names_ = std::move(staying);
-    widest_ = 0;
-    fitScrollBar(names_);
+    m_names = std::move(staying);
+    m_widest = 0;
+    fitScrollBar(m_names);
 }
 
 void FolderList::fitScrollBar(const std::vector<std::wstring>& newNames)
 {
     // A list box does not measure its own texts: without this the end of a long path cannot be reached.
-    const HDC dc = GetDC(box_);
-    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(box_, WM_GETFONT, 0, 0)));
+    const HDC dc = GetDC(m_box);
+    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(m_box, WM_GETFONT, 0, 0)));
     for (const std::wstring& name : newNames) {
         SIZE size{};
         GetTextExtentPoint32W(dc, name.c_str(), static_cast<int>(name.size()), &size);
-        widest_ = std::max(widest_, size.cx);
+        m_widest = std::max(m_widest, size.cx);
     }
     SelectObject(dc, before);
-    ReleaseDC(box_, dc);
+    ReleaseDC(m_box, dc);
     constexpr WPARAM kMargin = 8;
-    SendMessageW(box_, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest_) + kMargin, 0);
+    SendMessageW(m_box, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(m_widest) + kMargin, 0);
 }
 
 std::wstring whyNotAFolder(const std::wstring& name)

@@ -12,7 +12,7 @@ namespace host {
 class FolderList {
 public:
     explicit FolderList(HWND box)
-        : box_(box)
+        : m_box(box)
     {
     }
 
@@ -26,7 +26,7 @@ public:
     bool has(const std::wstring& name) const;
 
     /// All folders, in the order of the box.
-    const std::vector<std::wstring>& all() const { return names_; }
+    const std::vector<std::wstring>& all() const { return m_names; }
 
     std::vector<std::wstring> selected() const;
 
@@ -36,10 +36,10 @@ public:
 private:
     void fitScrollBar(const std::vector<std::wstring>& newNames);
 
-    HWND box_;
-    std::vector<std::wstring> names_;                // entry i of the box is names_[i]
-    std::unordered_map<std::wstring, size_t> byKey_; // where each stands, by folderKey
-    LONG widest_ = 0;                                // of the names, in pixels
+    HWND m_box;
+    std::vector<std::wstring> m_names;                // entry i of the box is m_names[i]
+    std::unordered_map<std::wstring, size_t> m_byKey; // where each stands, by folderKey
+    LONG m_widest = 0;                                // of the names, in pixels
 };
 
 /// Checks a folder that a person typed.

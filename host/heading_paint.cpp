@@ -15,13 +15,13 @@ constexpr int kTextMargin = 6; // pixels beside a heading
 class HeadingLook {
 public:
     explicit HeadingLook(HWND header)
-        : theme_(OpenThemeData(header, L"HEADER"))
+        : m_theme(OpenThemeData(header, L"HEADER"))
     {
     }
     ~HeadingLook()
     {
-        if (theme_ != nullptr) {
-            CloseThemeData(theme_);
+        if (m_theme != nullptr) {
+            CloseThemeData(m_theme);
         }
     }
     HeadingLook(const HeadingLook&) = delete;
@@ -29,8 +29,8 @@ public:
 
     void paint(HDC dc, RECT area) const
     {
-        if (theme_ != nullptr) {
-            DrawThemeBackground(theme_, dc, HP_HEADERITEM, HIS_NORMAL, &area, nullptr);
+        if (m_theme != nullptr) {
+            DrawThemeBackground(m_theme, dc, HP_HEADERITEM, HIS_NORMAL, &area, nullptr);
         } else {
             DrawEdge(dc, &area, EDGE_RAISED, BF_RECT | BF_SOFT | BF_MIDDLE);
         }
@@ -38,13 +38,13 @@ public:
 
     void paintRest(HDC dc, const RECT& area) const
     {
-        if (theme_ == nullptr || FAILED(DrawThemeBackground(theme_, dc, 0, 0, &area, nullptr))) {
+        if (m_theme == nullptr || FAILED(DrawThemeBackground(m_theme, dc, 0, 0, &area, nullptr))) {
             FillRect(dc, &area, GetSysColorBrush(COLOR_3DFACE));
         }
     }
 
 private:
-    HTHEME theme_;
+    HTHEME m_theme;
 };
 
 void paintHeading(HWND header, HDC dc, int column, int lower, const HeadingLook& look)

@@ -14,8 +14,8 @@ class OneAnswer {
 public:
     /// @param message  of the window's own.
     OneAnswer(HWND window, UINT message)
-        : window_(window)
-        , message_(message)
+        : m_window(window)
+        , m_message(message)
     {
     }
 
@@ -24,18 +24,18 @@ public:
     {
         const bool selection = (change.uChanged & LVIF_STATE) != 0 &&
                                ((change.uOldState ^ change.uNewState) & LVIS_SELECTED) != 0;
-        if (selection && !waiting_) {
-            waiting_ = PostMessageW(window_, message_, 0, 0) != FALSE;
+        if (selection && !m_waiting) {
+            m_waiting = PostMessageW(m_window, m_message, 0, 0) != FALSE;
         }
     }
 
     /// The message has arrived: from here on changes need another.
-    void arrived() { waiting_ = false; }
+    void arrived() { m_waiting = false; }
 
 private:
-    HWND window_;
-    UINT message_;
-    bool waiting_ = false;
+    HWND m_window;
+    UINT m_message;
+    bool m_waiting = false;
 };
 
 } // namespace host

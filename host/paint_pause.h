@@ -9,20 +9,20 @@ namespace host {
 class PaintPause {
 public:
     explicit PaintPause(HWND list)
-        : list_(list)
+        : m_list(list)
     {
-        SendMessageW(list_, WM_SETREDRAW, FALSE, 0);
+        SendMessageW(m_list, WM_SETREDRAW, FALSE, 0);
     }
     ~PaintPause()
     {
-        SendMessageW(list_, WM_SETREDRAW, TRUE, 0);
-        InvalidateRect(list_, nullptr, TRUE);
+        SendMessageW(m_list, WM_SETREDRAW, TRUE, 0);
+        InvalidateRect(m_list, nullptr, TRUE);
     }
     PaintPause(const PaintPause&) = delete;
     PaintPause& operator=(const PaintPause&) = delete;
 
 private:
-    HWND list_;
+    HWND m_list;
 };
 
 } // namespace host

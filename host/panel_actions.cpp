@@ -20,29 +20,29 @@ constexpr wchar_t kNotAllDone[] = L"Not everything could be read or stored.";
 
 void PanelWindow::addTypedFolder(const std::wstring& typed)
 {
-    const HWND edit = GetDlgItem(window_, IDC_FOLDER_EDIT);
+    const HWND edit = GetDlgItem(m_window, IDC_FOLDER_EDIT);
     const std::wstring folder = tidyFolder(typed);
     std::wstring problem;
-    if (folders_->has(folder)) {
+    if (m_folders->has(folder)) {
         problem = L"The folder \"" + folder + L"\" is already shown.";
     } else {
         problem = whyNotAFolder(folder);
     }
     if (!problem.empty()) {
-        say(window_, MB_ICONINFORMATION, L"Add Folder", problem);
+        say(m_window, MB_ICONINFORMATION, L"Add Folder", problem);
         SetFocus(edit);
         SendMessageW(edit, EM_SETSEL, 0, -1);
         return;
     }
     SetWindowTextW(edit, L"");
     showFolders({folder});
-    folders_->selectOnly(folder); // the next thing to do is to add a rule for it
+    m_folders->selectOnly(folder); // the next thing to do is to add a rule for it
     selectionChanged();
 }
 
 void PanelWindow::showFolders(const std::vector<std::wstring>& folders)
 {
-    const std::wstring error = page_->show(folders_->add(folders));
+    const std::wstring error = m_page->show(m_folders->add(folders));
     rulesChanged();
     selectionChanged();
     if (!error.empty()) {
@@ -52,25 +52,25 @@ void PanelWindow::showFolders(const std::vector<std::wstring>& folders)
 
 void PanelWindow::removeFolders()
 {
-    const std::vector<std::wstring> chosen = folders_->selected();
-    if (page_->isModified(chosen) && ask(window_, MB_YESNO | MB_DEFBUTTON2, kUnsaved,
-                                         L"Rules of these folders have unsaved changes, which would be "
-                                         L"lost.\n\nRemove the folders from view?") != IDYES)
+    const std::vector<std::wstring> chosen = m_folders->selected();
+    if (m_page->isModified(chosen) && ask(m_window, MB_YESNO | MB_DEFBUTTON2, kUnsaved,
+                                          L"Rules of these folders have unsaved changes, which would be "
+                                          L"lost.\n\nRemove the folders from view?") != IDYES)
     {
         return;
     }
-    page_->hide(chosen);
-    folders_->remove(chosen);
-    SetFocus(GetDlgItem(window_, IDC_FOLDERS));
+    m_page->hide(chosen);
+    m_folders->remove(chosen);
+    SetFocus(GetDlgItem(m_window, IDC_FOLDERS));
     rulesChanged();
     selectionChanged();
 }
 
 void PanelWindow::addFor(void* sid)
 {
-    const std::vector<std::wstring> chosen = folders_->selected();
-    if (mayEdit_ && !chosen.empty()) {
-        const std::wstring error = page_->add(sid, chosen);
+    const std::vector<std::wstring> chosen = m_folders->selected();
+    if (m_mayEdit && !chosen.empty()) {
+        const std::wstring error = m_page->add(sid, chosen);
         rulesChanged();
         if (!error.empty()) {
             reportStore(kNotAllDone, error);
@@ -81,7 +81,7 @@ void PanelWindow::addFor(void* sid)
 void PanelWindow::addForAccount()
 {
     AccountChoice account{};
-    const std::wstring error = storeErrorsOf([&] { account = chooseAccount(window_); });
+    const std::wstring error = storeErrorsOf([&] { account = chooseAccount(m_window); });
     addForChosen(account, error);
 }
 
@@ -89,19 +89,19 @@ void PanelWindow::addForOwner()
 {
     AccountChoice account{};
     const std::wstring error =
-        storeErrorsOf([&] { account = chooseAccountOwnersFirst(window_, folders_->selected()); });
+        storeErrorsOf([&] { account = chooseAccountOwnersFirst(m_window, m_folders->selected()); });
     addForChosen(account, error);
 }
 
 bool PanelWindow::ownersFirst() const
 {
-    return getButtonState(window_, IDC_OWNERS_FIRST) == BST_CHECKED;
+    return getButtonState(m_window, IDC_OWNERS_FIRST) == BST_CHECKED;
 }
 
 /// The box does not check itself: a click that the panel refuses, over a cell that holds no limit, is to change nothing.
 void PanelWindow::turnOwnersFirst()
 {
-    setButtonState(window_, IDC_OWNERS_FIRST, ownersFirst() ? BST_UNCHECKED : BST_CHECKED);
+    setButtonState(m_window, IDC_OWNERS_FIRST, ownersFirst() ? BST_UNCHECKED : BST_CHECKED);
 }
 
 void PanelWindow::addForChosen(const AccountChoice& account, const std::wstring& error)
@@ -116,15 +116,15 @@ void PanelWindow::addForChosen(const AccountChoice& account, const std::wstring&
 
 void PanelWindow::edit()
 {
-    if (mayEdit_) {
-        ruleEdited(page_->edit());
+    if (m_mayEdit) {
+        ruleEdited(m_page->edit());
     }
 }
 
 void PanelWindow::editRow(int row)
 {
-    if (mayEdit_) {
-        ruleEdited(page_->editRow(row));
+    if (m_mayEdit) {
+        ruleEdited(m_page->editRow(row));
     }
 }
 
@@ -139,21 +139,21 @@ void PanelWindow::ruleEdited(const std::wstring& error)
 /// Edit and Drop are there for those who may change rules, while a row is selected.
 void PanelWindow::updateRuleButtons()
 {
-    if (!mayEdit_) {
+    if (!m_mayEdit) {
         return;
     }
     for (const int id : {IDC_EDIT, IDC_DROP}) {
-        if (GetFocus() == GetDlgItem(window_, id) && page_->selectedRow() < 0) {
-            SetFocus(page_->list()); // a disabled window gets no keys
+        if (GetFocus() == GetDlgItem(m_window, id) && m_page->selectedRow() < 0) {
+            SetFocus(m_page->list()); // a disabled window gets no keys
         }
     }
-    page_->enableForSelection(IDC_EDIT, IDC_DROP);
+    m_page->enableForSelection(IDC_EDIT, IDC_DROP);
 }
 
 void PanelWindow::drop()
 {
-    if (mayEdit_) {
-        page_->drop();
+    if (m_mayEdit) {
+        m_page->drop();
         rulesChanged();
     }
 }
@@ -161,7 +161,7 @@ void PanelWindow::drop()
 void PanelWindow::openDialogOf(int menuEntry)
 {
     // The library's dialogs load and store by themselves, and say nothing when the store cannot.
-    const std::wstring error = storeErrorsOf([&] { openLibraryDialog(window_, menuEntry); });
+    const std::wstring error = storeErrorsOf([&] { openLibraryDialog(m_window, menuEntry); });
     if (!error.empty()) {
         reportStore(kNotAllDone, error);
     }
@@ -169,15 +169,15 @@ void PanelWindow::openDialogOf(int menuEntry)
 
 bool PanelWindow::apply()
 {
-    if (!modified_) {
+    if (!m_modified) {
         return true;
     }
-    const RulePage::Stored stored = page_->store(folders_->all());
+    const RulePage::Stored stored = m_page->store(m_folders->all());
     if (!stored.done) {
         reportStore(L"The rules were not stored.", stored.problems);
         return false;
     }
-    status_->showError({});
+    m_status->showError({});
     rulesChanged();
     if (!stored.problems.empty()) {
         reportStore(L"The rules are stored. There is more to know:", stored.problems);
@@ -187,15 +187,15 @@ bool PanelWindow::apply()
 
 void PanelWindow::reload()
 {
-    if (modified_ &&
-        ask(window_, MB_YESNO | MB_DEFBUTTON2, kUnsaved,
+    if (m_modified &&
+        ask(m_window, MB_YESNO | MB_DEFBUTTON2, kUnsaved,
             L"Reading the stored rules again drops all unsaved changes.\n\nReload all the same?") != IDYES)
     {
         return;
     }
-    page_->clear();
-    const std::wstring error = page_->show(folders_->all());
-    status_->showError({});
+    m_page->clear();
+    const std::wstring error = m_page->show(m_folders->all());
+    m_status->showError({});
     rulesChanged();
     if (!error.empty()) {
         reportStore(L"Not all rules could be read.", error);
@@ -206,10 +206,10 @@ void PanelWindow::reload()
 /// person is shown it.
 bool PanelWindow::hasOpenDialog()
 {
-    if (IsWindowEnabled(window_)) {
+    if (IsWindowEnabled(m_window)) {
         return false;
     }
-    SetForegroundWindow(GetLastActivePopup(window_));
+    SetForegroundWindow(GetLastActivePopup(m_window));
     MessageBeep(MB_ICONWARNING);
     return true;
 }
@@ -217,11 +217,11 @@ bool PanelWindow::hasOpenDialog()
 /// Asks nothing: the system has its own screen for programs that want the session to go on, with the reason.
 bool PanelWindow::mayEndSession()
 {
-    const bool dialogIsOpen = IsWindowEnabled(window_) == FALSE;
-    if (!dialogIsOpen && !modified_ && !cell_->isOpen()) {
+    const bool dialogIsOpen = IsWindowEnabled(m_window) == FALSE;
+    if (!dialogIsOpen && !m_modified && !m_cell->isOpen()) {
         return true;
     }
-    ShutdownBlockReasonCreate(window_,
+    ShutdownBlockReasonCreate(m_window,
                               dialogIsOpen ? L"A dialog is open." : L"The rules have unsaved changes.");
     return false;
 }
@@ -231,10 +231,10 @@ bool PanelWindow::mayClose()
     if (!finishCell()) {
         return false;
     }
-    if (!modified_) {
+    if (!m_modified) {
         return true;
     }
-    switch (ask(window_, MB_YESNOCANCEL, kUnsaved,
+    switch (ask(m_window, MB_YESNOCANCEL, kUnsaved,
                 L"The rules have unsaved changes.\n\nStore them before closing?"))
     {
     case IDYES:
@@ -248,21 +248,21 @@ bool PanelWindow::mayClose()
 
 void PanelWindow::openCell(int row)
 {
-    if (!mayEdit_) {
+    if (!m_mayEdit) {
         return;
     }
-    cell_->open(row);
-    if (cell_->isOpen()) {
+    m_cell->open(row);
+    if (m_cell->isOpen()) {
         enable(IDC_APPLY, true); // it would take what is being typed
     }
 }
 
 bool PanelWindow::finishCell()
 {
-    if (!cell_->isOpen()) {
+    if (!m_cell->isOpen()) {
         return true;
     }
-    const bool finished = cell_->finish();
+    const bool finished = m_cell->finish();
     if (finished) {
         rulesChanged();
     }
@@ -272,36 +272,37 @@ bool PanelWindow::finishCell()
 void PanelWindow::rulesChanged()
 {
     updateRuleButtons();
-    modified_ = page_->isModified();
-    SetWindowTextW(window_, modified_ ? (std::wstring(kCaption) + L" - unsaved changes").c_str() : kCaption);
-    enable(IDC_APPLY, modified_);
-    status_->showRules(page_->count(), folders_->all().size());
-    status_->showModified(modified_);
+    m_modified = m_page->isModified();
+    SetWindowTextW(m_window,
+                   m_modified ? (std::wstring(kCaption) + L" - unsaved changes").c_str() : kCaption);
+    enable(IDC_APPLY, m_modified);
+    m_status->showRules(m_page->count(), m_folders->all().size());
+    m_status->showModified(m_modified);
 }
 
 void PanelWindow::selectionChanged()
 {
-    const std::vector<std::wstring> chosen = folders_->selected();
+    const std::vector<std::wstring> chosen = m_folders->selected();
     enable(IDC_FOLDER_REMOVE, !chosen.empty());
-    enable(IDC_ADD_FOR_ACCOUNT, mayEdit_ && !chosen.empty());
-    enable(IDC_OWNERS_FIRST, mayEdit_ && !chosen.empty());
-    enable(IDC_ADD_FOR_ANYONE, mayEdit_ && !chosen.empty());
+    enable(IDC_ADD_FOR_ACCOUNT, m_mayEdit && !chosen.empty());
+    enable(IDC_OWNERS_FIRST, m_mayEdit && !chosen.empty());
+    enable(IDC_ADD_FOR_ANYONE, m_mayEdit && !chosen.empty());
     std::wstring hint = L"Select the folders that new rules are for.";
-    if (!mayEdit_) {
+    if (!m_mayEdit) {
         hint = L"Only an administrator can change rules and policies.";
     } else if (chosen.size() == 1) {
         hint = L"New rules are for " + chosen.front() + L".";
     } else if (chosen.size() > 1) {
         hint = L"New rules are for each of the " + std::to_wstring(chosen.size()) + L" selected folders.";
     }
-    SetWindowTextW(GetDlgItem(window_, IDC_FOLDER_HINT), hint.c_str());
+    SetWindowTextW(GetDlgItem(m_window, IDC_FOLDER_HINT), hint.c_str());
 }
 
 void PanelWindow::enable(int id, bool enabled)
 {
-    const HWND control = GetDlgItem(window_, id);
+    const HWND control = GetDlgItem(m_window, id);
     if (!enabled && GetFocus() == control) {
-        SetFocus(page_->list()); // a disabled window gets no keys
+        SetFocus(m_page->list()); // a disabled window gets no keys
     }
     EnableWindow(control, enabled);
 }
@@ -309,8 +310,8 @@ void PanelWindow::enable(int id, bool enabled)
 void PanelWindow::reportStore(const std::wstring& whatFailed, const std::wstring& error)
 {
     constexpr size_t kMostLines = 12;
-    status_->showError(error);
-    say(window_, MB_ICONERROR, L"Quota Store", whatFailed + L"\n\n" + firstLines(error, kMostLines));
+    m_status->showError(error);
+    say(m_window, MB_ICONERROR, L"Quota Store", whatFailed + L"\n\n" + firstLines(error, kMostLines));
 }
 
 } // namespace host

@@ -40,7 +40,7 @@ constexpr Button kRightButtons[] = {{IDC_APPLY, kButtonWidth}, {IDC_RELOAD, kBut
 class Units {
 public:
     explicit Units(HWND panel)
-        : panel_(panel)
+        : m_panel(panel)
     {
     }
     int x(int units) const { return pixels(units).x; }
@@ -50,33 +50,33 @@ private:
     POINT pixels(int units) const
     {
         RECT area{0, 0, units, units};
-        MapDialogRect(panel_, &area);
+        MapDialogRect(m_panel, &area);
         return {area.right, area.bottom};
     }
-    HWND panel_;
+    HWND m_panel;
 };
 
 /// Moves many controls at once.
 class Placer {
 public:
     explicit Placer(HWND panel)
-        : panel_(panel)
-        , batch_(BeginDeferWindowPos(20))
+        : m_panel(panel)
+        , m_batch(BeginDeferWindowPos(20))
     {
     }
-    ~Placer() { EndDeferWindowPos(batch_); }
+    ~Placer() { EndDeferWindowPos(m_batch); }
     Placer(const Placer&) = delete;
     Placer& operator=(const Placer&) = delete;
 
     void put(int id, int left, int top, int width, int height)
     {
-        batch_ = DeferWindowPos(batch_, GetDlgItem(panel_, id), nullptr, left, top, width, height,
-                                SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
+        m_batch = DeferWindowPos(m_batch, GetDlgItem(m_panel, id), nullptr, left, top, width, height,
+                                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     }
 
 private:
-    HWND panel_;
-    HDWP batch_;
+    HWND m_panel;
+    HDWP m_batch;
 };
 
 int heightOf(HWND window)

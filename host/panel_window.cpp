@@ -33,15 +33,15 @@ std::vector<std::wstring> knownFolders()
 
 bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& folders, const ListCalls& calls)
 {
-    instance_ = instance;
-    calls_ = &calls;
+    m_instance = instance;
+    m_calls = &calls;
     if (CreateDialogParamW(instance, MAKEINTRESOURCEW(IDD_PANEL), nullptr, procedure,
                            reinterpret_cast<LPARAM>(this)) == nullptr)
     {
         return false;
     }
-    ShowWindow(window_, SW_SHOWDEFAULT);
-    UpdateWindow(window_);
+    ShowWindow(m_window, SW_SHOWDEFAULT);
+    UpdateWindow(m_window);
 
     std::vector<std::wstring> known = knownFolders();
     const std::wstring error = lornixLastError();
@@ -50,8 +50,8 @@ bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& fold
     }
     showFolders(known);
     for (const std::wstring& folder : folders) {
-        if (folders_->has(folder)) { // asked for again at every start, it is known to the store by and by
-            folders_->selectOnly(folder);
+        if (m_folders->has(folder)) { // asked for again at every start, it is known to the store by and by
+            m_folders->selectOnly(folder);
             selectionChanged();
         } else {
             addTypedFolder(folder);
@@ -62,11 +62,11 @@ bool PanelWindow::open(HINSTANCE instance, const std::vector<std::wstring>& fold
 
 void PanelWindow::run()
 {
-    const HACCEL accelerators = LoadAcceleratorsW(instance_, MAKEINTRESOURCEW(IDA_PANEL));
+    const HACCEL accelerators = LoadAcceleratorsW(m_instance, MAKEINTRESOURCEW(IDA_PANEL));
     MSG message{};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (TranslateAcceleratorW(window_, accelerators, &message) == 0 &&
-            !IsDialogMessageW(window_, &message))
+        if (TranslateAcceleratorW(m_window, accelerators, &message) == 0 &&
+            !IsDialogMessageW(m_window, &message))
         {
             TranslateMessage(&message);
             DispatchMessageW(&message);
@@ -78,7 +78,7 @@ INT_PTR CALLBACK PanelWindow::procedure(HWND window, UINT message, WPARAM wParam
 {
     if (message == WM_INITDIALOG) {
         auto* self = reinterpret_cast<PanelWindow*>(lParam);
-        self->window_ = window;
+        self->m_window = window;
         self->setUp();
         SetWindowLongPtrW(window, DWLP_USER, lParam); // last: what the controls tell before is of no interest
         return TRUE;
@@ -100,38 +100,38 @@ INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
         updateMenu(reinterpret_cast<HMENU>(wParam));
         return TRUE;
     case kCellDone:
-        if (cell_->finish()) {
+        if (m_cell->finish()) {
             rulesChanged(); // also for a cell that was given up: Apply is as before it was opened
         }
         return TRUE;
     case kRowsSelected:
-        selection_->arrived();
+        m_selection->arrived();
         updateRuleButtons();
         return TRUE;
     case WM_SIZE:
         if (wParam != SIZE_MINIMIZED) {
-            layOutPanel(window_);
-            status_->resize();
-            page_->fitColumns();
+            layOutPanel(m_window);
+            m_status->resize();
+            m_page->fitColumns();
         }
         return TRUE;
     case WM_GETMINMAXINFO: {
-        const SIZE smallest = smallestPanel(window_);
+        const SIZE smallest = smallestPanel(m_window);
         reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {smallest.cx, smallest.cy};
         return TRUE;
     }
     case WM_CLOSE:
         if (!hasOpenDialog() && mayClose()) {
-            DestroyWindow(window_);
+            DestroyWindow(m_window);
         }
         return TRUE;
     case WM_QUERYENDSESSION:
-        SetWindowLongPtrW(window_, DWLP_MSGRESULT, mayEndSession() ? TRUE : FALSE);
+        SetWindowLongPtrW(m_window, DWLP_MSGRESULT, mayEndSession() ? TRUE : FALSE);
         return TRUE;
     case WM_ENDSESSION:
         if (wParam == FALSE) {
             ShutdownBlockReasonDestroy(
-                window_); // the session goes on, and the reason is not for the next time
+                m_window); // the session goes on, and the reason is not for the next time
         }
         return TRUE;
     case WM_DESTROY:
@@ -144,31 +144,31 @@ INT_PTR PanelWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
 
 void PanelWindow::setUp()
 {
-    folders_ = std::make_unique<FolderList>(GetDlgItem(window_, IDC_FOLDERS));
-    page_ = std::make_unique<RulePage>(window_, IDC_RULES, *calls_);
-    cell_ = std::make_unique<CellEditor>(window_, IDC_RULES, *page_, kCellDone);
-    status_ = std::make_unique<StatusLine>(GetDlgItem(window_, IDC_STATUS));
-    selection_ = std::make_unique<OneAnswer>(window_, kRowsSelected);
+    m_folders = std::make_unique<FolderList>(GetDlgItem(m_window, IDC_FOLDERS));
+    m_page = std::make_unique<RulePage>(m_window, IDC_RULES, *m_calls);
+    m_cell = std::make_unique<CellEditor>(m_window, IDC_RULES, *m_page, kCellDone);
+    m_status = std::make_unique<StatusLine>(GetDlgItem(m_window, IDC_STATUS));
+    m_selection = std::make_unique<OneAnswer>(m_window, kRowsSelected);
     const auto icon = [this](int widthMetric, int heightMetric) {
-        return reinterpret_cast<LPARAM>(LoadImageW(instance_, MAKEINTRESOURCEW(IDI_PANEL), IMAGE_ICON,
+        return reinterpret_cast<LPARAM>(LoadImageW(m_instance, MAKEINTRESOURCEW(IDI_PANEL), IMAGE_ICON,
                                                    GetSystemMetrics(widthMetric),
                                                    GetSystemMetrics(heightMetric), LR_SHARED));
     };
-    SendMessageW(window_, WM_SETICON, ICON_BIG, icon(SM_CXICON, SM_CYICON));
-    SendMessageW(window_, WM_SETICON, ICON_SMALL, icon(SM_CXSMICON, SM_CYSMICON));
+    SendMessageW(m_window, WM_SETICON, ICON_BIG, icon(SM_CXICON, SM_CYICON));
+    SendMessageW(m_window, WM_SETICON, ICON_SMALL, icon(SM_CXSMICON, SM_CYSMICON));
 
-    folderIcon_ = folderIcon();
-    if (folderIcon_ != nullptr) {
-        setButtonIcon(window_, IDC_FOLDER_BROWSE, folderIcon_.get());
+    m_folderIcon = folderIcon();
+    if (m_folderIcon != nullptr) {
+        setButtonIcon(m_window, IDC_FOLDER_BROWSE, m_folderIcon.get());
     }
 
-    layOutPanel(window_);
-    status_->resize();
-    page_->fitColumns();
-    status_->showDataFolder(lornixDataFolder());
-    status_->showError({});
-    mayEdit_ = isAdmin() != 0;
-    status_->showRights(mayEdit_);
+    layOutPanel(m_window);
+    m_status->resize();
+    m_page->fitColumns();
+    m_status->showDataFolder(lornixDataFolder());
+    m_status->showError({});
+    m_mayEdit = isAdmin() != 0;
+    m_status->showRights(m_mayEdit);
     enable(IDC_EDIT, false);
     enable(IDC_DROP, false);
     rulesChanged();
@@ -177,9 +177,9 @@ void PanelWindow::setUp()
 
 void PanelWindow::tearDown()
 {
-    SetWindowLongPtrW(window_, DWLP_USER, 0);
-    cell_.reset();
-    page_.reset();
+    SetWindowLongPtrW(m_window, DWLP_USER, 0);
+    m_cell.reset();
+    m_page.reset();
     PostQuitMessage(0);
 }
 
@@ -191,7 +191,7 @@ void PanelWindow::command(int id, int code)
         }
         return;
     }
-    const bool fromControl = GetDlgItem(window_, id) != nullptr;
+    const bool fromControl = GetDlgItem(m_window, id) != nullptr;
     if ((fromControl && code > 1) || !finishCell()) { // 0 is a click or a menu entry, 1 an accelerator
         return;
     }
@@ -199,9 +199,9 @@ void PanelWindow::command(int id, int code)
     case IDOK:
         return enterPressed();
     case IDC_FOLDER_ADD:
-        return addTypedFolder(windowText(GetDlgItem(window_, IDC_FOLDER_EDIT)));
+        return addTypedFolder(windowText(GetDlgItem(m_window, IDC_FOLDER_EDIT)));
     case IDC_FOLDER_BROWSE:
-        if (const std::wstring chosen = browseForFolder(window_); !chosen.empty()) {
+        if (const std::wstring chosen = browseForFolder(m_window); !chosen.empty()) {
             addTypedFolder(chosen);
         }
         return;
@@ -218,18 +218,18 @@ void PanelWindow::command(int id, int code)
     case IDC_EDIT:
         return edit();
     case IDM_EDIT_SOFT_LIMIT:
-        return openCell(page_->selectedRow());
+        return openCell(m_page->selectedRow());
     case IDC_DROP:
         return drop();
     case IDM_SELECT_ALL:
-        return page_->selectAll();
+        return m_page->selectAll();
     case IDC_APPLY:
         apply();
         return;
     case IDC_RELOAD:
         return reload();
     case IDM_EXIT:
-        PostMessageW(window_, WM_CLOSE, 0, 0);
+        PostMessageW(m_window, WM_CLOSE, 0, 0);
         return;
     default:
         openDialogOf(id);
@@ -240,30 +240,30 @@ void PanelWindow::command(int id, int code)
 void PanelWindow::enterPressed()
 {
     const HWND focus = GetFocus();
-    if (focus == GetDlgItem(window_, IDC_FOLDER_EDIT)) {
+    if (focus == GetDlgItem(m_window, IDC_FOLDER_EDIT)) {
         addTypedFolder(windowText(focus));
-    } else if (focus == page_->list()) {
+    } else if (focus == m_page->list()) {
         edit();
     }
 }
 
 void PanelWindow::notified(const NMHDR& header)
 {
-    if (header.hwndFrom == ListView_GetHeader(page_->list()) &&
+    if (header.hwndFrom == ListView_GetHeader(m_page->list()) &&
         (header.code == HDN_BEGINTRACKW || header.code == HDN_BEGINDRAG))
     {
         leaveCell(); // as for scrolling, below
     }
-    if (header.hwndFrom != page_->list()) {
+    if (header.hwndFrom != m_page->list()) {
         return;
     }
     switch (header.code) {
     case LVN_ITEMCHANGED:
-        selection_->heard(reinterpret_cast<const NMLISTVIEW&>(header));
+        m_selection->heard(reinterpret_cast<const NMLISTVIEW&>(header));
         break;
     case LVN_COLUMNCLICK:
         if (finishCell()) {
-            page_->sort(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem);
+            m_page->sort(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem);
         }
         break;
     case LVN_BEGINSCROLL:
@@ -291,8 +291,8 @@ void PanelWindow::notified(const NMHDR& header)
 
 void PanelWindow::leaveCell()
 {
-    if (cell_->isOpen()) {
-        PostMessageW(window_, kCellDone, 0, 0); // not now: the list is in the middle of what it tells
+    if (m_cell->isOpen()) {
+        PostMessageW(m_window, kCellDone, 0, 0); // not now: the list is in the middle of what it tells
     }
 }
 
@@ -302,9 +302,9 @@ void PanelWindow::keyInList(WORD key)
     if (key == VK_DELETE) {
         drop();
     } else if (key == VK_F2) {
-        openCell(page_->selectedRow());
+        openCell(m_page->selectedRow());
     } else if (key == 'A' && control) {
-        page_->selectAll();
+        m_page->selectAll();
     }
 }
 
@@ -313,23 +313,23 @@ void PanelWindow::updateMenu(HMENU menu)
     const auto set = [menu](UINT id, bool possible) {
         EnableMenuItem(menu, id, MF_BYCOMMAND | (possible ? MF_ENABLED : MF_GRAYED));
     };
-    const bool ruleSelected = page_->selectedRow() >= 0;
-    set(IDC_APPLY, modified_ || cell_->isOpen());
-    const bool folderSelected = mayEdit_ && !folders_->selected().empty();
+    const bool ruleSelected = m_page->selectedRow() >= 0;
+    set(IDC_APPLY, m_modified || m_cell->isOpen());
+    const bool folderSelected = m_mayEdit && !m_folders->selected().empty();
     for (const UINT id :
          std::initializer_list<UINT>{IDC_ADD_FOR_ACCOUNT, IDM_ADD_OWNERS_FIRST, IDC_ADD_FOR_ANYONE})
     {
         set(id, folderSelected);
     }
     for (const UINT id : std::initializer_list<UINT>{IDC_EDIT, IDM_EDIT_SOFT_LIMIT, IDC_DROP}) {
-        set(id, mayEdit_ && ruleSelected);
+        set(id, m_mayEdit && ruleSelected);
     }
     for (const UINT id : std::initializer_list<UINT>{IDM_NOTIFICATIONS, IDM_EXCLUDES, IDM_EXCLUDE_EXTS,
                                                      IDM_MGR_ACCOUNTS, IDM_BACKUP_TOOLS})
     {
-        set(id, mayEdit_);
+        set(id, m_mayEdit);
     }
-    set(IDM_SELECT_ALL, page_->count() > 0);
+    set(IDM_SELECT_ALL, m_page->count() > 0);
 }
 
 } // namespace host

@@ -69,17 +69,17 @@ private:
     void enable(int id, bool enabled);
     void reportStore(const std::wstring& whatFailed, const std::wstring& error);
 
-    HINSTANCE instance_ = nullptr;
-    HWND window_ = nullptr;
-    const ListCalls* calls_ = nullptr;
-    OwnIcon folderIcon_; // the button that shows it does not own it
-    std::unique_ptr<FolderList> folders_;
-    std::unique_ptr<RulePage> page_;
-    std::unique_ptr<CellEditor> cell_;
-    std::unique_ptr<StatusLine> status_;
-    std::unique_ptr<OneAnswer> selection_;
-    bool modified_ = false;
-    bool mayEdit_ = false; // administrators only
+    HINSTANCE m_instance = nullptr;
+    HWND m_window = nullptr;
+    const ListCalls* m_calls = nullptr;
+    OwnIcon m_folderIcon; // the button that shows it does not own it
+    std::unique_ptr<FolderList> m_folders;
+    std::unique_ptr<RulePage> m_page;
+    std::unique_ptr<CellEditor> m_cell;
+    std::unique_ptr<StatusLine> m_status;
+    std::unique_ptr<OneAnswer> m_selection;
+    bool m_modified = false;
+    bool m_mayEdit = false; // administrators only
 };
 
 } // namespace host

@@ -13,12 +13,12 @@ namespace host {
 class PathBlock {
 public:
     explicit PathBlock(std::vector<std::wstring> folders)
-        : folders_(std::move(folders))
-        , block_(1 + folders_.size())
+        : m_folders(std::move(folders))
+        , m_block(1 + m_folders.size())
     {
-        list()->count = static_cast<int32_t>(folders_.size());
+        list()->count = static_cast<int32_t>(m_folders.size());
         wchar_t** path = list()->paths;
-        for (std::wstring& folder : folders_) {
+        for (std::wstring& folder : m_folders) {
             *path++ = folder.data();
         }
     }
@@ -26,11 +26,11 @@ public:
     PathBlock& operator=(const PathBlock&) = delete;
 
     /// Valid as long as this object.
-    PathList* list() { return reinterpret_cast<PathList*>(block_.data()); }
+    PathList* list() { return reinterpret_cast<PathList*>(m_block.data()); }
 
 private:
-    std::vector<std::wstring> folders_;
-    std::vector<void*> block_; // the count in the first slot, the pointers after it
+    std::vector<std::wstring> m_folders;
+    std::vector<void*> m_block; // the count in the first slot, the pointers after it
 };
 
 } // namespace host

@@ -28,20 +28,20 @@ constexpr int kFolder = 5;
 } // namespace
 
 RulePage::RulePage(HWND dialog, int listId, const ListCalls& calls)
-    : dialog_(dialog)
-    , list_(GetDlgItem(dialog, listId))
-    , calls_(calls)
-    , object_{{}, list_}
-    , name_{dialog, listId, reinterpret_cast<CListCtrl*>(&object_)}
+    : m_dialog(dialog)
+    , m_list(GetDlgItem(dialog, listId))
+    , m_calls(calls)
+    , m_object{{}, m_list}
+    , m_name{dialog, listId, reinterpret_cast<CListCtrl*>(&m_object)}
 {
-    calls_.initialize(name_, nullptr);
+    m_calls.initialize(m_name, nullptr);
 
     // The library's widths are those of a narrow page. This window has room for the headings.
     constexpr int kWidths[] = {96, 52, 66, 52, 32}; // dialog units
     for (int column = 0; column < kFolder; ++column) {
         RECT unit{0, 0, kWidths[column], 0};
-        MapDialogRect(dialog_, &unit);
-        ListView_SetColumnWidth(list_, column, unit.right);
+        MapDialogRect(m_dialog, &unit);
+        ListView_SetColumnWidth(m_list, column, unit.right);
     }
 }
 
@@ -53,18 +53,18 @@ RulePage::~RulePage()
 void RulePage::fitColumns()
 {
     RECT area{};
-    GetClientRect(list_, &area);
+    GetClientRect(m_list, &area);
     int room = area.right - GetSystemMetrics(SM_CXVSCROLL);
     for (int column = 0; column < kFolder; ++column) {
-        room -= ListView_GetColumnWidth(list_, column);
+        room -= ListView_GetColumnWidth(m_list, column);
     }
     constexpr int kLeast = 100;
-    ListView_SetColumnWidth(list_, kFolder, std::max(room, kLeast));
+    ListView_SetColumnWidth(m_list, kFolder, std::max(room, kLeast));
 }
 
 QuotaRule* RulePage::chain() const
 {
-    return calls_.chain(name_);
+    return m_calls.chain(m_name);
 }
 
 QuotaRule* RulePage::ruleOf(int row) const
@@ -83,15 +83,15 @@ std::wstring RulePage::show(const std::vector<std::wstring>& folders)
     PathBlock paths(folders);
     std::wstring problems;
     {
-        const PaintPause pause(list_);
+        const PaintPause pause(m_list);
         // All at once: with every call the library looks at all rows that are there already.
-        problems = storeErrorsOf([&] { calls_.fill(name_, paths.list()); });
+        problems = storeErrorsOf([&] { m_calls.fill(m_name, paths.list()); });
     }
     const RuleState now = stateOf(chain());
     for (const std::wstring& folder : folders) {
         const std::wstring key = folderKey(folder);
         if (const auto rules = now.find(key); rules != now.end()) {
-            stored_[key] = rules->second;
+            m_stored[key] = rules->second;
         }
     }
     return problems;
@@ -100,9 +100,9 @@ std::wstring RulePage::show(const std::vector<std::wstring>& folders)
 void RulePage::clear()
 {
     QuotaRule* rules = chain();
-    ListView_DeleteAllItems(list_);
+    ListView_DeleteAllItems(m_list);
     lornixFreeRules(rules);
-    stored_.clear();
+    m_stored.clear();
 }
 
 void RulePage::hide(const std::vector<std::wstring>& folders)
@@ -110,15 +110,15 @@ void RulePage::hide(const std::vector<std::wstring>& folders)
     std::set<std::wstring> keys;
     for (const std::wstring& folder : folders) {
         keys.insert(folderKey(folder));
-        stored_.erase(folderKey(folder));
-        announced_.erase(folderKey(folder));
+        m_stored.erase(folderKey(folder));
+        m_announced.erase(folderKey(folder));
     }
-    const PaintPause pause(list_);
-    ListView_SetItemState(list_, -1, 0, LVIS_SELECTED);
+    const PaintPause pause(m_list);
+    ListView_SetItemState(m_list, -1, 0, LVIS_SELECTED);
     int row = 0;
     for (const QuotaRule* rule = chain(); rule != nullptr; rule = rule->next, ++row) {
         if (keys.contains(folderKey(rule->path))) {
-            ListView_SetItemState(list_, row, LVIS_SELECTED, LVIS_SELECTED);
+            ListView_SetItemState(m_list, row, LVIS_SELECTED, LVIS_SELECTED);
         }
     }
     drop();
@@ -130,11 +130,11 @@ std::wstring RulePage::add(void* sid, const std::vector<std::wstring>& folders)
     // The result only tells whether a dialog was cancelled; rules of other folders may have been added all
     // the same, so what changed is found by comparing.
     bool allTaken = false;
-    std::wstring problems = storeErrorsOf([&] { allTaken = calls_.add(name_, sid, paths.list()); });
+    std::wstring problems = storeErrorsOf([&] { allTaken = m_calls.add(m_name, sid, paths.list()); });
     // The form by list object leaves it to the host to make the folders known: storing them does.
-    if (allTaken && calls_.addMakesKnown) {
+    if (allTaken && m_calls.addMakesKnown) {
         for (const std::wstring& folder : folders) {
-            announced_.insert(folderKey(folder));
+            m_announced.insert(folderKey(folder));
         }
     }
     showBackslashes();
@@ -155,14 +155,14 @@ void RulePage::showBackslashes()
 
 std::wstring RulePage::edit()
 {
-    return editing(selectedRow(), [this](QuotaRule&) { return calls_.edit(name_); });
+    return editing(selectedRow(), [this](QuotaRule&) { return m_calls.edit(m_name); });
 }
 
 std::wstring RulePage::editRow(int row)
 {
     return editing(row, [this, row](QuotaRule& rule) {
         // The dialog knows the record alone: the row is the host's to bring up to date.
-        const intptr_t result = editQuotaListEntry(dialog_, &rule, 0);
+        const intptr_t result = editQuotaListEntry(m_dialog, &rule, 0);
         if (result == 0 || result == -1) {
             return false;
         }
@@ -194,7 +194,7 @@ std::vector<QuotaRule*> RulePage::selectedRules() const
     std::vector<QuotaRule*> rules;
     int row = 0;
     for (QuotaRule* rule = chain(); rule != nullptr; rule = rule->next, ++row) {
-        if (ListView_GetItemState(list_, row, LVIS_SELECTED) != 0) {
+        if (ListView_GetItemState(m_list, row, LVIS_SELECTED) != 0) {
             rules.push_back(rule);
         }
     }
@@ -205,7 +205,7 @@ void RulePage::drop()
 {
     // The library leaves the records to whoever can tell that nobody needs them any more: that is here.
     const std::vector<QuotaRule*> dropped = selectedRules();
-    if (!calls_.drop(name_)) {
+    if (!m_calls.drop(m_name)) {
         return;
     }
     for (QuotaRule* rule : dropped) {
@@ -217,25 +217,25 @@ void RulePage::drop()
 
 void RulePage::sort(int column)
 {
-    calls_.sort(name_, column);
+    m_calls.sort(m_name, column);
 }
 
 int RulePage::count() const
 {
-    return calls_.count(name_);
+    return m_calls.count(m_name);
 }
 
 void RulePage::enableForSelection(int button, int otherButton) const
 {
-    calls_.checkForButtons(name_, button, otherButton);
+    m_calls.checkForButtons(m_name, button, otherButton);
 }
 
 RulePage::Stored RulePage::store(const std::vector<std::wstring>& folders)
 {
     RuleState now = stateOf(chain());
-    std::set<std::wstring> touched = changedFolders(now, stored_);
-    touched.insert(announced_.begin(),
-                   announced_.end()); // without a rule in the end, they are to be forgotten
+    std::set<std::wstring> touched = changedFolders(now, m_stored);
+    touched.insert(m_announced.begin(),
+                   m_announced.end()); // without a rule in the end, they are to be forgotten
     std::vector<std::wstring> names;
     std::copy_if(folders.begin(), folders.end(), std::back_inserter(names),
                  [&](const std::wstring& folder) { return touched.contains(folderKey(folder)); });
@@ -245,37 +245,37 @@ RulePage::Stored RulePage::store(const std::vector<std::wstring>& folders)
     result.problems =
         storeErrorsOf([&] { result.done = lornixStoreRules(paths.list(), rules.first()) != 0; });
     if (result.done) {
-        stored_ = std::move(now);
-        announced_.clear();
+        m_stored = std::move(now);
+        m_announced.clear();
     }
     return result;
 }
 
 bool RulePage::isModified() const
 {
-    return stateOf(chain()) != stored_;
+    return stateOf(chain()) != m_stored;
 }
 
 bool RulePage::isModified(const std::vector<std::wstring>& folders) const
 {
-    const std::set<std::wstring> changed = changedFolders(stateOf(chain()), stored_);
+    const std::set<std::wstring> changed = changedFolders(stateOf(chain()), m_stored);
     return std::any_of(folders.begin(), folders.end(),
                        [&](const std::wstring& folder) { return changed.contains(folderKey(folder)); });
 }
 
 int RulePage::selectedRow() const
 {
-    return ListView_GetNextItem(list_, -1, LVNI_SELECTED);
+    return ListView_GetNextItem(m_list, -1, LVNI_SELECTED);
 }
 
 void RulePage::selectAll()
 {
-    ListView_SetItemState(list_, -1, LVIS_SELECTED, LVIS_SELECTED);
+    ListView_SetItemState(m_list, -1, LVIS_SELECTED, LVIS_SELECTED);
 }
 
 void RulePage::setText(int row, int column, std::wstring text)
 {
-    ListView_SetItemText(list_, row, column, text.data());
+    ListView_SetItemText(m_list, row, column, text.data());
 }
 
 void RulePage::showNumbers(int row)

@@ -25,7 +25,7 @@ public:
     RulePage(const RulePage&) = delete;
     RulePage& operator=(const RulePage&) = delete;
 
-    HWND list() const { return list_; }
+    HWND list() const { return m_list; }
 
     /// Gives the last column the room that the others leave.
     void fitColumns();
@@ -94,13 +94,13 @@ private:
     std::wstring editing(int row, const std::function<bool(QuotaRule&)>& dialog);
     std::vector<QuotaRule*> selectedRules() const;
 
-    HWND dialog_;
-    HWND list_;
-    const ListCalls& calls_;
-    CorvaneListObject object_;
-    ListName name_;
-    RuleState stored_;
-    std::set<std::wstring> announced_; // by folderKey: adding made them known to the store, rules or not
+    HWND m_dialog;
+    HWND m_list;
+    const ListCalls& m_calls;
+    CorvaneListObject m_object;
+    ListName m_name;
+    RuleState m_stored;
+    std::set<std::wstring> m_announced; // by folderKey: adding made them known to the store, rules or not
 };
 
 } // namespace host

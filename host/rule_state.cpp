@@ -45,13 +45,13 @@ RuleExcerpt::RuleExcerpt(const QuotaRule* chain, const std::set<std::wstring>& f
 {
     for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next) {
         if (folders.contains(folderKey(rule->path))) {
-            rules_.push_back(*rule);
+            m_rules.push_back(*rule);
         }
     }
     // Only now, when no record moves any more.
-    for (size_t i = 0; i < rules_.size(); ++i) {
-        rules_[i].prev = i == 0 ? nullptr : &rules_[i - 1];
-        rules_[i].next = i + 1 == rules_.size() ? nullptr : &rules_[i + 1];
+    for (size_t i = 0; i < m_rules.size(); ++i) {
+        m_rules[i].prev = i == 0 ? nullptr : &m_rules[i - 1];
+        m_rules[i].next = i + 1 == m_rules.size() ? nullptr : &m_rules[i + 1];
     }
 }
 

@@ -42,10 +42,10 @@ public:
     RuleExcerpt& operator=(const RuleExcerpt&) = delete;
 
     /// The first rule, null when there is none. Valid as long as this object.
-    const QuotaRule* first() const { return rules_.empty() ? nullptr : rules_.data(); }
+    const QuotaRule* first() const { return m_rules.empty() ? nullptr : m_rules.data(); }
 
 private:
-    std::vector<QuotaRule> rules_; // in the order of the chain
+    std::vector<QuotaRule> m_rules; // in the order of the chain
 };
 
 } // namespace host

@@ -25,15 +25,15 @@ std::wstring counted(size_t number, const wchar_t* one, const wchar_t* many)
 class BarPen {
 public:
     explicit BarPen(HWND bar)
-        : bar_(bar)
-        , dc_(GetDC(bar))
-        , before_(SelectObject(dc_, reinterpret_cast<HFONT>(SendMessageW(bar, WM_GETFONT, 0, 0))))
+        : m_bar(bar)
+        , m_dc(GetDC(bar))
+        , m_before(SelectObject(m_dc, reinterpret_cast<HFONT>(SendMessageW(bar, WM_GETFONT, 0, 0))))
     {
     }
     ~BarPen()
     {
-        SelectObject(dc_, before_);
-        ReleaseDC(bar_, dc_);
+        SelectObject(m_dc, m_before);
+        ReleaseDC(m_bar, m_dc);
     }
     BarPen(const BarPen&) = delete;
     BarPen& operator=(const BarPen&) = delete;
@@ -41,7 +41,7 @@ public:
     int widthOf(const std::wstring& text) const
     {
         SIZE size{};
-        GetTextExtentPoint32W(dc_, text.c_str(), static_cast<int>(text.size()), &size);
+        GetTextExtentPoint32W(m_dc, text.c_str(), static_cast<int>(text.size()), &size);
         return size.cx + 2 * kTextMargin;
     }
 
@@ -52,51 +52,51 @@ public:
         std::wstring shown = text;
         shown.resize(text.size() + kRoomForDots);
         RECT area{0, 0, width - 2 * kTextMargin, 0};
-        DrawTextW(dc_, shown.data(), static_cast<int>(text.size()), &area,
+        DrawTextW(m_dc, shown.data(), static_cast<int>(text.size()), &area,
                   DT_CALCRECT | DT_MODIFYSTRING | DT_SINGLELINE | DT_NOPREFIX | how);
         shown.resize(shown.find(L'\0'));
         return shown;
     }
 
 private:
-    HWND bar_;
-    HDC dc_;
-    HGDIOBJ before_;
+    HWND m_bar;
+    HDC m_dc;
+    HGDIOBJ m_before;
 };
 
 } // namespace
 
 void StatusLine::resize()
 {
-    const BarPen pen(bar_);
+    const BarPen pen(m_bar);
     RECT area{};
-    GetClientRect(bar_, &area);
+    GetClientRect(m_bar, &area);
     const int grip = GetSystemMetrics(SM_CXVSCROLL);
 
     // The short texts get what they need, error and folder share the rest; without an error the folder gets more.
-    const int rules = pen.widthOf(texts_[kRules]);
-    const int modified = pen.widthOf(texts_[kModified]);
-    const int rights = pen.widthOf(texts_[kRights]);
+    const int rules = pen.widthOf(m_texts[kRules]);
+    const int modified = pen.widthOf(m_texts[kModified]);
+    const int rights = pen.widthOf(m_texts[kRights]);
     const int rest = std::max<int>(area.right - rules - modified - rights - grip, 0);
-    const int error = std::min(pen.widthOf(texts_[kError]), rest * 3 / 5);
+    const int error = std::min(pen.widthOf(m_texts[kError]), rest * 3 / 5);
     const int folder = rest - error;
 
     const std::array<int, kParts> edges{rules, rules + modified, rules + modified + rights,
                                         rules + modified + rights + error, -1};
-    SendMessageW(bar_, SB_SETPARTS, kParts, reinterpret_cast<LPARAM>(edges.data()));
-    const std::array<std::wstring, kParts> shown{texts_[kRules], texts_[kModified], texts_[kRights],
-                                                 pen.fitted(texts_[kError], error, DT_END_ELLIPSIS),
-                                                 pen.fitted(texts_[kDataFolder], folder, DT_PATH_ELLIPSIS)};
+    SendMessageW(m_bar, SB_SETPARTS, kParts, reinterpret_cast<LPARAM>(edges.data()));
+    const std::array<std::wstring, kParts> shown{m_texts[kRules], m_texts[kModified], m_texts[kRights],
+                                                 pen.fitted(m_texts[kError], error, DT_END_ELLIPSIS),
+                                                 pen.fitted(m_texts[kDataFolder], folder, DT_PATH_ELLIPSIS)};
     for (size_t part = 0; part < kParts; ++part) {
-        SendMessageW(bar_, SB_SETTEXTW, part, reinterpret_cast<LPARAM>(shown[part].c_str()));
+        SendMessageW(m_bar, SB_SETTEXTW, part, reinterpret_cast<LPARAM>(shown[part].c_str()));
     }
-    InvalidateRect(bar_, nullptr, TRUE); // the grip of the former size would stay
+    InvalidateRect(m_bar, nullptr, TRUE); // the grip of the former size would stay
 }
 
 void StatusLine::show(size_t part, const std::wstring& text)
 {
-    if (texts_[part] != text) {
-        texts_[part] = text;
+    if (m_texts[part] != text) {
+        m_texts[part] = text;
         resize();
     }
 }

@@ -11,7 +11,7 @@ namespace host {
 class StatusLine {
 public:
     explicit StatusLine(HWND bar)
-        : bar_(bar)
+        : m_bar(bar)
     {
     }
 
@@ -34,8 +34,8 @@ private:
 
     void show(size_t part, const std::wstring& text);
 
-    HWND bar_;
-    std::array<std::wstring, kParts> texts_; // whole; the bar may show them shortened
+    HWND m_bar;
+    std::array<std::wstring, kParts> m_texts; // whole; the bar may show them shortened
 };
 
 } // namespace host

@@ -73,7 +73,7 @@ AccountDirectory::AccountDirectory(std::string_view text)
             const AccountKind kind = word == "user" ? AccountKind::kUser : AccountKind::kGroup;
             flaw = readAccount(line, kind);
             const bool opened = flaw == nullptr && kind == AccountKind::kGroup;
-            group = opened ? static_cast<std::uint32_t>(accounts_.size() - 1) : kNone;
+            group = opened ? static_cast<std::uint32_t>(m_accounts.size() - 1) : kNone;
         } else if (word == "member") {
             if (group == kNone) {
                 flaw = "it stands under no group";
@@ -90,11 +90,11 @@ AccountDirectory::AccountDirectory(std::string_view text)
             reader.reject(flaw);
         }
     }
-    flaws_ = reader.finding().flaws;
+    m_flaws = reader.finding().flaws;
     resolveDomains();
     resolveMembers(memberLines);
-    std::ranges::sort(flaws_.first, {}, &Flaw::line);
-    condition_ = flaws_.count == 0 ? Condition::kGood : Condition::kDamaged;
+    std::ranges::sort(m_flaws.first, {}, &Flaw::line);
+    m_condition = m_flaws.count == 0 ? Condition::kGood : Condition::kDamaged;
 }
 
 const char* AccountDirectory::readDomain(std::string_view line)
@@ -104,24 +104,25 @@ const char* AccountDirectory::readDomain(std::string_view line)
     if (!name || name->find(u'\\') != std::u16string::npos || !sid) {
         return "a name and a SID are expected";
     }
-    domains_.push_back({*name, *sid, {}});
+    m_domains.push_back({*name, *sid, {}});
     return nullptr;
 }
 
 const char* AccountDirectory::readServer(std::string_view line)
 {
     const auto name = readText(line);
-    if (domains_.empty()) {
+    if (m_domains.empty()) {
         return "it stands under no domain";
     }
     if (!name || serverKey(*name).empty()) {
         return "the name of a server is expected";
     }
-    if (!domainByServer_.emplace(serverKey(*name), static_cast<std::uint32_t>(domains_.size() - 1)).second) {
+    if (!m_domainByServer.emplace(serverKey(*name), static_cast<std::uint32_t>(m_domains.size() - 1)).second)
+    {
         return "the server stands above already";
     }
     // Without the backslashes, which whoever needs them puts in front.
-    domains_.back().servers.push_back(name->substr(name->find_first_not_of(u'\\')));
+    m_domains.back().servers.push_back(name->substr(name->find_first_not_of(u'\\')));
     return nullptr;
 }
 
@@ -136,29 +137,29 @@ const char* AccountDirectory::readAccount(std::string_view line, AccountKind kin
         return "the name of an account is expected behind the SID";
     }
     std::u16string key = folded(*name);
-    if (bySid_.contains(asText(sid->bytes()))) {
+    if (m_bySid.contains(asText(sid->bytes()))) {
         return "the SID stands above already";
     }
-    if (byName_.contains(key)) {
+    if (m_byName.contains(key)) {
         return "the name stands above already";
     }
-    const auto index = static_cast<std::uint32_t>(accounts_.size());
-    const Account& account = accounts_.emplace_back(Account{*sid, std::move(*name), kind, kNone});
-    bySid_.emplace(asText(account.sid.bytes()), index);
-    byShortName_.emplace(shortPart(key), index);
-    byName_.emplace(std::move(key), index);
+    const auto index = static_cast<std::uint32_t>(m_accounts.size());
+    const Account& account = m_accounts.emplace_back(Account{*sid, std::move(*name), kind, kNone});
+    m_bySid.emplace(asText(account.sid.bytes()), index);
+    m_byShortName.emplace(shortPart(key), index);
+    m_byName.emplace(std::move(key), index);
     return nullptr;
 }
 
 void AccountDirectory::resolveDomains()
 {
     std::unordered_map<std::u16string, std::uint32_t> withServer;
-    for (std::uint32_t i = 0; i < domains_.size(); ++i) {
-        if (!domains_[i].servers.empty()) {
-            withServer.emplace(folded(domains_[i].name), i);
+    for (std::uint32_t i = 0; i < m_domains.size(); ++i) {
+        if (!m_domains[i].servers.empty()) {
+            withServer.emplace(folded(m_domains[i].name), i);
         }
     }
-    for (Account& account : accounts_) {
+    for (Account& account : m_accounts) {
         const auto found = withServer.find(folded(domainPart(account.name)));
         account.domain = found == withServer.end() ? kNone : found->second;
     }
@@ -174,39 +175,39 @@ void AccountDirectory::resolveMembers(const std::vector<MemberLine>& lines)
             member = find(*name);
         }
         if (member == kNone) {
-            flaws_.add(each.line, "the member is no account of this file");
+            m_flaws.add(each.line, "the member is no account of this file");
         } else {
-            members_[each.group].push_back(member);
+            m_members[each.group].push_back(member);
         }
     }
 }
 
 std::uint32_t AccountDirectory::find(std::span<const std::uint8_t> sid) const
 {
-    const auto found = bySid_.find(asText(sid));
-    return found == bySid_.end() ? kNone : found->second;
+    const auto found = m_bySid.find(asText(sid));
+    return found == m_bySid.end() ? kNone : found->second;
 }
 
 std::uint32_t AccountDirectory::find(std::u16string_view name) const
 {
     const std::u16string key = folded(name);
-    if (const auto found = byName_.find(key); found != byName_.end()) {
+    if (const auto found = m_byName.find(key); found != m_byName.end()) {
         return found->second;
     }
-    const auto found = byShortName_.find(key);
-    return found == byShortName_.end() ? kNone : found->second;
+    const auto found = m_byShortName.find(key);
+    return found == m_byShortName.end() ? kNone : found->second;
 }
 
 std::uint32_t AccountDirectory::domainOfServer(std::u16string_view server) const
 {
-    const auto found = domainByServer_.find(serverKey(server));
-    return found == domainByServer_.end() ? kNone : found->second;
+    const auto found = m_domainByServer.find(serverKey(server));
+    return found == m_domainByServer.end() ? kNone : found->second;
 }
 
 std::uint32_t AccountDirectory::domainWithServerFrom(std::uint32_t first) const
 {
-    for (std::uint32_t i = first; i < domains_.size(); ++i) {
-        if (!domains_[i].servers.empty()) {
+    for (std::uint32_t i = first; i < m_domains.size(); ++i) {
+        if (!m_domains[i].servers.empty()) {
             return i;
         }
     }
@@ -216,13 +217,13 @@ std::uint32_t AccountDirectory::domainWithServerFrom(std::uint32_t first) const
 const std::u16string* AccountDirectory::nameOf(std::span<const std::uint8_t> sid) const
 {
     const std::uint32_t index = find(sid);
-    return index == kNone ? nullptr : &accounts_[index].name;
+    return index == kNone ? nullptr : &m_accounts[index].name;
 }
 
 const Sid* AccountDirectory::sidOf(std::u16string_view name) const
 {
     const std::uint32_t index = find(name);
-    return index == kNone ? nullptr : &accounts_[index].sid;
+    return index == kNone ? nullptr : &m_accounts[index].sid;
 }
 
 bool AccountDirectory::hasServer(std::u16string_view server) const
@@ -237,7 +238,7 @@ std::vector<Sid> AccountDirectory::accountsOf(std::u16string_view server, Accoun
     if (domain == kNone && !server.empty()) {
         return sids;
     }
-    for (const Account& account : accounts_) {
+    for (const Account& account : m_accounts) {
         if (account.domain == domain && account.kind == kind) {
             sids.push_back(account.sid);
         }
@@ -248,19 +249,19 @@ std::vector<Sid> AccountDirectory::accountsOf(std::u16string_view server, Accoun
 bool AccountDirectory::usersOfGroup(std::u16string_view group, std::vector<Sid>& users) const
 {
     const std::uint32_t start = find(group);
-    if (start == kNone || accounts_[start].kind != AccountKind::kGroup) {
+    if (start == kNone || m_accounts[start].kind != AccountKind::kGroup) {
         return false;
     }
     // Groups may hold each other in a ring.
-    std::vector<bool> seen(accounts_.size());
+    std::vector<bool> seen(m_accounts.size());
     std::vector<std::uint32_t> open{start};
     std::vector<std::uint32_t> found;
     seen[start] = true;
     while (!open.empty()) {
         const std::uint32_t current = open.back();
         open.pop_back();
-        const auto list = members_.find(current);
-        if (list == members_.end()) {
+        const auto list = m_members.find(current);
+        if (list == m_members.end()) {
             continue;
         }
         for (const std::uint32_t member : list->second) {
@@ -268,12 +269,12 @@ bool AccountDirectory::usersOfGroup(std::u16string_view group, std::vector<Sid>&
                 continue;
             }
             seen[member] = true;
-            (accounts_[member].kind == AccountKind::kGroup ? open : found).push_back(member);
+            (m_accounts[member].kind == AccountKind::kGroup ? open : found).push_back(member);
         }
     }
     std::sort(found.begin(), found.end());
     for (const std::uint32_t member : found) {
-        users.push_back(accounts_[member].sid);
+        users.push_back(m_accounts[member].sid);
     }
     return true;
 }
@@ -281,20 +282,20 @@ bool AccountDirectory::usersOfGroup(std::u16string_view group, std::vector<Sid>&
 const std::u16string* AccountDirectory::firstServer() const
 {
     const std::uint32_t domain = domainWithServerFrom(0);
-    return domain == kNone ? nullptr : &domains_[domain].servers.front();
+    return domain == kNone ? nullptr : &m_domains[domain].servers.front();
 }
 
 const std::u16string* AccountDirectory::serverBehind(std::u16string_view server) const
 {
     const std::uint32_t domain = domainOfServer(server);
     const std::uint32_t next = domain == kNone ? kNone : domainWithServerFrom(domain + 1);
-    return next == kNone ? nullptr : &domains_[next].servers.front();
+    return next == kNone ? nullptr : &m_domains[next].servers.front();
 }
 
 const Sid* AccountDirectory::domainSid() const
 {
     const std::uint32_t domain = domainWithServerFrom(0);
-    return domain == kNone ? nullptr : &domains_[domain].sid;
+    return domain == kNone ? nullptr : &m_domains[domain].sid;
 }
 
 } // namespace lornix

@@ -34,11 +34,11 @@ public:
     AccountDirectory(const AccountDirectory&) = delete;
     AccountDirectory& operator=(const AccountDirectory&) = delete;
 
-    Condition condition() const { return condition_; }
+    Condition condition() const { return m_condition; }
 
-    const Flaws& flaws() const { return flaws_; }
+    const Flaws& flaws() const { return m_flaws; }
 
-    std::size_t size() const { return accounts_.size(); }
+    std::size_t size() const { return m_accounts.size(); }
 
     /// @return DOMAIN\name, null when there is no account with that SID.
     const std::u16string* nameOf(std::span<const std::uint8_t> sid) const;
@@ -102,15 +102,15 @@ private:
     std::uint32_t domainOfServer(std::u16string_view server) const;
     std::uint32_t domainWithServerFrom(std::uint32_t first) const;
 
-    Condition condition_ = Condition::kForeign;
-    Flaws flaws_;
-    std::vector<Domain> domains_;
-    std::deque<Account> accounts_;                                       ///< none of them moves
-    std::unordered_map<std::string_view, std::uint32_t, SidHash> bySid_; ///< by the bytes in accounts_
-    std::unordered_map<std::u16string, std::uint32_t> byName_;      ///< small letters, as the file has them
-    std::unordered_map<std::u16string, std::uint32_t> byShortName_; ///< small letters, without domains
-    std::unordered_map<std::u16string, std::uint32_t> domainByServer_;
-    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> members_;
+    Condition m_condition = Condition::kForeign;
+    Flaws m_flaws;
+    std::vector<Domain> m_domains;
+    std::deque<Account> m_accounts;                                       ///< none of them moves
+    std::unordered_map<std::string_view, std::uint32_t, SidHash> m_bySid; ///< by the bytes in m_accounts
+    std::unordered_map<std::u16string, std::uint32_t> m_byName;      ///< small letters, as the file has them
+    std::unordered_map<std::u16string, std::uint32_t> m_byShortName; ///< small letters, without domains
+    std::unordered_map<std::u16string, std::uint32_t> m_domainByServer;
+    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_members;
 };
 
 } // namespace lornix

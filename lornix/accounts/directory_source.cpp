@@ -158,36 +158,36 @@ private:
             const std::wstring root = DataFolder::currentRoot();
             path = root.empty() ? root : root + kFileName;
         }
-        const std::lock_guard lock(guard_);
-        if (path != path_) {
-            directory_ = std::make_shared<const AccountDirectory>(); // none of another file's accounts
-            path_ = path;
-            nextLook_ = 0;
-            isRead_ = false;
+        const std::lock_guard lock(m_guard);
+        if (path != m_path) {
+            m_directory = std::make_shared<const AccountDirectory>(); // none of another file's accounts
+            m_path = path;
+            m_nextLook = 0;
+            m_isRead = false;
         }
-        if (isRead_ ? lookForChanges && stampOf(path) != stamp_ : GetTickCount64() >= nextLook_) {
+        if (m_isRead ? lookForChanges && stampOf(path) != m_stamp : GetTickCount64() >= m_nextLook) {
             const Stamp stamp = stampOf(path); // before it is read: a change meanwhile is seen next time
             if (Directory read = load(path, isNamed)) {
-                directory_ = std::move(read);
-                stamp_ = stamp;
-                isRead_ = true;
+                m_directory = std::move(read);
+                m_stamp = stamp;
+                m_isRead = true;
             } else {
                 // Who has the file lets it go again. What was read before counts until then.
                 constexpr ULONGLONG kPause =
                     1000; // milliseconds: a hundred thousand names do not wait for it in turn
-                nextLook_ = GetTickCount64() + kPause;
-                isRead_ = false;
+                m_nextLook = GetTickCount64() + kPause;
+                m_isRead = false;
             }
         }
-        return directory_;
+        return m_directory;
     }
 
-    std::mutex guard_;
-    std::wstring path_;
-    Directory directory_ = std::make_shared<const AccountDirectory>();
-    Stamp stamp_;
-    bool isRead_ = false;    ///< whether the directory is what the file held at the time of the stamp
-    ULONGLONG nextLook_ = 0; ///< when a file that could not be read is tried again, in ticks
+    std::mutex m_guard;
+    std::wstring m_path;
+    Directory m_directory = std::make_shared<const AccountDirectory>();
+    Stamp m_stamp;
+    bool m_isRead = false;    ///< whether the directory is what the file held at the time of the stamp
+    ULONGLONG m_nextLook = 0; ///< when a file that could not be read is tried again, in ticks
 };
 
 } // namespace

@@ -80,9 +80,9 @@ wchar_t* handOver(const std::wstring& text)
 
 void SidSink::skipListed(std::int32_t first)
 {
-    void* const* sids = list_ == nullptr ? nullptr : list_->sids;
-    for (std::int32_t i = first; i < countOf(list_); ++i) {
-        known_.insert(keyOf(sids[i]));
+    void* const* sids = m_list == nullptr ? nullptr : m_list->sids;
+    for (std::int32_t i = first; i < countOf(m_list); ++i) {
+        m_known.insert(keyOf(sids[i]));
     }
 }
 

@@ -16,7 +16,7 @@ class SidSink {
 public:
     /// @param list  to grow, or null.
     explicit SidSink(SidList* list)
-        : list_(list)
+        : m_list(list)
     {
     }
 
@@ -27,21 +27,21 @@ public:
     void adopt(void* sid)
     {
         std::unique_ptr<void, decltype(&std::free)> own(sid, std::free);
-        if (own != nullptr && (known_.empty() || !known_.contains(keyOf(sid)))) {
-            list_ = appendToSidList(list_, own.release());
+        if (own != nullptr && (m_known.empty() || !m_known.contains(keyOf(sid)))) {
+            m_list = appendToSidList(m_list, own.release());
         }
     }
 
     /// From here on, the accounts that stand in the list behind the first so many are left out.
     void skipListed(std::int32_t first);
 
-    SidList* list() const { return list_; }
+    SidList* list() const { return m_list; }
 
 private:
     static std::string keyOf(const void* sid);
 
-    SidList* list_;
-    std::unordered_set<std::string> known_;
+    SidList* m_list;
+    std::unordered_set<std::string> m_known;
 };
 
 /// A source of accounts. A server of null is this machine.

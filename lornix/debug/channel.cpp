@@ -25,24 +25,24 @@ std::mutex guard; // lines of several threads do not mix
 class LogTurn {
 public:
     LogTurn()
-        : mutex_(CreateMutexW(nullptr, FALSE, L"Local\\lornix log"))
+        : m_mutex(CreateMutexW(nullptr, FALSE, L"Local\\lornix log"))
     {
         constexpr DWORD kLongest = 1000; // milliseconds
-        const DWORD result = mutex_.isOpen() ? WaitForSingleObject(mutex_.get(), kLongest) : WAIT_FAILED;
-        isMine_ = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+        const DWORD result = m_mutex.isOpen() ? WaitForSingleObject(m_mutex.get(), kLongest) : WAIT_FAILED;
+        m_isMine = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     }
     LogTurn(const LogTurn&) = delete;
     LogTurn& operator=(const LogTurn&) = delete;
     ~LogTurn()
     {
-        if (isMine_) {
-            ReleaseMutex(mutex_.get());
+        if (m_isMine) {
+            ReleaseMutex(m_mutex.get());
         }
     }
 
 private:
-    Handle mutex_;
-    bool isMine_ = false;
+    Handle m_mutex;
+    bool m_isMine = false;
 };
 
 /// The log as it is asked for now. It stays open for one call only: it may be moved away or deleted at any time.
@@ -52,24 +52,24 @@ public:
     {
         const std::wstring name = environmentValue(kVariable);
         if (name == L"-") {
-            handle_ = GetStdHandle(STD_ERROR_HANDLE);
+            m_handle = GetStdHandle(STD_ERROR_HANDLE);
         } else if (!name.empty()) {
-            handle_ = CreateFileW(longPath(name).c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
-                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                  OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-            isOurs_ = true;
+            m_handle = CreateFileW(longPath(name).c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                   OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+            m_isOurs = true;
         }
     }
     Log(const Log&) = delete;
     Log& operator=(const Log&) = delete;
     ~Log()
     {
-        if (isOurs_ && isOpen()) {
-            CloseHandle(handle_);
+        if (m_isOurs && isOpen()) {
+            CloseHandle(m_handle);
         }
     }
 
-    bool isOpen() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
+    bool isOpen() const { return m_handle != nullptr && m_handle != INVALID_HANDLE_VALUE; }
 
     void write(std::wstring_view text)
     {
@@ -80,12 +80,12 @@ public:
         appendUtf8(bytes, fromWide(text));
         const LogTurn turn;
         DWORD written = 0;
-        WriteFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+        WriteFile(m_handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
     }
 
 private:
-    HANDLE handle_ = nullptr;
-    bool isOurs_ = false;
+    HANDLE m_handle = nullptr;
+    bool m_isOurs = false;
 };
 
 void toDebugger(std::wstring_view text)

@@ -16,17 +16,17 @@ public:
     Blob& operator=(const Blob&) = delete;
     ~Blob()
     {
-        if (data_.pbData != nullptr) {
-            SecureZeroMemory(data_.pbData, data_.cbData);
-            LocalFree(data_.pbData);
+        if (m_data.pbData != nullptr) {
+            SecureZeroMemory(m_data.pbData, m_data.cbData);
+            LocalFree(m_data.pbData);
         }
     }
-    DATA_BLOB* out() { return &data_; }
-    const BYTE* bytes() const { return data_.pbData; }
-    DWORD size() const { return data_.cbData; }
+    DATA_BLOB* out() { return &m_data; }
+    const BYTE* bytes() const { return m_data.pbData; }
+    DWORD size() const { return m_data.cbData; }
 
 private:
-    DATA_BLOB data_{};
+    DATA_BLOB m_data{};
 };
 
 DATA_BLOB blobOf(const void* bytes, std::size_t size)

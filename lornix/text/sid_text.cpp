@@ -45,9 +45,9 @@ bool takeNumber(std::string_view& text, Number& number)
 } // namespace
 
 Sid::Sid(std::span<const std::uint8_t> bytes)
-    : size_(static_cast<std::uint8_t>(std::min(bytes.size(), kMaxSidSize)))
+    : m_size(static_cast<std::uint8_t>(std::min(bytes.size(), kMaxSidSize)))
 {
-    std::copy_n(bytes.begin(), size_, bytes_.begin());
+    std::copy_n(bytes.begin(), m_size, m_bytes.begin());
 }
 
 void appendSidText(std::string& line, std::span<const std::uint8_t> sid)

@@ -23,12 +23,12 @@ public:
     /// @param bytes  a valid identifier of at most kMaxSidSize bytes.
     explicit Sid(std::span<const std::uint8_t> bytes);
 
-    bool isEmpty() const { return size_ == 0; }
-    std::span<const std::uint8_t> bytes() const { return {bytes_.data(), size_}; }
+    bool isEmpty() const { return m_size == 0; }
+    std::span<const std::uint8_t> bytes() const { return {m_bytes.data(), m_size}; }
 
 private:
-    std::array<std::uint8_t, kMaxSidSize> bytes_{};
-    std::uint8_t size_ = 0;
+    std::array<std::uint8_t, kMaxSidSize> m_bytes{};
+    std::uint8_t m_size = 0;
 };
 
 /// Appends the text of a valid identifier.

@@ -35,7 +35,7 @@ protected:
     ChooserTest()
     {
         store.answer.getSidByNameW = [this](const wchar_t* name) -> void* {
-            return utf8(name) == "alice" ? sidDup(alice_) : nullptr;
+            return utf8(name) == "alice" ? sidDup(m_alice) : nullptr;
         };
     }
 
@@ -66,7 +66,7 @@ protected:
         });
     }
 
-    void* const alice_ = store.account("DOM\\alice");
+    void* const m_alice = store.account("DOM\\alice");
 };
 
 } // namespace
@@ -87,7 +87,7 @@ TEST_F(ChooserTest, ProposesTheDomainServerInADomain)
 {
     void* domain = nullptr;
     store.answer.getDomainSid = [&] {
-        return domain = sidDup(alice_);
+        return domain = sidDup(m_alice);
     };
     store.answer.getDomainServer = [] {
         return _wcsdup(L"\\\\DC1");
@@ -102,7 +102,7 @@ TEST_F(ChooserTest, ProposesTheDomainServerInADomain)
 TEST_F(ChooserTest, ADomainWithoutAServerShowsWhatTheFormatterWrites)
 {
     store.answer.getDomainSid = [&] {
-        return sidDup(alice_);
+        return sidDup(m_alice);
     };
     then("look", [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_CHOOSER_BASE), "WinNT://(null)"); });
     cancel();
@@ -111,7 +111,7 @@ TEST_F(ChooserTest, ADomainWithoutAServerShowsWhatTheFormatterWrites)
 
 TEST_F(ChooserTest, TheSecondExportSaysSo)
 {
-    SidList* const owners = RecordingStore::makeSidList({alice_});
+    SidList* const owners = RecordingStore::makeSidList({m_alice});
     cancel();
     EXPECT_EQ(choose(owners), nullptr);
     EXPECT_EQ(store.lines().back(), "got R2=" + pointerText(nullptr) + " " + pointerText(nullptr) + "\n");
@@ -210,7 +210,7 @@ TEST_F(ChooserTest, ATypedAccountComesBackAsACopy)
     typeName(L"alice");
     void* const chosen = choose();
     EXPECT_EQ(RecordingStore::nameOf(chosen), "DOM\\alice");
-    EXPECT_NE(chosen, alice_);
+    EXPECT_NE(chosen, m_alice);
     EXPECT_EQ(store.lines().back(),
               "got R1=" + pointerText(reinterpret_cast<void*>(1)) + " " + pointerText(chosen) + "\n");
     std::free(chosen);
@@ -345,7 +345,7 @@ TEST_F(ChooserTest, ShowsAccountsInTheOrderOfTheEnumeration)
 {
     giveUsers({"DOM\\bob", "carol"});
     giveGroups({"DOM\\staff"});
-    SidList* const owners = RecordingStore::makeSidList({alice_});
+    SidList* const owners = RecordingStore::makeSidList({m_alice});
     searchServer();
     then("look", [](HWND dialog) {
         EXPECT_THAT(rows(dialog),
@@ -397,7 +397,7 @@ TEST_F(ChooserTest, PickingAnyoneGives1)
 TEST_F(ChooserTest, PickingAFileOwnerOrAGroupGivesACopy)
 {
     giveGroups({"DOM\\staff"});
-    SidList* const owners = RecordingStore::makeSidList({alice_});
+    SidList* const owners = RecordingStore::makeSidList({m_alice});
     searchServer();
     pick("alice");
     void* chosen = choose(owners);

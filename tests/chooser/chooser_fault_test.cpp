@@ -231,7 +231,7 @@ protected:
     void failAt(const wchar_t* account, FailingList::Way way)
     {
         script.onDialog("a list that fails", [this, account, way](HWND dialog) {
-            failing_ = std::make_unique<FailingList>(list(dialog), account, way);
+            m_failing = std::make_unique<FailingList>(list(dialog), account, way);
         });
     }
     static bool isDrawing(HWND dialog)
@@ -240,7 +240,7 @@ protected:
     }
 
 private:
-    std::unique_ptr<FailingList> failing_;
+    std::unique_ptr<FailingList> m_failing;
 };
 
 const std::vector<std::string> kWithoutBob = {"Anyone|Anyone|System", "alice|DOM\\alice|User",

@@ -27,10 +27,10 @@ std::uintptr_t __cdecl startAndRemember(void(__cdecl* start)(void*), unsigned st
 } // namespace
 
 FillThreads::FillThreads()
-    : start_(ImportPatch::corvane(), "_beginthread", &startAndRemember)
+    : m_start(ImportPatch::corvane(), "_beginthread", &startAndRemember)
 {
     startedThreads.clear();
-    EXPECT_EQ(start_.count(), 1);
+    EXPECT_EQ(m_start.count(), 1);
 }
 
 FillThreads::~FillThreads()
@@ -76,10 +76,10 @@ ChooserFixture::ChooserFixture()
 {
     store.answer.enumerateUsers = [this](const wchar_t* server, SidList* list) {
         gate.pass();
-        return server == nullptr ? append(list, users_) : list;
+        return server == nullptr ? append(list, m_users) : list;
     };
     store.answer.enumerateGroups = [this](const wchar_t* server, SidList* list) {
-        return server == nullptr ? append(list, groups_) : list;
+        return server == nullptr ? append(list, m_groups) : list;
     };
 }
 
@@ -92,14 +92,14 @@ ChooserFixture::~ChooserFixture()
 void ChooserFixture::giveUsers(const std::vector<std::string>& names)
 {
     for (const std::string& name : names) {
-        users_.push_back(store.account(name));
+        m_users.push_back(store.account(name));
     }
 }
 
 void ChooserFixture::giveGroups(const std::vector<std::string>& names)
 {
     for (const std::string& name : names) {
-        groups_.push_back(store.account(name));
+        m_groups.push_back(store.account(name));
     }
 }
 

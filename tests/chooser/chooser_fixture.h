@@ -38,7 +38,7 @@ public:
     void forget();
 
 private:
-    ImportPatch start_;
+    ImportPatch m_start;
 };
 
 /// Waits until a thing is so; fails the test when it does not become so.
@@ -58,27 +58,27 @@ void waitFor(const char* what, Condition condition)
 class Gate {
 public:
     Gate()
-        : event_(CreateEventW(nullptr, TRUE, TRUE, nullptr))
+        : m_event(CreateEventW(nullptr, TRUE, TRUE, nullptr))
     {
     }
-    ~Gate() { CloseHandle(event_); }
+    ~Gate() { CloseHandle(m_event); }
     Gate(const Gate&) = delete;
     Gate& operator=(const Gate&) = delete;
 
-    void shut() { ResetEvent(event_); }
-    void open() { SetEvent(event_); }
+    void shut() { ResetEvent(m_event); }
+    void open() { SetEvent(m_event); }
     void pass()
     {
-        ++waiting_;
-        WaitForSingleObject(event_, INFINITE);
-        --waiting_;
+        ++m_waiting;
+        WaitForSingleObject(m_event, INFINITE);
+        --m_waiting;
     }
     /// How many threads it holds up.
-    int waiting() const { return waiting_; }
+    int waiting() const { return m_waiting; }
 
 private:
-    HANDLE event_;
-    std::atomic<int> waiting_ = 0;
+    HANDLE m_event;
+    std::atomic<int> m_waiting = 0;
 };
 
 class ChooserFixture : public testing::Test {
@@ -123,8 +123,8 @@ protected:
 private:
     SidList* append(SidList* list, const std::vector<const void*>& sids);
 
-    std::vector<const void*> users_;
-    std::vector<const void*> groups_;
+    std::vector<const void*> m_users;
+    std::vector<const void*> m_groups;
 };
 
 /// Text as the debug channel's "%p" writes it.

@@ -3,24 +3,25 @@
 #include <cwchar>
 
 FilterBar::FilterBar(HWND list)
-    : header_(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)))
+    : m_header(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)))
 {
     // Not the platform's subclassing, which costs a look-up at each message: a list sends its header many.
-    SetWindowLongPtrW(header_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    before_ = reinterpret_cast<WNDPROC>(
-        SetWindowLongPtrW(header_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&procedure)));
+    SetWindowLongPtrW(m_header, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    m_before = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(m_header, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&procedure)));
 }
 
 FilterBar::~FilterBar()
 {
-    SetWindowLongPtrW(header_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(before_)); // nothing once it is gone
+    SetWindowLongPtrW(m_header, GWLP_WNDPROC,
+                      reinterpret_cast<LONG_PTR>(m_before)); // nothing once it is gone
 }
 
 void FilterBar::type(int column, const wchar_t* text)
 {
-    texts_[column] = text;
+    m_texts[column] = text;
     if (*text == L'\0') {
-        texts_.erase(column);
+        m_texts.erase(column);
     }
     notify(HDN_FILTERCHANGE, column);
 }
@@ -35,9 +36,9 @@ void FilterBar::clickButton(int column)
 HWND FilterBar::openField(int column)
 {
     RECT cell{};
-    SendMessageW(header_, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&cell));
+    SendMessageW(m_header, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&cell));
     HWND field = CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE, cell.left, cell.bottom, 50, 16,
-                                 header_, nullptr, nullptr, nullptr);
+                                 m_header, nullptr, nullptr, nullptr);
     SetFocus(field);
     return field;
 }
@@ -45,11 +46,11 @@ HWND FilterBar::openField(int column)
 LRESULT FilterBar::notify(UINT code, int column) const
 {
     NMHEADERW header{}; // the button's record begins alike
-    header.hdr.hwndFrom = header_;
-    header.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(header_));
+    header.hdr.hwndFrom = m_header;
+    header.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(m_header));
     header.hdr.code = code;
     header.iItem = column;
-    return SendMessageW(GetParent(header_), WM_NOTIFY, header.hdr.idFrom, reinterpret_cast<LPARAM>(&header));
+    return SendMessageW(GetParent(m_header), WM_NOTIFY, header.hdr.idFrom, reinterpret_cast<LPARAM>(&header));
 }
 
 LRESULT FilterBar::set(WPARAM column, HDITEMW item)
@@ -57,24 +58,24 @@ LRESULT FilterBar::set(WPARAM column, HDITEMW item)
     const int index = static_cast<int>(column);
     if (item.type == HDFT_ISSTRING) {
         const auto& filter = *static_cast<const HD_TEXTFILTERW*>(item.pvFilter);
-        texts_[index] = filter.pszText;
-        taken_[index] = filter.cchTextMax;
+        m_texts[index] = filter.pszText;
+        m_taken[index] = filter.cchTextMax;
     }
     item.mask &= ~static_cast<UINT>(HDI_FILTER);
     return item.mask == 0
                ? TRUE
-               : CallWindowProcW(before_, header_, HDM_SETITEMW, column, reinterpret_cast<LPARAM>(&item));
+               : CallWindowProcW(m_before, m_header, HDM_SETITEMW, column, reinterpret_cast<LPARAM>(&item));
 }
 
 LRESULT FilterBar::get(WPARAM column, HDITEMW& item)
 {
     if (item.type == HDFT_ISSTRING) {
         const auto& filter = *static_cast<const HD_TEXTFILTERW*>(item.pvFilter);
-        const auto text = texts_.find(static_cast<int>(column));
-        std::wcsncpy(filter.pszText, text != texts_.end() ? text->second.c_str() : L"Enter text here",
+        const auto text = m_texts.find(static_cast<int>(column));
+        std::wcsncpy(filter.pszText, text != m_texts.end() ? text->second.c_str() : L"Enter text here",
                      static_cast<size_t>(filter.cchTextMax));
         filter.pszText[filter.cchTextMax - 1] = L'\0';
-        item.type |= text != texts_.end() ? 0u : HDFT_HASNOVALUE;
+        item.type |= text != m_texts.end() ? 0u : HDFT_HASNOVALUE;
     }
     HDITEMW rest = item;
     rest.mask &= ~static_cast<UINT>(HDI_FILTER);
@@ -82,7 +83,7 @@ LRESULT FilterBar::get(WPARAM column, HDITEMW& item)
         return TRUE;
     }
     const LRESULT result =
-        CallWindowProcW(before_, header_, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&rest));
+        CallWindowProcW(m_before, m_header, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&rest));
     rest.mask = item.mask;
     item = rest;
     return result;
@@ -103,17 +104,17 @@ LRESULT CALLBACK FilterBar::procedure(HWND window, UINT message, WPARAM wParam, 
         }
         break;
     case HDM_CLEARFILTER:
-        wParam == static_cast<WPARAM>(-1) ? bar.texts_.clear()
-                                          : static_cast<void>(bar.texts_.erase(static_cast<int>(wParam)));
+        wParam == static_cast<WPARAM>(-1) ? bar.m_texts.clear()
+                                          : static_cast<void>(bar.m_texts.erase(static_cast<int>(wParam)));
         return 1;
     case HDM_EDITFILTER:
-        bar.opened_ = static_cast<int>(wParam);
+        bar.m_opened = static_cast<int>(wParam);
         return 1;
     case HDM_SETFILTERCHANGETIMEOUT:
-        bar.delay_ = lParam;
+        bar.m_delay = lParam;
         return 0;
     default:
         break;
     }
-    return CallWindowProcW(bar.before_, window, message, wParam, lParam);
+    return CallWindowProcW(bar.m_before, window, message, wParam, lParam);
 }

@@ -26,14 +26,14 @@ public:
     /// The field of a column's filter, a child of the header, with the keyboard; gone with the header.
     HWND openField(int column);
     /// The column whose field the list opened itself; -1 for none.
-    int opened() const { return opened_; }
+    int opened() const { return m_opened; }
 
     /// Whether a column shows the prompt of a filter that has no value.
-    bool showsPrompt(int column) const { return texts_.count(column) == 0; }
+    bool showsPrompt(int column) const { return m_texts.count(column) == 0; }
 
     /// The filter's own text, as the header was told to take it.
-    bool takesText(int column) const { return taken_.count(column) != 0; }
-    LPARAM delay() const { return delay_; }
+    bool takesText(int column) const { return m_taken.count(column) != 0; }
+    LPARAM delay() const { return m_delay; }
 
 private:
     static LRESULT CALLBACK procedure(HWND, UINT, WPARAM, LPARAM);
@@ -41,10 +41,10 @@ private:
     LRESULT set(WPARAM column, HDITEMW item);
     LRESULT get(WPARAM column, HDITEMW& item);
 
-    HWND header_;
-    WNDPROC before_ = nullptr;
-    std::map<int, std::wstring> texts_;
-    std::map<int, int> taken_;
-    LPARAM delay_ = 0;
-    int opened_ = -1;
+    HWND m_header;
+    WNDPROC m_before = nullptr;
+    std::map<int, std::wstring> m_texts;
+    std::map<int, int> m_taken;
+    LPARAM m_delay = 0;
+    int m_opened = -1;
 };

@@ -208,14 +208,14 @@ BOOL WINAPI destroyIcon(HICON icon)
 } // namespace
 
 FakeDisk::FakeDisk(HMODULE module)
-    : state_(std::make_unique<State>())
+    : m_state(std::make_unique<State>())
 {
     disk = this;
-    state = state_.get();
+    state = m_state.get();
     state->images = ImageList_Create(16, 16, ILC_COLOR, 1, 1);
     const auto replace = [&](const char* name, auto* function) {
-        patches_.push_back(std::make_unique<ImportPatch>(module, name, function));
-        EXPECT_GE(patches_.back()->count(), 1) << name;
+        m_patches.push_back(std::make_unique<ImportPatch>(module, name, function));
+        EXPECT_GE(m_patches.back()->count(), 1) << name;
     };
     replace("FindFirstFileW", findFirst);
     replace("FindNextFileW", findNext);
@@ -229,7 +229,7 @@ FakeDisk::FakeDisk(HMODULE module)
 
 FakeDisk::~FakeDisk()
 {
-    patches_.clear();
+    m_patches.clear();
     EXPECT_TRUE(ImageList_Destroy(state->images)) << "the system's images were destroyed";
     disk = nullptr;
     state = nullptr;
@@ -237,29 +237,29 @@ FakeDisk::~FakeDisk()
 
 void FakeDisk::addDrive(const std::wstring& drive, DWORD flags)
 {
-    state_->drives.push_back({drive, true, flags});
+    m_state->drives.push_back({drive, true, flags});
 }
 
 void FakeDisk::addEmptyDrive(const std::wstring& drive)
 {
-    state_->drives.push_back({drive, false, 0});
+    m_state->drives.push_back({drive, false, 0});
 }
 
 void FakeDisk::setFolder(const std::wstring& folder, std::vector<Entry> entries)
 {
     entries.insert(entries.begin(), {{L".", FILE_ATTRIBUTE_DIRECTORY}, {L"..", FILE_ATTRIBUTE_DIRECTORY}});
-    state_->folders[trimmed(folder)] = std::move(entries);
+    m_state->folders[trimmed(folder)] = std::move(entries);
 }
 
 std::vector<std::string> FakeDisk::takeCalls()
 {
-    return std::exchange(state_->calls, {});
+    return std::exchange(m_state->calls, {});
 }
 
 int FakeDisk::calls(const std::string& beginning) const
 {
     int count = 0;
-    for (const std::string& call : state_->calls) {
+    for (const std::string& call : m_state->calls) {
         count += call.starts_with(beginning) ? 1 : 0;
     }
     return count;
@@ -267,10 +267,10 @@ int FakeDisk::calls(const std::string& beginning) const
 
 int FakeDisk::openSearches() const
 {
-    return static_cast<int>(state_->searches.size());
+    return static_cast<int>(m_state->searches.size());
 }
 
 int FakeDisk::openIcons() const
 {
-    return static_cast<int>(state_->icons.size());
+    return static_cast<int>(m_state->icons.size());
 }

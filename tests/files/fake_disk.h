@@ -52,8 +52,8 @@ public:
     struct State;
 
 private:
-    std::unique_ptr<State> state_;
-    std::vector<std::unique_ptr<ImportPatch>> patches_;
+    std::unique_ptr<State> m_state;
+    std::vector<std::unique_ptr<ImportPatch>> m_patches;
 };
 
 /// A file, for the lists of entries.

@@ -9,19 +9,19 @@ TreeHost::TreeHost(DWORD moreStyles)
 {
     const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TREEVIEW_CLASSES};
     InitCommonControlsEx(&classes);
-    window_ = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 300, 300, nullptr, nullptr,
-                              nullptr, nullptr);
-    SetWindowSubclass(window_, windowProc, 1, reinterpret_cast<DWORD_PTR>(this));
-    tree_.attach(
+    m_window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 300, 300, nullptr, nullptr,
+                               nullptr, nullptr);
+    SetWindowSubclass(m_window, windowProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    m_tree.attach(
         CreateWindowExW(0, WC_TREEVIEWW, L"",
                         WS_CHILD | WS_VISIBLE | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | moreStyles,
-                        0, 0, 300, 300, window_, reinterpret_cast<HMENU>(UINT_PTR{1038}), nullptr, nullptr));
-    SetWindowSubclass(tree_.handle(), treeProc, 1, reinterpret_cast<DWORD_PTR>(this));
+                        0, 0, 300, 300, m_window, reinterpret_cast<HMENU>(UINT_PTR{1038}), nullptr, nullptr));
+    SetWindowSubclass(m_tree.handle(), treeProc, 1, reinterpret_cast<DWORD_PTR>(this));
 }
 
 TreeHost::~TreeHost()
 {
-    DestroyWindow(window_);
+    DestroyWindow(m_window);
 }
 
 LRESULT CALLBACK TreeHost::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
@@ -29,7 +29,7 @@ LRESULT CALLBACK TreeHost::windowProc(HWND window, UINT message, WPARAM wParam, 
 {
     const auto* header = reinterpret_cast<const NMHDR*>(lParam);
     if (message == WM_NOTIFY && header->code == TVN_ITEMEXPANDEDW) {
-        reinterpret_cast<TreeHost*>(self)->tree_.onItemExpanded(
+        reinterpret_cast<TreeHost*>(self)->m_tree.onItemExpanded(
             *reinterpret_cast<const NMTREEVIEWW*>(header));
     }
     return DefSubclassProc(window, message, wParam, lParam);
@@ -38,7 +38,7 @@ LRESULT CALLBACK TreeHost::windowProc(HWND window, UINT message, WPARAM wParam, 
 LRESULT CALLBACK TreeHost::treeProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR /*id*/,
                                     DWORD_PTR self)
 {
-    auto& messages = reinterpret_cast<TreeHost*>(self)->messages_;
+    auto& messages = reinterpret_cast<TreeHost*>(self)->m_messages;
     if (message == WM_SETREDRAW) {
         messages.push_back("redraw " + std::to_string(wParam));
     } else if (message == TVM_DELETEITEM && reinterpret_cast<HTREEITEM>(lParam) == TVI_ROOT) {
@@ -53,8 +53,8 @@ LRESULT CALLBACK TreeHost::treeProc(HWND window, UINT message, WPARAM wParam, LP
 
 HTREEITEM TreeHost::child(HTREEITEM node, const std::wstring& text) const
 {
-    for (HTREEITEM found = tree_.firstChild(node); found != nullptr; found = tree_.nextSibling(found)) {
-        if (tree_.text(found) == text) {
+    for (HTREEITEM found = m_tree.firstChild(node); found != nullptr; found = m_tree.nextSibling(found)) {
+        if (m_tree.text(found) == text) {
             return found;
         }
     }
@@ -64,8 +64,8 @@ HTREEITEM TreeHost::child(HTREEITEM node, const std::wstring& text) const
 std::vector<std::string> TreeHost::children(HTREEITEM node) const
 {
     std::vector<std::string> texts;
-    for (HTREEITEM found = tree_.firstChild(node); found != nullptr; found = tree_.nextSibling(found)) {
-        texts.push_back(utf8(tree_.text(found)));
+    for (HTREEITEM found = m_tree.firstChild(node); found != nullptr; found = m_tree.nextSibling(found)) {
+        texts.push_back(utf8(m_tree.text(found)));
     }
     return texts;
 }
@@ -75,18 +75,18 @@ void TreeHost::click(HTREEITEM node)
     // What the platform does for a click on the button; the message itself does not tell an opened node again.
     RECT box{};
     *reinterpret_cast<HTREEITEM*>(&box) = node;
-    SendMessageW(tree_.handle(), TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(node));
-    SendMessageW(tree_.handle(), TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&box));
+    SendMessageW(m_tree.handle(), TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(node));
+    SendMessageW(m_tree.handle(), TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&box));
     // The button stands left of the icon and the text.
     const LONG y = (box.top + box.bottom) / 2;
     for (LONG x = box.left; x >= 0; --x) {
         TVHITTESTINFO hit{};
         hit.pt = {x, y};
-        SendMessageW(tree_.handle(), TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+        SendMessageW(m_tree.handle(), TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
         if ((hit.flags & TVHT_ONITEMBUTTON) != 0) {
             const LPARAM place = MAKELPARAM(x, y);
-            PostMessageW(tree_.handle(), WM_LBUTTONUP, 0, place); // the control waits for it
-            SendMessageW(tree_.handle(), WM_LBUTTONDOWN, MK_LBUTTON, place);
+            PostMessageW(m_tree.handle(), WM_LBUTTONUP, 0, place); // the control waits for it
+            SendMessageW(m_tree.handle(), WM_LBUTTONDOWN, MK_LBUTTON, place);
             MSG message;
             while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
                 DispatchMessageW(&message);
@@ -101,17 +101,17 @@ std::string TreeHost::images(HTREEITEM node) const
     TVITEMW item{};
     item.mask = TVIF_IMAGE | TVIF_SELECTEDIMAGE;
     item.hItem = node;
-    tree_.send(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    m_tree.send(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
     return std::to_string(item.iImage) + "/" + std::to_string(item.iSelectedImage);
 }
 
 std::string TreeHost::selectedText() const
 {
-    HTREEITEM node = tree_.selected();
-    return node != nullptr ? utf8(tree_.text(node)) : std::string();
+    HTREEITEM node = m_tree.selected();
+    return node != nullptr ? utf8(m_tree.text(node)) : std::string();
 }
 
 std::vector<std::string> TreeHost::takeMessages()
 {
-    return std::exchange(messages_, {});
+    return std::exchange(m_messages, {});
 }

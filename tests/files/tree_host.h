@@ -13,8 +13,8 @@ public:
     TreeHost(const TreeHost&) = delete;
     TreeHost& operator=(const TreeHost&) = delete;
 
-    CDirTreeCtrl& tree() { return tree_; }
-    HWND window() const { return window_; }
+    CDirTreeCtrl& tree() { return m_tree; }
+    HWND window() const { return m_window; }
 
     HTREEITEM top(const std::wstring& text) const { return child(TVI_ROOT, text); }
     HTREEITEM child(HTREEITEM node, const std::wstring& text) const;
@@ -39,7 +39,7 @@ private:
     static LRESULT CALLBACK treeProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                      DWORD_PTR self);
 
-    HWND window_;
-    CDirTreeCtrl tree_;
-    std::vector<std::string> messages_;
+    HWND m_window;
+    CDirTreeCtrl m_tree;
+    std::vector<std::string> m_messages;
 };

@@ -12,12 +12,12 @@ namespace {
 class StandardOutput {
 public:
     explicit StandardOutput(HANDLE output) { SetStdHandle(STD_OUTPUT_HANDLE, output); }
-    ~StandardOutput() { SetStdHandle(STD_OUTPUT_HANDLE, before_); }
+    ~StandardOutput() { SetStdHandle(STD_OUTPUT_HANDLE, m_before); }
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
 
 private:
-    HANDLE before_ = GetStdHandle(STD_OUTPUT_HANDLE);
+    HANDLE m_before = GetStdHandle(STD_OUTPUT_HANDLE);
 };
 
 const std::wstring kText = L"J\u00F6rg \u03A9";

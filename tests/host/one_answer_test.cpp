@@ -11,7 +11,7 @@ constexpr UINT kMessage = WM_APP + 7;
 
 class OneAnswerTest : public testing::Test {
 protected:
-    ~OneAnswerTest() override { DestroyWindow(window_); }
+    ~OneAnswerTest() override { DestroyWindow(m_window); }
 
     void change(UINT from, UINT to, UINT what = LVIF_STATE)
     {
@@ -19,21 +19,22 @@ protected:
         notification.uChanged = what;
         notification.uOldState = from;
         notification.uNewState = to;
-        answer_.heard(notification);
+        m_answer.heard(notification);
     }
 
     /// Messages that have been posted; they are taken away.
     int posted() const
     {
         int count = 0;
-        for (MSG message{}; PeekMessageW(&message, window_, kMessage, kMessage, PM_REMOVE) != FALSE;) {
+        for (MSG message{}; PeekMessageW(&message, m_window, kMessage, kMessage, PM_REMOVE) != FALSE;) {
             ++count;
         }
         return count;
     }
 
-    HWND window_ = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    OneAnswer answer_{window_, kMessage};
+    HWND m_window =
+        CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    OneAnswer m_answer{m_window, kMessage};
 };
 
 } // namespace
@@ -51,7 +52,7 @@ TEST_F(OneAnswerTest, TheNextHasItsOwn)
 {
     change(0, LVIS_SELECTED | LVIS_FOCUSED);
     EXPECT_EQ(posted(), 1);
-    answer_.arrived();
+    m_answer.arrived();
     change(LVIS_SELECTED, 0);
     EXPECT_EQ(posted(), 1);
 }

@@ -17,24 +17,24 @@ class Chain {
 public:
     QuotaRule& add(const wchar_t* path, int64_t hard, int64_t soft)
     {
-        paths_.emplace_back(path);
-        QuotaRule& rule = rules_[count_];
+        m_paths.emplace_back(path);
+        QuotaRule& rule = m_rules[m_count];
         rule.type = QUOTA_RULE_FOR_ANYONE;
-        rule.path = paths_.back().data();
+        rule.path = m_paths.back().data();
         rule.hardLimit = hard;
         rule.softLimit = soft;
-        if (count_ > 0) {
-            rules_[count_ - 1].next = &rule;
+        if (m_count > 0) {
+            m_rules[m_count - 1].next = &rule;
         }
-        ++count_;
+        ++m_count;
         return rule;
     }
-    const QuotaRule* first() const { return count_ == 0 ? nullptr : rules_.data(); }
+    const QuotaRule* first() const { return m_count == 0 ? nullptr : m_rules.data(); }
 
 private:
-    std::array<QuotaRule, 4> rules_{};
-    std::list<std::wstring> paths_;
-    size_t count_ = 0;
+    std::array<QuotaRule, 4> m_rules{};
+    std::list<std::wstring> m_paths;
+    size_t m_count = 0;
 };
 
 // S-1-1-0 and S-1-5-18

@@ -5,7 +5,7 @@
 EditorVisit& EditorVisit::add()
 {
     return list([this](HWND dialog, const ListInDialog&) {
-        store_.recording.takeCalls();
+        m_store.recording.takeCalls();
         clickLater(dialog, ids::kAdd);
     });
 }
@@ -14,7 +14,7 @@ EditorVisit& EditorVisit::edit(int row)
 {
     return list([this, row](HWND dialog, const ListInDialog& rows) {
         rows.selectOnly(row);
-        store_.recording.takeCalls();
+        m_store.recording.takeCalls();
         // Not by the button: one of the editors has none.
         PostMessageW(dialog, WM_COMMAND, ids::kEdit, 0);
     });
@@ -24,7 +24,7 @@ EditorVisit& EditorVisit::remove(int row)
 {
     return list([this, row](HWND dialog, const ListInDialog& rows) {
         rows.selectOnly(row);
-        store_.recording.takeCalls();
+        m_store.recording.takeCalls();
         click(dialog, ids::kRemove);
     });
 }
@@ -32,8 +32,8 @@ EditorVisit& EditorVisit::remove(int row)
 EditorVisit& EditorVisit::list(OnList act)
 {
     script.onDialog("on the list", [this, act = std::move(act)](HWND dialog) {
-        ASSERT_NE(GetDlgItem(dialog, listId_), nullptr) << "\"" << windowText(dialog) << "\" is in front";
-        act(dialog, ListInDialog(dialog, listId_));
+        ASSERT_NE(GetDlgItem(dialog, m_listId), nullptr) << "\"" << windowText(dialog) << "\" is in front";
+        act(dialog, ListInDialog(dialog, m_listId));
     });
     return *this;
 }

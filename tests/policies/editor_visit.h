@@ -22,8 +22,8 @@ public:
     using OnEntry = std::function<void(HWND entry)>;
 
     explicit EditorVisit(PolicyStore& store, int listId = 1011)
-        : store_(store)
-        , listId_(listId)
+        : m_store(store)
+        , m_listId(listId)
     {
     }
 
@@ -57,6 +57,6 @@ public:
     DialogScript script;
 
 private:
-    PolicyStore& store_;
-    int listId_;
+    PolicyStore& m_store;
+    int m_listId;
 };

@@ -19,29 +19,29 @@ BOOL WINAPI workstation(OSVERSIONINFOW* version)
 
 } // namespace
 
-FileDialogs* FileDialogs::current_ = nullptr;
+FileDialogs* FileDialogs::m_current = nullptr;
 
 FileDialogs::FileDialogs()
-    : open_(ImportPatch::corvane(), "GetOpenFileNameW", open)
-    , save_(ImportPatch::corvane(), "GetSaveFileNameW", save)
-    , version_(ImportPatch::corvane(), "GetVersionExW", workstation)
+    : m_open(ImportPatch::corvane(), "GetOpenFileNameW", open)
+    , m_save(ImportPatch::corvane(), "GetSaveFileNameW", save)
+    , m_version(ImportPatch::corvane(), "GetVersionExW", workstation)
 {
-    current_ = this;
+    m_current = this;
 }
 
 FileDialogs::~FileDialogs()
 {
-    current_ = nullptr;
+    m_current = nullptr;
 }
 
 BOOL WINAPI FileDialogs::open(OPENFILENAMEW* request)
 {
-    return current_->reply("open", request);
+    return m_current->reply("open", request);
 }
 
 BOOL WINAPI FileDialogs::save(OPENFILENAMEW* request)
 {
-    return current_->reply("save", request);
+    return m_current->reply("save", request);
 }
 
 BOOL FileDialogs::reply(const char* kind, OPENFILENAMEW* request)

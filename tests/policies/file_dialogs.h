@@ -23,8 +23,8 @@ private:
     static BOOL WINAPI save(OPENFILENAMEW* request);
     BOOL reply(const char* kind, OPENFILENAMEW* request);
 
-    static FileDialogs* current_;
-    ImportPatch open_;
-    ImportPatch save_;
-    ImportPatch version_;
+    static FileDialogs* m_current;
+    ImportPatch m_open;
+    ImportPatch m_save;
+    ImportPatch m_version;
 };

@@ -10,14 +10,14 @@ std::wstring ListInDialog::cell(int row, int column) const
     item.pszText = text.data();
     item.cchTextMax = static_cast<int>(text.size());
     const LRESULT length =
-        SendMessageW(list_, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        SendMessageW(m_list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     text.resize(static_cast<size_t>(length));
     return text;
 }
 
 std::vector<std::string> ListInDialog::rows() const
 {
-    const int columns = Header_GetItemCount(ListView_GetHeader(list_));
+    const int columns = Header_GetItemCount(ListView_GetHeader(m_list));
     std::vector<std::string> texts;
     for (int row = 0; row < rowCount(); ++row) {
         std::string text;
@@ -34,7 +34,7 @@ LPARAM ListInDialog::data(int row) const
     LVITEMW item{};
     item.mask = LVIF_PARAM;
     item.iItem = row;
-    return SendMessageW(list_, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) ? item.lParam : -1;
+    return SendMessageW(m_list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) ? item.lParam : -1;
 }
 
 std::vector<LPARAM> ListInDialog::allData() const
@@ -48,7 +48,7 @@ std::vector<LPARAM> ListInDialog::allData() const
 
 void ListInDialog::select(int row, bool selected) const
 {
-    ListView_SetItemState(list_, row, selected ? LVIS_SELECTED : 0u, LVIS_SELECTED);
+    ListView_SetItemState(m_list, row, selected ? LVIS_SELECTED : 0u, LVIS_SELECTED);
 }
 
 void ListInDialog::selectOnly(int row) const
@@ -59,16 +59,16 @@ void ListInDialog::selectOnly(int row) const
 
 void ListInDialog::notify(NMHDR& notification, UINT code) const
 {
-    notification.hwndFrom = list_;
-    notification.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(list_));
+    notification.hwndFrom = m_list;
+    notification.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(m_list));
     notification.code = code;
-    SendMessageW(dialog_, WM_NOTIFY, notification.idFrom, reinterpret_cast<LPARAM>(&notification));
+    SendMessageW(m_dialog, WM_NOTIFY, notification.idFrom, reinterpret_cast<LPARAM>(&notification));
 }
 
 void ListInDialog::doubleClick() const
 {
     NMITEMACTIVATE activation{};
-    activation.iItem = ListView_GetNextItem(list_, -1, LVNI_SELECTED);
+    activation.iItem = ListView_GetNextItem(m_list, -1, LVNI_SELECTED);
     notify(activation.hdr, static_cast<UINT>(NM_DBLCLK));
 }
 

@@ -11,13 +11,13 @@
 class ListInDialog {
 public:
     ListInDialog(HWND dialog, int id)
-        : dialog_(dialog)
-        , list_(GetDlgItem(dialog, id))
+        : m_dialog(dialog)
+        , m_list(GetDlgItem(dialog, id))
     {
     }
 
-    HWND window() const { return list_; }
-    int rowCount() const { return ListView_GetItemCount(list_); }
+    HWND window() const { return m_list; }
+    int rowCount() const { return ListView_GetItemCount(m_list); }
     std::wstring cell(int row, int column) const;
 
     /// The cells of each row, from top to bottom: "C:\a.exe|Anyone|1day(s)".
@@ -39,6 +39,6 @@ public:
 private:
     void notify(NMHDR& notification, UINT code) const;
 
-    HWND dialog_;
-    HWND list_;
+    HWND m_dialog;
+    HWND m_list;
 };

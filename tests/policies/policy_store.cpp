@@ -40,31 +40,31 @@ int32_t numberOf(const wchar_t* text)
 
 std::uint32_t StoredTexts::add(const wchar_t* text)
 {
-    texts_.push_back(takeOver(text));
+    m_texts.push_back(takeOver(text));
     return count() - 1;
 }
 
 void StoredTexts::update(std::uint32_t index, const wchar_t* text)
 {
-    if (texts_.at(index).get() != text) { // its own string back
-        texts_[index] = takeOver(text);
+    if (m_texts.at(index).get() != text) { // its own string back
+        m_texts[index] = takeOver(text);
     }
 }
 
 void StoredTexts::remove(std::uint32_t index)
 {
-    texts_.at(index).reset();
+    m_texts.at(index).reset();
 }
 
 const wchar_t* StoredTexts::get(std::uint32_t index) const
 {
-    return index < texts_.size() ? texts_[index].get() : nullptr;
+    return index < m_texts.size() ? m_texts[index].get() : nullptr;
 }
 
 std::vector<std::wstring> StoredTexts::present() const
 {
     std::vector<std::wstring> texts;
-    for (const auto& text : texts_) {
+    for (const auto& text : m_texts) {
         if (text) {
             texts.emplace_back(text.get());
         }
@@ -95,14 +95,14 @@ void PolicyStore::answerForNotifications()
         return numberOf(attribute(index, which));
     };
     answer.setNAttr = [this](uint32_t index, uint32_t which, const wchar_t* text) {
-        CBlock<wchar_t>& attribute = attributes_.at(index).at(which);
+        CBlock<wchar_t>& attribute = m_attributes.at(index).at(which);
         if (attribute) { // a store that leaves passwords lying about would hide those of the dialogs
             SecureZeroMemory(attribute.get(), std::wcslen(attribute.get()) * sizeof(wchar_t));
         }
         attribute = takeOver(text);
     };
     answer.addToNotifications = [this](const wchar_t* script) {
-        attributes_.emplace_back();
+        m_attributes.emplace_back();
         return scripts.add(script);
     };
     answer.updateNotifications = [this](uint32_t index, const wchar_t* script) {
@@ -160,12 +160,12 @@ void PolicyStore::answerForMasks()
         return maskAccount(index);
     };
     answer.addToExcludeExts = [this](const wchar_t* mask, const void* sid) {
-        maskAccounts_.push_back(bytesOf(sid));
+        m_maskAccounts.push_back(bytesOf(sid));
         return masks.add(mask);
     };
     answer.updateExcludeExts = [this](uint32_t index, const wchar_t* mask, const void* sid) {
         masks.update(index, mask);
-        maskAccounts_.at(index) = bytesOf(sid);
+        m_maskAccounts.at(index) = bytesOf(sid);
     };
     answer.removeExcludeExts = [this](uint32_t index) {
         masks.remove(index);
@@ -175,10 +175,10 @@ void PolicyStore::answerForMasks()
 std::uint32_t PolicyStore::putNotification(const wchar_t* script,
                                            const std::array<const wchar_t*, 6>& attributes)
 {
-    attributes_.emplace_back();
+    m_attributes.emplace_back();
     for (size_t i = 0; i < attributes.size(); ++i) {
         if (attributes[i] != nullptr) {
-            attributes_.back()[i].reset(_wcsdup(attributes[i]));
+            m_attributes.back()[i].reset(_wcsdup(attributes[i]));
         }
     }
     return scripts.add(_wcsdup(script));
@@ -192,7 +192,7 @@ void PolicyStore::putExclude(const wchar_t* path)
 void PolicyStore::putMask(const wchar_t* mask, const void* sid)
 {
     masks.add(_wcsdup(mask));
-    maskAccounts_.push_back(bytesOf(sid));
+    m_maskAccounts.push_back(bytesOf(sid));
 }
 
 void PolicyStore::putAccount(const wchar_t* name)
@@ -207,11 +207,11 @@ void PolicyStore::putTool(const wchar_t* name)
 
 const wchar_t* PolicyStore::attribute(std::uint32_t index, std::uint32_t attribute) const
 {
-    return attributes_.at(index).at(attribute).get();
+    return m_attributes.at(index).at(attribute).get();
 }
 
 const void* PolicyStore::maskAccount(std::uint32_t index) const
 {
-    const std::vector<unsigned char>& bytes = maskAccounts_.at(index);
+    const std::vector<unsigned char>& bytes = m_maskAccounts.at(index);
     return bytes.empty() ? nullptr : bytes.data();
 }

@@ -20,10 +20,10 @@ public:
 
     /// What is there, in the order of the indexes.
     std::vector<std::wstring> present() const;
-    std::uint32_t count() const { return static_cast<std::uint32_t>(texts_.size()); }
+    std::uint32_t count() const { return static_cast<std::uint32_t>(m_texts.size()); }
 
 private:
-    std::vector<CBlock<wchar_t>> texts_;
+    std::vector<CBlock<wchar_t>> m_texts;
 };
 
 /// A recording store whose policy lists hold what the test puts in and what the editors make of it.
@@ -59,6 +59,6 @@ private:
     void answerForTexts();
     void answerForMasks();
 
-    std::vector<std::array<CBlock<wchar_t>, 6>> attributes_;
-    std::vector<std::vector<unsigned char>> maskAccounts_;
+    std::vector<std::array<CBlock<wchar_t>, 6>> m_attributes;
+    std::vector<std::vector<unsigned char>> m_maskAccounts;
 };

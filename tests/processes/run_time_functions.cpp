@@ -77,23 +77,23 @@ BOOL WINAPI closeHandle(HANDLE handle)
 } // namespace
 
 RunTimeFunctions::RunTimeFunctions(HMODULE module)
-    : before_(std::exchange(newest, this))
-    , patch_(module, "GetProcAddress", &lookUp)
+    : m_before(std::exchange(newest, this))
+    , m_patch(module, "GetProcAddress", &lookUp)
 {
-    EXPECT_EQ(patch_.count(), 1);
+    EXPECT_EQ(m_patch.count(), 1);
 }
 
 RunTimeFunctions::~RunTimeFunctions()
 {
-    newest = before_;
+    newest = m_before;
 }
 
 FARPROC WINAPI RunTimeFunctions::lookUp(HMODULE module, const char* name)
 {
     if (reinterpret_cast<UINT_PTR>(name) > 0xFFFF) { // below, it is a number
-        for (const RunTimeFunctions* list = newest; list != nullptr; list = list->before_) {
-            const auto found = list->functions_.find(std::string_view(name));
-            if (found != list->functions_.end()) {
+        for (const RunTimeFunctions* list = newest; list != nullptr; list = list->m_before) {
+            const auto found = list->m_functions.find(std::string_view(name));
+            if (found != list->m_functions.end()) {
                 return found->second;
             }
         }
@@ -102,19 +102,19 @@ FARPROC WINAPI RunTimeFunctions::lookUp(HMODULE module, const char* name)
 }
 
 HeldThings::HeldThings(HMODULE module)
-    : load_(module, "LoadLibraryW", &load)
-    , free_(module, "FreeLibrary", &release)
-    , allocate_(module, "HeapAlloc", &allocate)
-    , release_(module, "HeapFree", &freeBlock)
-    , close_(module, "CloseHandle", &closeHandle)
+    : m_load(module, "LoadLibraryW", &load)
+    , m_free(module, "FreeLibrary", &release)
+    , m_allocate(module, "HeapAlloc", &allocate)
+    , m_release(module, "HeapFree", &freeBlock)
+    , m_close(module, "CloseHandle", &closeHandle)
 {
     held = this;
     blocks.clear();
-    EXPECT_GE(load_.count(), 1);
-    EXPECT_GE(free_.count(), 1);
-    EXPECT_GE(allocate_.count(), 1);
-    EXPECT_GE(release_.count(), 1);
-    EXPECT_GE(close_.count(), 1);
+    EXPECT_GE(m_load.count(), 1);
+    EXPECT_GE(m_free.count(), 1);
+    EXPECT_GE(m_allocate.count(), 1);
+    EXPECT_GE(m_release.count(), 1);
+    EXPECT_GE(m_close.count(), 1);
 }
 
 HeldThings::~HeldThings() = default;

@@ -21,16 +21,16 @@ public:
     template <class Function>
     void put(std::string_view name, Function* function)
     {
-        functions_[std::string(name)] = reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+        m_functions[std::string(name)] = reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
     }
-    void remove(std::string_view name) { functions_[std::string(name)] = nullptr; }
+    void remove(std::string_view name) { m_functions[std::string(name)] = nullptr; }
 
 private:
     static FARPROC WINAPI lookUp(HMODULE module, const char* name);
 
-    std::map<std::string, FARPROC, std::less<>> functions_;
-    RunTimeFunctions* before_;
-    ImportPatch patch_;
+    std::map<std::string, FARPROC, std::less<>> m_functions;
+    RunTimeFunctions* m_before;
+    ImportPatch m_patch;
 };
 
 /// Counts what a module does with the libraries, handles and heap blocks of the platform. One at a time.
@@ -49,9 +49,9 @@ public:
     int failHeapAfter = -1; ///< so many allocations succeed; -1: all
 
 private:
-    ImportPatch load_;
-    ImportPatch free_;
-    ImportPatch allocate_;
-    ImportPatch release_;
-    ImportPatch close_;
+    ImportPatch m_load;
+    ImportPatch m_free;
+    ImportPatch m_allocate;
+    ImportPatch m_release;
+    ImportPatch m_close;
 };

@@ -12,35 +12,35 @@ Child::Child(const std::wstring& role, const std::vector<std::wstring>& argument
     for (const std::wstring& argument : arguments) {
         line += L" \"" + argument + L'"';
     }
-    process_ = startProcess(program, line);
+    m_process = startProcess(program, line);
 }
 
 Child::~Child()
 {
-    if (process_.hProcess != nullptr) {
+    if (m_process.hProcess != nullptr) {
         kill();
-        CloseHandle(process_.hThread);
-        CloseHandle(process_.hProcess);
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
     }
 }
 
 void Child::kill()
 {
-    TerminateProcess(process_.hProcess, kEndedItself);
-    WaitForSingleObject(process_.hProcess, INFINITE);
+    TerminateProcess(m_process.hProcess, kEndedItself);
+    WaitForSingleObject(m_process.hProcess, INFINITE);
 }
 
 DWORD Child::wait()
 {
     DWORD code = 0;
-    WaitForSingleObject(process_.hProcess, INFINITE);
-    GetExitCodeProcess(process_.hProcess, &code);
+    WaitForSingleObject(m_process.hProcess, INFINITE);
+    GetExitCodeProcess(m_process.hProcess, &code);
     return code;
 }
 
 bool Child::isRunning() const
 {
-    return WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT;
+    return WaitForSingleObject(m_process.hProcess, 0) == WAIT_TIMEOUT;
 }
 
 } // namespace store_test

@@ -27,7 +27,7 @@ public:
     bool isRunning() const;
 
 private:
-    PROCESS_INFORMATION process_{};
+    PROCESS_INFORMATION m_process{};
 };
 
 /// Exit code of a child that ended itself where it was told to.

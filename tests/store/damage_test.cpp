@@ -20,7 +20,7 @@ protected:
     {
         StoreTest::SetUp();
         store({kFolder}, {{kFolder, 5, 4, 3}, {kFolder, 6, 5, 4, L"S-1-5-32-545"}});
-        good_ = bytesOf(rulesFile());
+        m_good = bytesOf(rulesFile());
     }
 
     static int storeNine()
@@ -57,7 +57,7 @@ protected:
         EXPECT_STREQ(lornixLastError(), L"");
     }
 
-    std::string good_;
+    std::string m_good;
 };
 
 TEST_F(DamageTest, DamagedLineIsLeftOutAndTheRestGoesOn)
@@ -74,11 +74,11 @@ TEST_F(DamageTest, DamagedLineIsLeftOutAndTheRestGoesOn)
 TEST_F(DamageTest, LimitsThatCannotBeAreNeverHandedOut)
 {
     for (const char* limits : {"0\t-1", "-1\t-5", "-9223372036854775808\t-9223372036854775808"}) {
-        std::string damaged = good_;
+        std::string damaged = m_good;
         damaged.replace(damaged.find("5\t4\t3"), 3, limits);
         expectRead(damaged, {{kFolder, 6, 5, 4, L"S-1-5-32-545"}}, L"line 4: its hard limit is 0 or less");
     }
-    std::string damaged = good_;
+    std::string damaged = m_good;
     damaged.replace(damaged.find("5\t4\t3"), 3, "3\t4");
     expectRead(damaged, {{kFolder, 6, 5, 4, L"S-1-5-32-545"}},
                L"line 4: its soft limit is above the hard one");
@@ -86,15 +86,15 @@ TEST_F(DamageTest, LimitsThatCannotBeAreNeverHandedOut)
 
 TEST_F(DamageTest, AChangeThatNoLineShowsIsTold)
 {
-    std::string damaged = good_;
+    std::string damaged = m_good;
     damaged.replace(damaged.find("6\t5\t4"), 1, "7");
     expectRead(damaged, {{kFolder, 5, 4, 3}, {kFolder, 7, 5, 4, L"S-1-5-32-545"}},
                L"line 6: the checksum is another, so that something above was changed");
-    const std::size_t line = good_.find("5\t4\t3");
-    expectRead(good_.substr(0, line) + good_.substr(good_.find("6\t5\t4")),
+    const std::size_t line = m_good.find("5\t4\t3");
+    expectRead(m_good.substr(0, line) + m_good.substr(m_good.find("6\t5\t4")),
                {{kFolder, 6, 5, 4, L"S-1-5-32-545"}}, L"line 5: the checksum is another");
-    const std::size_t sum = good_.find("checksum");
-    expectRead(good_.substr(0, sum) + "end\r\n", {{kFolder, 5, 4, 3}, {kFolder, 6, 5, 4, L"S-1-5-32-545"}},
+    const std::size_t sum = m_good.find("checksum");
+    expectRead(m_good.substr(0, sum) + "end\r\n", {{kFolder, 5, 4, 3}, {kFolder, 6, 5, 4, L"S-1-5-32-545"}},
                L"line 6: the checksum is missing");
 }
 
@@ -147,18 +147,18 @@ TEST_F(DamageTest, FileOfANewerVersionOrAnotherKindIsNeverTouched)
 
 TEST_F(DamageTest, TruncatedFileGivesTheRulesThatAreWhole)
 {
-    const std::size_t second = good_.find("6\t5\t4");
-    expectRead(good_.substr(0, second + 3), {{kFolder, 5, 4, 3}}, L"the end is missing");
+    const std::size_t second = m_good.find("6\t5\t4");
+    expectRead(m_good.substr(0, second + 3), {{kFolder, 5, 4, 3}}, L"the end is missing");
     // Half a path is a path too.
-    const std::size_t half = good_.find("D:\\Projects", second) + 6;
-    expectRead(good_.substr(0, half), {{kFolder, 5, 4, 3}}, L"line 5: it was cut off");
+    const std::size_t half = m_good.find("D:\\Projects", second) + 6;
+    expectRead(m_good.substr(0, half), {{kFolder, 5, 4, 3}}, L"line 5: it was cut off");
     EXPECT_TRUE(stored(L"D:\\Pro").empty());
-    expectStoringSetsAside(good_.substr(0, half));
+    expectStoringSetsAside(m_good.substr(0, half));
 }
 
 TEST_F(DamageTest, OnlyTheFirstOfManyDamagedLinesAreTold)
 {
-    std::string damaged = good_.substr(0, good_.find("checksum"));
+    std::string damaged = m_good.substr(0, m_good.find("checksum"));
     for (int i = 0; i < 200000; ++i) {
         damaged += "nonsense\r\n";
     }
@@ -173,7 +173,7 @@ TEST_F(DamageTest, WhatWasSetAsideBeforeIsNeverTouched)
     for (int i = 1; i <= 3; ++i) {
         expectRead("foreign " + std::to_string(i), {}, L"is not readable as such");
         EXPECT_EQ(storeNine(), 1);
-        writeBytes(rulesFile(), good_ + "damaged " + std::to_string(i));
+        writeBytes(rulesFile(), m_good + "damaged " + std::to_string(i));
         EXPECT_EQ(stored(kFolder).size(), 2u);
         EXPECT_EQ(storeNine(), 1);
     }
@@ -182,25 +182,25 @@ TEST_F(DamageTest, WhatWasSetAsideBeforeIsNeverTouched)
         EXPECT_EQ(bytesOf(setAside() / (L"rules." + std::to_wstring(2 * i - 1) + L".txt")),
                   "foreign " + std::to_string(i));
         EXPECT_EQ(bytesOf(setAside() / (L"rules." + std::to_wstring(2 * i) + L".txt")),
-                  good_ + "damaged " + std::to_string(i));
+                  m_good + "damaged " + std::to_string(i));
     }
 }
 
 TEST_F(DamageTest, StoringTheSameOverADamagedFileMendsIt)
 {
-    const std::string damaged = good_ + "damage";
+    const std::string damaged = m_good + "damage";
     writeBytes(rulesFile(), damaged);
     EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(),
                                chainOf({{kFolder, 5, 4, 3}, {kFolder, 6, 5, 4, L"S-1-5-32-545"}}).get()),
               1);
-    EXPECT_EQ(bytesOf(rulesFile()), good_);
+    EXPECT_EQ(bytesOf(rulesFile()), m_good);
     EXPECT_EQ(bytesOf(setAside() / "rules.1.txt"), damaged);
 }
 
 TEST_F(DamageTest, FileThatCannotBeSetAsideStaysAndIsNotOverwritten)
 {
     writeBytes(setAside(), "in the way of the folder");
-    const std::string damaged = good_ + "damage";
+    const std::string damaged = m_good + "damage";
     expectRead(damaged, {{kFolder, 5, 4, 3}, {kFolder, 6, 5, 4, L"S-1-5-32-545"}}, L"is damaged");
     EXPECT_EQ(storeNine(), 0);
     EXPECT_TRUE(reported(L"cannot be set aside"));

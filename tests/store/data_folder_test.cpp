@@ -92,22 +92,22 @@ protected:
         StoreTest::SetUp();
         wchar_t common[MAX_PATH];
         GetEnvironmentVariableW(L"ProgramData", common, MAX_PATH);
-        above_ = std::filesystem::path(common) / L"Vantrel";
-        std::filesystem::remove_all(above_);
+        m_above = std::filesystem::path(common) / L"Vantrel";
+        std::filesystem::remove_all(m_above);
         SetEnvironmentVariableW(L"LORNIX_DATA", nullptr);
         ASSERT_EQ(lornixSetDataFolder(nullptr), 1);
         guarded.clear();
     }
     void TearDown() override
     {
-        std::filesystem::remove_all(above_);
+        std::filesystem::remove_all(m_above);
         StoreTest::TearDown();
     }
-    std::filesystem::path above() const { return above_; }
-    std::filesystem::path folder() const { return above_ / L"lornix"; }
+    std::filesystem::path above() const { return m_above; }
+    std::filesystem::path folder() const { return m_above / L"lornix"; }
 
 private:
-    std::filesystem::path above_;
+    std::filesystem::path m_above;
 };
 
 TEST_F(DataFolderTest, IsMadeWhenMissing)

@@ -13,9 +13,9 @@ namespace store_test {
 class DebugLines {
 public:
     DebugLines()
-        : patch_(GetModuleHandleW(L"lornix.dll"), "OutputDebugStringA", &catchLine)
+        : m_patch(GetModuleHandleW(L"lornix.dll"), "OutputDebugStringA", &catchLine)
     {
-        EXPECT_EQ(patch_.count(), 1);
+        EXPECT_EQ(m_patch.count(), 1);
         lines().clear();
     }
 
@@ -37,7 +37,7 @@ public:
 
 private:
     static void WINAPI catchLine(const char* line) { lines().push_back(line); }
-    ImportPatch patch_;
+    ImportPatch m_patch;
 };
 
 } // namespace store_test

@@ -24,9 +24,9 @@ protected:
     void SetUp() override
     {
         StoreTest::SetUp();
-        log_ = root() / L"log \u4E2D.txt";
+        m_log = root() / L"log \u4E2D.txt";
         shown.clear();
-        SetEnvironmentVariableW(L"LORNIX_LOG", log_.c_str());
+        SetEnvironmentVariableW(L"LORNIX_LOG", m_log.c_str());
     }
     void TearDown() override
     {
@@ -34,10 +34,10 @@ protected:
         StoreTest::TearDown();
     }
 
-    std::filesystem::path log_;
+    std::filesystem::path m_log;
 
 private:
-    ImportPatch debugger_{storeModule(), "OutputDebugStringA", &takeShown};
+    ImportPatch m_debugger{storeModule(), "OutputDebugStringA", &takeShown};
 };
 
 TEST_F(DebugTest, LinesGoToTheDebuggerAndToTheLog)
@@ -46,7 +46,7 @@ TEST_F(DebugTest, LinesGoToTheDebuggerAndToTheLog)
     ODS("second\n");
     ODS("no line end");
     ODS("%s", "");
-    EXPECT_EQ(bytesOf(log_), "first 1\nsecond\nno line end");
+    EXPECT_EQ(bytesOf(m_log), "first 1\nsecond\nno line end");
     EXPECT_EQ(shown, "first 1\nsecond\nno line end");
 }
 
@@ -56,18 +56,18 @@ TEST_F(DebugTest, WithoutTheVariableThereIsNoLog)
     ODS("line\n");
     SetEnvironmentVariableW(L"LORNIX_LOG", L"");
     ODS("line\n");
-    EXPECT_FALSE(std::filesystem::exists(log_));
+    EXPECT_FALSE(std::filesystem::exists(m_log));
     EXPECT_EQ(shown, "line\nline\n");
 }
 
 TEST_F(DebugTest, TheLogIsAppendedToAndMayBeMovedAway)
 {
-    writeBytes(log_, "before\n");
+    writeBytes(m_log, "before\n");
     ODS("one\n");
-    std::filesystem::rename(log_, root() / "moved");
+    std::filesystem::rename(m_log, root() / "moved");
     ODS("two\n");
     EXPECT_EQ(bytesOf(root() / "moved"), "before\none\n");
-    EXPECT_EQ(bytesOf(log_), "two\n");
+    EXPECT_EQ(bytesOf(m_log), "two\n");
 }
 
 TEST_F(DebugTest, ALogThatCannotBeWrittenIsDoneWithout)
@@ -86,9 +86,9 @@ TEST_F(DebugTest, ConversionsAreThoseOfTheRuntime)
         std::string got;
     };
     const auto line = [this](auto... arguments) {
-        std::filesystem::remove(log_);
+        std::filesystem::remove(m_log);
         ODS(arguments...);
-        const std::string text = bytesOf(log_);
+        const std::string text = bytesOf(m_log);
         char expected[500];
         _snprintf(expected, sizeof expected, arguments..., nullptr); // one more, so that there is always one
         EXPECT_EQ(text, expected);
@@ -120,19 +120,19 @@ TEST_F(DebugTest, ConversionsAreThoseOfTheRuntime)
 TEST_F(DebugTest, NullStringsAreSpelledOut)
 {
     ODS("%ls %S %s\n", nullptr, nullptr, nullptr);
-    EXPECT_EQ(bytesOf(log_), "(null) (null) (null)\n");
+    EXPECT_EQ(bytesOf(m_log), "(null) (null) (null)\n");
 }
 
 TEST_F(DebugTest, WideTextComesThroughWhole)
 {
     ODS("path %ls: %d\n", L"D:\\B\u00FCro\\\u4E2D\u6587 \xD83D\xDCBE", 5);
-    EXPECT_EQ(bytesOf(log_), "path D:\\B\xC3\xBCro\\\xE4\xB8\xAD\xE6\x96\x87 \xF0\x9F\x92\xBE: 5\n");
+    EXPECT_EQ(bytesOf(m_log), "path D:\\B\xC3\xBCro\\\xE4\xB8\xAD\xE6\x96\x87 \xF0\x9F\x92\xBE: 5\n");
     EXPECT_TRUE(shown.starts_with("path D:\\B")) << shown;
     EXPECT_TRUE(shown.ends_with(": 5\n")) << "what does not fit the code page takes nothing else with it";
 
-    std::filesystem::remove(log_);
+    std::filesystem::remove(m_log);
     ODS("%S|%lc|%.1ls|%ls\n", L"\u4E2D", L'\u6587', L"\u4E2D\u6587", L"\xD800");
-    EXPECT_EQ(bytesOf(log_), "\xE4\xB8\xAD|\xE6\x96\x87|\xE4\xB8\xAD|\xEF\xBF\xBD\n");
+    EXPECT_EQ(bytesOf(m_log), "\xE4\xB8\xAD|\xE6\x96\x87|\xE4\xB8\xAD|\xEF\xBF\xBD\n");
 }
 
 TEST_F(DebugTest, NarrowTextIsOfTheCodePage)
@@ -146,7 +146,7 @@ TEST_F(DebugTest, NarrowTextIsOfTheCodePage)
     expected.resize(40);
     expected.resize(static_cast<std::size_t>(
         WideCharToMultiByte(CP_UTF8, 0, wide, -1, expected.data(), 40, nullptr, nullptr) - 1));
-    EXPECT_EQ(bytesOf(log_), expected + "\n");
+    EXPECT_EQ(bytesOf(m_log), expected + "\n");
 }
 
 TEST_F(DebugTest, LongLines)
@@ -154,7 +154,7 @@ TEST_F(DebugTest, LongLines)
     const std::wstring wide(100000, L'w');
     const std::string narrow(100000, 'n');
     ODS("%ls%s\n", wide.c_str(), narrow.c_str());
-    EXPECT_EQ(bytesOf(log_), std::string(100000, 'w') + narrow + "\n");
+    EXPECT_EQ(bytesOf(m_log), std::string(100000, 'w') + narrow + "\n");
 }
 
 TEST_F(DebugTest, ALineHasAnEnd)
@@ -214,7 +214,7 @@ TEST_F(DebugTest, LinesOfThreadsDoNotMix)
     for (const HANDLE thread : threads) {
         CloseHandle(thread);
     }
-    std::istringstream lines(bytesOf(log_));
+    std::istringstream lines(bytesOf(m_log));
     std::multiset<std::string> found;
     for (std::string line; std::getline(lines, line);) {
         EXPECT_NE(line.find(" line "), std::string::npos) << line;
@@ -235,7 +235,7 @@ TEST_F(DebugTest, ProcessesThatWriteTheSameLogLoseNothing)
     for (const auto& child : children) {
         EXPECT_EQ(child->wait(), 0u);
     }
-    std::istringstream lines(bytesOf(log_));
+    std::istringstream lines(bytesOf(m_log));
     std::set<std::string> found;
     for (std::string line; std::getline(lines, line);) {
         found.insert(line);
@@ -256,7 +256,7 @@ TEST_F(DebugTest, ChainsAreDumpedRuleByRule)
         "D:/B\n",
         static_cast<void*>(chain.get()), static_cast<void*>(chain->next), nullptr,
         static_cast<void*>(chain->next), nullptr, static_cast<void*>(chain.get()));
-    EXPECT_EQ(bytesOf(log_), expected);
+    EXPECT_EQ(bytesOf(m_log), expected);
     EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 2);
 }
 
@@ -266,10 +266,10 @@ TEST_F(DebugTest, OddRecordsAreDumpedToo)
     QuotaRule rule{};
     rule.sid = invalid;
     debug(&rule);
-    EXPECT_NE(bytesOf(log_).find("account invalid, path (null)\n"), std::string::npos);
-    std::filesystem::remove(log_);
+    EXPECT_NE(bytesOf(m_log).find("account invalid, path (null)\n"), std::string::npos);
+    std::filesystem::remove(m_log);
     debug(nullptr);
-    EXPECT_FALSE(std::filesystem::exists(log_) && !bytesOf(log_).empty());
+    EXPECT_FALSE(std::filesystem::exists(m_log) && !bytesOf(m_log).empty());
 }
 
 bool hasMonitor = false;
@@ -291,7 +291,7 @@ TEST_F(DebugTest, LongChainsAreWholeAndOnlySpelledOutForSomebody)
     }
     const Chain chain = chainOf(rules);
     debug(chain.get());
-    const std::string text = bytesOf(log_);
+    const std::string text = bytesOf(m_log);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 20000);
     EXPECT_TRUE(shown == text);
 

@@ -10,9 +10,9 @@ namespace store_test {
 class HeldFiles {
 public:
     HeldFiles()
-        : patch_(storeModule(), "CreateFileW", &refuse)
+        : m_patch(storeModule(), "CreateFileW", &refuse)
     {
-        EXPECT_EQ(patch_.count(), 1);
+        EXPECT_EQ(m_patch.count(), 1);
     }
 
 private:
@@ -22,7 +22,7 @@ private:
         return INVALID_HANDLE_VALUE;
     }
 
-    ImportPatch patch_;
+    ImportPatch m_patch;
 };
 
 } // namespace store_test

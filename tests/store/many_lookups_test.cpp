@@ -205,7 +205,7 @@ protected:
         platform = {};
         addedTime = 0;
         ++lastList;
-        for (const ImportPatch& patch : patches_) {
+        for (const ImportPatch& patch : m_patches) {
             ASSERT_EQ(patch.count(), 1);
         }
     }
@@ -236,13 +236,13 @@ protected:
     }
 
 private:
-    HMODULE store_ = storeModule();
-    ImportPatch patches_[10]{
-        {store_, "LsaOpenPolicy", &openPolicy},         {store_, "LsaClose", &closePolicy},
-        {store_, "LsaFreeMemory", &freeAnswer},         {store_, "LsaLookupSids", &lookUpSids},
-        {store_, "LsaLookupNames2", &lookUpNames},      {store_, "LookupAccountSidW", &lookUpOneSid},
-        {store_, "LookupAccountNameW", &lookUpOneName}, {store_, "NetLocalGroupGetMembers", &localMembers},
-        {store_, "NetGroupGetUsers", &globalMembers},   {store_, "GetTickCount64", &laterTime}};
+    HMODULE m_store = storeModule();
+    ImportPatch m_patches[10]{
+        {m_store, "LsaOpenPolicy", &openPolicy},         {m_store, "LsaClose", &closePolicy},
+        {m_store, "LsaFreeMemory", &freeAnswer},         {m_store, "LsaLookupSids", &lookUpSids},
+        {m_store, "LsaLookupNames2", &lookUpNames},      {m_store, "LookupAccountSidW", &lookUpOneSid},
+        {m_store, "LookupAccountNameW", &lookUpOneName}, {m_store, "NetLocalGroupGetMembers", &localMembers},
+        {m_store, "NetGroupGetUsers", &globalMembers},   {m_store, "GetTickCount64", &laterTime}};
 };
 
 TEST_F(ManyLookupsTest, TheNamesOfAListAreAskedForTogether)

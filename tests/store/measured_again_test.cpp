@@ -55,7 +55,7 @@ protected:
     void SetUp() override
     {
         TreeTest::SetUp();
-        ASSERT_EQ(security_.count() + folders_.count(), 2);
+        ASSERT_EQ(m_security.count() + m_folders.count(), 2);
         makeFile(in(L"a1"), 1);
         makeFile(in(L"b1"), 20);
         makeFolder(in(L"below"));
@@ -65,12 +65,12 @@ protected:
     std::int64_t of(const std::wstring& account) const
     {
         return getRealSizeByOwner(
-            top_.c_str(), Sids(appendToSidList(createEmptySidList(), sidOf(account).release())).get());
+            m_top.c_str(), Sids(appendToSidList(createEmptySidList(), sidOf(account).release())).get());
     }
 
 private:
-    ImportPatch security_{storeModule(), "GetFileSecurityW", &securityByName};
-    ImportPatch folders_{storeModule(), "CreateFileW", &countedOpen};
+    ImportPatch m_security{storeModule(), "GetFileSecurityW", &securityByName};
+    ImportPatch m_folders{storeModule(), "CreateFileW", &countedOpen};
 };
 
 TEST_F(MeasuredAgainTest, TheOwnersOfAnUnchangedTreeAreReadOnce)
@@ -82,7 +82,7 @@ TEST_F(MeasuredAgainTest, TheOwnersOfAnUnchangedTreeAreReadOnce)
     EXPECT_EQ(ownersRead, 3);
 
     // However the folder is spelled.
-    std::wstring spelled = top_ + L"/";
+    std::wstring spelled = m_top + L"/";
     std::transform(spelled.begin(), spelled.end(), spelled.begin(), towupper);
     const Sids bob(appendToSidList(createEmptySidList(), sidOf(kBob).release()));
     EXPECT_EQ(getRealSizeByOwner(spelled.c_str(), bob.get()), 20);
@@ -153,7 +153,7 @@ TEST_F(MeasuredAgainTest, BothSizesOfADialogComeFromOneWalk)
         return foldersRead / 2; // the top and the one below
     };
     const auto size = [&] {
-        EXPECT_EQ(getRealSize(top_.c_str()), 321);
+        EXPECT_EQ(getRealSize(m_top.c_str()), 321);
     };
     EXPECT_EQ(walks([&] {
                   size();
@@ -182,7 +182,7 @@ TEST_F(MeasuredAgainTest, OwnersThatCannotBeReadAreToldInNumbers)
     for (int i = 0; i < 2; ++i) { // the second time from what was measured
         EXPECT_EQ(of(kAlice), 301);
         EXPECT_TRUE(
-            reported(L"The owner of 2 files under \"" + top_ + L"\", with 65000 bytes, could not be read"));
+            reported(L"The owner of 2 files under \"" + m_top + L"\", with 65000 bytes, could not be read"));
         EXPECT_TRUE(reported(L"(error 32)"));
     }
 }
@@ -218,7 +218,7 @@ protected:
 
     std::int64_t alices() const
     {
-        return getRealSizeByOwner(top_.c_str(),
+        return getRealSizeByOwner(m_top.c_str(),
                                   Sids(appendToSidList(createEmptySidList(), sidOf(kAlice).release())).get());
     }
 };

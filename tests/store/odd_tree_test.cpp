@@ -54,7 +54,7 @@ TEST_F(OddTreeTest, LinksAreNotFollowed)
     makeFile(in(L"real\\a"), 5);
     makeFolder(in(L"link"));
     makeFile(in(L"link\\far away"), 1000);
-    EXPECT_EQ(getRealSize(top_.c_str()), 1005);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 1005);
 
     // What a folder shows of a link or a mount point is this attribute.
     const ImportPatch read(storeModule(), "GetFileInformationByHandleEx", &readChanged);
@@ -62,7 +62,7 @@ TEST_F(OddTreeTest, LinksAreNotFollowed)
     changedName = L"link";
     changedAttributes = FILE_ATTRIBUTE_REPARSE_POINT;
     const DebugLines debug;
-    EXPECT_EQ(getRealSize(top_.c_str()), 5);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 5);
     EXPECT_EQ(debug.with("1 link under"), 1);
     EXPECT_STREQ(lornixLastError(), L"") << "a link is no failure";
     EXPECT_EQ(getRealSize(in(L"link").c_str()), 1000) << "a link that is named itself is meant";
@@ -76,7 +76,7 @@ TEST_F(OddTreeTest, RealLinksAreNotFollowed)
     if (!makeLink(in(L"link"), L"real") || !makeLink(in(L"real\\loop"), L"..\\real")) {
         GTEST_SKIP() << "this system makes no links";
     }
-    EXPECT_EQ(getRealSize(top_.c_str()), 75);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 75);
     EXPECT_EQ(getRealSize(in(L"link").c_str()), 5);
 }
 
@@ -87,7 +87,7 @@ TEST_F(OddTreeTest, FilesThatOnlyLookLikeLinksCount)
     ASSERT_EQ(read.count(), 1);
     changedName = L"deduplicated";
     changedAttributes = FILE_ATTRIBUTE_REPARSE_POINT;
-    EXPECT_EQ(getRealSize(top_.c_str()), 5);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 5);
 }
 
 std::wstring deniedName;
@@ -119,8 +119,8 @@ TEST_F(OddTreeTest, FoldersThatDenyAccessAreCountedAndTold)
     const ImportPatch open(storeModule(), "CreateFileW", &openDenied);
     ASSERT_EQ(open.count(), 1);
     deniedName = L"denied";
-    EXPECT_EQ(getRealSize(top_.c_str()), 75);
-    EXPECT_TRUE(reported(L"2 folders under \"" + top_ + L"\" could not be read and did not count"));
+    EXPECT_EQ(getRealSize(m_top.c_str()), 75);
+    EXPECT_TRUE(reported(L"2 folders under \"" + m_top + L"\" could not be read and did not count"));
     EXPECT_TRUE(reported(L"denied\": ")) << "the first of them";
     EXPECT_TRUE(reported(L"(error 5)"));
     EXPECT_EQ(getRealSize(in(L"open").c_str()), 70);
@@ -189,9 +189,9 @@ TEST_F(OddTreeTest, FoldersThatDenyAdministratorsAreReadAsForABackup)
     const ImportPatch security(storeModule(), "GetFileSecurityW", &securityOfHome);
     const ImportPatch search(storeModule(), "FindFirstFileExW", &searchHome);
     ASSERT_EQ(open.count() + security.count(), 2);
-    EXPECT_EQ(getRealSize(top_.c_str()), 1005);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 1005);
     EXPECT_EQ(getRealSize(in(L"home").c_str()), 1000);
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), ownersOf(in(L"home\\b")).get()), 1005);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), ownersOf(in(L"home\\b")).get()), 1005);
     EXPECT_STREQ(lornixLastError(), L"");
     EXPECT_FALSE(mayBackUp()) << "only while it measures";
     HANDLE token = nullptr;
@@ -202,7 +202,7 @@ TEST_F(OddTreeTest, AThreadThatActsForSomebodyGoesOnDoingSo)
 {
     makeFile(in(L"a"), 5);
     ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
-    EXPECT_EQ(getRealSize(top_.c_str()), 5);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 5);
     EXPECT_FALSE(mayBackUp());
     HANDLE token = nullptr;
     EXPECT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token));
@@ -233,7 +233,7 @@ TEST_F(OddTreeTest, FoldersThatVanishMeanwhileAreLeftOut)
     reads = 0;
     const ImportPatch read(storeModule(), "GetFileInformationByHandleEx", &readVanishing);
     ASSERT_EQ(read.count(), 1);
-    EXPECT_EQ(getRealSize(top_.c_str()), 100);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 100);
     EXPECT_STREQ(lornixLastError(), L"");
 }
 
@@ -256,7 +256,7 @@ TEST_F(OddTreeTest, AFolderThatBreaksOffIsTold)
     const ImportPatch read(storeModule(), "GetFileInformationByHandleEx", &readWithError);
     ASSERT_EQ(read.count(), 1);
     readsUntilError = 2; // the top: its entries and its end
-    EXPECT_EQ(getRealSize(top_.c_str()), 5);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 5);
     EXPECT_TRUE(reported(L"1 folder under"));
     EXPECT_TRUE(reported(L"broken\""));
     EXPECT_TRUE(reported(L"(error 23)"));

@@ -40,9 +40,9 @@ TEST_F(OwnerTest, OwnFilesAreOwned)
     makeFolder(in(L"x"));
     makeFile(in(L"x\\b"), 70);
     const Sids mine(appendToSidList(createEmptySidList(), me().release()));
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), mine.get()), 75);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), mine.get()), 75);
     EXPECT_STREQ(lornixLastError(), L"");
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), listOf({L"S-1-5-32-546"}).get()), 0);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), listOf({L"S-1-5-32-546"}).get()), 0);
 }
 
 std::vector<std::wstring> asked;
@@ -98,11 +98,11 @@ TEST_F(OwnerTest, OnlyFilesOfTheListedAccountsCount)
     const std::wstring a = L"S-1-5-21-1-2-3-1001";
     const std::wstring b = L"S-1-5-21-1-2-3-1002";
     const std::wstring longest = L"S-1-5-1-2-3-4-5-6-7-8-9-10-11-12-13-14-15";
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), listOf({a}).get()), 21);
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), listOf({b, a}).get()), 321);
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), listOf({a, a, a}).get()), 21);
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), listOf({longest}).get()), 4000);
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), listOf({L"S-1-5-32-544"}).get()), 0);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), listOf({a}).get()), 21);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), listOf({b, a}).get()), 321);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), listOf({a, a, a}).get()), 21);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), listOf({longest}).get()), 4000);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), listOf({L"S-1-5-32-544"}).get()), 0);
     EXPECT_EQ(std::count(asked.begin(), asked.end(), L"a empty"), 0) << "an empty file changes nothing";
 }
 
@@ -122,7 +122,7 @@ TEST_F(OwnerTest, FilesThatVanishMeanwhileCountAs0)
     const ImportPatch security(storeModule(), "GetFileSecurityW", &securityOfTheVanished);
     ASSERT_EQ(security.count(), 1);
     const Sids mine(appendToSidList(createEmptySidList(), me().release()));
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), mine.get()), 5);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), mine.get()), 5);
     EXPECT_STREQ(lornixLastError(), L"");
 }
 
@@ -136,7 +136,7 @@ TEST_F(OwnerTest, ManyAccountsDoNotSlowTheWalk)
     }
     const Sids list = listOf(accounts);
     asked.clear();
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), list.get()), 1);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), list.get()), 1);
     EXPECT_EQ(asked.size(), 1u);
 }
 
@@ -145,13 +145,13 @@ TEST_F(OwnerTest, NobodyOwnsNothing)
     makeFile(in(L"a1"), 1);
     const ImportPatch security(storeModule(), "GetFileSecurityW", &securityByName);
     asked.clear();
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), nullptr), 0);
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), Sids(createEmptySidList()).get()), 0);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), nullptr), 0);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), Sids(createEmptySidList()).get()), 0);
     std::uint8_t invalid[] = {9, 9, 9, 9, 9, 9, 9, 9};
     SidList odd{1, {invalid}};
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), &odd), 0);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), &odd), 0);
     SidList null{1, {nullptr}};
-    EXPECT_EQ(getRealSizeByOwner(top_.c_str(), &null), 0);
+    EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), &null), 0);
     EXPECT_TRUE(asked.empty());
 }
 

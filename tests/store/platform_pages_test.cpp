@@ -187,7 +187,7 @@ protected:
         StoreTest::SetUp();
         server = {};
         for (const ImportPatch* patch :
-             {&modals_, &display_, &groups_, &localMembers_, &globalMembers_, &names_, &policy_})
+             {&m_modals, &m_display, &m_groups, &m_localMembers, &m_globalMembers, &m_names, &m_policy})
         {
             ASSERT_EQ(patch->count(), 1);
         }
@@ -203,14 +203,14 @@ protected:
     }
 
 private:
-    HMODULE store_ = GetModuleHandleW(L"lornix.dll");
-    ImportPatch modals_{store_, "NetUserModalsGet", &modalsGet};
-    ImportPatch display_{store_, "NetQueryDisplayInformation", &displayInformation};
-    ImportPatch groups_{store_, "NetLocalGroupEnum", &localGroupEnum};
-    ImportPatch localMembers_{store_, "NetLocalGroupGetMembers", &localMembers};
-    ImportPatch globalMembers_{store_, "NetGroupGetUsers", &globalMembers};
-    ImportPatch names_{store_, "LookupAccountNameW", &lookupAccountName};
-    ImportPatch policy_{store_, "LsaOpenPolicy", &refusePolicy};
+    HMODULE m_store = GetModuleHandleW(L"lornix.dll");
+    ImportPatch m_modals{m_store, "NetUserModalsGet", &modalsGet};
+    ImportPatch m_display{m_store, "NetQueryDisplayInformation", &displayInformation};
+    ImportPatch m_groups{m_store, "NetLocalGroupEnum", &localGroupEnum};
+    ImportPatch m_localMembers{m_store, "NetLocalGroupGetMembers", &localMembers};
+    ImportPatch m_globalMembers{m_store, "NetGroupGetUsers", &globalMembers};
+    ImportPatch m_names{m_store, "LookupAccountNameW", &lookupAccountName};
+    ImportPatch m_policy{m_store, "LsaOpenPolicy", &refusePolicy};
 };
 
 Texts users()

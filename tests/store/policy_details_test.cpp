@@ -483,28 +483,28 @@ public:
     {
         const std::wstring event =
             L"lornix-writer-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(number);
-        started_ = CreateEventW(nullptr, TRUE, FALSE, event.c_str());
+        m_started = CreateEventW(nullptr, TRUE, FALSE, event.c_str());
         wchar_t self[MAX_PATH];
         GetModuleFileNameW(nullptr, self, MAX_PATH);
         const auto program = std::filesystem::path(self).replace_filename(L"policy_writer.exe");
-        process_ = startProcess(program.wstring(), event);
-        const HANDLE either[] = {started_, process_.hProcess};
+        m_process = startProcess(program.wstring(), event);
+        const HANDLE either[] = {m_started, m_process.hProcess};
         EXPECT_EQ(WaitForMultipleObjects(2, either, FALSE, 60000), WAIT_OBJECT_0);
     }
     ~Writer()
     {
-        EXPECT_TRUE(TerminateProcess(process_.hProcess, 9));
-        WaitForSingleObject(process_.hProcess, INFINITE);
-        CloseHandle(process_.hThread);
-        CloseHandle(process_.hProcess);
-        CloseHandle(started_);
+        EXPECT_TRUE(TerminateProcess(m_process.hProcess, 9));
+        WaitForSingleObject(m_process.hProcess, INFINITE);
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
+        CloseHandle(m_started);
     }
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
 
 private:
-    HANDLE started_ = nullptr;
-    PROCESS_INFORMATION process_{};
+    HANDLE m_started = nullptr;
+    PROCESS_INFORMATION m_process{};
 };
 
 TEST_F(ActiveExceptionsTest, AKillLeavesOneListOrTheOther)

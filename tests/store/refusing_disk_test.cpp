@@ -59,13 +59,13 @@ void WINAPI noSleep(DWORD)
 
 class RefusingDiskTest : public StoreTest {
 protected:
-    const std::vector<std::wstring> folders_{L"D:\\A", L"D:\\B", L"D:\\C"};
-    const std::vector<Rule> before_{{L"D:\\A", 5}, {L"D:\\B", 6}};
+    const std::vector<std::wstring> m_folders{L"D:\\A", L"D:\\B", L"D:\\C"};
+    const std::vector<Rule> m_before{{L"D:\\A", 5}, {L"D:\\B", 6}};
 
     void SetUp() override
     {
         StoreTest::SetUp();
-        store(folders_, before_);
+        store(m_folders, m_before);
     }
 
     static int attempt(const std::vector<std::wstring>& folders, const std::vector<Rule>& rules)
@@ -93,7 +93,7 @@ TEST_F(RefusingDiskTest, FullDiskAtEveryByteChangesNothing)
     LONGLONG size = 0;
     for (;; size += 17) {
         room = size;
-        if (attempt(folders_, after) != 0) {
+        if (attempt(m_folders, after) != 0) {
             break;
         }
         EXPECT_TRUE(reported(L"(error 112)")) << size;
@@ -110,7 +110,7 @@ TEST_F(RefusingDiskTest, DiskThatDoesNotTakeWhatWasWrittenChangesNothing)
 {
     const ImportPatch full(storeModule(), "FlushFileBuffers", &failingFlush);
     ASSERT_EQ(full.count(), 1);
-    EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+    EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
     EXPECT_TRUE(reported(L"(error 112)"));
     expectBefore();
 }
@@ -141,11 +141,11 @@ TEST_F(RefusingDiskTest, FullDiskWhileADamagedFileIsSetAside)
     {
         const ImportPatch full(storeModule(), "WriteFile", &fullDisk);
         room = 40;
-        EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+        EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
         EXPECT_TRUE(reported(L"cannot be set aside"));
         EXPECT_TRUE(reported(L"(error 112)"));
         room = static_cast<LONGLONG>(damaged.size()) + 10; // the copy fits, its replacement does not
-        EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+        EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
         EXPECT_TRUE(reported(L"(error 112)"));
     }
     EXPECT_EQ(bytesOf(rulesFile()), damaged);
@@ -156,7 +156,7 @@ TEST_F(RefusingDiskTest, ReadOnlyDataFolderIsReadAndNotWritten)
 {
     const ImportPatch patch(storeModule(), "CreateFileW", &readOnlyDisk);
     ASSERT_EQ(patch.count(), 1);
-    EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+    EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
     EXPECT_TRUE(reported(L"cannot be locked"));
     EXPECT_TRUE(reported(L"(error 5)"));
     storeKnownPaths(nullptr);
@@ -183,7 +183,7 @@ TEST_F(RefusingDiskTest, FileThatCannotBeReplacedStaysForAllFolders)
     ASSERT_EQ(move.count() + sleep.count(), 2);
     refusedTarget = L"rules.txt";
     sleeps = 0;
-    EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}, {L"D:\\B", 60}, {L"D:\\C", 70}}), 0);
+    EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}, {L"D:\\B", 60}, {L"D:\\C", 70}}), 0);
     EXPECT_TRUE(reported(L"The file with the rules cannot be written"));
     EXPECT_TRUE(reported(L"Nothing was stored."));
     EXPECT_GT(sleeps, 10) << "it is tried for a while";
@@ -227,10 +227,10 @@ TEST_F(RefusingDiskTest, ALockThatSomeoneKeepsIsWaitedForOnce)
     ASSERT_TRUE(LockFileEx(lock, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &start));
     const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
     sleeps = 0;
-    EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+    EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
     const int once = sleeps;
     for (int i = 0; i < 10; ++i) {
-        EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+        EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
     }
     EXPECT_EQ(sleeps, once);
     CloseHandle(lock);
@@ -265,7 +265,7 @@ TEST_F(RefusingDiskTest, LockThatSomeoneKeeps)
     {
         const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
         sleeps = 0;
-        EXPECT_EQ(attempt(folders_, {{L"D:\\A", 50}}), 0);
+        EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
         EXPECT_TRUE(reported(L"cannot be locked against other processes"));
         EXPECT_GT(sleeps, 100);
         expectBefore();

@@ -11,7 +11,7 @@ using SizeTest = TreeTest;
 
 TEST_F(SizeTest, AllFilesOfAllFolders)
 {
-    EXPECT_EQ(getRealSize(top_.c_str()), 0);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 0);
     makeFile(in(L"a"), 1000);
     makeFile(in(L"empty"), 0);
     makeFolder(in(L"x"));
@@ -19,7 +19,7 @@ TEST_F(SizeTest, AllFilesOfAllFolders)
     makeFolder(in(L"x\\y"));
     makeFile(in(L"x\\y\\c.txt"), 3);
     makeFolder(in(L"z"));
-    EXPECT_EQ(getRealSize(top_.c_str()), 1023);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 1023);
     EXPECT_STREQ(lornixLastError(), L"");
 }
 
@@ -29,7 +29,7 @@ TEST_F(SizeTest, HiddenReadOnlyAndSystemFilesCount)
     makeFile(in(L"read-only"), 20);
     SetFileAttributesW(in(L"hidden").c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
     SetFileAttributesW(in(L"read-only").c_str(), FILE_ATTRIBUTE_READONLY);
-    EXPECT_EQ(getRealSize(top_.c_str()), 21);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 21);
     SetFileAttributesW(in(L"read-only").c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
@@ -75,7 +75,7 @@ TEST_F(SizeTest, LargeFilesCountWhole)
     // Holes, so that they need no room.
     makeFile(in(L"a"), 5LL << 32);
     makeFile(in(L"b"), (3LL << 32) + 7);
-    EXPECT_EQ(getRealSize(top_.c_str()), (8LL << 32) + 7);
+    EXPECT_EQ(getRealSize(m_top.c_str()), (8LL << 32) + 7);
 }
 
 TEST_F(SizeTest, ManyFilesAndFolders)
@@ -87,23 +87,23 @@ TEST_F(SizeTest, ManyFilesAndFolders)
             makeFile(folder + L'\\' + std::to_wstring(j), i);
         }
     }
-    EXPECT_EQ(getRealSize(top_.c_str()), 40 * 40 * 39 / 2);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 40 * 40 * 39 / 2);
 }
 
 TEST_F(SizeTest, DeepTreesAndLongPaths)
 {
     // Nearly as long as the system below takes a path: 4096 bytes here.
-    const std::wstring folder = makeDeepFolder(top_, std::wstring(24, L'd'), 120);
+    const std::wstring folder = makeDeepFolder(m_top, std::wstring(24, L'd'), 120);
     makeFile(folder + L"\\a", 77);
     makeFile(in(L"b"), 5);
     EXPECT_GT(folder.size(), 3000u);
-    EXPECT_EQ(getRealSize(top_.c_str()), 82);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 82);
     EXPECT_EQ(getRealSize(folder.c_str()), 77);
     const std::wstring wide = in(std::wstring(200, L'x'));
     makeFolder(wide);
     makeFile(wide + L"\\" + std::wstring(200, L'y'), 3);
     EXPECT_EQ(getRealSize(wide.c_str()), 3);
-    EXPECT_EQ(getRealSize(top_.c_str()), 85);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 85);
 }
 
 TEST_F(SizeTest, OddNames)
@@ -115,7 +115,7 @@ TEST_F(SizeTest, OddNames)
         makeFolder(in(name));
         makeFile(in(name) + L"\\" + name, 2);
     }
-    EXPECT_EQ(getRealSize(top_.c_str()), 10);
+    EXPECT_EQ(getRealSize(m_top.c_str()), 10);
 }
 
 } // namespace

@@ -173,9 +173,9 @@ void StoreTest::SetUp()
     std::string name = std::string(info->test_suite_name()) + "." + info->name() + "." +
                        std::to_string(GetCurrentProcessId());
     std::replace(name.begin(), name.end(), '/', '.'); // of a test with a parameter
-    root_ = std::filesystem::current_path() / "scratch" / name;
-    EXPECT_TRUE(removeTree(root_.wstring()));
-    std::filesystem::create_directories(root_);
+    m_root = std::filesystem::current_path() / "scratch" / name;
+    EXPECT_TRUE(removeTree(m_root.wstring()));
+    std::filesystem::create_directories(m_root);
     ASSERT_EQ(lornixSetDataFolder(data().c_str()), 1) << testing::PrintToString(lornixLastError());
     ASSERT_STREQ(lornixLastError(), L"");
 }
@@ -184,7 +184,7 @@ void StoreTest::TearDown()
 {
     lornixSetDataFolder(nullptr);
     if (!HasFailure()) {
-        EXPECT_TRUE(removeTree(root_.wstring()));
+        EXPECT_TRUE(removeTree(m_root.wstring()));
     }
 }
 

@@ -94,13 +94,13 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    const std::filesystem::path& root() const { return root_; }
-    std::filesystem::path data() const { return root_ / L"data"; }
+    const std::filesystem::path& root() const { return m_root; }
+    std::filesystem::path data() const { return m_root / L"data"; }
     std::filesystem::path rulesFile() const { return data() / L"rules.txt"; }
     std::filesystem::path setAside() const { return data() / L"set-aside"; }
 
 private:
-    std::filesystem::path root_;
+    std::filesystem::path m_root;
 };
 
 } // namespace store_test

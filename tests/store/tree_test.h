@@ -12,13 +12,13 @@ protected:
     void SetUp() override
     {
         StoreTest::SetUp();
-        top_ = (root() / "tree").wstring();
-        makeFolder(top_);
+        m_top = (root() / "tree").wstring();
+        makeFolder(m_top);
     }
 
-    std::wstring in(const std::wstring& name) const { return top_ + L'\\' + name; }
+    std::wstring in(const std::wstring& name) const { return m_top + L'\\' + name; }
 
-    std::wstring top_;
+    std::wstring m_top;
 };
 
 } // namespace store_test

@@ -18,13 +18,13 @@ BareDialog::BareDialog(int number)
     const HRSRC found = FindResourceW(library, MAKEINTRESOURCEW(number), RT_DIALOG);
     if (found != nullptr) {
         const auto* const loaded = static_cast<LPCDLGTEMPLATEW>(LockResource(LoadResource(library, found)));
-        window_ = CreateDialogIndirectParamW(nullptr, loaded, nullptr, ignore, 0);
+        m_window = CreateDialogIndirectParamW(nullptr, loaded, nullptr, ignore, 0);
     }
 }
 
 BareDialog::~BareDialog()
 {
-    if (window_ != nullptr) {
-        DestroyWindow(window_);
+    if (m_window != nullptr) {
+        DestroyWindow(m_window);
     }
 }

@@ -11,9 +11,9 @@ public:
     BareDialog(const BareDialog&) = delete;
     BareDialog& operator=(const BareDialog&) = delete;
 
-    HWND window() const { return window_; }
-    HWND control(int id) const { return GetDlgItem(window_, id); }
+    HWND window() const { return m_window; }
+    HWND control(int id) const { return GetDlgItem(m_window, id); }
 
 private:
-    HWND window_ = nullptr;
+    HWND m_window = nullptr;
 };

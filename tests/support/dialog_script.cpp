@@ -43,7 +43,7 @@ std::vector<HWND> DialogScript::dialogs()
 
 DialogScript& DialogScript::step(std::string what, Try tryIt)
 {
-    steps_.push_back({std::move(what), std::move(tryIt)});
+    m_steps.push_back({std::move(what), std::move(tryIt)});
     return *this;
 }
 
@@ -70,7 +70,7 @@ DialogScript& DialogScript::answerBox(std::string text, std::string caption)
         EXPECT_EQ(look.caption, caption);
         EXPECT_EQ(look.buttons, 1);
         EXPECT_FALSE(look.icon);
-        boxOwner_ = look.owner;
+        m_boxOwner = look.owner;
         ::answerBox(front);
         return true;
     });
@@ -78,31 +78,31 @@ DialogScript& DialogScript::answerBox(std::string text, std::string caption)
 
 void DialogScript::tick()
 {
-    if (gaveUp_ || GetTickCount64() > deadline_) {
+    if (m_gaveUp || GetTickCount64() > m_deadline) {
         giveUp();
         return;
     }
     const HWND front = frontDialog();
-    if (front == nullptr || next_ == steps_.size()) {
+    if (front == nullptr || m_next == m_steps.size()) {
         return;
     }
     // Counted before it runs: a step that opens a dialog goes on only when that is closed, by later steps.
-    const size_t index = next_++;
-    if (!steps_[index].tryIt(front) && next_ == index + 1) {
-        next_ = index;
+    const size_t index = m_next++;
+    if (!m_steps[index].tryIt(front) && m_next == index + 1) {
+        m_next = index;
     }
 }
 
 void DialogScript::giveUp()
 {
-    if (!gaveUp_) {
-        gaveUp_ = true;
+    if (!m_gaveUp) {
+        m_gaveUp = true;
         std::string open;
         for (const HWND dialog : dialogs()) {
             open += " \"" + windowText(dialog) + "\"";
         }
-        ADD_FAILURE() << (next_ < steps_.size() ? "stuck at the step: " + steps_[next_].what
-                                                : std::string("no step closes the dialog"))
+        ADD_FAILURE() << (m_next < m_steps.size() ? "stuck at the step: " + m_steps[m_next].what
+                                                  : std::string("no step closes the dialog"))
                       << "; open:" << open;
     }
     for (const HWND dialog : dialogs()) {
@@ -111,20 +111,20 @@ void DialogScript::giveUp()
 }
 
 DialogScript::Running::Running(DialogScript& script)
-    : timer_(SetTimer(nullptr, 0, kTickMilliseconds, onTimer))
-    , script_(script)
-    , outer_(std::exchange(running, &script))
+    : m_timer(SetTimer(nullptr, 0, kTickMilliseconds, onTimer))
+    , m_script(script)
+    , m_outer(std::exchange(running, &script))
 {
-    script_.deadline_ = GetTickCount64() + kPatienceMilliseconds;
+    m_script.m_deadline = GetTickCount64() + kPatienceMilliseconds;
 }
 
 DialogScript::Running::~Running()
 {
-    KillTimer(nullptr, timer_);
-    running = outer_;
-    if (!script_.gaveUp_) {
-        EXPECT_EQ(script_.next_, script_.steps_.size())
-            << "all dialogs were closed before the step: " << script_.steps_[script_.next_].what;
+    KillTimer(nullptr, m_timer);
+    running = m_outer;
+    if (!m_script.m_gaveUp) {
+        EXPECT_EQ(m_script.m_next, m_script.m_steps.size())
+            << "all dialogs were closed before the step: " << m_script.m_steps[m_script.m_next].what;
     }
 }
 

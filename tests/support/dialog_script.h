@@ -31,7 +31,7 @@ public:
     DialogScript& answerBox(std::string text, std::string caption);
 
     /// Owner of the last box that answerBox saw.
-    HWND boxOwner() const { return boxOwner_; }
+    HWND boxOwner() const { return m_boxOwner; }
 
     /// Makes the call that opens the dialog.
     /// @return its result.
@@ -60,17 +60,17 @@ private:
 
     private:
         static void CALLBACK onTimer(HWND window, UINT message, UINT_PTR id, DWORD time);
-        UINT_PTR timer_;
-        DialogScript& script_;
-        DialogScript* outer_;
+        UINT_PTR m_timer;
+        DialogScript& m_script;
+        DialogScript* m_outer;
     };
 
     void tick();
     void giveUp();
 
-    std::vector<Step> steps_;
-    size_t next_ = 0;
-    ULONGLONG deadline_ = 0;
-    bool gaveUp_ = false;
-    HWND boxOwner_ = nullptr;
+    std::vector<Step> m_steps;
+    size_t m_next = 0;
+    ULONGLONG m_deadline = 0;
+    bool m_gaveUp = false;
+    HWND m_boxOwner = nullptr;
 };

@@ -19,7 +19,7 @@ ImportPatch::ImportPatch(HMODULE module, std::string_view function, ULONG_PTR re
 {
     for (const ImportedFunction& import : PeImage(module).imports()) {
         if (import.name == function) {
-            slots_.push_back({import.slot, *import.slot});
+            m_slots.push_back({import.slot, *import.slot});
             write(import.slot, replacement);
         }
     }
@@ -27,7 +27,7 @@ ImportPatch::ImportPatch(HMODULE module, std::string_view function, ULONG_PTR re
 
 ImportPatch::~ImportPatch()
 {
-    for (const Slot& slot : slots_) {
+    for (const Slot& slot : m_slots) {
         write(slot.where, slot.before);
     }
 }

@@ -26,16 +26,16 @@ public:
     ImportPatch& operator=(const ImportPatch&) = delete;
 
     /// How many imports were replaced. 0: the module does not import such a function, so nothing is patched.
-    int count() const { return static_cast<int>(slots_.size()); }
+    int count() const { return static_cast<int>(m_slots.size()); }
 
     /// Leaves the replacement in place beyond this object: for a module that may be gone by then.
-    void keep() { slots_.clear(); }
+    void keep() { m_slots.clear(); }
 
     /// What the module called before, null when there is none.
     template <class Function>
     Function* original() const
     {
-        return reinterpret_cast<Function*>(slots_.empty() ? 0 : slots_.front().before);
+        return reinterpret_cast<Function*>(m_slots.empty() ? 0 : m_slots.front().before);
     }
 
     /// The library under test.
@@ -46,5 +46,5 @@ private:
         ULONG_PTR* where;
         ULONG_PTR before;
     };
-    std::vector<Slot> slots_;
+    std::vector<Slot> m_slots;
 };

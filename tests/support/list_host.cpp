@@ -26,18 +26,18 @@ ListHost::ListHost(DWORD moreListStyles)
 {
     const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&controls);
-    window_ = makeWindow(L"STATIC", WS_POPUP, nullptr, 0);
-    object_.window = makeWindow(WC_LISTVIEWW, WS_CHILD | LVS_REPORT | LVS_SHOWSELALWAYS | moreListStyles,
-                                window_, kListId);
+    m_window = makeWindow(L"STATIC", WS_POPUP, nullptr, 0);
+    m_object.window = makeWindow(WC_LISTVIEWW, WS_CHILD | LVS_REPORT | LVS_SHOWSELALWAYS | moreListStyles,
+                                 m_window, kListId);
     // Never to be read by the library.
-    for (auto& word : object_.reserved) {
+    for (auto& word : m_object.reserved) {
         word = reinterpret_cast<void*>(UINT_PTR{0xDEADDEADDEADDEAD});
     }
 }
 
 ListHost::~ListHost()
 {
-    DestroyWindow(window_);
+    DestroyWindow(m_window);
 }
 
 HWND ListHost::header() const
@@ -136,7 +136,7 @@ void ListHost::selectOnly(const std::vector<int>& rows)
 
 HWND ListHost::addControl(int id, const wchar_t* controlClass, DWORD style)
 {
-    return makeWindow(controlClass, WS_CHILD | style, window_, id);
+    return makeWindow(controlClass, WS_CHILD | style, m_window, id);
 }
 
 std::vector<std::string> chainTexts(const QuotaRule* first)

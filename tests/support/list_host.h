@@ -16,12 +16,12 @@ public:
     ListHost(const ListHost&) = delete;
     ListHost& operator=(const ListHost&) = delete;
 
-    HWND window() const { return window_; }
-    HWND list() const { return object_.window; }
+    HWND window() const { return m_window; }
+    HWND list() const { return m_object.window; }
     HWND header() const;
 
     /// The list-control object of the exports that end in 2.
-    CListCtrl* object() { return reinterpret_cast<CListCtrl*>(&object_); }
+    CListCtrl* object() { return reinterpret_cast<CListCtrl*>(&m_object); }
 
     int rowCount() const;
     std::wstring cell(int row, int column) const;
@@ -50,8 +50,8 @@ public:
     HWND addControl(int id, const wchar_t* controlClass = L"BUTTON", DWORD style = 0);
 
 private:
-    HWND window_;
-    CorvaneListObject object_{};
+    HWND m_window;
+    CorvaneListObject m_object{};
 };
 
 /// The accounts and folders of a chain in its order, and whether its links back fit: "Anyone C:\a". What does

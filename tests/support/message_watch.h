@@ -18,6 +18,6 @@ public:
 private:
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                       DWORD_PTR self);
-    HWND window_;
-    Tell tell_;
+    HWND m_window;
+    Tell m_tell;
 };

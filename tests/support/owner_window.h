@@ -8,11 +8,11 @@ public:
     OwnerWindow() = default;
     OwnerWindow(const OwnerWindow&) = delete;
     OwnerWindow& operator=(const OwnerWindow&) = delete;
-    ~OwnerWindow() { DestroyWindow(window_); }
+    ~OwnerWindow() { DestroyWindow(m_window); }
 
-    HWND window() const { return window_; }
+    HWND window() const { return m_window; }
 
 private:
-    HWND window_ =
+    HWND m_window =
         CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
 };

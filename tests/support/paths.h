@@ -12,24 +12,24 @@
 class Paths {
 public:
     Paths(std::initializer_list<std::wstring> folders)
-        : folders_(folders)
+        : m_folders(folders)
     {
-        list_ = static_cast<PathList*>(std::malloc(sizeof(PathList) + folders_.size() * sizeof(wchar_t*)));
-        list_->count = static_cast<int32_t>(folders_.size());
-        for (size_t i = 0; i < folders_.size(); ++i) {
-            list_->paths[i] = folders_[i].data();
+        m_list = static_cast<PathList*>(std::malloc(sizeof(PathList) + m_folders.size() * sizeof(wchar_t*)));
+        m_list->count = static_cast<int32_t>(m_folders.size());
+        for (size_t i = 0; i < m_folders.size(); ++i) {
+            m_list->paths[i] = m_folders[i].data();
         }
     }
-    ~Paths() { std::free(list_); }
+    ~Paths() { std::free(m_list); }
     Paths(const Paths&) = delete;
     Paths& operator=(const Paths&) = delete;
 
     // NOLINTNEXTLINE: stands for a literal argument
-    operator const PathList*() const { return list_; }
+    operator const PathList*() const { return m_list; }
 
-    const std::wstring& operator[](size_t index) const { return folders_[index]; }
+    const std::wstring& operator[](size_t index) const { return m_folders[index]; }
 
 private:
-    std::vector<std::wstring> folders_;
-    PathList* list_;
+    std::vector<std::wstring> m_folders;
+    PathList* m_list;
 };

@@ -15,7 +15,7 @@ struct ImportedFunction {
 class PeImage {
 public:
     explicit PeImage(HMODULE module)
-        : base_(reinterpret_cast<unsigned char*>(module))
+        : m_base(reinterpret_cast<unsigned char*>(module))
     {
     }
 
@@ -32,7 +32,7 @@ private:
     template <class T>
     T* at(ULONGLONG offset) const
     {
-        return reinterpret_cast<T*>(base_ + offset);
+        return reinterpret_cast<T*>(m_base + offset);
     }
-    unsigned char* base_;
+    unsigned char* m_base;
 };

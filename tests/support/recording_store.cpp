@@ -144,13 +144,13 @@ void raiseNow(Fault fault)
 
 #define STORE_RECORD(result, name, parameters, arguments)                                                    \
     template <class... Arguments>                                                                            \
-    Fault note_##name(const Arguments&... given)                                                             \
+    Fault m_note##name(const Arguments&... given)                                                            \
     {                                                                                                        \
         return note(#name, describeCall(#name, given...));                                                   \
     }                                                                                                        \
-    result record_##name parameters                                                                          \
+    result m_record##name parameters                                                                         \
     {                                                                                                        \
-        raiseNow(note_##name arguments);                                                                     \
+        raiseNow(m_note##name arguments);                                                                    \
         return current->answer.name ? current->answer.name arguments : noAnswer<result>();                   \
     }
 STORE_FUNCTIONS(STORE_RECORD)
@@ -162,7 +162,7 @@ void recordLine(const char* line)
 }
 
 constexpr StoreTable kTable = {
-#define STORE_ENTRY(result, name, parameters, arguments) record_##name,
+#define STORE_ENTRY(result, name, parameters, arguments) m_record##name,
     STORE_FUNCTIONS(STORE_ENTRY)
 #undef STORE_ENTRY
         recordLine,
@@ -321,13 +321,13 @@ const char* faultName(Fault fault)
 }
 
 RecordingStore::RecordingStore()
-    : state_(std::make_unique<State>())
+    : m_state(std::make_unique<State>())
 {
     if (current != nullptr) {
         throw std::logic_error("there is a recording store already");
     }
     current = this;
-    currentState = state_.get();
+    currentState = m_state.get();
     answerAsUsual();
     installStore(&kTable);
 }
@@ -335,7 +335,7 @@ RecordingStore::RecordingStore()
 RecordingStore::~RecordingStore()
 {
     installStore(nullptr);
-    for (const auto& plan : state_->plans) {
+    for (const auto& plan : m_state->plans) {
         EXPECT_LE(plan.left, 0) << "the fault planned for " << plan.function << " was never raised";
     }
     current = nullptr;
@@ -347,7 +347,7 @@ void RecordingStore::answerAsUsual()
     answer.getQuotaList = [this](const wchar_t* folder) {
         QuotaRule* first = nullptr;
         QuotaRule* last = nullptr;
-        for (const auto& rule : state_->rules) {
+        for (const auto& rule : m_state->rules) {
             if (rule.path != folder) {
                 continue;
             }
@@ -389,7 +389,7 @@ void* RecordingStore::account(std::string_view name)
     PSID sid = nullptr;
     constexpr DWORD kFirstRid = 1001;
     if (!AllocateAndInitializeSid(&authority, 5, SECURITY_NT_NON_UNIQUE, 1, 2, 3,
-                                  kFirstRid + static_cast<DWORD>(state_->accounts.size()), 0, 0, 0, &sid))
+                                  kFirstRid + static_cast<DWORD>(m_state->accounts.size()), 0, 0, 0, &sid))
     {
         throw std::runtime_error("no SID");
     }
@@ -399,7 +399,7 @@ void* RecordingStore::account(std::string_view name)
     made->sid.assign(bytes, bytes + GetLengthSid(sid));
     FreeSid(sid);
     void* const address = made->sid.data();
-    state_->accounts.push_back(std::move(made));
+    m_state->accounts.push_back(std::move(made));
     return address;
 }
 
@@ -424,7 +424,7 @@ QuotaRule* RecordingStore::makeRule(const wchar_t* path, const void* sid, int64_
 void RecordingStore::put(const wchar_t* path, const void* sid, int64_t hardLimit, int64_t softLimit,
                          int64_t inUse)
 {
-    state_->rules.push_back({path, sid, hardLimit, softLimit, inUse});
+    m_state->rules.push_back({path, sid, hardLimit, softLimit, inUse});
 }
 
 SidList* RecordingStore::makeSidList(const std::vector<const void*>& sids)
@@ -442,20 +442,20 @@ void RecordingStore::raise(std::string_view function, Fault fault, int nth)
     {
         throw std::invalid_argument("the store has no function " + std::string(function));
     }
-    const std::lock_guard lock(state_->mutex);
-    state_->plans.push_back({std::string(function), fault, nth});
+    const std::lock_guard lock(m_state->mutex);
+    m_state->plans.push_back({std::string(function), fault, nth});
 }
 
 std::vector<std::string> RecordingStore::calls() const
 {
-    const std::lock_guard lock(state_->mutex);
-    return state_->calls;
+    const std::lock_guard lock(m_state->mutex);
+    return m_state->calls;
 }
 
 std::vector<std::string> RecordingStore::takeCalls()
 {
-    const std::lock_guard lock(state_->mutex);
-    return std::exchange(state_->calls, {});
+    const std::lock_guard lock(m_state->mutex);
+    return std::exchange(m_state->calls, {});
 }
 
 std::vector<std::string> RecordingStore::lines() const
@@ -472,12 +472,12 @@ std::vector<std::string> RecordingStore::lines() const
 
 int RecordingStore::openSidLists() const
 {
-    return static_cast<int>(state_->sidLists.size());
+    return static_cast<int>(m_state->sidLists.size());
 }
 
 int RecordingStore::openPathLists() const
 {
-    return static_cast<int>(state_->pathLists.size());
+    return static_cast<int>(m_state->pathLists.size());
 }
 
 std::string RecordingStore::nameOf(const void* sid)

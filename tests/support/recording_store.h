@@ -99,5 +99,5 @@ public:
 
 private:
     void answerAsUsual();
-    std::unique_ptr<State> state_;
+    std::unique_ptr<State> m_state;
 };

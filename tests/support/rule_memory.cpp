@@ -28,26 +28,26 @@ unsigned char* reserve(UINT_PTR from, UINT_PTR to)
 class Arena {
 public:
     Arena(UINT_PTR from, UINT_PTR to)
-        : from_(from)
-        , to_(to)
+        : m_from(from)
+        , m_to(to)
     {
     }
     QuotaRule* take()
     {
-        if (next_ == end_) {
-            next_ = reserve(from_, to_);
-            end_ = next_ + kPieceSize;
+        if (m_next == m_end) {
+            m_next = reserve(m_from, m_to);
+            m_end = m_next + kPieceSize;
         }
-        auto* const rule = reinterpret_cast<QuotaRule*>(next_);
-        next_ += sizeof(QuotaRule);
+        auto* const rule = reinterpret_cast<QuotaRule*>(m_next);
+        m_next += sizeof(QuotaRule);
         return rule;
     }
 
 private:
-    UINT_PTR from_;
-    UINT_PTR to_;
-    unsigned char* next_ = nullptr;
-    unsigned char* end_ = nullptr;
+    UINT_PTR m_from;
+    UINT_PTR m_to;
+    unsigned char* m_next = nullptr;
+    unsigned char* m_end = nullptr;
 };
 
 constexpr UINT_PTR k4GiB = UINT_PTR{1} << 32;

@@ -12,16 +12,16 @@ public:
     {
         DWORD process = 0;
         GetWindowThreadProcessId(window, &process);
-        process_ = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, process);
-        block_ = VirtualAllocEx(process_, nullptr, kSize, MEM_COMMIT, PAGE_READWRITE);
-        if (block_ == nullptr) {
+        m_process = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, process);
+        m_block = VirtualAllocEx(m_process, nullptr, kSize, MEM_COMMIT, PAGE_READWRITE);
+        if (m_block == nullptr) {
             throw Missing{"the memory of the program"};
         }
     }
     ~RemoteBlock()
     {
-        VirtualFreeEx(process_, block_, 0, MEM_RELEASE);
-        CloseHandle(process_);
+        VirtualFreeEx(m_process, m_block, 0, MEM_RELEASE);
+        CloseHandle(m_process);
     }
     RemoteBlock(const RemoteBlock&) = delete;
     RemoteBlock& operator=(const RemoteBlock&) = delete;
@@ -29,31 +29,31 @@ public:
     template <class T>
     void put(const T& value)
     {
-        WriteProcessMemory(process_, block_, &value, sizeof value, nullptr);
+        WriteProcessMemory(m_process, m_block, &value, sizeof value, nullptr);
     }
     template <class T>
     T get() const
     {
         T value{};
-        ReadProcessMemory(process_, block_, &value, sizeof value, nullptr);
+        ReadProcessMemory(m_process, m_block, &value, sizeof value, nullptr);
         return value;
     }
 
     static constexpr int kTextRoom = 1024;
-    wchar_t* textAddress() const { return reinterpret_cast<wchar_t*>(static_cast<char*>(block_) + kTextAt); }
+    wchar_t* textAddress() const { return reinterpret_cast<wchar_t*>(static_cast<char*>(m_block) + kTextAt); }
     std::wstring text() const
     {
         wchar_t buffer[kTextRoom + 1] = L"";
-        ReadProcessMemory(process_, textAddress(), buffer, kTextRoom * sizeof(wchar_t), nullptr);
+        ReadProcessMemory(m_process, textAddress(), buffer, kTextRoom * sizeof(wchar_t), nullptr);
         return buffer;
     }
-    LPARAM address() const { return reinterpret_cast<LPARAM>(block_); }
+    LPARAM address() const { return reinterpret_cast<LPARAM>(m_block); }
 
 private:
     static constexpr size_t kSize = 4096;
     static constexpr size_t kTextAt = 1024;
-    HANDLE process_ = nullptr;
-    void* block_ = nullptr;
+    HANDLE m_process = nullptr;
+    void* m_block = nullptr;
 };
 
 } // namespace peek

@@ -1,7 +1,7 @@
 // The window around an account list.
 #pragma once
 
-#include "tests/chooser/filter_bar.h"
+#include "tests/accounts/filter_bar.h"
 
 /// As much of the chooser as the list has to do with: its size, and the button that is enabled when a fill ends.
 class ListWindow {

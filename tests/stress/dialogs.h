@@ -1,7 +1,7 @@
 // The dialogs of policies, files, processes and the product, each on what it needs to open.
 #pragma once
 
-#include "tests/chooser/chooser_fixture.h"
+#include "tests/accounts/chooser_fixture.h"
 #include "tests/files/fake_disk.h"
 #include "tests/policies/policy_store.h"
 #include "tests/support/import_patch.h"

@@ -1,0 +1,236 @@
+#include "tests/accounts/chooser_fixture.h"
+
+#include "store/lornix.h"
+#include "tests/support/text.h"
+
+#include <commctrl.h>
+
+#include <process.h>
+
+#include <cstdint>
+#include <cstdio>
+
+namespace {
+
+std::vector<HANDLE> startedThreads;
+
+std::uintptr_t __cdecl startAndRemember(void(__cdecl* start)(void*), unsigned stack, void* argument)
+{
+    const std::uintptr_t thread = _beginthread(start, stack, argument);
+    HANDLE copy = nullptr; // the thread closes the other one
+    DuplicateHandle(GetCurrentProcess(), reinterpret_cast<HANDLE>(thread), GetCurrentProcess(), &copy, 0,
+                    FALSE, DUPLICATE_SAME_ACCESS);
+    startedThreads.push_back(copy);
+    return thread;
+}
+
+} // namespace
+
+FillThreads::FillThreads()
+    : m_start(ImportPatch::corvane(), "_beginthread", &startAndRemember)
+{
+    startedThreads.clear();
+    EXPECT_EQ(m_start.count(), 1);
+}
+
+FillThreads::~FillThreads()
+{
+    forget();
+}
+
+void FillThreads::forget()
+{
+    waitForAll();
+    for (const HANDLE thread : startedThreads) {
+        CloseHandle(thread);
+    }
+    startedThreads.clear();
+}
+
+int FillThreads::started() const
+{
+    return static_cast<int>(startedThreads.size());
+}
+
+void FillThreads::waitFor(int thread)
+{
+    EXPECT_EQ(WaitForSingleObject(startedThreads.at(static_cast<std::size_t>(thread)), 20000), WAIT_OBJECT_0)
+        << "a fill thread does not end";
+}
+
+void FillThreads::waitForAll()
+{
+    for (int thread = 0; thread < started(); ++thread) {
+        waitFor(thread);
+    }
+}
+
+std::string pointerText(const void* pointer)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%016llX", reinterpret_cast<unsigned long long>(pointer));
+    return text;
+}
+
+ChooserFixture::ChooserFixture()
+{
+    store.answer.enumerateUsers = [this](const wchar_t* server, SidList* list) {
+        gate.pass();
+        return server == nullptr ? append(list, m_users) : list;
+    };
+    store.answer.enumerateGroups = [this](const wchar_t* server, SidList* list) {
+        return server == nullptr ? append(list, m_groups) : list;
+    };
+}
+
+ChooserFixture::~ChooserFixture()
+{
+    gate.open();
+    threads.waitForAll(); // before the store goes
+}
+
+void ChooserFixture::giveUsers(const std::vector<std::string>& names)
+{
+    for (const std::string& name : names) {
+        m_users.push_back(store.account(name));
+    }
+}
+
+void ChooserFixture::giveGroups(const std::vector<std::string>& names)
+{
+    for (const std::string& name : names) {
+        m_groups.push_back(store.account(name));
+    }
+}
+
+// By the store's own answers: what it does among itself is no call.
+SidList* ChooserFixture::append(SidList* list, const std::vector<const void*>& sids)
+{
+    for (const void* const sid : sids) {
+        list = store.answer.appendToSidList(list, store.answer.sidDup(sid));
+    }
+    return list;
+}
+
+void ChooserFixture::startSearch()
+{
+    script.onDialog("search on the server", [this](HWND dialog) {
+        filterBar = std::make_unique<FilterBar>(list(dialog));
+        click(dialog, IDC_CHOOSER_CUSTOM_BASE);
+        type(dialog, IDC_CHOOSER_BASE, kServer);
+        click(dialog, IDOK);
+    });
+}
+
+void ChooserFixture::waitForFill()
+{
+    script.step("the fill's end", [](HWND dialog) { return isEnabled(dialog, IDCANCEL); });
+}
+
+void ChooserFixture::searchServer()
+{
+    startSearch();
+    waitForFill();
+}
+
+void* ChooserFixture::choose(SidList* owners)
+{
+    return script.run([&] {
+        return owners != nullptr ? chooseSidFromUserInput2(nullptr, owners) : chooseSidFromUserInput(nullptr);
+    });
+}
+
+int ChooserFixture::rowCount(HWND dialog)
+{
+    return static_cast<int>(SendMessageW(list(dialog), LVM_GETITEMCOUNT, 0, 0));
+}
+
+std::string ChooserFixture::cell(HWND dialog, int row, int column)
+{
+    wchar_t text[512] = L"";
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 512;
+    SendMessageW(list(dialog), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return utf8(text);
+}
+
+std::vector<std::string> ChooserFixture::rows(HWND dialog)
+{
+    std::vector<std::string> texts;
+    for (int row = 0; row < rowCount(dialog); ++row) {
+        texts.push_back(cell(dialog, row, 0) + '|' + cell(dialog, row, 1) + '|' + cell(dialog, row, 2));
+    }
+    return texts;
+}
+
+std::vector<std::string> ChooserFixture::column(HWND dialog, int column)
+{
+    std::vector<std::string> texts;
+    for (int row = 0; row < rowCount(dialog); ++row) {
+        texts.push_back(cell(dialog, row, column));
+    }
+    return texts;
+}
+
+LPARAM ChooserFixture::data(HWND dialog, int row)
+{
+    LVITEMW item{};
+    item.mask = LVIF_PARAM;
+    item.iItem = row;
+    SendMessageW(list(dialog), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    return item.lParam;
+}
+
+int ChooserFixture::image(HWND dialog, int row)
+{
+    LVITEMW item{};
+    item.mask = LVIF_IMAGE;
+    item.iItem = row;
+    SendMessageW(list(dialog), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    return item.iImage;
+}
+
+void ChooserFixture::select(HWND dialog, int row)
+{
+    LVITEMW item{};
+    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    item.state = item.stateMask;
+    SendMessageW(list(dialog), LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
+int ChooserFixture::rowOf(HWND dialog, const std::string& account)
+{
+    for (int row = 0; row < rowCount(dialog); ++row) {
+        if (cell(dialog, row, 0) == account) {
+            return row;
+        }
+    }
+    ADD_FAILURE() << "no row of " << account;
+    return -1;
+}
+
+void ChooserFixture::clickHeader(HWND dialog, int column)
+{
+    NMLISTVIEW click{};
+    click.hdr.hwndFrom = list(dialog);
+    click.hdr.idFrom = IDC_CHOOSER_LIST;
+    click.hdr.code = LVN_COLUMNCLICK;
+    click.iItem = -1;
+    click.iSubItem = column;
+    SendMessageW(dialog, WM_NOTIFY, IDC_CHOOSER_LIST, reinterpret_cast<LPARAM>(&click));
+}
+
+std::vector<std::string> ChooserFixture::dialogLines() const
+{
+    std::vector<std::string> lines;
+    for (const std::string& line : store.lines()) {
+        for (const char* start : {"got R", "Domain sid=", "onOk", "\treturn", "SID DLG"}) {
+            if (line.starts_with(start)) {
+                lines.push_back(line);
+            }
+        }
+    }
+    return lines;
+}

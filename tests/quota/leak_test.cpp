@@ -1,0 +1,169 @@
+// Nothing is left behind by dialogs and list operations, except what is handed over.
+#include "tests/quota/quota_settings.h"
+#include "tests/support/list_host.h"
+#include "tests/support/nothing_left.h"
+#include "tests/support/paths.h"
+
+#include <commctrl.h>
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <functional>
+#include <optional>
+
+using namespace quota_settings;
+
+namespace {
+
+struct LeakTest : testing::Test {
+    std::optional<RecordingStore> store{std::in_place};
+    void* const staff = store->account("staff");
+    void* const ann = store->account("ann");
+    std::optional<ListHost> host{std::in_place};
+
+    void expectNothingLeft(const std::function<void()>& round)
+    {
+        ::expectNothingLeft([&] {
+            round();
+            store->takeCalls(); // what is written down is no leak
+        });
+    }
+
+    /// As the host does with records that it does not need any more. Those from the store are not on the heap.
+    static void release(QuotaRule* rule, bool onHeap)
+    {
+        std::free(rule->path);
+        std::free(rule->sid);
+        if (onHeap) {
+            std::free(rule);
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(LeakTest, OpeningAndCancelling)
+{
+    groupHas(*store, {ann});
+    QuotaRule* const rule = newRule(staff);
+    expectNothingLeft([=] {
+        rule->inUse = QUOTA_IN_USE_UNKNOWN;
+        whileOpen(rule, kAdd, [](HWND dialog) {
+            click(dialog, kGroupMembers);
+            click(dialog, kAllFiles);
+        });
+    });
+}
+
+TEST_F(LeakTest, EditingToTheEnd)
+{
+    QuotaRule* const rule = newRule(staff);
+    expectNothingLeft([=] { untilOk(rule, kEdit, [](HWND dialog) { typeLimits(dialog, L"9K", L"8K"); }); });
+}
+
+TEST_F(LeakTest, RefusedAndCancelled)
+{
+    QuotaRule* const rule = newRule();
+    expectNothingLeft(
+        [=] { untilRefused(rule, kAdd, [](HWND dialog) { typeLimits(dialog, L"9", L"8"); }, [](HWND) {}); });
+}
+
+TEST_F(LeakTest, MemberRecordsAreTheCallers)
+{
+    groupHas(*store, {ann, ann, ann});
+    QuotaRule* const rule = newRule(staff);
+    expectNothingLeft([=] {
+        untilOk(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+        int members = 0;
+        while (QuotaRule* const member = rule->next) {
+            rule->next = member->next;
+            release(member, true);
+            ++members;
+        }
+        EXPECT_EQ(members, 3);
+    });
+}
+
+TEST_F(LeakTest, FillingSortingAndDropping)
+{
+    for (int i = 0; i < 50; ++i) {
+        store->put(L"C:\\a", i % 2 == 0 ? staff : nullptr, 1000 + i, 90, i);
+    }
+    initializeListCtrl2(host->object(), nullptr);
+    expectNothingLeft([this] {
+        fillUpListCtrl2(Paths{L"C:\\a"}, host->object());
+        sortListCtrl2(host->object(), 1);
+        sortListCtrl2(host->object(), 0);
+        QuotaRule* rule = getDataModified2(host->object());
+        host->select(-1);
+        EXPECT_NE(dropFromListCtrl2(host->object()), 0);
+        int dropped = 0;
+        for (QuotaRule* next = nullptr; rule != nullptr; rule = next, ++dropped) {
+            next = rule->next;
+            release(rule, false);
+        }
+        EXPECT_GT(dropped, 0);
+    });
+}
+
+TEST_F(LeakTest, PreparingAgain)
+{
+    expectNothingLeft([this] {
+        initializeListCtrl2(host->object(), nullptr);
+        EXPECT_EQ(countItems2(host->object()), 0);
+    });
+}
+
+TEST_F(LeakTest, AddingAndDropping)
+{
+    initializeListCtrl2(host->object(), nullptr);
+    expectNothingLeft([this] {
+        DialogScript script;
+        script.onDialog("OK", pressOk);
+        EXPECT_NE(script.run([this] { return addToListCtrl2(host->object(), staff, Paths{L"C:\\a"}); }), 0);
+        QuotaRule* const rule = getDataModified2(host->object());
+        host->selectOnly({0});
+        EXPECT_NE(dropFromListCtrl2(host->object()), 0);
+        release(rule, true);
+    });
+}
+
+TEST_F(LeakTest, AddingByNumber)
+{
+    initializeListCtrl2(host->object(), nullptr);
+    expectNothingLeft([this] {
+        DialogScript script;
+        script.onDialog("OK", pressOk);
+        EXPECT_NE(script.run([this] {
+            return addToListCtrl(host->window(), ListHost::kListId, nullptr, Paths{L"C:\\a"});
+        }),
+                  0);
+        QuotaRule* const rule = getDataModified(host->window(), ListHost::kListId);
+        host->selectOnly({0});
+        EXPECT_NE(dropFromListCtrl(host->window(), ListHost::kListId), 0);
+        release(rule, true);
+    });
+}
+
+TEST_F(LeakTest, Conflicts)
+{
+    store->put(L"C:\\a", nullptr, 1000, 90, 0);
+    initializeListCtrl2(host->object(), Paths{L"C:\\a"});
+    expectNothingLeft([this] {
+        DialogScript script;
+        script.answerBox(
+            "Limit you've specified is already used. Please change user/group or specify other folder.",
+            kInformation);
+        EXPECT_NE(script.run([this] { return addToListCtrl2(host->object(), nullptr, Paths{L"C:\\a"}); }), 0);
+    });
+}
+
+TEST_F(LeakTest, AFailedFolderSize)
+{
+    QuotaRule* const rule = newRule();
+    expectNothingLeft([=, this] {
+        store->raise("getRealSize", Fault::CppException);
+        whileOpen(rule, kAdd, [](HWND) {});
+    });
+}

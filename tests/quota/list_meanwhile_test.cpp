@@ -1,0 +1,242 @@
+// What a host does to its list while a dialog on one of the rows is open; lists that sort by themselves; no list.
+#include "tests/quota/quota_settings.h"
+#include "tests/support/list_host.h"
+#include "tests/support/message_watch.h"
+#include "tests/support/owner_window.h"
+#include "tests/support/paths.h"
+#include "tests/support/rule_memory.h"
+
+#include <commctrl.h>
+
+#include <gmock/gmock.h>
+
+using namespace quota_settings;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct ListMeanwhileTest : testing::Test {
+    RecordingStore store;
+    ListHost host;
+    void* const alice = store.account("alice");
+    void* const bob = store.account("bob");
+    void* const staff = store.account("staff");
+
+    void SetUp() override
+    {
+        store.put(L"C:\\old", bob, 2048, 1024, 0);
+        store.put(L"C:\\other", bob, 4096, 1024, 0);
+        store.put(L"C:\\late", alice, 8192, 1024, 0);
+        initializeListCtrl2(host.object(), Paths{L"C:\\old", L"C:\\other"});
+    }
+
+    /// Adds for anyone on C:\new; does something to the list while the dialog is open.
+    unsigned char addWhile(const DialogScript::Act& meanwhile)
+    {
+        DialogScript script;
+        script
+            .onDialog("meanwhile",
+                      [&](HWND dialog) {
+                          typeLimits(dialog, L"10K", L"5K");
+                          meanwhile(dialog);
+                      })
+            .onDialog("OK", pressOk);
+        return script.run([this] { return addToListCtrl2(host.object(), nullptr, Paths{L"C:\\new"}); });
+    }
+
+    /// The same with a group of two, copied to its members.
+    unsigned char addGroupWhile(const DialogScript::Act& meanwhile)
+    {
+        groupHas(store, {alice, bob});
+        DialogScript script;
+        script
+            .onDialog("meanwhile",
+                      [&](HWND dialog) {
+                          click(dialog, kGroupMembers);
+                          meanwhile(dialog);
+                      })
+            .onDialog("OK", pressOk);
+        return script.run([this] { return addToListCtrl2(host.object(), staff, Paths{L"C:\\new"}); });
+    }
+
+    unsigned char editWhile(const DialogScript::Act& meanwhile)
+    {
+        DialogScript script;
+        script
+            .onDialog("meanwhile",
+                      [&](HWND dialog) {
+                          typeLimits(dialog, L"2000", L"1500");
+                          meanwhile(dialog);
+                      })
+            .onDialog("OK", pressOk);
+        return script.run([this] { return editFromListCtrl2(host.object()); });
+    }
+
+    /// The last chain that went to the debug channel.
+    std::string lastDump() const
+    {
+        std::string dump;
+        for (const std::string& call : store.calls()) {
+            dump = call.starts_with("debug") ? call : dump;
+        }
+        return dump;
+    }
+};
+
+} // namespace
+
+TEST_F(ListMeanwhileTest, AnAddedRuleFindsItsRowAfterAFill)
+{
+    EXPECT_NE(addWhile([this](HWND) { fillUpListCtrl2(Paths{L"C:\\late"}, host.object()); }), 0);
+    EXPECT_THAT(host.rows(2), ElementsAre("alice|8192 ", "Anyone|10240 ", "bob|4096 ", "bob|2048 "));
+    EXPECT_EQ(lastDump(), "debug {alice C:\\late, Anyone C:\\new, bob C:\\other, bob C:\\old}");
+    EXPECT_THAT(chainTexts(host.record(0)),
+                ElementsAre("alice C:\\late", "Anyone C:\\new", "bob C:\\other", "bob C:\\old"));
+}
+
+TEST_F(ListMeanwhileTest, AnAddedRuleFindsItsRowAfterASort)
+{
+    EXPECT_NE(addWhile([this](HWND) {
+                  sortListCtrl2(host.object(), 0);
+                  sortListCtrl2(host.object(), 0); // from A to Z
+                  sortListCtrl2(host.object(), 0); // from Z to A
+              }),
+              0);
+    EXPECT_THAT(host.rows(2), ElementsAre("bob|4096 ", "bob|2048 ", "Anyone|10240 "));
+    EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("bob C:\\other", "bob C:\\old", "Anyone C:\\new"));
+}
+
+TEST_F(ListMeanwhileTest, AGroupFindsItsRowAfterAFill)
+{
+    const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
+    EXPECT_NE(addGroupWhile([this](HWND) { fillUpListCtrl2(Paths{L"C:\\late"}, host.object()); }), 0);
+    EXPECT_THAT(host.column(0), ElementsAre("bob", "alice", "alice", "staff", "bob", "bob"));
+    EXPECT_THAT(host.column(4), ElementsAre("00%", "00%", "00%", "00%", "00%", "00%"));
+    EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("bob C:\\new", "alice C:\\new", "alice C:\\late",
+                                                        "staff C:\\new", "bob C:\\other", "bob C:\\old"));
+}
+
+TEST_F(ListMeanwhileTest, ARowThatIsGoneIsNotWritten)
+{
+    EXPECT_NE(addGroupWhile([this](HWND) { ListView_DeleteItem(host.list(), 0); }), 0);
+    EXPECT_THAT(host.rows(3), ElementsAre("bob|4096 |1024 ", "bob|2048 |1024 "));
+    EXPECT_EQ(lastDump(), "debug {bob C:\\other, bob C:\\old}");
+}
+
+TEST_F(ListMeanwhileTest, ACancelTakesTheRightRowAway)
+{
+    DialogScript script;
+    script.onDialog("meanwhile", [this](HWND dialog) {
+        fillUpListCtrl2(Paths{L"C:\\late"}, host.object());
+        pressCancel(dialog);
+    });
+    EXPECT_EQ(script.run([this] { return addToListCtrl2(host.object(), nullptr, Paths{L"C:\\new"}); }), 0);
+    EXPECT_THAT(host.column(5), ElementsAre("C:\\late", "C:\\other", "C:\\old"));
+}
+
+TEST_F(ListMeanwhileTest, ACancelForARowThatIsGoneTakesNoneAway)
+{
+    DialogScript script;
+    script.onDialog("meanwhile", [this](HWND dialog) {
+        ListView_DeleteItem(host.list(), 0);
+        pressCancel(dialog);
+    });
+    EXPECT_EQ(script.run([this] { return addToListCtrl2(host.object(), nullptr, Paths{L"C:\\new"}); }), 0);
+    EXPECT_THAT(host.column(5), ElementsAre("C:\\other", "C:\\old"));
+}
+
+TEST_F(ListMeanwhileTest, AnEditedRuleFindsItsRowAfterAFill)
+{
+    host.selectOnly({0});
+    EXPECT_NE(editWhile([this](HWND) { fillUpListCtrl2(Paths{L"C:\\late"}, host.object()); }), 0);
+    EXPECT_THAT(host.column(1), ElementsAre("8192 ", "2000 ", "2048 "));
+}
+
+TEST_F(ListMeanwhileTest, AnEditedRowThatIsGoneIsNotWritten)
+{
+    host.selectOnly({0});
+    EXPECT_NE(editWhile([this](HWND) { ListView_DeleteItem(host.list(), 0); }), 0);
+    EXPECT_THAT(host.column(1), ElementsAre("2048 "));
+}
+
+TEST_F(ListMeanwhileTest, AListThatIsGoneIsNotWritten)
+{
+    EXPECT_NE(addGroupWhile([this](HWND) { DestroyWindow(host.list()); }), 0);
+    EXPECT_EQ(lastDump(), "debug null");
+}
+
+TEST_F(ListMeanwhileTest, AListWithAnOrderOfItsOwnIsChainedInThatOrder)
+{
+    const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
+    for (const DWORD style : {DWORD{LVS_SORTASCENDING}, DWORD{LVS_SORTDESCENDING}}) {
+        ListHost sorted(style);
+        initializeListCtrl2(sorted.object(), Paths{L"C:\\old"});
+        groupHas(store, {alice, bob});
+        DialogScript script;
+        script.onDialog("choose", [](HWND dialog) { click(dialog, kGroupMembers); })
+            .onDialog("OK", pressOk)
+            .onDialog("OK", pressOk);
+        EXPECT_NE(
+            script.run([&] { return addToListCtrl2(sorted.object(), staff, Paths{L"C:\\new", L"C:\\a"}); }),
+            0);
+        ASSERT_EQ(sorted.rowCount(), 5);
+        for (int row = 0; row < 5; ++row) {
+            EXPECT_EQ(sorted.record(row)->next, row == 4 ? nullptr : sorted.record(row + 1)) << row;
+            EXPECT_EQ(sorted.record(row)->prev, row == 0 ? nullptr : sorted.record(row - 1)) << row;
+        }
+    }
+}
+
+TEST_F(ListMeanwhileTest, ThereTooACancelStartsANewChain)
+{
+    ListHost sorted(LVS_SORTASCENDING);
+    initializeListCtrl2(sorted.object(), Paths{L"C:\\old"});
+    DialogScript script;
+    script.onDialog("Cancel", pressCancel).onDialog("OK", pressOk);
+    EXPECT_EQ(script.run([&] { return addToListCtrl2(sorted.object(), alice, Paths{L"C:\\a", L"C:\\b"}); }),
+              0);
+    EXPECT_EQ(lastDump(), "debug {alice C:\\b}");
+    EXPECT_EQ(chainTexts(getDataModified2(sorted.object())).size(), 2u);
+}
+
+TEST_F(ListMeanwhileTest, MembersGoInWithRedrawingOff)
+{
+    std::vector<void*> accounts;
+    for (int i = 0; i < 50; ++i) {
+        accounts.push_back(store.account("member" + std::to_string(i)));
+    }
+    groupHas(store, {accounts.begin(), accounts.end()});
+    bool drawing = true;
+    int drawn = 0;
+    const MessageWatch watch(host.list(), [&](UINT message, WPARAM wParam, LPARAM) {
+        if (message == WM_SETREDRAW) {
+            drawing = wParam != 0;
+        } else if (message == LVM_INSERTITEMW && drawing) {
+            ++drawn;
+        }
+    });
+    DialogScript script;
+    script.onDialog("choose", [](HWND dialog) { click(dialog, kGroupMembers); }).onDialog("OK", pressOk);
+    EXPECT_NE(script.run([this] { return addToListCtrl2(host.object(), staff, Paths{L"C:\\new"}); }), 0);
+    EXPECT_EQ(host.rowCount(), 53);
+    EXPECT_EQ(drawn, 1) << "the group's own row, before its dialog";
+    EXPECT_TRUE(drawing);
+}
+
+TEST_F(ListMeanwhileTest, WithoutAListNoStrangerIsDisabled)
+{
+    // What the platform calls the top window of no window at all.
+    const OwnerWindow stranger;
+    SetWindowPos(stranger.window(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
+    DialogScript script;
+    script
+        .onDialog("look",
+                  [&](HWND dialog) {
+                      EXPECT_TRUE(IsWindowEnabled(stranger.window()));
+                      EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
+                  })
+        .onDialog("OK", pressOk);
+    EXPECT_NE(script.run([this] { return addToListCtrl(host.window(), 500, nullptr, Paths{L"C:\\new"}); }),
+              0);
+}

@@ -1,0 +1,191 @@
+// How the Quota Settings dialog is opened and closed.
+#include "tests/quota/quota_settings.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/list_host.h"
+
+#include <gmock/gmock.h>
+
+using namespace quota_settings;
+using testing::IsEmpty;
+
+namespace {
+
+class SettingsFrameTest : public testing::Test {
+protected:
+    RecordingStore store;
+};
+
+/// What the platform was asked to open.
+struct Opened {
+    HINSTANCE instance;
+    const void* dialogTemplate;
+    HWND owner;
+    LPARAM parameter;
+} opened;
+
+INT_PTR WINAPI openNothing(HINSTANCE instance, LPCDLGTEMPLATEW dialogTemplate, HWND owner,
+                           DLGPROC /*procedure*/, LPARAM parameter)
+{
+    opened = {instance, dialogTemplate, owner, parameter};
+    return 4711;
+}
+
+INT_PTR WINAPI failToOpen(HINSTANCE, LPCDLGTEMPLATEW, HWND, DLGPROC, LPARAM)
+{
+    return -1;
+}
+
+HRSRC WINAPI findNothing(HMODULE, LPCWSTR, LPCWSTR)
+{
+    return nullptr;
+}
+
+HMODULE WINAPI knowNoModule(LPCWSTR)
+{
+    return nullptr;
+}
+
+const void* templateOf(int number)
+{
+    const HMODULE module = GetModuleHandleW(L"corvane");
+    return LockResource(LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(number), RT_DIALOG)));
+}
+
+} // namespace
+
+TEST_F(SettingsFrameTest, OpensTheTemplateOfTheMode)
+{
+    const ListHost host;
+    QuotaRule* const rule = newRule();
+    const ImportPatch open(ImportPatch::corvane(), "DialogBoxIndirectParamW", openNothing);
+    ASSERT_EQ(open.count(), 1);
+    for (const auto& [mode, number] : {std::pair(1, 148), std::pair(0, 141), std::pair(-1, 148)}) {
+        opened = {};
+        EXPECT_EQ(editQuotaListEntry(host.window(), rule, mode), 4711) << "the end code is passed through";
+        EXPECT_EQ(opened.instance, nullptr);
+        EXPECT_NE(opened.dialogTemplate, nullptr);
+        EXPECT_EQ(opened.dialogTemplate, templateOf(number));
+        EXPECT_EQ(opened.owner, host.window());
+        EXPECT_EQ(opened.parameter, reinterpret_cast<LPARAM>(rule));
+    }
+}
+
+TEST_F(SettingsFrameTest, BelongsToTheOwnerGiven)
+{
+    const ListHost host;
+    HWND owner = nullptr;
+    whileOpen(
+        newRule(), kAdd,
+        [&](HWND dialog) {
+            owner = GetWindow(dialog, GW_OWNER);
+            EXPECT_FALSE(IsWindowEnabled(host.window()));
+        },
+        host.window());
+    EXPECT_EQ(owner, host.window());
+    EXPECT_TRUE(IsWindowEnabled(host.window()));
+}
+
+TEST_F(SettingsFrameTest, NeedsNoOwner)
+{
+    whileOpen(newRule(), kAdd, [](HWND dialog) { EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr); });
+}
+
+TEST_F(SettingsFrameTest, GivesMinusOneWithoutATemplate)
+{
+    const ImportPatch find(ImportPatch::corvane(), "FindResourceW", findNothing);
+    ASSERT_EQ(find.count(), 1);
+    EXPECT_EQ(editQuotaListEntry(nullptr, newRule(), kAdd), -1);
+    EXPECT_EQ(editQuotaListEntry(nullptr, newRule(), kEdit), -1);
+    EXPECT_THAT(store.calls(), IsEmpty());
+}
+
+TEST_F(SettingsFrameTest, GivesMinusOneUnderAnotherModuleName)
+{
+    const ImportPatch module(ImportPatch::corvane(), "GetModuleHandleW", knowNoModule);
+    ASSERT_EQ(module.count(), 1);
+    EXPECT_EQ(editQuotaListEntry(nullptr, newRule(), kAdd), -1);
+}
+
+TEST_F(SettingsFrameTest, GivesMinusOneWhenThePlatformFails)
+{
+    const ImportPatch open(ImportPatch::corvane(), "DialogBoxIndirectParamW", failToOpen);
+    EXPECT_EQ(editQuotaListEntry(nullptr, newRule(), kAdd), -1);
+}
+
+TEST_F(SettingsFrameTest, CloseBoxCancels)
+{
+    for (const int mode : {kAdd, kEdit}) {
+        DialogScript script;
+        script.onDialog("close", [](HWND dialog) { PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0); });
+        EXPECT_EQ(script.run([=] { return editQuotaListEntry(nullptr, newRule(), mode); }), 0);
+    }
+}
+
+TEST_F(SettingsFrameTest, EnterPressesOkAndEscapeCancel)
+{
+    QuotaRule* const rule = newRule();
+    for (const auto& [key, result] : {std::pair(VK_RETURN, reinterpret_cast<intptr_t>(rule)),
+                                      std::pair(VK_ESCAPE, static_cast<intptr_t>(0))})
+    {
+        DialogScript script;
+        script.onDialog("key", [pressed = key](HWND dialog) {
+            PostMessageW(GetDlgItem(dialog, kSoftLimit), WM_KEYDOWN, static_cast<WPARAM>(pressed), 0);
+        });
+        EXPECT_EQ(script.run([=] { return editQuotaListEntry(nullptr, rule, kAdd); }), result);
+    }
+}
+
+TEST_F(SettingsFrameTest, LeavesOtherMessagesToTheDialog)
+{
+    whileOpen(newRule(), kAdd, [](HWND dialog) {
+        EXPECT_EQ(SendMessageW(dialog, WM_USER + 77, 1, 2), 0);
+        EXPECT_EQ(SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(kObjectSize, EN_CHANGE), 0), 0);
+        // The answer to this one comes from the dialog's own handling alone.
+        EXPECT_EQ(SendMessageW(dialog, DM_GETDEFID, 0, 0), MAKELRESULT(IDOK, DC_HASDEFID));
+    });
+}
+
+TEST_F(SettingsFrameTest, ShowsTheWaitCursorWhileMeasuring)
+{
+    const HCURSOR wait = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT));
+    const HCURSOR arrow = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
+    ASSERT_NE(wait, arrow);
+    int measured = 0;
+    store.answer.getRealSize = [&](const wchar_t*) -> int64_t {
+        EXPECT_EQ(GetCursor(), wait);
+        ++measured;
+        return 0;
+    };
+    store.answer.getRealSizeByOwner = [&](const wchar_t*, const SidList*) -> int64_t {
+        EXPECT_EQ(GetCursor(), wait);
+        ++measured;
+        return 0;
+    };
+    SetCursor(arrow);
+    whileOpen(newRule(store.account("alice")), kAdd, [&](HWND) { EXPECT_NE(GetCursor(), wait); });
+    EXPECT_EQ(measured, 2);
+}
+
+TEST_F(SettingsFrameTest, TakesTheWaitCursorAwayAfterAFault)
+{
+    const HCURSOR wait = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT));
+    for (const Fault fault : kEveryFault) {
+        SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW)));
+        store.raise("getRealSize", fault);
+        whileOpen(newRule(), kAdd, [&](HWND) { EXPECT_NE(GetCursor(), wait) << faultName(fault); });
+    }
+}
+
+TEST_F(SettingsFrameTest, OpensAgainAfterItWasClosed)
+{
+    for (int round = 0; round < 3; ++round) {
+        QuotaRule* const rule = newRule();
+        rule->hardLimit = 5000 + round;
+        rule->softLimit = 1;
+        EXPECT_EQ(untilOk(rule, kAdd,
+                          [=](HWND dialog) {
+                              EXPECT_EQ(controlText(dialog, kHardLimit), std::to_string(5000 + round) + " ");
+                          }),
+                  reinterpret_cast<intptr_t>(rule));
+    }
+}

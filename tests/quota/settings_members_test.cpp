@@ -1,0 +1,167 @@
+// Copying a group's rule to its members.
+#include "tests/quota/quota_settings.h"
+#include "tests/support/describe.h"
+#include "tests/support/list_host.h"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+using namespace quota_settings;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+class SettingsMembersTest : public testing::Test {
+protected:
+    RecordingStore store;
+    void* const staff = store.account("staff");
+    void* const ann = store.account("ann");
+    void* const bob = store.account("bob");
+    void* const cleo = store.account("cleo");
+    QuotaRule* const rule = newRule(staff);
+
+    void SetUp() override
+    {
+        groupHas(store, {ann, bob, cleo});
+        folderHolds(store, 1000);
+        accountOwns(store, 10);
+    }
+};
+
+} // namespace
+
+TEST_F(SettingsMembersTest, ChainsARecordForEachMember)
+{
+    const intptr_t result = untilOk(rule, kAdd, [](HWND dialog) {
+        click(dialog, kGroupMembers);
+        typeLimits(dialog, L"8000", L"7000");
+    });
+    EXPECT_EQ(result, reinterpret_cast<intptr_t>(rule));
+    EXPECT_THAT(chainTexts(rule),
+                ElementsAre("staff C:\\data", "ann C:\\data", "bob C:\\data", "cleo C:\\data"));
+    for (const QuotaRule* member = rule->next; member != nullptr; member = member->next) {
+        EXPECT_EQ(member->type, QUOTA_RULE_FOR_ACCOUNT);
+        EXPECT_EQ(member->hardLimit, 8000);
+        EXPECT_EQ(member->softLimit, 7000);
+        EXPECT_EQ(member->inUse, 10);
+        EXPECT_NE(member->path, rule->path) << "each record owns its path";
+        EXPECT_NE(member->path, member->prev->path);
+    }
+}
+
+TEST_F(SettingsMembersTest, GivesEachMemberACopyOfItsSid)
+{
+    untilOk(rule, kAdd, [this](HWND dialog) {
+        click(dialog, kGroupMembers);
+        store.takeCalls();
+    });
+    EXPECT_THAT(store.calls(),
+                ElementsAre("sidDup ann", "sidDup bob", "sidDup cleo", "freeSidList [ann, bob, cleo]"));
+    // The members' list is gone by now, the copies are not.
+    EXPECT_THAT(chainTexts(rule),
+                ElementsAre("staff C:\\data", "ann C:\\data", "bob C:\\data", "cleo C:\\data"));
+}
+
+TEST_F(SettingsMembersTest, AreAskedForUnderTheWaitCursor)
+{
+    HCURSOR const wait = LoadCursorW(nullptr, IDC_WAIT);
+    int asked = 0;
+    store.answer.enumerateGroupUsers = [&asked, wait, answer = store.answer.enumerateGroupUsers](
+                                           const wchar_t* server, const wchar_t* group, SidList* list) {
+        ++asked;
+        EXPECT_EQ(GetCursor(), wait);
+        return answer(server, group, list);
+    };
+    whileOpen(rule, kAdd, [wait](HWND) { EXPECT_NE(GetCursor(), wait); });
+    EXPECT_EQ(asked, 1);
+}
+
+TEST_F(SettingsMembersTest, TracksNewMembersWhenAsked)
+{
+    untilOk(rule, kAdd, [this](HWND dialog) {
+        click(dialog, kGroupMembers);
+        click(dialog, kNewMembers);
+        store.takeCalls();
+    });
+    EXPECT_THAT(store.calls(),
+                ElementsAre("sidDup ann", "sidDup bob", "sidDup cleo", std::string("ODS ") + kTrackingLine,
+                            "addToTrackList {staff C:\\data, ann C:\\data, bob C:\\data, cleo C:\\data}",
+                            "freeSidList [ann, bob, cleo]"));
+}
+
+TEST_F(SettingsMembersTest, AccountsMembersForFilesChosen)
+{
+    untilOk(rule, kAdd, [](HWND dialog) {
+        click(dialog, kAllFiles);
+        click(dialog, kGroupMembers);
+    });
+    ASSERT_NE(rule->next, nullptr);
+    EXPECT_EQ(rule->next->inUse, 1000);
+}
+
+TEST_F(SettingsMembersTest, MakesNoRecordsUnlessAsked)
+{
+    untilOk(rule, kAdd, [](HWND) {});
+    EXPECT_EQ(rule->next, nullptr);
+}
+
+TEST_F(SettingsMembersTest, MakesAndTracksNothingWhenTheChoiceIsTakenBack)
+{
+    untilOk(rule, kAdd, [](HWND dialog) {
+        click(dialog, kGroupMembers);
+        click(dialog, kNewMembers);
+        click(dialog, kGroupMembers);
+        EXPECT_TRUE(isChecked(dialog, kNewMembers));
+    });
+    EXPECT_EQ(rule->next, nullptr);
+    EXPECT_THAT(store.lines(), IsEmpty());
+}
+
+TEST_F(SettingsMembersTest, MakesNoRecordsWhenRefused)
+{
+    untilRefused(
+        rule, kAdd,
+        [this](HWND dialog) {
+            click(dialog, kGroupMembers);
+            click(dialog, kNewMembers);
+            typeLimits(dialog, L"5", L"1");
+            store.takeCalls();
+        },
+        [this](HWND) {
+            EXPECT_EQ(rule->next, nullptr);
+            EXPECT_THAT(store.calls(), IsEmpty());
+        });
+}
+
+TEST_F(SettingsMembersTest, MakesNoRecordsWhenCancelled)
+{
+    whileOpen(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+    EXPECT_EQ(rule->next, nullptr);
+}
+
+TEST_F(SettingsMembersTest, ForgetsTheMembersOfTheLastDialog)
+{
+    untilOk(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+    store.answer.enumerateGroupUsers = [](const wchar_t*, const wchar_t*, SidList* list) {
+        return list;
+    };
+    QuotaRule* const other = newRule(ann);
+    untilOk(other, kAdd, [](HWND dialog) {
+        EXPECT_FALSE(isEnabled(dialog, kGroupMembers));
+        // Checked by a program, since a person cannot: there is no one to copy the rule to.
+        SendDlgItemMessageW(dialog, kGroupMembers, BM_SETCHECK, BST_CHECKED, 0);
+    });
+    EXPECT_EQ(other->next, nullptr);
+    EXPECT_EQ(store.openSidLists(), 0);
+}
+
+TEST_F(SettingsMembersTest, CopiesAThousandMembers)
+{
+    std::vector<const void*> crowd(1000, ann);
+    groupHas(store, crowd);
+    untilOk(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+    EXPECT_EQ(chainTexts(rule).size(), 1001u);
+    EXPECT_EQ(chainTexts(rule).back(), "ann C:\\data");
+}

@@ -1,6 +1,6 @@
 // Whatever the bytes are: no fault, and whoever is listed is found by SID and by name.
 #include "lornix/accounts/directory.h"
-#include "tests/unit/fuzz/fuzz_input.h"
+#include "tests/fuzz/fuzz_input.h"
 
 #include <algorithm>
 

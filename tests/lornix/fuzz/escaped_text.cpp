@@ -1,6 +1,6 @@
 // Any UTF-16 text comes back from its line; any line that is understood gives a text that does.
 #include "lornix/text/escaped_text.h"
-#include "tests/unit/fuzz/fuzz_input.h"
+#include "tests/fuzz/fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

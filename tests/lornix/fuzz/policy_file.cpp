@@ -1,6 +1,6 @@
 // Whatever the bytes are: no fault, and what was understood is written and read again as the same.
 #include "lornix/policies/policy_file.h"
-#include "tests/unit/fuzz/fuzz_input.h"
+#include "tests/fuzz/fuzz_input.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 // read again as the same.
 #include "lornix/rules/rule_book.h"
 #include "lornix/text/folder_key.h"
-#include "tests/unit/fuzz/fuzz_input.h"
+#include "tests/fuzz/fuzz_input.h"
 
 using namespace lornix;
 

@@ -1,6 +1,6 @@
 // Whatever the format is: what it became says all sizes, so that it stays as it is, and no conversion is left open.
 #include "lornix/debug/wide_format.h"
-#include "tests/unit/fuzz/fuzz_input.h"
+#include "tests/fuzz/fuzz_input.h"
 
 #include <algorithm>
 

@@ -46,21 +46,6 @@ Folders::Folders(int count)
     }
 }
 
-void Lives::add(const Life& life)
-{
-    for (std::size_t m = 0; m < kMeasures.size(); ++m) {
-        m_tallies[m].add(life.times[m]);
-    }
-}
-
-Seconds Lives::seconds() const
-{
-    Seconds seconds;
-    std::transform(m_tallies.begin(), m_tallies.end(), seconds.begin(),
-                   [](const Tally& tally) { return tally.seconds(); });
-    return seconds;
-}
-
 Life runLife(HWND window, Side& side, const PathList& folders)
 {
     HWND list = createList(window);

@@ -94,7 +94,7 @@ Comparison groupRule(HWND window, int members, int rounds)
         DestroyWindow(list);
     }
     benchStoreServeMembers(0);
-    return {"group rule with N members", members, corvane.seconds(), bare.seconds()};
+    return {"group rule with N members", members, corvane, bare};
 }
 
 // ---- a parent that listens ----
@@ -173,7 +173,7 @@ Comparison heardSelection(HWND window, int rows, int rounds)
         corvane.add(HeardList(window, rows, Answer::corvane).selectAllThenOne());
         bare.add(HeardList(window, rows, Answer::bare).selectAllThenOne());
     }
-    return {"select all, one click, parent listens", rows, corvane.seconds(), bare.seconds()};
+    return {"select all, one click, parent listens", rows, corvane, bare};
 }
 
 } // namespace

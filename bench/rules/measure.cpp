@@ -12,10 +12,7 @@ void selectEverySecondRow(HWND list)
     list_view::setRedraw(list, false);
     const int rows = list_view::rowCount(list);
     for (int row = 1; row < rows; row += 2) {
-        LVITEMW item{};
-        item.state = LVIS_SELECTED;
-        item.stateMask = LVIS_SELECTED;
-        SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        list_view::select(list, row, true);
     }
     list_view::setRedraw(list, true);
 }

@@ -117,14 +117,6 @@ LRESULT CALLBACK listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
     return DefSubclassProc(window, message, wParam, lParam);
 }
 
-void setSelection(HWND list, int row, bool selected)
-{
-    LVITEMW item{};
-    item.state = selected ? LVIS_SELECTED : 0u;
-    item.stateMask = LVIS_SELECTED;
-    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-}
-
 /// A list whose rows change while its parent listens.
 class HeardList {
 public:
@@ -154,9 +146,8 @@ public:
     Time selectAllThenOne()
     {
         return timed([this] {
-            setSelection(m_list, -1, true);
-            setSelection(m_list, -1, false);
-            setSelection(m_list, 0, true);
+            list_view::select(m_list, -1, true);
+            list_view::selectOnly(m_list, 0);
         });
     }
 

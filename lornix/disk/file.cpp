@@ -77,10 +77,10 @@ DWORD openToRead(const std::wstring& path, Patience& patience, std::optional<Han
     const DWORD error = persistently(patience, [&] {
         file.emplace(openPlain(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN));
-        if (!file->isOpen()) {
+        if (!*file) {
             SetLastError(settled(GetLastError(), longPath(path), false));
         }
-        return file->isOpen();
+        return static_cast<bool>(*file);
     });
     return error == ERROR_PATH_NOT_FOUND ? ERROR_FILE_NOT_FOUND : error;
 }
@@ -190,7 +190,7 @@ Handle openPlain(const std::wstring& path, DWORD access, DWORD share, SECURITY_A
     const std::wstring name = longPath(path);
     Handle file(CreateFileW(name.c_str(), access, share, security, disposition,
                             flags | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-    if (!file.isOpen()) {
+    if (!file) {
         return file;
     }
     FILE_ATTRIBUTE_TAG_INFO found{};
@@ -249,7 +249,7 @@ DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRI
         // Made new: what another has put there, a link above all, is never written to.
         const Handle file = openPlain(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, security,
                                       CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
-        if (!file.isOpen()) {
+        if (!file) {
             return GetLastError();
         }
         error = writeAll(file.get(), bytes);

@@ -8,11 +8,11 @@
 #include "lornix/text/wide_text.h"
 #include "lornix_host.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cwchar>
-#include <memory>
 #include <unordered_map>
 
 namespace lornix {
@@ -44,10 +44,7 @@ std::wstring quoted(std::u16string_view folder)
     return L'"' + toWide(folder) + L'"';
 }
 
-struct ChainDelete {
-    void operator()(QuotaRule* rule) const { lornixFreeRules(rule); }
-};
-using Chain = std::unique_ptr<QuotaRule, ChainDelete>;
+using Chain = Owned<QuotaRule*, lornixFreeRules>;
 
 wchar_t* copyOf(std::u16string_view text)
 {

@@ -239,6 +239,26 @@ DWORD readStamp(const std::wstring& path, FileStamp& stamp, Patience& patience)
     return error != ERROR_SUCCESS ? error : takeStamp(file->get(), stamp);
 }
 
+bool holdsText(const std::wstring& path, std::string_view text, Patience& patience, FileStamp& stamp)
+{
+    std::optional<Handle> file;
+    if (openToRead(path, patience, file) != ERROR_SUCCESS || takeStamp(file->get(), stamp) != ERROR_SUCCESS ||
+        stamp.size != text.size())
+    {
+        return false;
+    }
+    constexpr std::size_t kPiece = 1 << 18; // small enough to be compared while it is near the processor
+    std::string piece;
+    for (std::size_t done = 0; done < text.size(); done += kPiece) {
+        const std::string_view expected = text.substr(done, kPiece);
+        piece.resize(expected.size());
+        if (readAt(file->get(), done, piece) != ERROR_SUCCESS || piece != expected) {
+            return false;
+        }
+    }
+    return true;
+}
+
 DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security)
 {
     if (bytes.size() > kLargestFile) {

@@ -2,6 +2,8 @@
 
 #include "host/console.h"
 #include "host/folder_name.h"
+#include "host/known_folders.h"
+#include "host/owned.h"
 
 #include "lornix_host.h"
 
@@ -9,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 namespace host {
 namespace {
@@ -22,12 +23,7 @@ std::vector<std::wstring> foldersToDump(const std::vector<std::wstring>& wanted)
 {
     std::vector<std::wstring> folders = wanted;
     if (folders.empty()) {
-        const std::unique_ptr<PathList, decltype(&lornixFreeFolders)> known(lornixKnownFolders(),
-                                                                            lornixFreeFolders);
-        if (known != nullptr) {
-            wchar_t* const* paths = known->paths;
-            folders.assign(paths, paths + known->count);
-        }
+        folders = knownFolders();
     }
     for (std::wstring& folder : folders) {
         folder = tidyFolder(folder);
@@ -87,8 +83,7 @@ bool dumpRules(const std::vector<std::wstring>& folders)
     }
     std::vector<Row> rows{{L"Credentials", L"Quota Limit", L"Soft Quota Limit", L"In Use", L"Defined in"}};
     for (const std::wstring& folder : wanted) {
-        const std::unique_ptr<QuotaRule, decltype(&lornixFreeRules)> rules(lornixLoadRules(folder.c_str()),
-                                                                           lornixFreeRules);
+        const Owned<QuotaRule, lornixFreeRules> rules(lornixLoadRules(folder.c_str()));
         report();
         for (const QuotaRule* rule = rules.get(); rule != nullptr; rule = rule->next) {
             rows.push_back(rowOf(*rule));

@@ -1,5 +1,4 @@
 // Loading and storing the rules of folders.
-#include "lornix/accounts/remembered_names.h"
 #include "lornix/last_error.h"
 #include "lornix/rules/rule_file.h"
 #include "lornix/sid.h"
@@ -8,12 +7,12 @@
 #include "lornix/text/wide_text.h"
 #include "lornix_host.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cwchar>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
 #include <unordered_map>
@@ -48,10 +47,7 @@ std::wstring quoted(std::u16string_view folder)
     return L'"' + toWide(folder) + L'"';
 }
 
-struct ChainDelete {
-    void operator()(QuotaRule* rule) const { lornixFreeRules(rule); }
-};
-using Chain = std::unique_ptr<QuotaRule, ChainDelete>;
+using Chain = Owned<QuotaRule*, lornixFreeRules>;
 
 wchar_t* copyOf(std::u16string_view text)
 {
@@ -392,15 +388,6 @@ bool Storing::store(DataFolder data)
 
 } // namespace
 } // namespace lornix
-
-QuotaRule* getQuotaList(const wchar_t* folder)
-{
-    QuotaRule* const rules = lornix::loadRules(folder);
-    for (const QuotaRule* rule = rules; rule != nullptr; rule = rule->next) {
-        lornix::expectName(rule->sid); // a list shows them
-    }
-    return rules;
-}
 
 QuotaRule* lornixLoadRules(const wchar_t* folder)
 {

@@ -11,6 +11,8 @@
 
 #include <commctrl.h>
 
+#include <cwchar>
+#include <iterator>
 #include <vector>
 
 namespace {
@@ -23,11 +25,14 @@ struct Row {
     SortKey inUse;
 };
 
-int CALLBACK byUse(LPARAM first, LPARAM second, LPARAM)
+int CALLBACK byUse(LPARAM first, LPARAM second, LPARAM descending)
 {
     return compareSortKeys(reinterpret_cast<const Row*>(first)->inUse,
-                           reinterpret_cast<const Row*>(second)->inUse, false);
+                           reinterpret_cast<const Row*>(second)->inUse, descending != 0);
 }
+
+/// The library turns the order round with each sort, in all lists of a process together.
+bool descending = true;
 
 void CALLBACK cancelDialog(HWND, UINT, UINT_PTR, DWORD)
 {
@@ -43,6 +48,7 @@ public:
         m_window =
             CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_PANEL), nullptr, procedure, 0);
         SetWindowLongPtrW(m_window, DWLP_USER, reinterpret_cast<LONG_PTR>(this));
+        m_list = GetDlgItem(m_window, IDC_RULES);
         CorvaneListObject object{};
         object.window = list();
         initializeListCtrl2(reinterpret_cast<CListCtrl*>(&object), nullptr); // the columns
@@ -57,6 +63,7 @@ public:
         fill(*folders);
         lornixFreeFolders(folders);
         enable(true, true);
+        tell(false);
         settle(m_window);
     }
 
@@ -74,7 +81,8 @@ public:
 
     void sort() override
     {
-        SendMessageW(list(), LVM_SORTITEMS, 0, reinterpret_cast<LPARAM>(&byUse));
+        descending = !descending;
+        SendMessageW(list(), LVM_SORTITEMS, descending ? 1 : 0, reinterpret_cast<LPARAM>(&byUse));
         settle(m_window);
     }
 
@@ -98,7 +106,8 @@ public:
         for (int column = 0; column < 4; ++column) {
             ListView_SetItemText(list(), row, column + 1, cells[column]);
         }
-        enable(true, false);
+        enable(true, true);
+        tell(true);
         settle(m_window);
     }
 
@@ -112,6 +121,7 @@ public:
         }
         list_view::setRedraw(list(), true);
         enable(false, true);
+        tell(true);
         settle(m_window);
     }
 
@@ -129,6 +139,7 @@ public:
         }
         lornixStoreRules(nullptr, first);
         enable(false, false);
+        tell(false);
         settle(m_window);
     }
 
@@ -139,7 +150,7 @@ public:
         m_texts.clear();
     }
 
-    HWND list() const override { return GetDlgItem(m_window, IDC_RULES); }
+    HWND list() const override { return m_list; }
 
 private:
     static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM, LPARAM lParam)
@@ -162,6 +173,19 @@ private:
         EnableWindow(GetDlgItem(m_window, IDC_EDIT), forRow);
         EnableWindow(GetDlgItem(m_window, IDC_DROP), forRow);
         EnableWindow(GetDlgItem(m_window, IDC_APPLY), apply);
+    }
+
+    /// The caption and the line at the foot tell of it.
+    void tell(bool modified)
+    {
+        SetWindowTextW(m_window, modified ? L"Bare - unsaved changes" : L"Bare");
+        wchar_t text[64];
+        swprintf(text, std::size(text), L"%d rules", list_view::rowCount(m_list));
+        const wchar_t* const parts[] = {text, modified ? L"unsaved changes" : L""};
+        for (WPARAM part = 0; part < std::size(parts); ++part) {
+            SendDlgItemMessageW(m_window, IDC_STATUS, SB_SETTEXTW, part,
+                                reinterpret_cast<LPARAM>(parts[part]));
+        }
     }
 
     // Where the sample panel has its two lists.
@@ -198,6 +222,7 @@ private:
     }
 
     HWND m_window = nullptr;
+    HWND m_list = nullptr; // looking for it costs more than a row
     bool m_waiting = false;
     std::vector<Row> m_rows;
     std::vector<RowText> m_texts;

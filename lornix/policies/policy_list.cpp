@@ -35,7 +35,9 @@ bool PolicyList::load()
     }
     std::size_t unreadable = 0;
     for (const PolicyRecord& record : content->entries) {
-        unreadable += take(record) ? 0 : 1;
+        if (!take(record)) {
+            ++unreadable;
+        }
     }
     if (unreadable != 0) {
         report(m_title + std::wstring(L" holds ") + std::to_wstring(unreadable) +

@@ -19,13 +19,21 @@ ListWindow::~ListWindow()
     DestroyWindow(m_window);
 }
 
-void ListWindow::waitForFill() const
+Time ListWindow::waitForFill() const
 {
+    Time first{};
+    bool seen = false;
     MSG message;
     while (!IsWindowEnabled(m_cancel) && GetMessageW(&message, nullptr, 0, 0) > 0) {
+        const bool paints = message.message == WM_PAINT && message.hwnd == m_list;
         DispatchMessageW(&message);
+        if (!seen && paints && list_view::rowCount(m_list) > 0) {
+            seen = true;
+            first = now();
+        }
     }
     UpdateWindow(m_list);
+    return seen ? first : now();
 }
 
 void ListWindow::waitFor(HANDLE thread) const

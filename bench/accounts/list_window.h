@@ -1,6 +1,7 @@
 // The window around an account list.
 #pragma once
 
+#include "bench/support/time.h"
 #include "tests/accounts/filter_bar.h"
 
 /// As much of the chooser as the list has to do with: its size, and the button that is enabled when a fill ends.
@@ -16,7 +17,8 @@ public:
     FilterBar& filters() { return m_filters; }
 
     /// Handles messages until the fill has ended and its rows are painted.
-    void waitForFill() const;
+    /// @return when the first rows were painted.
+    Time waitForFill() const;
     /// The same until a thread has ended.
     void waitFor(HANDLE thread) const;
 

@@ -9,6 +9,7 @@
 
 namespace {
 
+constexpr const char* kFirstRows = "first rows on screen, beside a whole fill";
 constexpr const char* kSort = "sort by account";
 
 const char* fillName(Road road)
@@ -72,10 +73,13 @@ void Measure::corvaneRound()
     const auto fill = [&](const ListWindow& window, CSidCtrl& list, Road road) {
         serveAccounts(m_users, road);
         list.attach(window.list());
+        Time first{};
+        const Time start = now();
         m_corvane[fillName(road)].add(timed([&] {
             list.startFill(searchBase(road));
-            window.waitForFill();
+            first = window.waitForFill();
         }));
+        m_corvane[kFirstRows].add(first - start);
         same("fill", window);
     };
     for (const Filter& filter : kFilters) {
@@ -165,6 +169,8 @@ std::vector<Comparison> Measure::comparisons() const
         all.push_back({name, m_users, m_corvane.at(name), m_bare.at("fill"),
                        slow != m_rowByRow.end() ? std::optional(slow->second) : std::nullopt, Clock::kWall});
     }
+    all.push_back(
+        {kFirstRows, m_users, m_corvane.at(kFirstRows), m_bare.at("fill"), std::nullopt, Clock::kWall});
     for (const Filter& filter : kFilters) {
         const Tally& deleting = m_deleting.at(filter.narrow);
         const Tally& rebuilding = m_rebuilding.at(filter.narrow);

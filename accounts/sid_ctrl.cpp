@@ -2,7 +2,7 @@
 
 #include "accounts/account_data.h"
 #include "accounts/filter_match.h"
-#include "frame/column_keys.h"
+#include "frame/column_reader.h"
 #include "frame/crash_guard.h"
 #include "frame/ignore_case.h"
 #include "frame/list_sort.h"

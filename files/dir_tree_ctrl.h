@@ -1,7 +1,7 @@
 // The tree of drives and their files.
 #pragma once
 
-#include "frame/tree_ctrl.h"
+#include "files/tree_ctrl.h"
 
 #include <string>
 

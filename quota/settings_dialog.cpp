@@ -1,6 +1,5 @@
 // The Quota Settings dialog.
 #include "corvane.h"
-#include "frame/busy_notice.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/domain_servers.h"
@@ -9,6 +8,7 @@
 #include "frame/radio_group.h"
 #include "frame/size_text.h"
 #include "frame/wait_cursor.h"
+#include "quota/busy_notice.h"
 #include "quota/limits.h"
 #include "quota/rule.h"
 #include "quota/rule_chain.h"

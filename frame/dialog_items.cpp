@@ -1,6 +1,5 @@
-#include "frame/selection_buttons.h"
-
 #include "frame/dialog_items.h"
+
 #include "frame/list_ctrl.h"
 
 namespace {

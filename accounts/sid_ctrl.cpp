@@ -51,7 +51,8 @@ int CALLBACK compareRows(LPARAM first, LPARAM second, LPARAM context)
         });
         return 0;
     }
-    // Second against first, so that a first click sorts from Z to A. Wanted: it is how this list has always sorted.
+    // QUIRK: second against first, so that a first click sorts from Z to A.
+    // AccountListTest.AHeaderClickSortsFromZToAAndTheNextTurnsItRound
     return sorting.sign * compareIgnoringCase(*b, *a);
 }
 

@@ -209,7 +209,8 @@ void QuotaSettingsDialog::onOk()
         m_rule->prev = nullptr;
     }
     if (corrected.errors > 0) {
-        // Kept: the record has the corrected limits already, while the fields still show what was typed.
+        // QUIRK: the record has the corrected limits already, also if Cancel follows, while the fields still show what
+        // was typed. SettingsOkTest.HardLimitIsAtLeast1024
         showMessage(window(),
                     "Data you've entered is invalid.\nEnsure your quota settings are corrected properly.",
                     captions::kInformation);

@@ -120,7 +120,7 @@ void dump(const QuotaRule* rule)
     const std::lock_guard lock(guard);
     Log log;
     if (!log.isOpen() && !isMonitored()) {
-        return; // a chain of a hundred thousand rules is not spelled out for nobody
+        return; // nobody listens, and a chain may have a hundred thousand rules
     }
     std::wstring block;
     const auto flush = [&] {

@@ -211,7 +211,8 @@ bool PolicyList::store()
     if (!present) {
         return false;
     }
-    // What is damaged is nobody's work, and kept as it is when ours takes its place.
+    // Of a good file alone it can be said that somebody else changed it. A damaged one is set aside when ours takes its
+    // place.
     if (present->condition == Condition::kGood && writePolicy(m_format, present->entries) != m_persistent) {
         report(target.title +
                L" was changed by somebody else since it was loaded, and is not replaced unseen.");

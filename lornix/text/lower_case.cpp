@@ -15,8 +15,8 @@ struct Capitals {
 };
 
 // The one-to-one pairs of the Basic Multilingual Plane that Unicode 3.2 knew, which are those that file systems
-// compare by: a letter that only looks back one way (a dotless i, say) is nobody's pair. Never to be changed:
-// stored files would no longer be found.
+// compare by. A small letter whose capital has another small letter (a dotless i, say) belongs to no pair. Never to be
+// changed: what was stored under the present keys would no longer be found.
 constexpr Capitals kCapitals[] = {
     {0x00C0, 0x00D6, 1, 32},   {0x00D8, 0x00DE, 1, 32},   {0x0100, 0x012E, 2, 1},
     {0x0132, 0x0136, 2, 1},    {0x0139, 0x0147, 2, 1},    {0x014A, 0x0176, 2, 1},

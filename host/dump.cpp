@@ -57,7 +57,8 @@ std::wstring table(const std::vector<Row>& rows)
         for (size_t column = 0; column < row.size(); ++column) {
             const std::wstring blanks(widths[column] - row[column].size(), L' ');
             const bool last = column + 1 == row.size();
-            text += kRightAligned[column] ? blanks + row[column] : row[column] + (last ? L"" : blanks);
+            text +=
+                kRightAligned[column] ? blanks + row[column] : row[column] + (last ? std::wstring() : blanks);
             text += last ? L"\n" : L"  ";
         }
     }
@@ -72,7 +73,7 @@ bool dumpRules(const std::vector<std::wstring>& folders)
     std::wstring told; // the folders are in one file, and what is wrong with it is said of each
     const auto report = [&] {
         if (const std::wstring error = lornixLastError(); !error.empty()) {
-            printText(error == told ? L"" : error + L"\n", true);
+            printText(error == told ? std::wstring() : error + L"\n", true);
             told = error;
             complete = false;
         }

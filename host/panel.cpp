@@ -183,7 +183,7 @@ void Panel::keyInList(WORD key)
 void Panel::updateMenu(HMENU menu)
 {
     const auto set = [menu](UINT id, bool possible) {
-        EnableMenuItem(menu, id, MF_BYCOMMAND | (possible ? MF_ENABLED : MF_GRAYED));
+        EnableMenuItem(menu, id, possible ? MF_BYCOMMAND | MF_ENABLED : MF_BYCOMMAND | MF_GRAYED);
     };
     const bool ruleSelected = m_page->selectedRow() >= 0;
     set(IDC_APPLY, m_modified || m_cell->isOpen());

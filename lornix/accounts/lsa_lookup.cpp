@@ -105,7 +105,7 @@ std::optional<std::vector<std::wstring>> lookUpNames(const std::vector<std::stri
         }
         const bool hasDomain = domains != nullptr && record.DomainIndex >= 0 &&
                                static_cast<ULONG>(record.DomainIndex) < domains->Entries;
-        names[i] = withDomain(hasDomain ? textOf(domains->Domains[record.DomainIndex].Name) : L"",
+        names[i] = withDomain(hasDomain ? textOf(domains->Domains[record.DomainIndex].Name) : std::wstring(),
                               textOf(record.Name));
     }
     return names;

@@ -281,7 +281,8 @@ public:
             return {};
         }
         const std::wstring second = withoutBackslashes(name.get());
-        return _wcsicmp(second.c_str(), withoutBackslashes(server.c_str()).c_str()) == 0 ? L"" : second;
+        return _wcsicmp(second.c_str(), withoutBackslashes(server.c_str()).c_str()) == 0 ? std::wstring()
+                                                                                         : second;
     }
 
     void* domainSid() override { return primaryDomainSid().release(); }

@@ -68,6 +68,10 @@ DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience,
 /// @return as for readFile.
 DWORD readStamp(const std::wstring& path, FileStamp& stamp, Patience& patience);
 
+/// Whether a file can be read and is a text, byte for byte.
+/// @param stamp  receives what was compared.
+bool holdsText(const std::wstring& path, std::string_view text, Patience& patience, FileStamp& stamp);
+
 /// Makes a new file and sees to it that it is on the disk. On failure nothing of it is left.
 /// @param security  null for what the folder gives to its files.
 DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security);

@@ -35,7 +35,9 @@ bool PolicyList::load()
     }
     std::size_t unreadable = 0;
     for (const PolicyRecord& record : content->entries) {
-        unreadable += take(record) ? 0 : 1;
+        if (!take(record)) {
+            ++unreadable;
+        }
     }
     if (unreadable != 0) {
         report(m_title + std::wstring(L" holds ") + std::to_wstring(unreadable) +
@@ -211,8 +213,12 @@ bool PolicyList::store()
     if (!present) {
         return false;
     }
+<<<<<<< HEAD
     // Of a good file alone it can be said that somebody else changed it. A damaged one is set aside when ours takes its
     // place.
+=======
+    // A damaged file is no list that somebody stored meanwhile: it is set aside, and ours takes its place.
+>>>>>>> main
     if (present->condition == Condition::kGood && writePolicy(m_format, present->entries) != m_persistent) {
         report(target.title +
                L" was changed by somebody else since it was loaded, and is not replaced unseen.");

@@ -120,11 +120,7 @@ void dump(const QuotaRule* rule)
     const std::lock_guard lock(guard);
     Log log;
     if (!log.isOpen() && !isMonitored()) {
-<<<<<<< HEAD
-        return; // nobody listens, and a chain may have a hundred thousand rules
-=======
         return; // nobody reads along, and a chain may have a hundred thousand rules
->>>>>>> main
     }
     std::wstring block;
     const auto flush = [&] {

@@ -213,12 +213,7 @@ bool PolicyList::store()
     if (!present) {
         return false;
     }
-<<<<<<< HEAD
-    // Of a good file alone it can be said that somebody else changed it. A damaged one is set aside when ours takes its
-    // place.
-=======
     // A damaged file is no list that somebody stored meanwhile: it is set aside, and ours takes its place.
->>>>>>> main
     if (present->condition == Condition::kGood && writePolicy(m_format, present->entries) != m_persistent) {
         report(target.title +
                L" was changed by somebody else since it was loaded, and is not replaced unseen.");

@@ -85,12 +85,12 @@ TEST_F(FillEndTest, TheNextFillWaitsForTheThreadOfTheLast)
     script = {};
     startSearch();
     script.onDialog("look", [this](HWND dialog) {
-        EXPECT_LE(rowCount(dialog), 2) << "names are found in buffers that all threads share";
+        EXPECT_LE(list(dialog).rowCount(), 2) << "names are found in buffers that all threads share";
         EXPECT_EQ(gate.waiting(), 1);
         gate.open();
     });
-    script.step("the fill's end", [](HWND dialog) { return rowCount(dialog) == 1 + 60 + 2; });
-    script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+    script.step("the fill's end", [](HWND dialog) { return list(dialog).rowCount() == 1 + 60 + 2; });
+    cancel();
     EXPECT_EQ(choose(), nullptr);
     EXPECT_EQ(threads.started(), 2);
 }
@@ -122,10 +122,10 @@ TEST_F(FillEndTest, FillingAndPickingLeavesNothingBehind)
         searchServer();
         script.onDialog("filter, sort, pick", [this](HWND dialog) {
             filterBar->type(0, L"user1");
-            clickHeader(dialog, 1);
+            list(dialog).clickColumn(1);
             filterBar->type(0, L"user");
             filterBar->type(0, L"user1");
-            select(dialog, rowOf(dialog, "user1"));
+            select(dialog, list(dialog).rowOf("user1"));
             click(dialog, IDOK);
         });
         void* const chosen = choose();
@@ -183,15 +183,7 @@ TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
                 type(dialog, IDC_CHOOSER_BASE, kServer);
             }
             click(dialog, IDOK);
-            MSG message;
-            for (unsigned i = 0; i < pumps; ++i) {
-                if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-                    DispatchMessageW(&message);
-                }
-                if (i % 16 == 0) {
-                    Sleep(wait);
-                }
-            }
+            pump(pumps, wait);
             switch (end) {
             case 0:
                 DestroyWindow(dialog);

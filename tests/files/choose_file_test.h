@@ -2,8 +2,8 @@
 #pragma once
 
 #include "corvane.h"
-#include "frame/c_memory.h"
 #include "res/resource.h"
+#include "store/owned.h"
 #include "tests/files/fake_disk.h"
 #include "tests/files/tree_nodes.h"
 #include "tests/support/dialog_script.h"

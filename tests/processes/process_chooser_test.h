@@ -2,8 +2,8 @@
 #pragma once
 
 #include "corvane.h"
-#include "frame/c_memory.h"
 #include "res/resource.h"
+#include "store/owned.h"
 #include "tests/processes/run_time_functions.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/list_view.h"

@@ -34,11 +34,6 @@ public:
         *name = SysAllocString(std::wcschr(servedFullName(m_number), L'\\') + 1);
         return S_OK;
     }
-    HRESULT WINAPI get_Class(BSTR* name) override
-    {
-        *name = SysAllocString(L"User");
-        return S_OK;
-    }
     HRESULT WINAPI Get(BSTR, VARIANT* value) override
     {
         const AccountSid sid(static_cast<DWORD>(m_number));

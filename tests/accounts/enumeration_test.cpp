@@ -2,7 +2,6 @@
 
 #include "accounts/account_resolution.h"
 #include "fill_fixture.h"
-#include "tests/support/describe.h"
 
 #include <gmock/gmock.h>
 
@@ -11,7 +10,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 using Lines = std::vector<std::string>;
 

@@ -161,6 +161,11 @@ TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
 {
     constexpr int kOpenings = 60;
     constexpr int kWarmUp = 20;
+    constexpr void (*kEnds[])(HWND) = {[](HWND dialog) { DestroyWindow(dialog); },
+                                       [](HWND dialog) { EndDialog(dialog, 0); },
+                                       [](HWND dialog) {
+                                           SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+                                       }};
     std::mt19937 random(GetParam());
     const auto upTo = [&random](unsigned most) {
         return random() % (most + 1);
@@ -175,7 +180,7 @@ TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
         }
         const unsigned pumps = upTo(60);
         const unsigned wait = upTo(3);
-        const unsigned end = upTo(2);
+        const auto end = kEnds[upTo(2)];
         script = {};
         script.onDialog("search, and go", [&](HWND dialog) {
             if (upTo(3) != 0) {
@@ -184,17 +189,7 @@ TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
             }
             click(dialog, IDOK);
             pump(pumps, wait);
-            switch (end) {
-            case 0:
-                DestroyWindow(dialog);
-                break;
-            case 1:
-                EndDialog(dialog, 0);
-                break;
-            default:
-                SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-                break;
-            }
+            end(dialog);
         });
         ASSERT_EQ(choose(opening % 2 == 0 ? owners : nullptr), nullptr) << "opening " << opening;
         if (upTo(4) == 0) {

@@ -1,7 +1,4 @@
 // Which servers and directories a fill asks.
-#include "accounts/enumeration.h"
-
-#include "accounts/account_resolution.h"
 #include "fill_fixture.h"
 #include "tests/support/describe.h"
 
@@ -11,10 +8,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Not;
-
-using Lines = std::vector<std::string>;
 
 TEST_F(FillTest, WithoutSettingAndHostTheDirectoryIsAsked)
 {

@@ -40,11 +40,6 @@ public:
         *name = SysAllocString((L"object" + std::to_wstring(m_number)).c_str());
         return S_OK;
     }
-    HRESULT WINAPI get_Class(BSTR* name) override
-    {
-        *name = SysAllocString(L"User");
-        return S_OK;
-    }
     HRESULT WINAPI Get(BSTR, VARIANT* value) override
     {
         if (m_number % 50 == 0) {

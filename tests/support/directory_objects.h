@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <oaidl.h>
+#include <oleauto.h>
 
 #include <iads.h>
 
@@ -49,12 +50,17 @@ public:
     }
 };
 
-/// An account, of which only name, class and attributes are asked for.
+/// An account, of which only name, class and attributes are asked for. A user, if it says nothing else.
 /// @param Base  a ComObject<IADs>.
 template <class Base>
 class DirectoryEntry : public Automation<Base> {
 public:
     using Automation<Base>::Automation;
+    HRESULT WINAPI get_Class(BSTR* name) override
+    {
+        *name = SysAllocString(L"User");
+        return S_OK;
+    }
     HRESULT WINAPI get_GUID(BSTR*) override { return E_NOTIMPL; }
     HRESULT WINAPI get_ADsPath(BSTR*) override { return E_NOTIMPL; }
     HRESULT WINAPI get_Parent(BSTR*) override { return E_NOTIMPL; }

@@ -8,6 +8,7 @@
 #include "bench/support/options.h"
 #include "bench/support/table.h"
 #include "corvane.h"
+#include "res/resource.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/store_table.h"
 
@@ -71,11 +72,12 @@ struct Editor {
     bool sorted;
 };
 
-const Editor kEditors[] = {{"notifications", editNotifications, 142, 1015, false},
-                           {"exception files", editExcludes, 146, 1011, false},
-                           {"blocked extensions", editExcludeExts, 156, 1011, false},
-                           {"administrative accounts", editMgrAccounts, 149, 1011, false},
-                           {"backup tools", editBackupTools, 152, 1011, true}};
+const Editor kEditors[] = {
+    {"notifications", editNotifications, IDD_NOTIFICATIONS, IDC_NOTIFICATIONS_LIST, false},
+    {"exception files", editExcludes, IDD_EXCLUDES, IDC_POLICY_LIST, false},
+    {"blocked extensions", editExcludeExts, IDD_BLOCKED_EXTENSIONS, IDC_POLICY_LIST, false},
+    {"administrative accounts", editMgrAccounts, IDD_ADMINISTRATIVE_ACCOUNTS, IDC_POLICY_LIST, false},
+    {"backup tools", editBackupTools, IDD_BACKUP_TOOLS, IDC_POLICY_LIST, true}};
 
 /// What a list shows, read after one opening to be given to the bare control, and to compare the two.
 struct Row {
@@ -174,7 +176,7 @@ Time openBare(const Editor& editor, const Content& content, const std::vector<si
             LoadIconW(host, MAKEINTRESOURCEW(icon));
         }
         fillBare(GetDlgItem(dialog, editor.listId), content, order);
-        for (const int button : {1008, 1006}) {
+        for (const int button : {IDC_POLICY_EDIT, IDC_POLICY_REMOVE}) {
             EnableWindow(GetDlgItem(dialog, button), FALSE);
         }
     };

@@ -34,7 +34,22 @@ run() {
 is() { [ "$2" = "$3" ] || wrong "$1: \"$3\" and not \"$2\""; }
 windows() { printf 'Z:%s' "${1//\//\\}"; }
 
-# shows_the_rule WHAT PROGRAM FOLDER: the smallest panel shows one rule, and goes when it is told to.
+# What a person would do in the smallest panel, without a look at the desktop that other tests share.
+cat >"$out/drop_and_apply.c" <<'C'
+#include <windows.h>
+int main(void)
+{
+    HWND panel = FindWindowA("smallest", NULL);
+    SendMessageA(GetDlgItem(panel, 100), WM_KEYDOWN, VK_DOWN, 0); /* the list: its first row */
+    SendMessageA(panel, WM_COMMAND, 103, 0); /* Drop */
+    SendMessageA(panel, WM_COMMAND, 104, 0); /* Apply */
+    return panel == NULL;
+}
+C
+x86_64-w64-mingw32-gcc "$out/drop_and_apply.c" -o "$out/drop_and_apply.exe"
+
+# shows_the_rule WHAT PROGRAM FOLDER [PROGRAM]: the smallest panel shows one rule, has the other program do something to
+# it, and goes when it is told to.
 shows_the_rule() {
     local rules='' i panel
     wine "$2" "$3" </dev/null >/dev/null 2>&1 &
@@ -46,6 +61,7 @@ shows_the_rule() {
         sleep 0.1
     done
     is "$1" 1 "$rules"
+    [ -z "${4:-}" ] || run "$4"
     wine taskkill /im smallest.exe >/dev/null 2>&1 </dev/null || wrong "$1: it cannot be told to go"
     wait $panel || wrong "$1: it ended with $?"
 }
@@ -86,6 +102,9 @@ for line in "${lines[@]}"; do
     (cd "$package" && eval "$line") || { wrong "does not build: $line"; continue; }
     LORNIX_DATA=$(windows "$out/data gcc") shows_the_rule "$line" "$package/bin/smallest.exe" "$folder"
 done
+cp -r "$out/data gcc" "$out/data dropped"
+LORNIX_DATA=$(windows "$out/data dropped") shows_the_rule 'dropping and applying' "$package/bin/smallest.exe" "$folder" "$out/drop_and_apply.exe"
+is 'what is stored then' '' "$(run "$out/clang/quota_report.exe" "$(windows "$out/data dropped")" "$folder")"
 
 # The sample panel as a project of its own.
 if ! { cmake -G Ninja -S "$out/examples/panel" -B "$out/panel" -D CMAKE_PREFIX_PATH="$package" -D CMAKE_BUILD_TYPE=Release \

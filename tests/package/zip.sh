@@ -98,7 +98,7 @@ mapfile -t lines < <(sed -nE 's/^    ((x86_64-w64-mingw32-gcc|clang) .*)/\1/p' "
 [ ${#lines[@]} = 2 ] || wrong "package.md has ${#lines[@]} lines without CMake that can be tried here"
 for line in "${lines[@]}"; do
     rm -f "$package/bin/smallest.exe"
-    command -v clang >/dev/null || line=${line/#clang /clang-19 }
+    line=${line/#clang /clang-19 } # by the name that it has here
     (cd "$package" && eval "$line") || { wrong "does not build: $line"; continue; }
     LORNIX_DATA=$(windows "$out/data gcc") shows_the_rule "$line" "$package/bin/smallest.exe" "$folder"
 done

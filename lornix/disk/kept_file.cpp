@@ -9,11 +9,6 @@ namespace {
 
 constexpr std::size_t kFlawsTold = 3;
 
-std::wstring quoted(const std::wstring& path)
-{
-    return L'"' + path + L'"';
-}
-
 std::wstring describe(const Flaws& flaws)
 {
     std::wstring text;
@@ -92,7 +87,8 @@ bool judge(const KeptFile& file, const FileStamp& stamp, const Finding& finding)
         told.erase(file.path);
         return true;
     case Condition::kOther:
-        problem = L", " + quoted(file.path) + L", is of a newer version or of another kind. It is left alone.";
+        problem =
+            L", " + quoted(file.path) + L", is of a newer version or of another kind. It is left alone.";
         break;
     case Condition::kForeign:
         problem = L" is not readable as such: " + quoted(file.path) + L'.';

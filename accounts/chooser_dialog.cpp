@@ -16,9 +16,9 @@
 
 namespace {
 
-/// The chosen account: nothing, CORVANE_ANYONE, or a SID copy. Kept until a dialog shows: with one that cannot be shown,
-/// callers get the choice of the last one again. One that somebody else ends has chosen nothing; the last choice may be
-/// released by then.
+/// The chosen account: nothing, CORVANE_ANYONE, or a SID copy. QUIRK: kept until a dialog shows. With one that cannot be
+/// shown, callers get the choice of the last one again. ChooserTest.ADialogThatCannotBeShownGivesTheLastResultAgain
+/// One that somebody else ends has chosen nothing; the last choice may be released by then.
 void* result = nullptr;
 
 /// Makes a value the result: a SID as a copy, which is the caller's.
@@ -205,7 +205,9 @@ void Chooser::onOk()
             startSearch(m_searchBase);
             return;
         }
-        startSearch(nullptr); // and go on: wanted, support reads the line of the pick that follows
+        // QUIRK: the search has only begun, and the pick follows all the same; its line is in the log.
+        // ChooserTest.SearchingOnTheDefaultBaseGoesOnToThePick
+        startSearch(nullptr);
     }
     pickSelected();
 }

@@ -1,4 +1,5 @@
 // Openings of each dialog, after which nothing more is held than before.
+#include "res/resource.h"
 #include "tests/stress/dialogs.h"
 #include "tests/stress/monkey.h"
 #include "tests/stress/stress.h"
@@ -28,11 +29,10 @@ DWORD modules()
 std::vector<Monkey::Act> deeper()
 {
     return {[](HWND front) {
-        constexpr int kEdit = 1008;
-        for (const int list : {1011, 1015}) {
-            if (GetDlgItem(front, kEdit) != nullptr && GetDlgItem(front, list) != nullptr) {
+        for (const int list : {IDC_POLICY_LIST, IDC_NOTIFICATIONS_LIST}) {
+            if (GetDlgItem(front, IDC_POLICY_EDIT) != nullptr && GetDlgItem(front, list) != nullptr) {
                 ListView_SetItemState(GetDlgItem(front, list), 0, LVIS_SELECTED, LVIS_SELECTED);
-                PostMessageW(front, WM_COMMAND, kEdit, 0);
+                PostMessageW(front, WM_COMMAND, IDC_POLICY_EDIT, 0);
             }
         }
     }};
@@ -50,7 +50,7 @@ TEST(EditorsLeaks, NothingGrows)
             for (long long i = 0; i < times; ++i) {
                 monkey.play(deeper(), 0, dialog.open);
                 world.fills.forget();
-                world.store.recording.takeCalls();
+                world.store.takeCalls();
                 stress::alive(dialog.name.c_str());
             }
         };

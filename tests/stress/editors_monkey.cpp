@@ -75,7 +75,7 @@ TEST(EditorsMonkey, Survives)
             world.reset();
             world = std::make_unique<DialogWorld>(monkey.below(60));
         }
-        RecordingStore& store = world->store.recording;
+        RecordingStore& store = world->store;
         store.takeCalls();
         DialogWorld::ownChooser = monkey.below(2) == 0;
         const auto& dialogs = DialogWorld::dialogs();

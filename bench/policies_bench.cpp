@@ -35,18 +35,12 @@ const wchar_t* entryAt(uint32_t index)
 /// A store that costs next to nothing: it forwards to the table alone.
 StoreTable thinStore()
 {
-    StoreTable table{};
-    table.ODS = [](const char*) {
-    };
+    StoreTable table = emptyTable();
     const auto load = [] {
         return 1;
     };
-    const auto nothing = [] {
-    };
     table.loadNotifications = table.loadExcludes = table.loadExcludeExts = table.loadMgrAccounts =
         table.loadBackupTools = load;
-    table.freeNotifications = table.freeExcludes = table.freeExcludeExts = table.freeMgrAccounts =
-        table.freeBackupTools = nothing;
     table.getNotificationsCount = [] {
         return static_cast<uint32_t>(entries.size());
     };
@@ -57,9 +51,6 @@ StoreTable thinStore()
     };
     table.getINAttr = [](uint32_t index, uint32_t attribute) {
         return attribute == 1 ? static_cast<int32_t>(index % 4) : static_cast<int32_t>(index);
-    };
-    table.getExcludeExtsSid = [](uint32_t) -> const void* {
-        return nullptr;
     };
     return table;
 }

@@ -39,11 +39,11 @@ function(without_error_output target)
     "sh;-c;exec ${CMAKE_CROSSCOMPILING_EMULATOR} \"$@\" 2>/dev/null;sh")
 endfunction()
 
-# Usage: both_heaps(NAME SOURCE... [LIBRARIES LIBRARY...] [OBJECTS FILE...] [OPTIONS LINK_OPTION...] [SHARDS N] [DIRECTORY DIR])
-# makes and runs two programs of the same tests: NAME with its heap below 4 GiB, where addresses fit into item data and end codes,
+# Usage: heap_programs(NAME SOURCE... [LIBRARIES LIBRARY...] [OBJECTS FILE...] [OPTIONS LINK_OPTION...] [DIRECTORY DIR])
+# makes two programs of the same tests: NAME with its heap below 4 GiB, where addresses fit into item data and end codes,
 # and NAME_high with its heap above, where the library hands out stand-ins. Which of the two is the usual one differs from
 # runtime to runtime. What they are compiled from is the target NAME_objects.
-function(both_heaps name)
+function(heap_programs name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;DIRECTORY" "LIBRARIES;OBJECTS;OPTIONS")
   add_library(${name}_objects OBJECT ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name}_objects PRIVATE ${arg_LIBRARIES})
@@ -63,6 +63,14 @@ function(both_heaps name)
       set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${arg_DIRECTORY})
     endif()
     without_error_output(${program})
+  endforeach()
+endfunction()
+
+# Usage: both_heaps(NAME ... [SHARDS N]) makes the two programs of heap_programs and has their tests run.
+function(both_heaps name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;DIRECTORY" "LIBRARIES;OBJECTS;OPTIONS")
+  heap_programs(${ARGV})
+  foreach(program ${name} ${name}_high)
     run_test_program(${program} SHARDS ${arg_SHARDS})
   endforeach()
 endfunction()

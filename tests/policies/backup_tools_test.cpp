@@ -362,6 +362,12 @@ TEST_F(BackupToolEntryTest, AFaultLeavesItOpen)
     EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: elpDlg, MyDlgProc, 74\n"));
 }
 
+TEST_F(BackupToolEntryTest, ADialogThatSomebodyElseEndsGivesNoText)
+{
+    script.onDialog("end it", [](HWND entry) { EndDialog(entry, IDCANCEL); });
+    EXPECT_EQ(open(nullptr), 0);
+}
+
 TEST_F(BackupToolEntryTest, AnAddressThatLooksNegativeIsExtendedWithZeros)
 {
     high_heap::place = high_heap::kUpperHalfBelowFourGiB;

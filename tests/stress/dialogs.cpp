@@ -1,11 +1,14 @@
 #include "tests/stress/dialogs.h"
 
 #include "corvane.h"
+#include "tests/stress/directory.h"
+#include "tests/stress/quota_panel.h"
 
 #include <commdlg.h>
 
 #include <cstdlib>
 #include <cwchar>
+#include <utility>
 
 namespace {
 
@@ -35,20 +38,27 @@ void release(intptr_t text)
     region.AllocationBase == block ? void(VirtualFree(block, 0, MEM_RELEASE)) : std::free(block);
 }
 
+void releaseChain(QuotaRule* rule)
+{
+    while (rule != nullptr) {
+        QuotaRule* const next = rule->next;
+        std::free(rule->path);
+        std::free(rule->sid);
+        std::free(rule);
+        rule = next;
+    }
+}
+
 } // namespace
 
 bool DialogWorld::ownChooser = false;
 
-DialogWorld::DialogWorld(int entries)
+DialogWorld::DialogWorld(int entries, std::function<int(int)> below, std::function<int()> raised)
+    : m_below(std::move(below))
+    , m_raised(std::move(raised))
 {
-    for (int i = 0; i < entries; ++i) {
-        const std::wstring text = L"entry " + std::to_wstring(i * 7919 % 1000);
-        store.putNotification(text.c_str(), {L"jane", L"1", L"300", nullptr, L"secret", L"5k"});
-        store.putExclude(text.c_str());
-        store.putMask(text.c_str(), nullptr);
-        store.putAccount(text.c_str());
-        store.putTool(text.c_str());
-    }
+    fillStore(entries);
+    listDialogs();
     m_disk.addDrive(L"C:\\");
     m_disk.addDrive(L"D:\\");
     m_disk.setFolder(L"C:\\", {file(L"b.exe"), file(L"a.txt"), folder(L"Windows"), file(L"z")});
@@ -59,13 +69,34 @@ DialogWorld::DialogWorld(int entries)
     replace("GetOpenFileNameW", answerFile);
     replace("GetSaveFileNameW", answerFile);
     replace("GetVersionExW", version);
+    serveDirectory(ImportPatch::corvane(), [] {});
 }
 
 DialogWorld::~DialogWorld() = default;
 
-const std::vector<OpenedDialog>& DialogWorld::dialogs()
+void DialogWorld::fillStore(int entries)
 {
-    static const std::vector<OpenedDialog> all = {
+    for (int i = 0; i < entries; ++i) {
+        const std::wstring text = L"entry " + std::to_wstring(i * 7919 % 1000);
+        store.putNotification(text.c_str(), {L"jane", L"1", L"300", nullptr, L"secret", L"5k"});
+        store.putExclude(text.c_str());
+        store.putMask(text.c_str(), nullptr);
+        store.putAccount(text.c_str());
+        store.putTool(text.c_str());
+        m_users.push_back(store.recording.account("DOM\\user" + std::to_string(i)));
+    }
+    m_ruled = {store.recording.account("staff"), store.recording.account("alice")};
+    store.recording.answer.enumerateUsers = [this](const wchar_t*, SidList* list) {
+        for (const void* const user : m_users) {
+            list = store.recording.answer.appendToSidList(list, store.recording.answer.sidDup(user));
+        }
+        return list;
+    };
+}
+
+void DialogWorld::listDialogs()
+{
+    m_dialogs = {
         {"notifications", [] { editNotifications(nullptr); }, "loadNotifications", "freeNotifications"},
         {"excludes", [] { editExcludes(nullptr); }, "loadExcludes", "freeExcludes"},
         {"blocked extensions", [] { editExcludeExts(nullptr); }, "loadExcludeExts", "freeExcludeExts"},
@@ -76,6 +107,46 @@ const std::vector<OpenedDialog>& DialogWorld::dialogs()
         {"file", [] { std::free(chooseFileImpl(nullptr, 0)); }, "", ""},
         {"folder", [] { std::free(chooseFileImpl(nullptr, 1)); }, "", ""},
         {"about", [] { showAboutDialog(nullptr); }, "", ""},
+        {"account", [this] { openChooser(false); }, "", ""},
+        {"account, owners first", [this] { openChooser(true); }, "", ""},
+        {"settings of a new rule for anyone", [this] { openSettings(1, false); }, "", ""},
+        {"settings of a new rule for a group", [this] { openSettings(1, true); }, "", ""},
+        {"settings of a rule", [this] { openSettings(0, true); }, "", ""},
+        {"quota page", [this] { openPanel(false); }, "", ""},
+        {"quota page that goes on under its dialogs", [this] { openPanel(true); }, "", ""},
     };
-    return all;
+}
+
+void DialogWorld::openPanel(bool timer)
+{
+    QuotaPanel panel(store.recording, m_ruled, m_below, m_raised, timer);
+    panel.show();
+}
+
+void DialogWorld::openSettings(int mode, bool forAccount)
+{
+    const auto& answer = store.recording.answer;
+    auto* const rule = static_cast<QuotaRule*>(std::calloc(1, sizeof(QuotaRule)));
+    rule->path = _wcsdup(L"C:\\data");
+    rule->sid = forAccount ? answer.sidDup(m_ruled[0]) : nullptr;
+    rule->type = forAccount ? QUOTA_RULE_FOR_ACCOUNT : QUOTA_RULE_FOR_ANYONE;
+    rule->inUse = QUOTA_IN_USE_UNKNOWN;
+    store.recording.answer.enumerateGroupUsers = [this](const wchar_t*, const wchar_t*, SidList* members) {
+        return store.recording.answer.appendToSidList(members, store.recording.answer.sidDup(m_ruled[1]));
+    };
+    editQuotaListEntry(nullptr, rule, mode);
+    releaseChain(rule);
+}
+
+void DialogWorld::openChooser(bool withOwners)
+{
+    const auto& answer = store.recording.answer;
+    SidList* const owners = RecordingStore::makeSidList(
+        withOwners && m_users.size() > 1 ? std::vector{m_users[0], m_users[1]} : std::vector<const void*>{});
+    void* const sid =
+        withOwners ? chooseSidFromUserInput2(nullptr, owners) : chooseSidFromUserInput(nullptr);
+    if (sid != CORVANE_ANYONE) {
+        std::free(sid);
+    }
+    answer.freeSidList(owners);
 }

@@ -263,8 +263,7 @@ TEST_F(ListMeanwhileTest, AnAdditionThatSomebodyElseEndsIsCancelled)
     for (const INT_PTR code : {1, 2, 4711}) {
         DialogScript script;
         script.onDialog("end it", [=](HWND dialog) { EndDialog(dialog, code); });
-        EXPECT_EQ(
-            script.run([this] { return addToListCtrl2(host.object(), alice, Paths{L"C:\\new"}); }), 0)
+        EXPECT_EQ(script.run([this] { return addToListCtrl2(host.object(), alice, Paths{L"C:\\new"}); }), 0)
             << code;
         EXPECT_EQ(host.rows(), before);
     }

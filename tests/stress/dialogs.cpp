@@ -143,8 +143,7 @@ void DialogWorld::openChooser(bool withOwners)
     const auto& answer = store.recording.answer;
     SidList* const owners = RecordingStore::makeSidList(
         withOwners && m_users.size() > 1 ? std::vector{m_users[0], m_users[1]} : std::vector<const void*>{});
-    void* const sid =
-        withOwners ? chooseSidFromUserInput2(nullptr, owners) : chooseSidFromUserInput(nullptr);
+    void* const sid = withOwners ? chooseSidFromUserInput2(nullptr, owners) : chooseSidFromUserInput(nullptr);
     if (sid != CORVANE_ANYONE) {
         std::free(sid);
     }

@@ -82,8 +82,7 @@ void goDeeper(HWND front)
 TEST(Leaks, NothingGrows)
 {
     Monkey monkey(stress::seed());
-    DialogWorld world(
-        5, [&monkey](int bound) { return monkey.below(bound); }, [] { return 0; });
+    DialogWorld world(5, [&monkey](int bound) { return monkey.below(bound); }, [] { return 0; });
     DialogWorld::ownChooser = true;
     fillThreadLists();
     for (const OpenedDialog& dialog : world.dialogs()) {
@@ -109,7 +108,8 @@ TEST(Leaks, NothingGrows)
             std::printf("%s: from %s\n", dialog.name.c_str(), testing::PrintToString(before).c_str());
         }
         EXPECT_EQ(after, before) << dialog.name;
-        std::printf("%s: %lld openings, %llu ms\n", dialog.name.c_str(), stress::count(), GetTickCount64() - start);
+        std::printf("%s: %lld openings, %llu ms\n", dialog.name.c_str(), stress::count(),
+                    GetTickCount64() - start);
         std::fflush(stdout);
     }
 }

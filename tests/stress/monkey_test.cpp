@@ -55,7 +55,8 @@ private:
 /// Lines that only a fault explains.
 int toldOf(const std::vector<std::string>& calls)
 {
-    static const char* const kParts[] = {"UI CRASH", "sigsegv", "SIGSEGV", "FAIL in comparison", "No CU selected"};
+    static const char* const kParts[] = {"UI CRASH", "sigsegv", "SIGSEGV", "FAIL in comparison",
+                                         "No CU selected"};
     return static_cast<int>(std::count_if(calls.begin(), calls.end(), [](const std::string& call) {
         return std::any_of(std::begin(kParts), std::end(kParts),
                            [&](const char* part) { return call.find(part) != std::string::npos; });

@@ -114,8 +114,8 @@ void QuotaPanel::onInit()
 {
     SetWindowTextW(m_window, L"Quota page");
     const auto make = [this](const wchar_t* kind, DWORD style, int id, int x, int y, int width, int height) {
-        CreateWindowExW(0, kind, L"b", WS_CHILD | WS_VISIBLE | WS_TABSTOP | style, x, y, width, height, m_window,
-                        reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), nullptr, nullptr);
+        CreateWindowExW(0, kind, L"b", WS_CHILD | WS_VISIBLE | WS_TABSTOP | style, x, y, width, height,
+                        m_window, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), nullptr, nullptr);
     };
     make(WC_LISTVIEWW, LVS_REPORT | LVS_SHOWSELALWAYS | LVS_EDITLABELS, kListId, 0, 0, 400, 200);
     for (int id = kPrepare; id <= kLast; ++id) {
@@ -190,10 +190,12 @@ void QuotaPanel::act(int id)
         fillUpListCtrl(Paths{L"C:\\b", L"C:\\c"}, m_window, kListId);
         break;
     case kAdd:
-        addToListCtrl(m_window, kListId, const_cast<void*>(account()), Paths{L"C:\\new" + std::to_wstring(m_below(20))});
+        addToListCtrl(m_window, kListId, const_cast<void*>(account()),
+                      Paths{L"C:\\new" + std::to_wstring(m_below(20))});
         break;
     case kAddSeveral:
-        addToListCtrl(m_window, kListId, const_cast<void*>(account()), Paths{L"C:\\a", L"C:\\z" + std::to_wstring(m_below(20))});
+        addToListCtrl(m_window, kListId, const_cast<void*>(account()),
+                      Paths{L"C:\\a", L"C:\\z" + std::to_wstring(m_below(20))});
         break;
     case kDrop:
         dropFromListCtrl(m_window, kListId);

@@ -1,9 +1,9 @@
 // What stands for an account: in a row's item data, in the chooser's result.
 #pragma once
 
+#include "store/owned.h"
+
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 /// Whether a value is the address of a SID. Smaller ones are numbers: 0 for nothing, 1 for anyone.
 inline bool isSid(const void* value)
@@ -11,14 +11,12 @@ inline bool isSid(const void* value)
     return reinterpret_cast<std::uintptr_t>(value) >= 3;
 }
 
-struct AccountFree {
-    void operator()(void* value) const
-    {
-        if (isSid(value)) {
-            std::free(value);
-        }
+inline void freeAccount(void* value)
+{
+    if (isSid(value)) {
+        freeBlock(value);
     }
-};
+}
 
 /// Owns a SID copy from the store, or holds a number.
-using AccountData = std::unique_ptr<void, AccountFree>;
+using AccountData = Owned<void*, freeAccount>;

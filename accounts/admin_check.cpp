@@ -2,24 +2,13 @@
 #include "corvane.h"
 #include "frame/platform.h"
 #include "store/lornix.h"
-
-#include <memory>
-#include <utility>
+#include "store/owned.h"
 
 namespace {
 
-struct LocalFreer {
-    void operator()(void* block) const { LocalFree(block); }
-};
-struct SidFreer {
-    void operator()(void* sid) const { FreeSid(sid); }
-};
-struct HandleCloser {
-    void operator()(void* handle) const { CloseHandle(handle); }
-};
-using OwnedLocal = std::unique_ptr<void, LocalFreer>;
-using OwnedSid = std::unique_ptr<void, SidFreer>;
-using OwnedHandle = std::unique_ptr<void, HandleCloser>;
+using OwnedLocal = Owned<HLOCAL, LocalFree>;
+using OwnedSid = Owned<PSID, FreeSid>;
+using OwnedHandle = Owned<HANDLE, CloseHandle>;
 
 constexpr DWORD kReadAccess = 1;
 constexpr DWORD kWriteAccess = 2;

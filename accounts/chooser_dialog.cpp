@@ -4,13 +4,13 @@
 #include "accounts/account_data.h"
 #include "accounts/chooser.h"
 #include "accounts/sid_ctrl.h"
-#include "frame/c_memory.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/format_text.h"
 #include "frame/message_box.h"
 #include "res/resource.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <utility>
 

@@ -6,8 +6,6 @@
 #include "frame/format_text.h"
 #include "store/lornix.h"
 
-#include <adshlp.h>
-
 #include <algorithm>
 #include <cstring>
 
@@ -27,13 +25,6 @@ std::size_t statedSidSize(const unsigned char* bytes, std::size_t size)
 }
 
 } // namespace
-
-void DirectoryWalk::Enumerator::reset()
-{
-    if (IEnumVARIANT* const enumerator = std::exchange(m_enumerator, nullptr)) {
-        ADsFreeEnumerator(enumerator);
-    }
-}
 
 void DirectoryWalk::freeList()
 {
@@ -127,7 +118,7 @@ HRESULT Walker::open()
     if (abandoned()) {
         return S_FALSE;
     }
-    HRESULT result = ADsGetObject(m_path, kIdContainer, m_walk.m_container.putVoid());
+    HRESULT result = ADsGetObject(m_path, kIdContainer, putVoid(m_walk.m_container));
     if (FAILED(result)) {
         ODS("\"%S\" is not a valid container object.\n", m_path);
         return result;
@@ -194,11 +185,11 @@ HRESULT Walker::enumerate()
 
 HRESULT Walker::handleElement(ULONG index)
 {
-    const VARIANT& element = m_walk.m_batch[index];
+    const VARIANT& element = m_walk.m_batch.get(index);
     if ((element.vt != VT_DISPATCH && element.vt != VT_UNKNOWN) || element.punkVal == nullptr) {
         return E_NOINTERFACE;
     }
-    const HRESULT result = element.punkVal->QueryInterface(kIdObject, m_walk.m_object.putVoid());
+    const HRESULT result = element.punkVal->QueryInterface(kIdObject, putVoid(m_walk.m_object));
     if (FAILED(result)) {
         return result;
     }

@@ -7,6 +7,8 @@
 
 #include <iads.h>
 
+#include <adshlp.h>
+
 #include <cstdint>
 #include <vector>
 
@@ -31,21 +33,6 @@ public:
 private:
     friend class Walker;
 
-    /// Freed by a function of its own.
-    class Enumerator {
-    public:
-        Enumerator() = default;
-        Enumerator(const Enumerator&) = delete;
-        Enumerator& operator=(const Enumerator&) = delete;
-        ~Enumerator() { reset(); }
-        IEnumVARIANT* get() const { return m_enumerator; }
-        IEnumVARIANT** put() { return &m_enumerator; }
-        void reset();
-
-    private:
-        IEnumVARIANT* m_enumerator = nullptr;
-    };
-
     void freeList();
 
     PresetOwners m_presetOwners{nullptr};
@@ -53,8 +40,8 @@ private:
         nullptr; // null while the store has it in hand: after a fault there it is not to be trusted
     ComPtr<IADsContainer> m_container;
     OwnedVariant m_filter;
-    Enumerator m_enumerator;
-    VariantBatch<100> m_batch;
+    Owned<IEnumVARIANT*, ADsFreeEnumerator> m_enumerator;
+    OwnedVariants<100> m_batch;
     ComPtr<IADs> m_object;
     OwnedBstr m_name;
     OwnedBstr m_className;

@@ -6,12 +6,12 @@
 #include "accounts/directory_walk.h"
 #include "accounts/fill_turn.h"
 #include "accounts/null_session.h"
-#include "frame/c_memory.h"
 #include "frame/crash_guard.h"
 #include "frame/domain_servers.h"
 #include "frame/format_text.h"
 #include "frame/registry.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <objbase.h>
 

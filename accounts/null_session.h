@@ -1,7 +1,7 @@
 // Anonymous connections to a server.
 #pragma once
 
-#include "frame/c_memory.h"
+#include "store/owned.h"
 
 /// Opens or closes an anonymous connection to a server's IPC$ share.
 /// @param server   name with or without leading backslashes.

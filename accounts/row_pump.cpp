@@ -211,7 +211,7 @@ void RowPump::takeRow(RowBatch::Entry& entry)
     void* const data =
         entry.data.release(); // whatever comes: a copy too many is better than one that goes twice
     if (m_list.insertAccountRow(entry.index, entry.image, account, fullName, type, data) == -1) {
-        AccountFree()(data);
+        freeAccount(data);
     }
 }
 

@@ -228,10 +228,10 @@ void CSidCtrl::releaseSids()
 {
     const int rows = rowCount();
     for (int row = 0; row < rows; ++row) {
-        AccountFree()(reinterpret_cast<void*>(data(row)));
+        freeAccount(reinterpret_cast<void*>(data(row)));
     }
     for (const SavedRow& row : hiddenRows().rows()) {
-        AccountFree()(reinterpret_cast<void*>(row.data));
+        freeAccount(reinterpret_cast<void*>(row.data));
     }
     hiddenRows().clear();
 }

@@ -1,6 +1,6 @@
-// Storing in a store of many folders, twenty rules to a folder, all of them changed or those of one folder: the store, beside the bare minimum, which
-// writes as many bytes into a new file, flushes it and puts it in the place of the old one, and beside the
-// straightforward way, which does so for a file of each folder.
+// Storing in a store of many folders, twenty rules to a folder, all of them changed or those of one folder: the store,
+// beside the bare minimum, which writes as many bytes into a new file, flushes it and puts it in the place of the old
+// one, and beside the straightforward way, which does so for a file of each folder.
 //   store_bench FOLDER [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times]
 // FOLDER is on the disk to be measured. Exit code 1 when something could not be stored.
 #include "bench/support/account_sid.h"

@@ -9,24 +9,17 @@ std::wstring withBackslash(std::wstring path)
 }
 
 FileSearch::FileSearch(const std::wstring& pattern)
-    : m_search(FindFirstFileW(pattern.c_str(), &m_entry))
 {
-}
-
-FileSearch::~FileSearch()
-{
-    if (started()) {
-        FindClose(m_search);
-    }
-}
-
-bool FileSearch::started() const
-{
+    const HANDLE answer = FindFirstFileW(pattern.c_str(), &m_entry);
+    const auto number = reinterpret_cast<UINT_PTR>(answer);
+    m_foundDevice = number == 1;
     // Old redirectors answer with a small error number in place of a handle.
-    return reinterpret_cast<UINT_PTR>(m_search) > 32 && m_search != INVALID_HANDLE_VALUE;
+    if (number > 32 && answer != INVALID_HANDLE_VALUE) {
+        m_search.reset(answer);
+    }
 }
 
 bool FileSearch::next()
 {
-    return FindNextFileW(m_search, &m_entry) != 0;
+    return FindNextFileW(m_search.get(), &m_entry) != 0;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/platform.h"
+#include "store/owned.h"
 
 #include <string>
 
@@ -15,14 +16,11 @@ class FileSearch {
 public:
     /// @param pattern  path with wildcards.
     explicit FileSearch(const std::wstring& pattern);
-    FileSearch(const FileSearch&) = delete;
-    FileSearch& operator=(const FileSearch&) = delete;
-    ~FileSearch();
 
     /// Whether the platform gave a search, whose first entry is then there.
-    bool started() const;
+    bool started() const { return m_search != nullptr; }
     /// Whether the pattern named a device in place of a file: the platform then gives a number that is no handle.
-    bool foundDevice() const { return reinterpret_cast<UINT_PTR>(m_search) == 1; }
+    bool foundDevice() const { return m_foundDevice; }
     bool next();
 
     const WIN32_FIND_DATAW& entry() const { return m_entry; }
@@ -30,5 +28,6 @@ public:
 
 private:
     WIN32_FIND_DATAW m_entry{};
-    HANDLE m_search;
+    Owned<HANDLE, FindClose> m_search;
+    bool m_foundDevice = false;
 };

@@ -1,8 +1,8 @@
 #include "files/select_file.h"
 
 #include "corvane.h"
-#include "frame/c_memory.h"
 #include "frame/system_version.h"
+#include "store/owned.h"
 
 #include <commdlg.h>
 #include <cwchar>

@@ -1,27 +1,21 @@
 #include "frame/always_after.h"
 
-#include "frame/compiler.h"
-#include "frame/platform.h"
+#include "compiler/trapped_call.h"
 #include "frame/stack_guarantee.h"
 
 namespace always_after_detail {
 namespace {
 
-LONG runAndGoOn(void (*after)(void*), void* context)
-{
-    after(context);
-    return EXCEPTION_CONTINUE_SEARCH;
-}
+struct After {
+    void (*call)(void*);
+    void* context;
+};
 
-CORVANE_NOINLINE void runGuarding(void (*call)(void*), void* context, void (*after)(void*),
-                                  void* afterContext)
+LONG runAndGoOn(EXCEPTION_POINTERS*, void* after)
 {
-    __try
-    {
-        call(context);
-    } __except (runAndGoOn(after, afterContext))
-    {
-    }
+    const After& wanted = *static_cast<const After*>(after);
+    wanted.call(wanted.context);
+    return EXCEPTION_CONTINUE_SEARCH;
 }
 
 } // namespace
@@ -29,7 +23,8 @@ CORVANE_NOINLINE void runGuarding(void (*call)(void*), void* context, void (*aft
 void run(void (*call)(void*), void* context, void (*after)(void*), void* afterContext)
 {
     keepStackForHandlers();
-    runGuarding(call, context, after, afterContext);
+    After wanted{after, afterContext};
+    trapped_call::run(call, context, runAndGoOn, &wanted);
     after(afterContext);
 }
 

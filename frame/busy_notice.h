@@ -2,10 +2,9 @@
 #pragma once
 
 #include "frame/platform.h"
+#include "store/owned.h"
 
-#include <memory>
 #include <string>
-#include <type_traits>
 
 /// Shown when the work takes longer than half a second, and gone when this object is. A thread of its own shows it:
 /// the caller's is inside the store and paints nothing. It takes neither keys nor clicks. To be held outside of
@@ -21,10 +20,7 @@ public:
     ~BusyNotice();
 
 private:
-    struct HandleClose {
-        void operator()(HANDLE handle) const { CloseHandle(handle); }
-    };
-    using Handle = std::unique_ptr<std::remove_pointer_t<HANDLE>, HandleClose>;
+    using Handle = Owned<HANDLE, CloseHandle>;
 
     static DWORD WINAPI threadProc(void* self);
     void showUntilDone() const;

@@ -1,6 +1,6 @@
 #include "frame/crash_guard.h"
 
-#include "frame/compiler.h"
+#include "compiler/trapped_call.h"
 #include "frame/stack_guarantee.h"
 #include "store/lornix.h"
 
@@ -9,34 +9,44 @@
 namespace crash_guard_detail {
 namespace {
 
-// Two layers in two functions: a language exception must be caught before it meets the outer one, and the
-// outer one only sees faults of functions that it calls.
-CORVANE_NOINLINE bool runCatching(void (*call)(void*), void* context)
+struct Attempt {
+    void (*call)(void*);
+    void* context;
+    bool cameToItsEnd = false;
+};
+
+// Two layers in two functions: a language exception must be caught before it meets the outer one.
+void runCatching(void* attempted)
 {
+    Attempt& attempt = *static_cast<Attempt*>(attempted);
     try {
-        call(context);
-        return true;
+        attempt.call(attempt.context);
+        attempt.cameToItsEnd = true;
     } catch (...) {
-        return false;
+        attempt.cameToItsEnd = false;
     }
+}
+
+LONG take(EXCEPTION_POINTERS* raised, void* code)
+{
+    *static_cast<DWORD*>(code) = raised->ExceptionRecord->ExceptionCode;
+    return EXCEPTION_EXECUTE_HANDLER;
 }
 
 } // namespace
 
-CORVANE_NOINLINE bool run(void (*call)(void*), void* context)
+bool run(void (*call)(void*), void* context)
 {
     keepStackForHandlers();
+    Attempt attempt{call, context};
     DWORD code = 0;
-    __try
-    {
-        return runCatching(call, context);
-    } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
-    {
-        if (code == EXCEPTION_STACK_OVERFLOW) {
-            _resetstkoflw(); // puts the guard page back: the next overflow is then caught as well
-        }
-        return false;
+    if (trapped_call::run(runCatching, &attempt, take, &code)) {
+        return attempt.cameToItsEnd;
     }
+    if (code == EXCEPTION_STACK_OVERFLOW) {
+        _resetstkoflw(); // puts the guard page back: the next overflow is then caught as well
+    }
+    return false;
 }
 
 void report(const CrashSite& site)

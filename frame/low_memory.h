@@ -2,15 +2,16 @@
 #pragma once
 
 #include "frame/platform.h"
+#include "store/owned.h"
 
 #include <cstddef>
-#include <memory>
 
-struct AddressSpaceRelease {
-    void operator()(void* block) const { VirtualFree(block, 0, MEM_RELEASE); }
-};
+inline void releaseAddressSpace(void* block)
+{
+    VirtualFree(block, 0, MEM_RELEASE);
+}
 /// Owns a region that VirtualAlloc reserved.
-using LowBlock = std::unique_ptr<void, AddressSpaceRelease>;
+using LowBlock = Owned<void*, releaseAddressSpace>;
 
 bool isBelowFourGiB(const void* address);
 

@@ -3,9 +3,7 @@
 
 #include "frame/always_after.h"
 #include "frame/wnd.h"
-
-#include <memory>
-#include <type_traits>
+#include "store/owned.h"
 
 /// Switches a control's redrawing off, then on again, and has the control repainted once. Without a window it does
 /// nothing. For work inside a crash guard or work that cannot fault: a processor fault skips the destructor.
@@ -38,10 +36,7 @@ public:
     void restoreUnchanged();
 
 private:
-    struct RegionDelete {
-        void operator()(HRGN region) const { DeleteObject(region); }
-    };
-    using Region = std::unique_ptr<std::remove_pointer_t<HRGN>, RegionDelete>;
+    using Region = Owned<HRGN, DeleteObject>;
     static Region unpaintedOf(HWND window);
 
     HWND m_window;

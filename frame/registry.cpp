@@ -1,5 +1,7 @@
 #include "frame/registry.h"
 
+#include "store/owned.h"
+
 const wchar_t* readRegistryString(HKEY root, const wchar_t* subkey, const wchar_t* valueName,
                                   RegistryText& buffer)
 {
@@ -8,11 +10,10 @@ const wchar_t* readRegistryString(HKEY root, const wchar_t* subkey, const wchar_
     // Bytes, not characters: only half of the buffer is offered, and a longer value reads as absent.
     // Installed systems rely on it: a "Path" too long to build file names from has always counted as none.
     DWORD size = 260;
-    HKEY key = nullptr;
-    RegCreateKeyW(root, subkey, &key); // a failure leaves a null key, and the query below fails
+    Owned<HKEY, RegCloseKey> key;
+    RegCreateKeyW(root, subkey, key.put()); // a failure leaves a null key, and the query below fails
     const LSTATUS status =
-        RegQueryValueExW(key, valueName, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size);
-    RegCloseKey(key);
+        RegQueryValueExW(key.get(), valueName, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size);
     if (status != ERROR_SUCCESS || buffer[0] == L'\0') {
         return nullptr;
     }

@@ -4,12 +4,19 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace {
 
-constexpr wchar_t kLastAscii = 0x7F;
+constexpr std::uint32_t kLastAscii = 0x7F;
 constexpr int kStartLength = 8;
+
+// A character has a sign on some systems and none on others.
+bool isAscii(wchar_t letter)
+{
+    return static_cast<std::uint32_t>(letter) <= kLastAscii;
+}
 
 // The runtime folds these letters alike in all its locales.
 wchar_t folded(wchar_t letter)
@@ -22,7 +29,7 @@ std::size_t commonStart(std::span<const SortKey> keys)
 {
     const wchar_t* const first = keys.front().text;
     std::size_t length = 0;
-    while (first[length] != L'\0' && first[length] <= kLastAscii) {
+    while (first[length] != L'\0' && isAscii(first[length])) {
         ++length;
     }
     for (const SortKey& key : keys) {
@@ -42,7 +49,7 @@ bool packStart(const wchar_t* text, std::uint64_t& start)
     start = 0;
     for (int i = 0; i < kStartLength; ++i) {
         const wchar_t letter = *text;
-        if (letter < 0 || letter > kLastAscii) {
+        if (!isAscii(letter)) {
             return false;
         }
         start = start << 8 | static_cast<std::uint64_t>(folded(letter));

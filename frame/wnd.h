@@ -1,7 +1,7 @@
 // The base of the thin window wrappers: they send messages and own nothing.
 #pragma once
 
-#include "frame/compiler.h"
+#include "compiler/attributes.h"
 #include "frame/platform.h"
 
 #include <cstddef>

@@ -1,11 +1,11 @@
 #include "host/accounts.h"
 
 #include "host/folder_name.h"
+#include "host/owned.h"
 
 #include <aclapi.h>
 
 #include <cstdlib>
-#include <memory>
 #include <set>
 
 namespace host {
@@ -31,7 +31,7 @@ Sid ownerOf(const std::wstring& file)
     {
         return {};
     }
-    const std::unique_ptr<void, decltype(&LocalFree)> block(descriptor, LocalFree);
+    const Owned<void, LocalFree> block(descriptor);
     const auto* bytes = static_cast<const unsigned char*>(owner);
     return owner == nullptr ? Sid() : Sid(bytes, bytes + GetLengthSid(owner));
 }
@@ -49,10 +49,6 @@ public:
 
 private:
     HCURSOR m_before;
-};
-
-struct CloseFind {
-    void operator()(void* find) const { FindClose(find); }
 };
 
 /// Looks for those who own files and folders, each once, in the order of being met.
@@ -81,7 +77,7 @@ private:
         if (first == INVALID_HANDLE_VALUE) {
             return; // what cannot be read has no owners to offer
         }
-        const std::unique_ptr<void, CloseFind> find(first);
+        const Owned<void, FindClose> find(first);
         do {
             const std::wstring name = entry.cFileName;
             if (name == L"." || name == L"..") {
@@ -121,18 +117,11 @@ std::vector<Sid> ownersIn(const std::vector<std::wstring>& folders)
     return std::move(search).owners();
 }
 
-struct Free {
-    void operator()(void* block) const
-    {
-        std::free(block);
-    } // the shared C runtime's, like the store's malloc
-};
-
 /// Takes what the library's chooser gave; a SID is ours then. A chooser that cannot be shown gives its last answer
 /// once more, so that one is kept until there is another: it is never released twice, and known again.
 AccountChoice taken(void* value)
 {
-    static std::unique_ptr<void, Free> last;
+    static Owned<void, std::free> last; // the shared C runtime's, like the store's malloc
     if (value == nullptr || value == CORVANE_ANYONE) {
         return {value != nullptr, nullptr};
     }

@@ -1,8 +1,8 @@
 #include "host/cell_editor.h"
 
 #include "host/limit_text.h"
-#include "host/message.h"
 #include "host/rule_page.h"
+#include "host/window/message.h"
 
 #include "corvane.h"
 

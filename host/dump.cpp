@@ -2,6 +2,8 @@
 
 #include "host/console.h"
 #include "host/folder_name.h"
+#include "host/known_folders.h"
+#include "host/owned.h"
 
 #include "lornix_host.h"
 
@@ -9,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 namespace host {
 namespace {
@@ -22,12 +23,7 @@ std::vector<std::wstring> foldersToDump(const std::vector<std::wstring>& wanted)
 {
     std::vector<std::wstring> folders = wanted;
     if (folders.empty()) {
-        const std::unique_ptr<PathList, decltype(&lornixFreeFolders)> known(lornixKnownFolders(),
-                                                                            lornixFreeFolders);
-        if (known != nullptr) {
-            wchar_t* const* paths = known->paths;
-            folders.assign(paths, paths + known->count);
-        }
+        folders = knownFolders();
     }
     for (std::wstring& folder : folders) {
         folder = tidyFolder(folder);
@@ -61,7 +57,8 @@ std::wstring table(const std::vector<Row>& rows)
         for (size_t column = 0; column < row.size(); ++column) {
             const std::wstring blanks(widths[column] - row[column].size(), L' ');
             const bool last = column + 1 == row.size();
-            text += kRightAligned[column] ? blanks + row[column] : row[column] + (last ? L"" : blanks);
+            text +=
+                kRightAligned[column] ? blanks + row[column] : row[column] + (last ? std::wstring() : blanks);
             text += last ? L"\n" : L"  ";
         }
     }
@@ -76,7 +73,7 @@ bool dumpRules(const std::vector<std::wstring>& folders)
     std::wstring told; // the folders are in one file, and what is wrong with it is said of each
     const auto report = [&] {
         if (const std::wstring error = lornixLastError(); !error.empty()) {
-            printText(error == told ? L"" : error + L"\n", true);
+            printText(error == told ? std::wstring() : error + L"\n", true);
             told = error;
             complete = false;
         }
@@ -87,8 +84,7 @@ bool dumpRules(const std::vector<std::wstring>& folders)
     }
     std::vector<Row> rows{{L"Credentials", L"Quota Limit", L"Soft Quota Limit", L"In Use", L"Defined in"}};
     for (const std::wstring& folder : wanted) {
-        const std::unique_ptr<QuotaRule, decltype(&lornixFreeRules)> rules(lornixLoadRules(folder.c_str()),
-                                                                           lornixFreeRules);
+        const Owned<QuotaRule, lornixFreeRules> rules(lornixLoadRules(folder.c_str()));
         report();
         for (const QuotaRule* rule = rules.get(); rule != nullptr; rule = rule->next) {
             rows.push_back(rowOf(*rule));

@@ -1,14 +1,10 @@
 #include "host/folder_list.h"
 
 #include "host/folder_name.h"
-#include "host/paint_pause.h"
-
-#include <objbase.h>
-#include <shlobj.h>
+#include "host/window/paint_pause.h"
 
 #include <algorithm>
 #include <functional>
-#include <memory>
 #include <set>
 
 namespace host {
@@ -96,43 +92,6 @@ void FolderList::fitScrollBar(const std::vector<std::wstring>& newNames)
     ReleaseDC(m_box, dc);
     constexpr WPARAM kMargin = 8;
     SendMessageW(m_box, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(m_widest) + kMargin, 0);
-}
-
-std::wstring whyNotAFolder(const std::wstring& name)
-{
-    if (name.empty()) {
-        return L"Type the folder's path first, for example C:\\Data, or choose it with Browse.";
-    }
-    if (!isFullPath(name)) {
-        return L"\"" + name +
-               L"\" is not a full path. Start it with a drive or a server:\nC:\\Data or \\\\server\\share.";
-    }
-    const DWORD attributes = GetFileAttributesW(longForm(fullPath(name)).c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) {
-        return L"There is no folder \"" + name + L"\", or it cannot be reached.";
-    }
-    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-        return L"\"" + name + L"\" is a file. Quota rules are defined on folders.";
-    }
-    return {};
-}
-
-std::wstring browseForFolder(HWND owner)
-{
-    BROWSEINFOW request{};
-    request.hwndOwner = owner;
-    request.lpszTitle = L"Choose a folder whose quota rules you want to see.";
-    request.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
-    const std::unique_ptr<ITEMIDLIST, decltype(&CoTaskMemFree)> chosen(SHBrowseForFolderW(&request),
-                                                                       CoTaskMemFree);
-    constexpr DWORD kLongestPath = 32768;
-    std::wstring path(kLongestPath, L'\0');
-    if (chosen == nullptr || !SHGetPathFromIDListEx(chosen.get(), path.data(), kLongestPath, GPFIDL_DEFAULT))
-    {
-        return {};
-    }
-    path.resize(path.find(L'\0'));
-    return path;
 }
 
 } // namespace host

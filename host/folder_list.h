@@ -42,12 +42,4 @@ private:
     LONG m_widest = 0;                                // of the names, in pixels
 };
 
-/// Checks a folder that a person typed.
-/// @param name  tidy name.
-/// @return why it cannot be shown; empty when it can.
-std::wstring whyNotAFolder(const std::wstring& name);
-
-/// Lets a person choose a folder. @return its name; empty when the choice was cancelled.
-std::wstring browseForFolder(HWND owner);
-
 } // namespace host

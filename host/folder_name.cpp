@@ -56,4 +56,23 @@ std::wstring longForm(const std::wstring& path)
     return path.starts_with(L"\\\\") ? L"\\\\?\\UNC" + path.substr(1) : L"\\\\?\\" + path;
 }
 
+std::wstring whyNotAFolder(const std::wstring& name)
+{
+    if (name.empty()) {
+        return L"Type the folder's path first, for example C:\\Data, or choose it with Browse.";
+    }
+    if (!isFullPath(name)) {
+        return L"\"" + name +
+               L"\" is not a full path. Start it with a drive or a server:\nC:\\Data or \\\\server\\share.";
+    }
+    const DWORD attributes = GetFileAttributesW(longForm(fullPath(name)).c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        return L"There is no folder \"" + name + L"\", or it cannot be reached.";
+    }
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        return L"\"" + name + L"\" is a file. Quota rules are defined on folders.";
+    }
+    return {};
+}
+
 } // namespace host

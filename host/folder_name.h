@@ -23,4 +23,8 @@ std::wstring fullPath(const std::wstring& path);
 /// @param path  full, with backslashes. What is not one, and what has this form already, comes back as it is.
 std::wstring longForm(const std::wstring& path);
 
+/// Checks a folder that a person typed. @param tidyName  as tidyFolder() gives it.
+/// @return why it cannot be shown; empty when it can.
+std::wstring whyNotAFolder(const std::wstring& tidyName);
+
 } // namespace host

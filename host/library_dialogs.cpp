@@ -1,7 +1,7 @@
 #include "host/library_dialogs.h"
 
-#include "host/message.h"
 #include "host/resource.h"
+#include "host/window/message.h"
 
 #include "corvane.h"
 

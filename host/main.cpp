@@ -3,9 +3,10 @@
 #include "host/console.h"
 #include "host/dump.h"
 #include "host/folder_name.h"
-#include "host/message.h"
-#include "host/panel_window.h"
-#include "host/runtime_gaps.h"
+#include "host/owned.h"
+#include "host/panel.h"
+#include "host/window/message.h"
+#include "host/wine/runtime_gaps.h"
 
 #include "lornix_host.h"
 
@@ -16,7 +17,6 @@
 #include <shellapi.h>
 
 #include <algorithm>
-#include <memory>
 
 namespace {
 
@@ -27,8 +27,7 @@ constexpr int kBadCommandLine = 2;
 std::vector<std::wstring> programArguments()
 {
     int count = 0;
-    const std::unique_ptr<wchar_t*, decltype(&LocalFree)> words(CommandLineToArgvW(GetCommandLineW(), &count),
-                                                                LocalFree);
+    const host::Owned<wchar_t*, LocalFree> words(CommandLineToArgvW(GetCommandLineW(), &count));
     return {words.get() + 1, words.get() + count};
 }
 
@@ -68,8 +67,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
     int result = kFailed;
     {
         host::fillRuntimeGaps();
-        host::PanelWindow panel;
-        if (panel.open(instance, line.folders, line.listObject ? host::kListByObject : host::kListById)) {
+        host::Panel panel(line.listObject ? host::quotaListByObject : host::quotaListById);
+        if (panel.open(instance, line.folders)) {
             panel.run();
             result = kDone;
         }

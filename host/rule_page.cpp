@@ -2,9 +2,8 @@
 
 #include "host/folder_name.h"
 #include "host/limit_text.h"
-#include "host/paint_pause.h"
 #include "host/path_block.h"
-#include "host/store_errors.h"
+#include "host/window/paint_pause.h"
 
 #include "corvane.h"
 #include "lornix_host.h"
@@ -27,14 +26,12 @@ constexpr int kFolder = 5;
 
 } // namespace
 
-RulePage::RulePage(HWND dialog, int listId, const ListCalls& calls)
+RulePage::RulePage(HWND dialog, int listId, std::unique_ptr<QuotaList> quotas)
     : m_dialog(dialog)
     , m_list(GetDlgItem(dialog, listId))
-    , m_calls(calls)
-    , m_object{{}, m_list}
-    , m_name{dialog, listId, reinterpret_cast<CListCtrl*>(&m_object)}
+    , m_quotas(std::move(quotas))
 {
-    m_calls.initialize(m_name, nullptr);
+    m_quotas->initialize(nullptr);
 
     // The library's widths are those of a narrow page. This window has room for the headings.
     constexpr int kWidths[] = {96, 52, 66, 52, 32}; // dialog units
@@ -64,7 +61,7 @@ void RulePage::fitColumns()
 
 QuotaRule* RulePage::chain() const
 {
-    return m_calls.chain(m_name);
+    return m_quotas->chain();
 }
 
 QuotaRule* RulePage::ruleOf(int row) const
@@ -78,14 +75,12 @@ QuotaRule* RulePage::ruleOf(int row) const
     return rule;
 }
 
-std::wstring RulePage::show(const std::vector<std::wstring>& folders)
+void RulePage::show(const std::vector<std::wstring>& folders)
 {
     PathBlock paths(folders);
-    std::wstring problems;
     {
         const PaintPause pause(m_list);
-        // All at once: with every call the library looks at all rows that are there already.
-        problems = storeErrorsOf([&] { m_calls.fill(m_name, paths.list()); });
+        m_quotas->fill(paths.list()); // all at once: each call looks at all rows that are there already
     }
     const RuleState now = stateOf(chain());
     for (const std::wstring& folder : folders) {
@@ -94,7 +89,6 @@ std::wstring RulePage::show(const std::vector<std::wstring>& folders)
             m_stored[key] = rules->second;
         }
     }
-    return problems;
 }
 
 void RulePage::clear()
@@ -124,21 +118,19 @@ void RulePage::hide(const std::vector<std::wstring>& folders)
     drop();
 }
 
-std::wstring RulePage::add(void* sid, const std::vector<std::wstring>& folders)
+void RulePage::add(void* sid, const std::vector<std::wstring>& folders)
 {
     PathBlock paths(folders);
     // The result only tells whether a dialog was cancelled; rules of other folders may have been added all
     // the same, so what changed is found by comparing.
-    bool allTaken = false;
-    std::wstring problems = storeErrorsOf([&] { allTaken = m_calls.add(m_name, sid, paths.list()); });
+    const bool allTaken = m_quotas->add(sid, paths.list());
     // The form by list object leaves it to the host to make the folders known: storing them does.
-    if (allTaken && m_calls.addMakesKnown) {
+    if (allTaken && m_quotas->addMakesKnown()) {
         for (const std::wstring& folder : folders) {
             m_announced.insert(folderKey(folder));
         }
     }
     showBackslashes();
-    return problems;
 }
 
 void RulePage::showBackslashes()
@@ -153,14 +145,14 @@ void RulePage::showBackslashes()
     }
 }
 
-std::wstring RulePage::edit()
+void RulePage::edit()
 {
-    return editing(selectedRow(), [this](QuotaRule&) { return m_calls.edit(m_name); });
+    editing(selectedRow(), [this](QuotaRule&) { return m_quotas->edit(); });
 }
 
-std::wstring RulePage::editRow(int row)
+void RulePage::editRow(int row)
 {
-    return editing(row, [this, row](QuotaRule& rule) {
+    editing(row, [this, row](QuotaRule& rule) {
         // The dialog knows the record alone: the row is the host's to bring up to date.
         const intptr_t result = editQuotaListEntry(m_dialog, &rule, 0);
         if (result == 0 || result == -1) {
@@ -171,22 +163,19 @@ std::wstring RulePage::editRow(int row)
     });
 }
 
-std::wstring RulePage::editing(int row, const std::function<bool(QuotaRule&)>& dialog)
+void RulePage::editing(int row, const std::function<bool(QuotaRule&)>& dialog)
 {
     QuotaRule* rule = row < 0 ? nullptr : ruleOf(row);
     if (rule == nullptr) {
-        return {};
+        return;
     }
     const QuotaRule before = *rule;
-    bool taken = false;
-    std::wstring problems = storeErrorsOf([&] { taken = dialog(*rule); });
-    if (!taken) {
+    if (!dialog(*rule)) {
         // Limits that the dialog corrected after a refused OK stay in the record. Here Cancel means cancel.
         rule->hardLimit = before.hardLimit;
         rule->softLimit = before.softLimit;
         rule->inUse = before.inUse;
     }
-    return problems;
 }
 
 std::vector<QuotaRule*> RulePage::selectedRules() const
@@ -205,7 +194,7 @@ void RulePage::drop()
 {
     // The library leaves the records to whoever can tell that nobody needs them any more: that is here.
     const std::vector<QuotaRule*> dropped = selectedRules();
-    if (!m_calls.drop(m_name)) {
+    if (!m_quotas->drop()) {
         return;
     }
     for (QuotaRule* rule : dropped) {
@@ -217,20 +206,20 @@ void RulePage::drop()
 
 void RulePage::sort(int column)
 {
-    m_calls.sort(m_name, column);
+    m_quotas->sort(column);
 }
 
 int RulePage::count() const
 {
-    return m_calls.count(m_name);
+    return m_quotas->count();
 }
 
 void RulePage::enableForSelection(int button, int otherButton) const
 {
-    m_calls.checkForButtons(m_name, button, otherButton);
+    m_quotas->checkForButtons(button, otherButton);
 }
 
-RulePage::Stored RulePage::store(const std::vector<std::wstring>& folders)
+bool RulePage::store(const std::vector<std::wstring>& folders)
 {
     RuleState now = stateOf(chain());
     std::set<std::wstring> touched = changedFolders(now, m_stored);
@@ -241,14 +230,12 @@ RulePage::Stored RulePage::store(const std::vector<std::wstring>& folders)
                  [&](const std::wstring& folder) { return touched.contains(folderKey(folder)); });
     PathBlock paths(std::move(names));
     const RuleExcerpt rules(chain(), touched);
-    Stored result{};
-    result.problems =
-        storeErrorsOf([&] { result.done = lornixStoreRules(paths.list(), rules.first()) != 0; });
-    if (result.done) {
-        m_stored = std::move(now);
-        m_announced.clear();
+    if (lornixStoreRules(paths.list(), rules.first()) == 0) {
+        return false;
     }
-    return result;
+    m_stored = std::move(now);
+    m_announced.clear();
+    return true;
 }
 
 bool RulePage::isModified() const

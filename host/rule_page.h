@@ -1,12 +1,13 @@
 // The rule list: every step goes through an export of corvane, the host adds what the exports leave to it.
 #pragma once
 
-#include "host/list_calls.h"
+#include "host/quota_list.h"
 #include "host/rule_state.h"
 
 #include <windows.h>
 
 #include <functional>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -19,8 +20,7 @@ public:
     static constexpr int kSoftLimitColumn = 2;
 
     /// @param dialog  window that owns the list. @param listId  control id of a list view in report view.
-    /// @param calls   the form of the list functions to use; outlives this object.
-    RulePage(HWND dialog, int listId, const ListCalls& calls);
+    RulePage(HWND dialog, int listId, std::unique_ptr<QuotaList> quotas);
     ~RulePage();
     RulePage(const RulePage&) = delete;
     RulePage& operator=(const RulePage&) = delete;
@@ -30,9 +30,8 @@ public:
     /// Gives the last column the room that the others leave.
     void fitColumns();
 
-    /// Adds the stored rules of folders to the list. @return what the store could not read; empty when it
-    /// read all.
-    std::wstring show(const std::vector<std::wstring>& folders);
+    /// Adds the stored rules of folders to the list.
+    void show(const std::vector<std::wstring>& folders);
 
     /// Takes all rows out of the list, saved or not, and releases the rules.
     void clear();
@@ -42,14 +41,13 @@ public:
 
     /// Adds a rule on each of some folders, through the library's dialog.
     /// @param sid  account, null or CORVANE_ANYONE for anyone.
-    /// @return what the store could not do for the dialog; empty when it did all.
-    std::wstring add(void* sid, const std::vector<std::wstring>& folders);
+    void add(void* sid, const std::vector<std::wstring>& folders);
 
-    /// Opens the library's dialog on the first selected row. @return as add().
-    std::wstring edit();
+    /// Opens the library's dialog on the first selected row.
+    void edit();
 
-    /// Opens it on a row, selected or not. @return as add().
-    std::wstring editRow(int row);
+    /// Opens it on a row, selected or not.
+    void editRow(int row);
 
     /// Takes the selected rows out of the list and releases their rules.
     void drop();
@@ -57,17 +55,12 @@ public:
     /// Sorts by a column; once more turns the order round.
     void sort(int column);
 
-    /// What became of storing.
-    struct Stored {
-        bool done;             ///< all is stored
-        std::wstring problems; ///< why it is not, or what was met on the way; empty when nothing was
-    };
-
     /// Stores the rules of the folders that were changed here, be it by adding a rule that was dropped again. The
     /// others are left to the store: what could not be read of them, or what somebody else has stored there
     /// meanwhile, is not overwritten.
     /// @param folders  all folders shown.
-    Stored store(const std::vector<std::wstring>& folders);
+    /// @return true when all is stored.
+    bool store(const std::vector<std::wstring>& folders);
 
     /// @return true when the rows differ from what was read or stored last, in any of all folders or in some.
     bool isModified() const;
@@ -91,14 +84,12 @@ private:
     QuotaRule* chain() const;
     void setText(int row, int column, std::wstring text);
     void showBackslashes();
-    std::wstring editing(int row, const std::function<bool(QuotaRule&)>& dialog);
+    void editing(int row, const std::function<bool(QuotaRule&)>& dialog);
     std::vector<QuotaRule*> selectedRules() const;
 
     HWND m_dialog;
     HWND m_list;
-    const ListCalls& m_calls;
-    CorvaneListObject m_object;
-    ListName m_name;
+    std::unique_ptr<QuotaList> m_quotas;
     RuleState m_stored;
     std::set<std::wstring> m_announced; // by folderKey: adding made them known to the store, rules or not
 };

@@ -7,7 +7,7 @@
 
 namespace host {
 
-/// Makes a call that may load or store something.
+/// Makes calls that may load or store something.
 /// @return what the store could not do meanwhile, a line each; empty when it did all.
 template <class Call>
 std::wstring storeErrorsOf(Call&& call)

@@ -5,41 +5,30 @@ namespace {
 
 constexpr DWORD kNotImplemented = 0x80000100; // raised by the placeholder that a runtime puts behind a name
 
+LONG takePlaceholder(EXCEPTION_POINTERS* raised, void*)
+{
+    return raised->ExceptionRecord->ExceptionCode == kNotImplemented ? EXCEPTION_EXECUTE_HANDLER
+                                                                     : EXCEPTION_CONTINUE_SEARCH;
+}
+
+LONG take(EXCEPTION_POINTERS* raised, void* code)
+{
+    *static_cast<DWORD*>(code) = raised->ExceptionRecord->ExceptionCode;
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
 } // namespace
 
-bool runWhereThere(Step call, void* context)
+bool runWhereThere(trapped_call::Step call, void* context)
 {
-    __try
-    {
-        call(context);
-        return true;
-    } __except (GetExceptionCode() == kNotImplemented ? EXCEPTION_EXECUTE_HANDLER : EXCEPTION_CONTINUE_SEARCH)
-    {
-        return false;
-    }
+    return trapped_call::run(call, context, takePlaceholder, nullptr);
 }
 
-DWORD faultOf(Step call, void* context)
+DWORD faultOf(trapped_call::Step call, void* context)
 {
     DWORD code = 0;
-    __try
-    {
-        call(context);
-    } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
-    {
-    }
+    trapped_call::run(call, context, take, &code);
     return code;
-}
-
-void runThen(Step call, void* context, Step then, void* thenContext)
-{
-    __try
-    {
-        call(context);
-    } __finally
-    {
-        then(thenContext);
-    }
 }
 
 } // namespace lornix::faults_detail

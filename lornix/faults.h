@@ -1,15 +1,13 @@
 // Processor faults and what a runtime raises: they skip destructors, and the host's guard is to see them.
 #pragma once
 
-#include <windows.h>
+#include "compiler/trapped_call.h"
 
 namespace lornix {
 
 namespace faults_detail {
-using Step = void (*)(void*);
-__declspec(noinline) bool runWhereThere(Step call, void* context);
-__declspec(noinline) DWORD faultOf(Step call, void* context);
-__declspec(noinline) void runThen(Step call, void* context, Step then, void* thenContext);
+bool runWhereThere(trapped_call::Step call, void* context);
+DWORD faultOf(trapped_call::Step call, void* context);
 
 template <class Call>
 void step(void* context)
@@ -39,7 +37,7 @@ DWORD faultOf(Call call)
 template <class Call, class Then>
 void runThen(Call call, Then then)
 {
-    faults_detail::runThen(faults_detail::step<Call>, &call, faults_detail::step<Then>, &then);
+    trapped_call::runThen(faults_detail::step<Call>, &call, faults_detail::step<Then>, &then);
 }
 
 } // namespace lornix

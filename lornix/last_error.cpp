@@ -1,11 +1,11 @@
 #include "lornix/last_error.h"
 
 #include "lornix_host.h"
+#include "store/owned.h"
 
 #include <windows.h>
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -69,7 +69,7 @@ std::wstring reasonOf(unsigned long error)
     const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
                                             FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
                                         nullptr, error, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-    const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(text, LocalFree);
+    const Owned<wchar_t*, LocalFree> owner(text);
     std::wstring reason(text == nullptr ? L"" : text, length);
     while (!reason.empty() && (reason.back() == L' ' || reason.back() == L'.')) {
         reason.pop_back();

@@ -2,13 +2,14 @@
 
 #include "lornix/record_list.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <windows.h>
 
 #include <sddl.h>
 
+#include <cstdlib>
 #include <cwchar>
-#include <memory>
 
 namespace lornix {
 namespace {
@@ -42,12 +43,8 @@ void* sidDup(const void* sid)
         return nullptr;
     }
     const DWORD size = GetLengthSid(lornix::platformSid(sid));
-    void* copy = std::malloc(size);
-    if (copy != nullptr && !CopySid(size, copy, lornix::platformSid(sid))) {
-        std::free(copy);
-        copy = nullptr;
-    }
-    return copy;
+    CBlock<void> copy(std::malloc(size));
+    return copy && CopySid(size, copy.get(), lornix::platformSid(sid)) ? copy.release() : nullptr;
 }
 
 int sidcmp(const void* a, const void* b)
@@ -67,7 +64,7 @@ void getTextualSidW(const void* sid, wchar_t* buffer, int capacity)
     if (!lornix::isSid(sid) || !ConvertSidToStringSidW(lornix::platformSid(sid), &text)) {
         return;
     }
-    const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(text, LocalFree);
+    const Owned<wchar_t*, LocalFree> owner(text);
     // A part of an identifier would name somebody else.
     if (std::wcslen(text) < static_cast<std::size_t>(capacity)) {
         std::wcscpy(buffer, text);

@@ -1,13 +1,13 @@
 // Manage backup tools: the programs whose activity is not charged to quotas.
 #include "corvane.h"
 #include "files/select_file.h"
-#include "frame/c_memory.h"
 #include "frame/low_memory.h"
 #include "policies/path_tail.h"
 #include "policies/text_entry_dialog.h"
 #include "policies/text_list.h"
 #include "res/resource.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <cstring>
 #include <cwchar>

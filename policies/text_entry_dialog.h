@@ -1,8 +1,8 @@
 // The entry dialog of a list whose entries are typed as one text.
 #pragma once
 
-#include "frame/c_memory.h"
 #include "frame/dialog.h"
+#include "store/owned.h"
 
 /// Base of these dialogs; all of them have the edit IDC_ENTRY_TEXT.
 class TextEntryDialog : public Dialog {

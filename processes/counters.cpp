@@ -136,9 +136,9 @@ DWORD readCounters(const CounterApi& api, const wchar_t* machine, ProcessCounter
 
 int enumerateProcessCounters(const wchar_t* machine, ProcessCallback callback, void* context)
 {
-    const LoadedLibrary pdh(L"pdh.dll");
+    const LoadedLibrary pdh(LoadLibraryW(L"pdh.dll"));
     CounterApi api;
-    if (!api.find(pdh.handle())) {
+    if (!api.find(pdh.get())) {
         SetLastError(ERROR_PROC_NOT_FOUND);
         return 0;
     }

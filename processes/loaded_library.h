@@ -2,32 +2,19 @@
 #pragma once
 
 #include "frame/platform.h"
+#include "store/owned.h"
 
 #include <bit>
 
-class LoadedLibrary {
-public:
-    explicit LoadedLibrary(const wchar_t* fileName)
-        : m_module(LoadLibraryW(fileName))
-    {
-    }
-    LoadedLibrary(const LoadedLibrary&) = delete;
-    LoadedLibrary& operator=(const LoadedLibrary&) = delete;
-    ~LoadedLibrary()
-    {
-        if (m_module != nullptr) {
-            const DWORD error = GetLastError(); // what the enumeration came to outlives the library
-            FreeLibrary(m_module);
-            SetLastError(error);
-        }
-    }
-
-    /// Null when the library was not found.
-    HMODULE handle() const { return m_module; }
-
-private:
-    HMODULE m_module;
-};
+/// The last error stays: it tells what the enumeration came to.
+inline void unloadLibrary(HMODULE module)
+{
+    const DWORD error = GetLastError();
+    FreeLibrary(module);
+    SetLastError(error);
+}
+/// Null when the library was not found.
+using LoadedLibrary = Owned<HMODULE, unloadLibrary>;
 
 /// Looks up an entry point. @return whether it is there.
 template <class Function>

@@ -81,9 +81,9 @@ const wchar_t* moduleName(const ModuleApi& api, DWORD processId, wchar_t (&buffe
 
 int enumerateProcessModules(const wchar_t* /*machine*/, ProcessCallback callback, void* context)
 {
-    const LoadedLibrary psapi(L"psapi.dll");
+    const LoadedLibrary psapi(LoadLibraryW(L"psapi.dll"));
     ModuleApi api;
-    if (!api.find(psapi.handle())) {
+    if (!api.find(psapi.get())) {
         SetLastError(ERROR_PROC_NOT_FOUND);
         return 0;
     }

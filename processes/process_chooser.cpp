@@ -1,6 +1,5 @@
 // The chooser of a running process.
 #include "corvane.h"
-#include "frame/c_memory.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/list_ctrl.h"
@@ -10,6 +9,7 @@
 #include "frame/selection_buttons.h"
 #include "processes/enumerators.h"
 #include "res/resource.h"
+#include "store/owned.h"
 
 #include <cwchar>
 

@@ -2,19 +2,18 @@
 #pragma once
 
 #include "frame/platform.h"
+#include "store/owned.h"
 
 #include <cstddef>
-#include <memory>
 
-struct ProcessHeapFree {
-    void operator()(void* block) const
-    {
-        const DWORD error = GetLastError();
-        HeapFree(GetProcessHeap(), 0, block);
-        SetLastError(error);
-    }
-};
-using ProcessHeapBlock = std::unique_ptr<void, ProcessHeapFree>;
+/// The last error stays: it tells what the enumeration came to.
+inline void freeToProcessHeap(void* block)
+{
+    const DWORD error = GetLastError();
+    HeapFree(GetProcessHeap(), 0, block);
+    SetLastError(error);
+}
+using ProcessHeapBlock = Owned<void*, freeToProcessHeap>;
 
 /// @return null when memory is short; the last error is then ERROR_NOT_ENOUGH_MEMORY.
 inline ProcessHeapBlock allocateFromProcessHeap(std::size_t bytes)

@@ -8,9 +8,9 @@
 
 DWORD connectRemoteShare(const wchar_t* machine, const wchar_t* user, const wchar_t* password)
 {
-    const LoadedLibrary mpr(L"mpr.dll");
+    const LoadedLibrary mpr(LoadLibraryW(L"mpr.dll"));
     decltype(WNetAddConnection2W)* addConnection = nullptr;
-    if (!lookUp(mpr.handle(), "WNetAddConnection2W", addConnection)) {
+    if (!lookUp(mpr.get(), "WNetAddConnection2W", addConnection)) {
         return ERROR_PROC_NOT_FOUND;
     }
     wchar_t share[260] = {};

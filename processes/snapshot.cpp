@@ -1,5 +1,6 @@
 #include "processes/enumerators.h"
 #include "processes/loaded_library.h"
+#include "store/owned.h"
 
 #include <cstddef>
 #include <cwchar>
@@ -42,14 +43,15 @@ int enumerateProcessSnapshot(const wchar_t* /*machine*/, ProcessCallback callbac
         SetLastError(ERROR_PROC_NOT_FOUND);
         return 0;
     }
-    HANDLE snapshot = api.create(TH32CS_SNAPPROCESS, 0);
-    if (snapshot == INVALID_HANDLE_VALUE) {
+    Owned<HANDLE, CloseHandle, -1> snapshot(api.create(TH32CS_SNAPPROCESS, 0));
+    if (!snapshot) {
         return 0;
     }
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof entry;
-    if (!api.first(snapshot, &entry)) {
+    if (!api.first(snapshot.get(), &entry)) {
         // The snapshot stays open. Wanted: closing it would overwrite the error that hosts read.
+        static_cast<void>(snapshot.release());
         return 0;
     }
     do {
@@ -57,7 +59,6 @@ int enumerateProcessSnapshot(const wchar_t* /*machine*/, ProcessCallback callbac
             break;
         }
         entry.dwSize = sizeof entry;
-    } while (api.next(snapshot, &entry));
-    CloseHandle(snapshot);
+    } while (api.next(snapshot.get(), &entry));
     return 1;
 }

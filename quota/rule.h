@@ -2,7 +2,7 @@
 #pragma once
 
 #include "corvane_types.h"
-#include "frame/c_memory.h"
+#include "store/owned.h"
 
 /// Memory for a record, with nothing in it yet; null when memory is short.
 CBlock<QuotaRule> ruleMemory();

@@ -1,6 +1,5 @@
 #include "quota/rule_adding.h"
 
-#include "frame/c_memory.h"
 #include "frame/list_ctrl.h"
 #include "frame/message_box.h"
 #include "frame/narrow_handle.h"
@@ -14,6 +13,7 @@
 #include "quota/rule_row.h"
 #include "quota/settings_result.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <malloc.h>
 

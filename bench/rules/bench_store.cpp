@@ -1,7 +1,7 @@
 #include "bench_store.h"
 
 #include "bench/support/account_sid.h"
-#include "frame/c_memory.h"
+#include "store/owned.h"
 
 #include <windows.h>
 

@@ -24,22 +24,15 @@ public:
         std::wstring name = server == nullptr ? L"" : server;
         LSA_UNICODE_STRING text = lsaText(name);
         isImplemented([&] {
-            if (LsaOpenPolicy(server == nullptr ? nullptr : &text, &attributes, access, &m_handle) < 0) {
-                m_handle = nullptr;
+            LSA_HANDLE handle = nullptr;
+            if (LsaOpenPolicy(server == nullptr ? nullptr : &text, &attributes, access, &handle) >= 0) {
+                m_handle.reset(handle);
             }
         });
     }
-    Policy(const Policy&) = delete;
-    Policy& operator=(const Policy&) = delete;
-    ~Policy()
-    {
-        if (m_handle != nullptr) {
-            LsaClose(m_handle);
-        }
-    }
 
     bool isOpen() const { return m_handle != nullptr; }
-    LSA_HANDLE get() const { return m_handle; }
+    LSA_HANDLE get() const { return m_handle.get(); }
 
     static LSA_UNICODE_STRING lsaText(std::wstring& text)
     {
@@ -49,14 +42,11 @@ public:
     }
 
 private:
-    LSA_HANDLE m_handle = nullptr;
+    Owned<LSA_HANDLE, LsaClose> m_handle;
 };
 
-struct LsaFree {
-    void operator()(void* answer) const { LsaFreeMemory(answer); }
-};
 template <class Record>
-using Answer = std::unique_ptr<Record, LsaFree>;
+using Answer = Owned<Record*, LsaFreeMemory>;
 
 /// Calls a look-up with where its two answers go.
 /// @param call  takes LSA_REFERENCED_DOMAIN_LIST** and Record**, gives a status.
@@ -115,7 +105,7 @@ std::optional<std::vector<std::wstring>> lookUpNames(const std::vector<std::stri
         }
         const bool hasDomain = domains != nullptr && record.DomainIndex >= 0 &&
                                static_cast<ULONG>(record.DomainIndex) < domains->Entries;
-        names[i] = withDomain(hasDomain ? textOf(domains->Domains[record.DomainIndex].Name) : L"",
+        names[i] = withDomain(hasDomain ? textOf(domains->Domains[record.DomainIndex].Name) : std::wstring(),
                               textOf(record.Name));
     }
     return names;
@@ -145,7 +135,7 @@ std::optional<std::vector<SidBlock>> lookUpSids(const wchar_t* server, const std
         for (std::size_t i = 0; i < texts.size(); ++i) {
             const LSA_TRANSLATED_SID2* record = records == nullptr ? nullptr : records.get() + i;
             const bool isFound = record != nullptr && isAccountUse(record->Use);
-            sids.emplace_back(isFound ? sidDup(record->Sid) : nullptr, std::free);
+            sids.emplace_back(isFound ? sidDup(record->Sid) : nullptr);
         }
     }
     return sids.size() < own.size() ? std::nullopt : std::make_optional(std::move(sids));
@@ -158,10 +148,10 @@ SidBlock primaryDomainSid()
     if (!policy.isOpen() ||
         LsaQueryInformationPolicy(policy.get(), PolicyPrimaryDomainInformation, &answer) != 0)
     {
-        return {nullptr, std::free};
+        return {};
     }
     const Answer<POLICY_PRIMARY_DOMAIN_INFO> info(static_cast<POLICY_PRIMARY_DOMAIN_INFO*>(answer));
-    return {info == nullptr ? nullptr : sidDup(info->Sid), std::free};
+    return SidBlock(info == nullptr ? nullptr : sidDup(info->Sid));
 }
 
 } // namespace lornix

@@ -1,15 +1,15 @@
 // Many accounts in one question to the platform: each question may travel to a domain server.
 #pragma once
 
-#include <cstdlib>
-#include <memory>
+#include "store/owned.h"
+
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace lornix {
 
-using SidBlock = std::unique_ptr<void, decltype(&std::free)>;
+using SidBlock = CBlock<void>;
 
 /// Names of accounts, DOMAIN\name; empty for one that nobody knows.
 /// @param sids  binary.

@@ -3,6 +3,7 @@
 #include "lornix/accounts/source.h"
 #include "lornix/faults.h"
 #include "lornix/sid.h"
+#include "store/owned.h"
 
 #include <windows.h>
 
@@ -11,7 +12,6 @@
 
 #include <cstdlib>
 #include <cwchar>
-#include <memory>
 #include <span>
 
 namespace lornix {
@@ -19,11 +19,8 @@ namespace {
 
 constexpr NET_API_STATUS kOtherRuntime = ERROR_CALL_NOT_IMPLEMENTED;
 
-struct NetFree {
-    void operator()(void* buffer) const { NetApiBufferFree(buffer); }
-};
 template <class Record>
-using NetBuffer = std::unique_ptr<Record, NetFree>;
+using NetBuffer = Owned<Record*, NetApiBufferFree>;
 
 /// Calls a function of the network library with where its answer goes.
 /// @param call  takes LPBYTE*, gives a status.
@@ -284,7 +281,8 @@ public:
             return {};
         }
         const std::wstring second = withoutBackslashes(name.get());
-        return _wcsicmp(second.c_str(), withoutBackslashes(server.c_str()).c_str()) == 0 ? L"" : second;
+        return _wcsicmp(second.c_str(), withoutBackslashes(server.c_str()).c_str()) == 0 ? std::wstring()
+                                                                                         : second;
     }
 
     void* domainSid() override { return primaryDomainSid().release(); }
@@ -296,8 +294,8 @@ private:
     /// machine's own group must not be taken for those of a domain's.
     static bool isSomeoneElse(const wchar_t* server, const std::wstring& meant, const std::wstring& bare)
     {
-        const std::unique_ptr<void, decltype(&std::free)> wanted(lookUp(server, meant), std::free);
-        const std::unique_ptr<void, decltype(&std::free)> there(lookUp(server, bare), std::free);
+        const CBlock<void> wanted(lookUp(server, meant));
+        const CBlock<void> there(lookUp(server, bare));
         return there != nullptr && sidcmp(wanted.get(), there.get()) != 0;
     }
 };

@@ -2,9 +2,8 @@
 #pragma once
 
 #include "store/lornix.h"
+#include "store/owned.h"
 
-#include <cstdlib>
-#include <memory>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -26,7 +25,7 @@ public:
     /// Takes over a malloc block; null is left out.
     void adopt(void* sid)
     {
-        std::unique_ptr<void, decltype(&std::free)> own(sid, std::free);
+        CBlock<void> own(sid);
         if (own != nullptr && (m_known.empty() || !m_known.contains(keyOf(sid)))) {
             m_list = appendToSidList(m_list, own.release());
         }

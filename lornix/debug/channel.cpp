@@ -28,7 +28,7 @@ public:
         : m_mutex(CreateMutexW(nullptr, FALSE, L"Local\\lornix log"))
     {
         constexpr DWORD kLongest = 1000; // milliseconds
-        const DWORD result = m_mutex.isOpen() ? WaitForSingleObject(m_mutex.get(), kLongest) : WAIT_FAILED;
+        const DWORD result = m_mutex ? WaitForSingleObject(m_mutex.get(), kLongest) : WAIT_FAILED;
         m_isMine = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
     }
     LogTurn(const LogTurn&) = delete;
@@ -41,7 +41,7 @@ public:
     }
 
 private:
-    Handle m_mutex;
+    Owned<HANDLE, CloseHandle> m_mutex;
     bool m_isMine = false;
 };
 
@@ -54,18 +54,10 @@ public:
         if (name == L"-") {
             m_handle = GetStdHandle(STD_ERROR_HANDLE);
         } else if (!name.empty()) {
-            m_handle = CreateFileW(longPath(name).c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
-                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                   OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-            m_isOurs = true;
-        }
-    }
-    Log(const Log&) = delete;
-    Log& operator=(const Log&) = delete;
-    ~Log()
-    {
-        if (m_isOurs && isOpen()) {
-            CloseHandle(m_handle);
+            m_file.reset(CreateFileW(longPath(name).c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+            m_handle = m_file.get();
         }
     }
 
@@ -84,8 +76,8 @@ public:
     }
 
 private:
+    Handle m_file; // a log that is ours to close
     HANDLE m_handle = nullptr;
-    bool m_isOurs = false;
 };
 
 void toDebugger(std::wstring_view text)
@@ -100,7 +92,8 @@ void toDebugger(std::wstring_view text)
 bool isMonitored()
 {
     // A debugger, or a program that shows the debug output of all: it makes this event.
-    return IsDebuggerPresent() || Handle(OpenEventW(SYNCHRONIZE, FALSE, L"DBWIN_BUFFER_READY")).isOpen();
+    return IsDebuggerPresent() ||
+           Owned<HANDLE, CloseHandle>(OpenEventW(SYNCHRONIZE, FALSE, L"DBWIN_BUFFER_READY"));
 }
 
 std::wstring describe(const QuotaRule& rule)
@@ -127,7 +120,7 @@ void dump(const QuotaRule* rule)
     const std::lock_guard lock(guard);
     Log log;
     if (!log.isOpen() && !isMonitored()) {
-        return; // a chain of a hundred thousand rules is not spelled out for nobody
+        return; // nobody reads along, and a chain may have a hundred thousand rules
     }
     std::wstring block;
     const auto flush = [&] {

@@ -70,7 +70,7 @@ void removeLeftovers(const std::wstring& folder)
     if (first == INVALID_HANDLE_VALUE) {
         return;
     }
-    const std::unique_ptr<void, decltype(&FindClose)> search(first, FindClose);
+    const Owned<HANDLE, FindClose> search(first);
     do {
         // The pattern also finds what only the short name of a file ends with.
         if (std::wstring_view(found.cFileName).ends_with(kTemporary)) {
@@ -175,7 +175,7 @@ StoreLock::StoreLock(const DataFolder& folder)
             openPlain(folder.lockFile(), GENERIC_READ | GENERIC_WRITE,
                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                       folder.isGuarded() ? protection.get() : nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL);
-        m_error = file.isOpen() ? ERROR_SUCCESS : GetLastError();
+        m_error = file ? ERROR_SUCCESS : GetLastError();
         return file;
     }())
 {

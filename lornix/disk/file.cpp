@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 #include <mutex>
-#include <optional>
 #include <utility>
 
 namespace lornix {
@@ -72,15 +71,15 @@ DWORD writeAll(HANDLE file, std::string_view bytes)
 }
 
 /// @param file  receives the open file.
-DWORD openToRead(const std::wstring& path, Patience& patience, std::optional<Handle>& file)
+DWORD openToRead(const std::wstring& path, Patience& patience, Handle& file)
 {
     const DWORD error = persistently(patience, [&] {
-        file.emplace(openPlain(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                               nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN));
-        if (!file->isOpen()) {
+        file = openPlain(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                         OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+        if (!file) {
             SetLastError(settled(GetLastError(), longPath(path), false));
         }
-        return file->isOpen();
+        return static_cast<bool>(file);
     });
     return error == ERROR_PATH_NOT_FOUND ? ERROR_FILE_NOT_FOUND : error;
 }
@@ -190,7 +189,7 @@ Handle openPlain(const std::wstring& path, DWORD access, DWORD share, SECURITY_A
     const std::wstring name = longPath(path);
     Handle file(CreateFileW(name.c_str(), access, share, security, disposition,
                             flags | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-    if (!file.isOpen()) {
+    if (!file) {
         return file;
     }
     FILE_ATTRIBUTE_TAG_INFO found{};
@@ -213,19 +212,19 @@ Handle openPlain(const std::wstring& path, DWORD access, DWORD share, SECURITY_A
 
 DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience, FileStamp* stamp)
 {
-    std::optional<Handle> file;
+    Handle file;
     if (const DWORD error = openToRead(path, patience, file); error != ERROR_SUCCESS) {
         return error;
     }
     FileStamp now;
-    if (const DWORD error = takeStamp(file->get(), now); error != ERROR_SUCCESS) {
+    if (const DWORD error = takeStamp(file.get(), now); error != ERROR_SUCCESS) {
         return error;
     }
     if (now.size > kLargestFile) {
         return ERROR_FILE_TOO_LARGE;
     }
     bytes.resize(now.size);
-    const DWORD error = readAt(file->get(), 0, bytes);
+    const DWORD error = readAt(file.get(), 0, bytes);
     if (stamp != nullptr) {
         *stamp = std::move(now);
     }
@@ -234,9 +233,29 @@ DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience,
 
 DWORD readStamp(const std::wstring& path, FileStamp& stamp, Patience& patience)
 {
-    std::optional<Handle> file;
+    Handle file;
     const DWORD error = openToRead(path, patience, file);
-    return error != ERROR_SUCCESS ? error : takeStamp(file->get(), stamp);
+    return error != ERROR_SUCCESS ? error : takeStamp(file.get(), stamp);
+}
+
+bool holdsText(const std::wstring& path, std::string_view text, Patience& patience, FileStamp& stamp)
+{
+    Handle file;
+    if (openToRead(path, patience, file) != ERROR_SUCCESS || takeStamp(file.get(), stamp) != ERROR_SUCCESS ||
+        stamp.size != text.size())
+    {
+        return false;
+    }
+    constexpr std::size_t kPiece = 1 << 18; // small enough to be compared while it is near the processor
+    std::string piece;
+    for (std::size_t done = 0; done < text.size(); done += kPiece) {
+        const std::string_view expected = text.substr(done, kPiece);
+        piece.resize(expected.size());
+        if (readAt(file.get(), done, piece) != ERROR_SUCCESS || piece != expected) {
+            return false;
+        }
+    }
+    return true;
 }
 
 DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security)
@@ -249,7 +268,7 @@ DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRI
         // Made new: what another has put there, a link above all, is never written to.
         const Handle file = openPlain(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, security,
                                       CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
-        if (!file.isOpen()) {
+        if (!file) {
             return GetLastError();
         }
         error = writeAll(file.get(), bytes);

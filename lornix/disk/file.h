@@ -1,6 +1,8 @@
 // Files, whole and safe. Links at their names are not followed.
 #pragma once
 
+#include "store/owned.h"
+
 #include <windows.h>
 
 #include <cstdint>
@@ -9,32 +11,8 @@
 
 namespace lornix {
 
-/// A handle that closes itself.
-class Handle {
-public:
-    explicit Handle(HANDLE handle = INVALID_HANDLE_VALUE)
-        : m_handle(handle)
-    {
-    }
-    Handle(Handle&& other) noexcept
-        : m_handle(other.m_handle)
-    {
-        other.m_handle = INVALID_HANDLE_VALUE;
-    }
-    Handle& operator=(Handle&&) = delete;
-    ~Handle()
-    {
-        if (isOpen()) {
-            CloseHandle(m_handle);
-        }
-    }
-
-    bool isOpen() const { return m_handle != INVALID_HANDLE_VALUE && m_handle != nullptr; }
-    HANDLE get() const { return m_handle; }
-
-private:
-    HANDLE m_handle;
-};
+/// An open file or folder.
+using Handle = Owned<HANDLE, CloseHandle, -1>;
 
 /// How long is gone on trying when a virus scanner, a backup or another process has a file open. What calls that
 /// follow each other wait counts together: a host that asks for thirty folders whose file is held does not wait
@@ -89,6 +67,10 @@ DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience,
 
 /// @return as for readFile.
 DWORD readStamp(const std::wstring& path, FileStamp& stamp, Patience& patience);
+
+/// Whether a file can be read and is a text, byte for byte.
+/// @param stamp  receives what was compared.
+bool holdsText(const std::wstring& path, std::string_view text, Patience& patience, FileStamp& stamp);
 
 /// Makes a new file and sees to it that it is on the disk. On failure nothing of it is left.
 /// @param security  null for what the folder gives to its files.

@@ -23,7 +23,7 @@ std::vector<char> thisUser()
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) {
         return {};
     }
-    const Handle token(opened);
+    const Owned<HANDLE, CloseHandle> token(opened);
     DWORD size = 0;
     GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
     std::vector<char> user(size);
@@ -84,7 +84,7 @@ bool isOurs(HANDLE folder)
     const DWORD error =
         GetSecurityInfo(folder, SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION,
                         &owner, nullptr, &list, nullptr, &read);
-    const std::unique_ptr<void, decltype(&LocalFree)> descriptor(read, LocalFree);
+    const Owned<PSECURITY_DESCRIPTOR, LocalFree> descriptor(read);
     const std::vector<char> user = thisUser();
     return error == ERROR_SUCCESS && owner != nullptr && isTrusted(owner, user) && isClosed(list, user);
 }
@@ -92,7 +92,6 @@ bool isOurs(HANDLE folder)
 } // namespace
 
 Protection::Protection(Readers readers)
-    : m_descriptor(nullptr, LocalFree)
 {
     PSECURITY_DESCRIPTOR made = nullptr;
     if (ConvertStringSecurityDescriptorToSecurityDescriptorW(
@@ -122,7 +121,7 @@ HeldFolder holdFolder(const std::wstring& path)
     Handle handle =
         openPlain(path, READ_CONTROL | FILE_READ_ATTRIBUTES | FILE_TRAVERSE,
                   FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
-    if (!handle.isOpen()) {
+    if (!handle) {
         return {Handle(), GetLastError(), false};
     }
     const bool ours = isOurs(handle.get());

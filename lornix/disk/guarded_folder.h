@@ -3,7 +3,6 @@
 
 #include "lornix/disk/file.h"
 
-#include <memory>
 #include <optional>
 
 namespace lornix {
@@ -23,7 +22,7 @@ public:
     }
 
 private:
-    std::unique_ptr<void, decltype(&LocalFree)> m_descriptor;
+    Owned<PSECURITY_DESCRIPTOR, LocalFree> m_descriptor;
     SECURITY_ATTRIBUTES m_attributes{};
 };
 

@@ -35,7 +35,9 @@ bool PolicyList::load()
     }
     std::size_t unreadable = 0;
     for (const PolicyRecord& record : content->entries) {
-        unreadable += take(record) ? 0 : 1;
+        if (!take(record)) {
+            ++unreadable;
+        }
     }
     if (unreadable != 0) {
         report(m_title + std::wstring(L" holds ") + std::to_wstring(unreadable) +
@@ -211,7 +213,7 @@ bool PolicyList::store()
     if (!present) {
         return false;
     }
-    // What is damaged is nobody's work, and kept as it is when ours takes its place.
+    // A damaged file is no list that somebody stored meanwhile: it is set aside, and ours takes its place.
     if (present->condition == Condition::kGood && writePolicy(m_format, present->entries) != m_persistent) {
         report(target.title +
                L" was changed by somebody else since it was loaded, and is not replaced unseen.");

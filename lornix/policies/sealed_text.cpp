@@ -37,7 +37,7 @@ DATA_BLOB blobOf(const void* bytes, std::size_t size)
 
 } // namespace
 
-void WipingFree::operator()(wchar_t* text) const
+void wipeAndFree(wchar_t* text)
 {
     SecureZeroMemory(text, std::wcslen(text) * sizeof(wchar_t));
     std::free(text);

@@ -1,20 +1,18 @@
 // Text that only the account that sealed it can read again, on the same machine.
 #pragma once
 
+#include "store/owned.h"
+
 #include <windows.h>
 
-#include <cstdlib>
-#include <memory>
 #include <string>
 
 namespace lornix {
 
 /// Passwords are among the strings, so none is left behind in memory.
-struct WipingFree {
-    void operator()(wchar_t* text) const;
-};
+void wipeAndFree(wchar_t* text);
 /// A malloc block.
-using OwnedText = std::unique_ptr<wchar_t, WipingFree>;
+using OwnedText = Owned<wchar_t*, wipeAndFree>;
 
 /// @throws std::bad_alloc
 OwnedText copyText(const wchar_t* text);

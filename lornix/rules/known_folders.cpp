@@ -5,17 +5,13 @@
 #include "lornix/text/wide_text.h"
 #include "lornix_host.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <algorithm>
-#include <memory>
 #include <unordered_set>
 
 namespace lornix {
 namespace {
-
-struct PathListDelete {
-    void operator()(PathList* list) const { freePathList(list); }
-};
 
 /// What a caller was given as the known folders. When it stores its list, this tells what it added and took out.
 struct Given {
@@ -79,7 +75,7 @@ PathList* loadFolders(bool toChange)
         if (toChange) {
             given = Given{DataFolder::timesChosen(), folders};
         }
-        std::unique_ptr<PathList, PathListDelete> list;
+        Owned<PathList*, freePathList> list;
         for (const std::u16string& folder : folders) {
             list.reset(appendToPaths(list.release(), toWide(folder).c_str()));
         }

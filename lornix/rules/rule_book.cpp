@@ -4,6 +4,7 @@
 #include "lornix/text/folder_key.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <functional>
 #include <iterator>
@@ -13,13 +14,6 @@ namespace {
 
 constexpr std::string_view kFolderWord = "folder";
 constexpr std::string_view kAnyone = "anyone";
-
-void appendField(std::string& line, std::int64_t number)
-{
-    char digits[24];
-    line.append(digits, std::to_chars(std::begin(digits), std::end(digits), number).ptr);
-    line += '\t';
-}
 
 bool readNumber(std::string_view word, std::int64_t& number)
 {
@@ -66,15 +60,28 @@ std::string_view takeLine(std::string_view& text)
     return line.substr(0, line.find_last_not_of(" \t\r") + 1);
 }
 
-/// The folder of a line that is known to be good.
-std::u16string folderOf(std::string_view line)
+/// The folder of a line that is known to be good, as it stands there.
+std::string_view folderOf(std::string_view line)
 {
     if (takeWord(line) != kFolderWord) {
         takeWord(line);
         takeWord(line);
         takeWord(line);
     }
-    return unescape(line).value_or(std::u16string());
+    return line;
+}
+
+std::u16string unescaped(std::string_view folder)
+{
+    return unescape(folder).value_or(std::u16string());
+}
+
+/// Whether a folder, as it stands in a line, has a key.
+bool isFolder(std::string_view folder, std::u16string_view key)
+{
+    const bool isPlain = std::ranges::all_of(
+        folder, [](char unit) { return unit != '%' && static_cast<signed char>(unit) > 0; });
+    return isPlain ? hasFolderKey(folder, key) : folderKey(unescaped(folder)) == key;
 }
 
 std::uint64_t hashOf(std::u16string_view key)
@@ -108,20 +115,34 @@ const char* flawOfLimits(std::int64_t hardLimit, std::int64_t softLimit)
                                    : nullptr;
 }
 
-void appendRule(std::string& lines, std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
-                std::span<const std::uint8_t> sid, std::string_view escapedFolder)
+void RuleLines::append(std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
+                       std::span<const std::uint8_t> sid, std::string_view escapedFolder)
 {
-    appendField(lines, hardLimit);
-    appendField(lines, softLimit);
-    appendField(lines, inUse);
-    if (sid.empty()) {
-        lines += kAnyone;
-    } else {
-        appendSidText(lines, sid);
+    char numbers[3 * 24];
+    char* end = std::begin(numbers);
+    for (const std::int64_t number : {hardLimit, softLimit, inUse}) {
+        end = std::to_chars(end, std::end(numbers), number).ptr;
+        *end++ = '\t';
     }
-    lines += '\t';
-    lines += escapedFolder;
-    lines += "\r\n";
+    m_lines.append(std::begin(numbers), end);
+    if (sid.empty()) {
+        m_lines += kAnyone;
+    } else {
+        m_accounts.append(m_lines, sid);
+    }
+    m_lines += '\t';
+    m_lines += escapedFolder;
+    m_lines += "\r\n";
+}
+
+StoredRule takeRule(std::string_view& lines)
+{
+    std::string_view line = takeLine(lines);
+    bool isKnown = false;
+    StoredRule rule;
+    takeApart(line, rule, isKnown);
+    rule.folder = unescaped(line);
+    return rule;
 }
 
 RuleBook::RuleBook(const FileKind& kind)
@@ -212,7 +233,7 @@ std::uint32_t RuleBook::find(std::u16string_view key, std::string_view lines) co
         }
         // Two folders may have one hash: the name counts.
         std::string_view own = lines.substr(m_blocks[index].start);
-        if (m_blocks[index].hash == hash && folderKey(folderOf(takeLine(own))) == key) {
+        if (m_blocks[index].hash == hash && isFolder(folderOf(takeLine(own)), key)) {
             return index;
         }
     }
@@ -221,20 +242,28 @@ std::uint32_t RuleBook::find(std::u16string_view key, std::string_view lines) co
 
 void RuleBook::addBlock(const Block& block)
 {
-    const auto enter = [this](std::uint32_t index) {
-        std::size_t i = m_blocks[index].hash;
-        while (m_slots[i & (m_slots.size() - 1)] != kNone) {
-            ++i;
-        }
-        m_slots[i & (m_slots.size() - 1)] = index;
-    };
     m_blocks.push_back(block);
-    if (m_blocks.size() * 2 <= m_slots.size()) {
+    if (m_blocks.size() * 2 > m_slots.size()) {
+        makeRoomFor(m_blocks.size());
+    } else {
         enter(static_cast<std::uint32_t>(m_blocks.size() - 1));
-        return;
     }
+}
+
+void RuleBook::enter(std::uint32_t index)
+{
+    std::size_t i = m_blocks[index].hash;
+    while (m_slots[i & (m_slots.size() - 1)] != kNone) {
+        ++i;
+    }
+    m_slots[i & (m_slots.size() - 1)] = index;
+}
+
+void RuleBook::makeRoomFor(std::size_t blocks)
+{
     constexpr std::size_t kLeast = 16;
-    m_slots.assign(std::max(kLeast, m_slots.size() * 2), kNone);
+    m_blocks.reserve(blocks);
+    m_slots.assign(std::max(kLeast, std::bit_ceil(blocks * 2)), kNone);
     for (std::uint32_t index = 0; index < m_blocks.size(); ++index) {
         enter(index);
     }
@@ -242,13 +271,18 @@ void RuleBook::addBlock(const Block& block)
 
 void RuleBook::append(std::uint64_t hash, std::string_view known, std::string_view rules)
 {
-    if (known.empty() && rules.empty()) {
-        return;
-    }
-    addBlock({hash, static_cast<std::uint32_t>(m_text.size()), static_cast<std::uint32_t>(known.size()),
-              static_cast<std::uint32_t>(rules.size())});
+    const std::size_t start = m_text.size();
     m_text += known;
     m_text += rules;
+    addWritten(hash, start, start + known.size());
+}
+
+void RuleBook::addWritten(std::uint64_t hash, std::size_t start, std::size_t rules)
+{
+    if (m_text.size() != start) {
+        addBlock({hash, static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(rules - start),
+                  static_cast<std::uint32_t>(m_text.size() - rules)});
+    }
 }
 
 RuleBook::Entry RuleBook::entryOf(std::u16string_view key) const
@@ -261,12 +295,7 @@ std::vector<StoredRule> RuleBook::rulesOf(std::u16string_view key) const
 {
     std::vector<StoredRule> rules;
     for (std::string_view lines = entryOf(key).lines; !lines.empty();) {
-        std::string_view line = takeLine(lines);
-        bool isKnown = false;
-        StoredRule rule;
-        takeApart(line, rule, isKnown);
-        rule.folder = unescape(line).value_or(std::u16string());
-        rules.push_back(std::move(rule));
+        rules.push_back(takeRule(lines));
     }
     return rules;
 }
@@ -277,39 +306,49 @@ std::vector<std::u16string> RuleBook::knownFolders() const
     for (const Block& block : m_blocks) {
         if (block.known != 0) {
             std::string_view line = knownLine(block);
-            folders.push_back(folderOf(takeLine(line)));
+            folders.push_back(unescaped(folderOf(takeLine(line))));
         }
     }
     return folders;
 }
 
-RuleBook RuleBook::with(const std::vector<Change>& changes) const
+RuleBook RuleBook::with(std::span<const Change> changes, std::size_t room, const Write& write) const
 {
-    std::vector<const Change*> changeOf(m_blocks.size());
-    std::vector<const Change*> added;
-    std::size_t size = m_text.size();
-    for (const Change& change : changes) {
-        const std::uint32_t index = find(change.key, m_text);
-        (index == kNone ? added.emplace_back() : changeOf[index]) = &change;
-        size += change.lines.size();
+    std::vector<std::size_t> changeOf(m_blocks.size(), changes.size());
+    std::vector<std::size_t> added;
+    std::size_t size = m_text.size() + room;
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        if (const std::uint32_t index = find(changes[i].key, m_text); index == kNone) {
+            added.push_back(i);
+        } else {
+            changeOf[index] = i;
+            size -= m_blocks[index].rules;
+        }
     }
     RuleBook next(m_kind);
     next.begin();
     next.m_text.reserve(size + size / 8);
+    next.makeRoomFor(m_blocks.size() + added.size());
+    RuleLines lines(next.m_text);
+    const auto append = [&](std::size_t change, std::uint64_t hash, std::string_view known) {
+        const std::size_t start = next.m_text.size();
+        if (changes[change].isKnown) {
+            next.m_text += known.empty() ? knownLineOf(changes[change].folder) : known;
+        }
+        const std::size_t rules = next.m_text.size();
+        write(change, lines);
+        next.addWritten(hash, start, rules);
+    };
     for (std::size_t i = 0; i < m_blocks.size(); ++i) {
         const Block& block = m_blocks[i];
-        if (const Change* change = changeOf[i]; change == nullptr) {
+        if (changeOf[i] == changes.size()) {
             next.append(block.hash, knownLine(block), ruleLines(block));
-        } else if (!change->isKnown) {
-            next.append(block.hash, {}, change->lines);
         } else {
-            const std::string known = block.known == 0 ? knownLineOf(change->folder) : std::string();
-            next.append(block.hash, known.empty() ? knownLine(block) : known, change->lines);
+            append(changeOf[i], block.hash, knownLine(block));
         }
     }
-    for (const Change* change : added) {
-        next.append(hashOf(change->key), change->isKnown ? knownLineOf(change->folder) : std::string(),
-                    change->lines);
+    for (const std::size_t change : added) {
+        append(change, hashOf(changes[change].key), {});
     }
     next.finish();
     return next;

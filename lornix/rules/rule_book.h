@@ -6,6 +6,8 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,11 +30,31 @@ struct StoredRule {
 /// @return what keeps limits from being stored, or null.
 const char* flawOfLimits(std::int64_t hardLimit, std::int64_t softLimit);
 
-/// Appends the line of a rule.
-/// @param sid            empty for anyone.
-/// @param escapedFolder  as it stands in the line.
-void appendRule(std::string& lines, std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
+/// Writes the lines of rules, one after the other.
+class RuleLines {
+public:
+    /// @param lines  to append them to.
+    explicit RuleLines(std::string& lines)
+        : m_lines(lines)
+    {
+    }
+
+    /// @param sid            empty for anyone.
+    /// @param escapedFolder  as it stands in the line.
+    void append(std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
                 std::span<const std::uint8_t> sid, std::string_view escapedFolder);
+
+private:
+    std::string& m_lines;
+    SidSpeller m_accounts;
+};
+
+/// How long lines are beside their folder: mostly, and at least.
+inline constexpr std::size_t kUsualLine = 80;
+inline constexpr std::size_t kShortestLine = 14;
+
+/// Takes the first rule off lines of a book. They are known to be good.
+StoredRule takeRule(std::string_view& lines);
 
 /// The lines of a file by their folders, without what they say: 100,000 rules of 5,000 folders are then little more
 /// than their text, and storing those of one folder takes the others over as they are. What is read is put in order by
@@ -58,15 +80,18 @@ public:
     /// In their order.
     std::vector<std::u16string> knownFolders() const;
 
-    /// What the lines of a folder's rules are to be.
+    /// A folder whose rules are replaced.
     struct Change {
         std::u16string_view key;
         std::u16string_view folder; ///< as a folder that gets to be known is spelled
-        std::string_view lines;
         bool isKnown;
     };
-    /// The book with the lines of some folders replaced. A key may stand there once.
-    RuleBook with(const std::vector<Change>& changes) const;
+    /// Writes the new rules of a change, of which it gets the index.
+    using Write = std::function<void(std::size_t, RuleLines&)>;
+
+    /// The book with the rules of some folders replaced. A key may stand there once.
+    /// @param room  how long the new lines are, about.
+    RuleBook with(std::span<const Change> changes, std::size_t room, const Write& write) const;
 
     /// The book with other known folders. None may stand there twice.
     RuleBook withKnown(const std::vector<std::u16string>& folders) const;
@@ -86,7 +111,11 @@ private:
     /// @param lines  the text that the blocks are of.
     std::uint32_t find(std::u16string_view key, std::string_view lines) const;
     void append(std::uint64_t hash, std::string_view known, std::string_view rules);
+    /// Adds the block whose lines stand at the end of the text already.
+    void addWritten(std::uint64_t hash, std::size_t start, std::size_t rules);
     void addBlock(const Block& block);
+    void enter(std::uint32_t index);
+    void makeRoomFor(std::size_t blocks);
     void gather(std::string_view file, const std::deque<Piece>& pieces);
     void begin() { m_text.resize(m_head); }
     void finish() { appendEnd(m_text, m_kind); }

@@ -29,37 +29,51 @@ RuleFile::RuleFile(const DataFolder& data)
 {
 }
 
+bool RuleFile::isRemembered(Patience& patience) const
+{
+    if (!remembered || remembered->path != m_file.path || !m_file.folder.mayHoldFiles()) {
+        return false;
+    }
+    FileStamp stamp;
+    if (remembered->isSettled && readStamp(m_file.path, stamp, patience) == ERROR_SUCCESS &&
+        stamp == remembered->stamp)
+    {
+        return true;
+    }
+    if (!holdsText(m_file.path, remembered->book.text(), patience, stamp)) {
+        return false;
+    }
+    remembered->isSettled = isSettled(stamp);
+    remembered->stamp = std::move(stamp);
+    return true;
+}
+
 const RuleBook* RuleFile::read(Patience& patience)
 {
-    const bool isSame = remembered && remembered->path == m_file.path;
-    FileStamp stamp;
-    if (!(isSame && remembered->isSettled && m_file.folder.mayHoldFiles() &&
-          readStamp(m_file.path, stamp, patience) == ERROR_SUCCESS && stamp == remembered->stamp))
-    {
+    if (!isRemembered(patience)) {
+        remembered.reset(); // two at once would need twice the memory
         std::string bytes;
+        FileStamp stamp;
         const Reading reading = readBytes(m_file, bytes, patience, &stamp);
         if (reading == Reading::kFailed) {
             return nullptr;
         }
-        const bool isMissing = reading == Reading::kMissing;
-        if (!isSame || isMissing || remembered->book.text() != bytes) {
-            remembered.reset(); // two at once would need twice the memory
-            remembered = Remembered{m_file.path, {}, false, isMissing ? RuleBook() : RuleBook(kRules, bytes)};
-        }
-        remembered->isSettled = reading == Reading::kDone && isSettled(stamp);
-        remembered->stamp = std::move(stamp);
+        const bool isDone = reading == Reading::kDone;
+        const bool isStill = isDone && isSettled(stamp);
+        remembered =
+            Remembered{m_file.path, std::move(stamp), isStill, isDone ? RuleBook(kRules, bytes) : RuleBook()};
     }
     const RuleBook& book = remembered->book;
     return judge(m_file, book.condition, book.flaws) ? &book : nullptr;
 }
 
-bool RuleFile::replace(RuleBook book, Patience& patience)
+const RuleBook* RuleFile::replace(RuleBook book, Patience& patience)
 {
     if (!replaceKept(m_file, remembered->book.condition, book.text(), patience)) {
-        return false;
+        return nullptr;
     }
     remembered = Remembered{m_file.path, {}, false, std::move(book)};
-    return true;
+    return &remembered->book;
 }
 
 } // namespace lornix

@@ -15,10 +15,13 @@ public:
     const RuleBook* read(Patience& patience);
 
     /// Puts a book in the place of the one that was read. The caller holds the lock.
-    /// @return false with a report; the file is then as it was.
-    bool replace(RuleBook book, Patience& patience);
+    /// @return the book, as for read; null with a report when the file is as it was.
+    const RuleBook* replace(RuleBook book, Patience& patience);
 
 private:
+    /// Whether the file is still the one in memory.
+    bool isRemembered(Patience& patience) const;
+
     KeptFile m_file;
 };
 

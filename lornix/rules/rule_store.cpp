@@ -1,5 +1,4 @@
 // Loading and storing the rules of folders.
-#include "lornix/accounts/remembered_names.h"
 #include "lornix/last_error.h"
 #include "lornix/rules/rule_file.h"
 #include "lornix/sid.h"
@@ -8,12 +7,16 @@
 #include "lornix/text/wide_text.h"
 #include "lornix_host.h"
 #include "store/lornix.h"
+#include "store/owned.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cwchar>
-#include <memory>
+#include <functional>
+#include <optional>
+#include <span>
 #include <unordered_map>
+#include <vector>
 
 namespace lornix {
 namespace {
@@ -44,10 +47,7 @@ std::wstring quoted(std::u16string_view folder)
     return L'"' + toWide(folder) + L'"';
 }
 
-struct ChainDelete {
-    void operator()(QuotaRule* rule) const { lornixFreeRules(rule); }
-};
-using Chain = std::unique_ptr<QuotaRule, ChainDelete>;
+using Chain = Owned<QuotaRule*, lornixFreeRules>;
 
 wchar_t* copyOf(std::u16string_view text)
 {
@@ -86,12 +86,13 @@ QuotaRule* recordOf(const StoredRule& rule)
     return record.release();
 }
 
-Chain chainOf(const std::vector<StoredRule>& rules)
+/// @param lines  of a book.
+Chain chainOf(std::string_view lines)
 {
     Chain first;
     QuotaRule* last = nullptr;
-    for (const StoredRule& rule : rules) {
-        QuotaRule* record = recordOf(rule);
+    while (!lines.empty()) {
+        QuotaRule* record = recordOf(takeRule(lines));
         record->prev = last;
         if (last == nullptr) {
             first.reset(record);
@@ -117,25 +118,25 @@ QuotaRule* loadRules(const wchar_t* folder)
         std::u16string key = folderKey(fromWide(folder));
         Patience patience = Patience::toRead();
         const RuleBook* book = RuleFile(data).read(patience);
-        Chain chain = chainOf(book == nullptr ? std::vector<StoredRule>() : book->rulesOf(key));
-        seenRules()[key] = book == nullptr ? std::optional<Mark>() : markOf(book->entryOf(key).lines);
+        const std::string_view lines = book == nullptr ? std::string_view() : book->entryOf(key).lines;
+        Chain chain = chainOf(lines);
+        seenRules()[key] = book == nullptr ? std::optional<Mark>() : markOf(lines);
         return chain.release();
     });
 }
 
-/// A rule of the chain, and which one it is.
+/// A rule of the chain, which one it is, and the folder it belongs to.
 struct Row {
     const QuotaRule* rule;
-    std::size_t number;
+    std::uint32_t number;
+    std::uint32_t group;
 };
 
 /// The rules of one folder that are to be stored.
 struct FolderGroup {
     std::u16string folder;
     std::u16string key;
-    std::vector<Row> rows;
-    std::size_t start = 0; ///< of their lines
-    std::size_t size = 0;
+    std::span<const Row> rows;
 };
 
 class Storing {
@@ -147,24 +148,23 @@ public:
     bool store(DataFolder data);
 
 private:
-    FolderGroup* groupOf(const QuotaRule& rule);
-    bool isEachAccountOnce();
-    void write();
-    std::string_view linesOf(const FolderGroup& group) const
-    {
-        return {m_lines.data() + group.start, group.size};
-    }
-    bool collect(const RuleBook& book, std::vector<RuleBook::Change>& changes) const;
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+    bool takeFolders(const PathList& folders);
+    std::uint32_t groupOf(const QuotaRule& rule);
+    bool isEachAccountOnce() const;
+    RuleBook bookAfter(const RuleBook& book) const;
+    bool mayBecome(const RuleBook& book, const RuleBook& next, bool& isChanged) const;
+    void noteSeen(const RuleBook& book) const;
 
     std::vector<FolderGroup> m_groups;
-    std::unordered_map<std::u16string, std::size_t> m_groupsByKey;
+    std::unordered_map<std::u16string_view, std::uint32_t> m_groupsByKey;
+    std::vector<Row> m_rows; // in the order of the groups
     std::wstring_view m_lastPath;
-    FolderGroup* m_lastGroup = nullptr;
-    std::string m_lines;
-    std::size_t m_size = 0; ///< that they will have, about
+    std::uint32_t m_lastGroup = kNone;
+    std::u16string m_key;   // of the path
+    std::size_t m_room = 0; // that the lines need, about
 };
-
-constexpr std::size_t kUsualLine = 90;
 
 bool refuse(const std::wstring& rules, const wchar_t* path, const std::wstring& reason)
 {
@@ -186,80 +186,121 @@ const char* flawOf(const QuotaRule& rule)
     return flawOfLimits(rule.hardLimit, rule.softLimit);
 }
 
-FolderGroup* Storing::groupOf(const QuotaRule& rule)
+std::uint32_t Storing::groupOf(const QuotaRule& rule)
 {
     // Rules of one folder mostly follow each other and spell it alike.
-    if (const std::wstring_view path = rule.path; m_lastGroup == nullptr || path != m_lastPath) {
-        m_lastPath = path;
-        const auto found = m_groupsByKey.find(folderKey(fromWide(path)));
-        m_lastGroup = found == m_groupsByKey.end() ? nullptr : &m_groups[found->second];
+    if (m_lastGroup == kNone || rule.path != m_lastPath) {
+        m_lastPath = rule.path;
+        assignFolderKey(m_key, fromWide(m_lastPath));
+        const auto found = m_groupsByKey.find(m_key);
+        m_lastGroup = found == m_groupsByKey.end() ? kNone : found->second;
     }
     return m_lastGroup;
 }
 
-bool Storing::sort(const PathList& folders, const QuotaRule* chain)
+bool Storing::takeFolders(const PathList& folders)
 {
     wchar_t* const* paths = folders.paths;
+    m_groups.reserve(
+        static_cast<std::size_t>(std::max(folders.count, 0))); // none moves: others look at their keys
     for (std::int32_t i = 0; i < folders.count; ++i) {
         if (paths[i] == nullptr || *paths[i] == L'\0') {
             report(L"Nothing was stored: folder " + std::to_wstring(i + 1) + L" of the list has no name.");
             return false;
         }
-        FolderGroup group{fromWide(paths[i]), folderKey(fromWide(paths[i])), {}};
-        if (m_groupsByKey.try_emplace(group.key, m_groups.size()).second) {
-            m_groups.push_back(std::move(group));
-        }
-    }
-    std::size_t number = 1;
-    for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next, ++number) {
-        const char* flaw = flawOf(*rule);
-        FolderGroup* group = flaw == nullptr ? groupOf(*rule) : nullptr;
-        if (group == nullptr) {
-            const std::string reason = flaw == nullptr ? "its folder is not among those to be stored" : flaw;
-            return refuse(L"rule " + std::to_wstring(number), rule->path, {reason.begin(), reason.end()});
-        }
-        group->rows.push_back({rule, number});
-        m_size += kUsualLine + m_lastPath.size();
-    }
-    return isEachAccountOnce();
-}
-
-bool Storing::isEachAccountOnce()
-{
-    std::unordered_map<std::string_view, std::size_t> numbers; // of the rows, by their accounts
-    for (const FolderGroup& group : m_groups) {
-        numbers.clear();
-        for (const Row& row : group.rows) {
-            const auto sid = sidBytes(row.rule->sid);
-            const std::string_view bytes(reinterpret_cast<const char*>(sid.data()), sid.size());
-            const auto [other, isFirst] = numbers.try_emplace(bytes, row.number);
-            if (!isFirst) {
-                return refuse(L"rules " + std::to_wstring(other->second) + L" and " +
-                                  std::to_wstring(row.number),
-                              toWide(group.folder).c_str(), L"both are for one account");
-            }
+        FolderGroup& group = m_groups.emplace_back();
+        group.folder = fromWide(paths[i]);
+        assignFolderKey(group.key, group.folder);
+        if (!m_groupsByKey.try_emplace(group.key, static_cast<std::uint32_t>(m_groups.size() - 1)).second) {
+            m_groups.pop_back();
         }
     }
     return true;
 }
 
-void Storing::write()
+bool Storing::sort(const PathList& folders, const QuotaRule* chain)
+{
+    if (!takeFolders(folders)) {
+        return false;
+    }
+    std::uint32_t number = 1;
+    for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next, ++number) {
+        const char* flaw = flawOf(*rule);
+        const std::uint32_t group = flaw == nullptr ? groupOf(*rule) : kNone;
+        if (group == kNone) {
+            const std::string reason = flaw == nullptr ? "its folder is not among those to be stored" : flaw;
+            return refuse(L"rule " + std::to_wstring(number), rule->path, {reason.begin(), reason.end()});
+        }
+        m_rows.push_back({rule, number, group});
+        m_room += kUsualLine + m_lastPath.size();
+    }
+    const auto place = [](const Row& row) {
+        return std::pair(row.group, row.number);
+    };
+    if (!std::ranges::is_sorted(m_rows, {}, place)) {
+        std::ranges::sort(m_rows, {}, place);
+    }
+    for (std::size_t first = 0, next = 0; first < m_rows.size(); first = next) {
+        const std::uint32_t group = m_rows[first].group;
+        while (next < m_rows.size() && m_rows[next].group == group) {
+            ++next;
+        }
+        m_groups[group].rows = std::span(m_rows).subspan(first, next - first);
+    }
+    return isEachAccountOnce();
+}
+
+std::string_view accountOf(const Row& row)
+{
+    const auto sid = sidBytes(row.rule->sid);
+    return {reinterpret_cast<const char*>(sid.data()), sid.size()};
+}
+
+bool Storing::isEachAccountOnce() const
+{
+    struct Account {
+        std::size_t hash;
+        const Row* row;
+        bool operator<(const Account& other) const
+        {
+            if (hash != other.hash) {
+                return hash < other.hash;
+            }
+            const int order = accountOf(*row).compare(accountOf(*other.row));
+            return order != 0 ? order < 0 : row->number < other.row->number;
+        }
+    };
+    std::vector<Account> accounts;
+    for (const FolderGroup& group : m_groups) {
+        accounts.clear();
+        for (const Row& row : group.rows) {
+            accounts.push_back({std::hash<std::string_view>()(accountOf(row)), &row});
+        }
+        std::sort(accounts.begin(), accounts.end());
+        const auto repeated = std::ranges::adjacent_find(accounts, [](const Account& a, const Account& b) {
+            return a.hash == b.hash && accountOf(*a.row) == accountOf(*b.row);
+        });
+        if (repeated != accounts.end()) {
+            return refuse(L"rules " + std::to_wstring(repeated[0].row->number) + L" and " +
+                              std::to_wstring(repeated[1].row->number),
+                          toWide(group.folder).c_str(), L"both are for one account");
+        }
+    }
+    return true;
+}
+
+void write(std::span<const Row> rows, RuleLines& lines)
 {
     std::wstring_view path;
     std::string escaped;
-    m_lines.reserve(m_size);
-    for (FolderGroup& group : m_groups) {
-        group.start = m_lines.size();
-        for (const Row& row : group.rows) {
-            const QuotaRule& rule = *row.rule;
-            if (path != rule.path) {
-                path = rule.path;
-                escaped.clear();
-                appendEscaped(escaped, fromWide(path));
-            }
-            appendRule(m_lines, rule.hardLimit, rule.softLimit, rule.inUse, sidBytes(rule.sid), escaped);
+    for (const Row& row : rows) {
+        const QuotaRule& rule = *row.rule;
+        if (path != rule.path) {
+            path = rule.path;
+            escaped.clear();
+            appendEscaped(escaped, fromWide(path));
         }
-        group.size = m_lines.size() - group.start;
+        lines.append(rule.hardLimit, rule.softLimit, rule.inUse, sidBytes(rule.sid), escaped);
     }
 }
 
@@ -279,21 +320,40 @@ bool mayReplace(const FolderGroup& group, std::string_view before)
     return false;
 }
 
+RuleBook Storing::bookAfter(const RuleBook& book) const
+{
+    std::vector<RuleBook::Change> changes;
+    changes.reserve(m_groups.size());
+    for (const FolderGroup& group : m_groups) {
+        changes.push_back({group.key, group.folder, !group.rows.empty()});
+    }
+    return book.with(changes, m_room,
+                     [this](std::size_t change, RuleLines& lines) { write(m_groups[change].rows, lines); });
+}
+
+/// @param isChanged  receives whether there is anything to store.
 /// @return false with a report when rules of some folders must not be replaced.
-bool Storing::collect(const RuleBook& book, std::vector<RuleBook::Change>& changes) const
+bool Storing::mayBecome(const RuleBook& book, const RuleBook& next, bool& isChanged) const
 {
     bool mayAll = true;
+    isChanged = book.condition != Condition::kGood; // what is damaged is mended
     for (const FolderGroup& group : m_groups) {
         const RuleBook::Entry before = book.entryOf(group.key);
-        const bool isKnown = !group.rows.empty();
-        const bool isSame = before.lines == linesOf(group);
-        if (!isSame && !mayReplace(group, before.lines)) {
-            mayAll = false;
-        } else if (!isSame || before.isKnown != isKnown) {
-            changes.push_back({group.key, group.folder, linesOf(group), isKnown});
-        }
+        const RuleBook::Entry after = next.entryOf(group.key);
+        const bool isSame = before.lines == after.lines;
+        isChanged = isChanged || !isSame || before.isKnown != after.isKnown;
+        mayAll = (isSame || mayReplace(group, before.lines)) && mayAll;
     }
     return mayAll;
+}
+
+void Storing::noteSeen(const RuleBook& book) const
+{
+    for (const FolderGroup& group : m_groups) {
+        if (const auto seen = seenRules().find(group.key); seen != seenRules().end()) {
+            seen->second = markOf(book.entryOf(group.key).lines);
+        }
+    }
 }
 
 bool Storing::store(DataFolder data)
@@ -302,43 +362,32 @@ bool Storing::store(DataFolder data)
     if (!lock) {
         return false;
     }
-    write();
     RuleFile file(data);
     Patience patience;
     const RuleBook* book = file.read(patience);
-    std::vector<RuleBook::Change> changes;
-    if (m_lines.size() > static_cast<std::size_t>(kLargestFile)) {
+    if (m_rows.size() > static_cast<std::size_t>(kLargestFile) / kShortestLine) {
         report(L"The rules are too many for one file.");
         book = nullptr;
     }
-    bool isDone = book != nullptr && collect(*book, changes);
-    // Also with no change: what is damaged is mended.
-    if (isDone && (!changes.empty() || book->condition != Condition::kGood)) {
-        isDone = file.replace(book->with(changes), patience);
+    if (book != nullptr) {
+        RuleBook next = bookAfter(*book);
+        bool isChanged = false;
+        if (!mayBecome(*book, next, isChanged)) {
+            book = nullptr;
+        } else if (isChanged) {
+            book = file.replace(std::move(next), patience);
+        }
     }
-    if (!isDone) {
+    if (book == nullptr) {
         report(L"Nothing was stored.");
         return false;
     }
-    for (const FolderGroup& group : m_groups) {
-        if (const auto seen = seenRules().find(group.key); seen != seenRules().end()) {
-            seen->second = markOf(linesOf(group));
-        }
-    }
+    noteSeen(*book);
     return true;
 }
 
 } // namespace
 } // namespace lornix
-
-QuotaRule* getQuotaList(const wchar_t* folder)
-{
-    QuotaRule* const rules = lornix::loadRules(folder);
-    for (const QuotaRule* rule = rules; rule != nullptr; rule = rule->next) {
-        lornix::expectName(rule->sid); // a list shows them
-    }
-    return rules;
-}
 
 QuotaRule* lornixLoadRules(const wchar_t* folder)
 {

@@ -60,13 +60,16 @@ bool track(const QuotaRule& rule)
     } else {
         *same = std::move(mine);
     }
-    std::string lines;
-    for (const StoredRule& each : rules) {
-        std::string escaped;
-        appendEscaped(escaped, each.folder);
-        appendRule(lines, each.hardLimit, each.softLimit, each.inUse, each.sid.bytes(), escaped);
-    }
-    return replaceKept(file, book->condition, book->with({{key, folder, lines, false}}).text(), patience);
+    const RuleBook::Change change{key, folder, false};
+    const std::size_t room = rules.size() * (kUsualLine + folder.size());
+    const RuleBook next = book->with({&change, 1}, room, [&](std::size_t, RuleLines& lines) {
+        for (const StoredRule& each : rules) {
+            std::string escaped;
+            appendEscaped(escaped, each.folder);
+            lines.append(each.hardLimit, each.softLimit, each.inUse, each.sid.bytes(), escaped);
+        }
+    });
+    return replaceKept(file, book->condition, next.text(), patience);
 }
 
 } // namespace

@@ -51,7 +51,7 @@ private:
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                       OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
         DWORD needed = 0;
-        if (open.isOpen() &&
+        if (open &&
             GetKernelObjectSecurity(open.get(), OWNER_SECURITY_INFORMATION, m_bytes, sizeof m_bytes, &needed))
         {
             return ERROR_SUCCESS;

@@ -61,26 +61,18 @@ TreeWalk::TreeWalk(const std::wstring& folder)
     }
 }
 
-TreeWalk::~TreeWalk()
-{
-    close();
-}
-
 DWORD TreeWalk::open(const wchar_t* path, DWORD flags)
 {
     // Meant for backups: a right to those then opens what the folder's own list of rights denies.
-    m_folder = CreateFileW(path, FILE_LIST_DIRECTORY | SYNCHRONIZE,
-                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                           FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr);
-    return m_folder == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS;
+    m_folder.reset(CreateFileW(path, FILE_LIST_DIRECTORY | SYNCHRONIZE,
+                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                               FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr));
+    return m_folder ? ERROR_SUCCESS : GetLastError();
 }
 
 void TreeWalk::close()
 {
-    if (m_folder != INVALID_HANDLE_VALUE) {
-        CloseHandle(m_folder);
-        m_folder = INVALID_HANDLE_VALUE;
-    }
+    m_folder.reset();
     m_entry = nullptr;
 }
 
@@ -88,7 +80,8 @@ DWORD TreeWalk::readMore()
 {
     SetLastError(
         ERROR_DIRECTORY); // a file can be opened too; not every system says why it then has no entries
-    m_isFresh = GetFileInformationByHandleEx(m_folder, FileIdBothDirectoryInfo, m_buffer.data(), kBufferSize);
+    m_isFresh =
+        GetFileInformationByHandleEx(m_folder.get(), FileIdBothDirectoryInfo, m_buffer.data(), kBufferSize);
     if (m_isFresh) {
         m_entry = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(m_buffer.data());
         return ERROR_SUCCESS;
@@ -142,7 +135,7 @@ bool TreeWalk::step()
 
 bool TreeWalk::next()
 {
-    while (m_folder != INVALID_HANDLE_VALUE || openPending()) {
+    while (m_folder || openPending()) {
         while (step()) {
             const bool isFolder = (m_entry->FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
             if (!isFolder) {

@@ -1,6 +1,8 @@
 // Walking a folder tree.
 #pragma once
 
+#include "lornix/disk/file.h"
+
 #include <windows.h>
 
 #include <cstdint>
@@ -53,7 +55,6 @@ public:
     explicit TreeWalk(const std::wstring& folder);
     TreeWalk(const TreeWalk&) = delete;
     TreeWalk& operator=(const TreeWalk&) = delete;
-    ~TreeWalk();
 
     /// Goes to the next file. @return false after the last.
     bool next();
@@ -89,7 +90,7 @@ private:
     std::size_t m_folderLength = 0; // of the part of m_path that is the folder
     std::wstring m_names;           // of the pending folders, end to end
     std::vector<Pending> m_pending;
-    HANDLE m_folder = INVALID_HANDLE_VALUE;
+    Handle m_folder;
     std::vector<std::uint64_t> m_buffer; // entries as the platform gives them
     const FILE_ID_BOTH_DIR_INFO* m_entry = nullptr;
     bool m_isFresh = false; // whether m_entry was read and not given yet

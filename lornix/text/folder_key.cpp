@@ -2,18 +2,43 @@
 
 #include "lornix/text/lower_case.h"
 
+#include <algorithm>
+
 namespace lornix {
+
+namespace {
+
+char16_t folded(char16_t unit)
+{
+    return unit == u'/' ? u'\\' : lowerCase(unit);
+}
+
+} // namespace
 
 std::u16string folderKey(std::u16string_view folder)
 {
-    std::u16string key(folder);
+    std::u16string key;
+    assignFolderKey(key, folder);
+    return key;
+}
+
+void assignFolderKey(std::u16string& key, std::u16string_view folder)
+{
+    key = folder;
     for (char16_t& unit : key) {
-        unit = unit == u'/' ? u'\\' : lowerCase(unit);
+        unit = folded(unit);
     }
     while (key.size() > 1 && key.back() == u'\\') {
         key.pop_back();
     }
-    return key;
+}
+
+bool hasFolderKey(std::string_view plain, std::u16string_view key)
+{
+    while (plain.size() > 1 && (plain.back() == '\\' || plain.back() == '/')) {
+        plain.remove_suffix(1);
+    }
+    return std::ranges::equal(plain, key, {}, [](char unit) { return folded(static_cast<char16_t>(unit)); });
 }
 
 } // namespace lornix

@@ -51,16 +51,32 @@ std::string_view trimmed(std::string_view text)
 std::uint64_t checksumOf(std::string_view bytes)
 {
     static_assert(std::endian::native == std::endian::little, "the sum is part of the files");
-    std::uint64_t sum = bytes.size();
-    while (!bytes.empty()) {
-        std::uint64_t word = 0;
-        const std::size_t size = std::min(bytes.size(), sizeof word);
-        std::memcpy(&word, bytes.data(), size);
-        bytes.remove_prefix(size);
-        sum = (sum ^ word) * 0x9E3779B97F4A7C15u; // each step can be undone, so that no change gets lost
+    constexpr std::size_t kWord = sizeof(std::uint64_t);
+    // Each step can be undone, so that no change gets lost.
+    const auto add = [](std::uint64_t& sum, std::uint64_t word) {
+        sum = (sum ^ word) * 0x9E3779B97F4A7C15u;
         sum ^= sum >> 29;
+    };
+    const auto wordAt = [&](std::size_t offset, std::size_t size) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes.data() + offset, size);
+        return word;
+    };
+    // Four sums take turns: none of them waits for the step before.
+    std::uint64_t sums[] = {bytes.size(), 0, 0, 0};
+    std::size_t offset = 0;
+    for (; bytes.size() - offset >= std::size(sums) * kWord; offset += std::size(sums) * kWord) {
+        for (std::size_t i = 0; i < std::size(sums); ++i) {
+            add(sums[i], wordAt(offset + i * kWord, kWord));
+        }
     }
-    return sum;
+    for (; offset < bytes.size(); offset += kWord) {
+        add(sums[0], wordAt(offset, std::min(kWord, bytes.size() - offset)));
+    }
+    for (std::size_t i = 1; i < std::size(sums); ++i) {
+        add(sums[0], sums[i]);
+    }
+    return sums[0];
 }
 
 void appendHex(std::string& line, std::uint64_t number)

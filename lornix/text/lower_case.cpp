@@ -14,9 +14,9 @@ struct Capitals {
     int distance;
 };
 
-// The one-to-one pairs of the Basic Multilingual Plane that Unicode 3.2 knew, which are those that file systems
-// compare by: a letter that only looks back one way (a dotless i, say) is nobody's pair. Never to be changed:
-// stored files would no longer be found.
+// The capitals of the Basic Multilingual Plane in Unicode 3.2 whose small letter has no other capital; file systems
+// compare names by the same pairs. A letter without a pair of its own stays as it is: the capital of the dotless i is I,
+// whose small letter is i. Never change the table: names in stored files would no longer match.
 constexpr Capitals kCapitals[] = {
     {0x00C0, 0x00D6, 1, 32},   {0x00D8, 0x00DE, 1, 32},   {0x0100, 0x012E, 2, 1},
     {0x0132, 0x0136, 2, 1},    {0x0139, 0x0147, 2, 1},    {0x014A, 0x0176, 2, 1},

@@ -7,6 +7,7 @@ namespace lornix {
 namespace {
 
 constexpr std::size_t kHeadSize = 8; // revision, number of sub-authorities, authority in 6 bytes
+constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kMaxSubAuthorities = 15;
 constexpr std::uint64_t kMaxAuthority = 0xFFFFFFFFFFFFu;
 
@@ -16,6 +17,17 @@ void appendNumber(std::string& line, Number number, int base = 10)
     char digits[24];
     const auto end = std::to_chars(std::begin(digits), std::end(digits), number, base).ptr;
     line.append(digits, end);
+}
+
+void appendSubAuthorities(std::string& line, std::span<const std::uint8_t> rest)
+{
+    for (; rest.size() >= kNumberSize; rest = rest.subspan(kNumberSize)) {
+        const std::uint32_t number =
+            static_cast<std::uint32_t>(rest[0]) | static_cast<std::uint32_t>(rest[1]) << 8 |
+            static_cast<std::uint32_t>(rest[2]) << 16 | static_cast<std::uint32_t>(rest[3]) << 24;
+        line += '-';
+        appendNumber(line, number);
+    }
 }
 
 /// Takes a number from the front, and the dash behind it if there is one; a number must follow a dash.
@@ -65,15 +77,19 @@ void appendSidText(std::string& line, std::span<const std::uint8_t> sid)
         line += '-';
         appendNumber(line, authority);
     }
-    for (std::span<const std::uint8_t> rest = sid.subspan(kHeadSize); rest.size() >= 4;
-         rest = rest.subspan(4))
-    {
-        const std::uint32_t number =
-            static_cast<std::uint32_t>(rest[0]) | static_cast<std::uint32_t>(rest[1]) << 8 |
-            static_cast<std::uint32_t>(rest[2]) << 16 | static_cast<std::uint32_t>(rest[3]) << 24;
-        line += '-';
-        appendNumber(line, number);
+    appendSubAuthorities(line, sid.subspan(kHeadSize));
+}
+
+void SidSpeller::append(std::string& line, std::span<const std::uint8_t> sid)
+{
+    const auto start = sid.first(std::max(kHeadSize, sid.size() - kNumberSize));
+    if (!std::ranges::equal(start, m_start)) {
+        m_start.assign(start.begin(), start.end());
+        m_text.clear();
+        appendSidText(m_text, start);
     }
+    line += m_text;
+    appendSubAuthorities(line, sid.subspan(start.size()));
 }
 
 std::optional<Sid> parseSid(std::string_view text)

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lornix {
 
@@ -33,6 +34,18 @@ private:
 
 /// Appends the text of a valid identifier.
 void appendSidText(std::string& line, std::span<const std::uint8_t> sid);
+
+/// Writes many identifiers, one after the other: those of a domain differ in their last number, and only that is then
+/// put together anew.
+class SidSpeller {
+public:
+    /// As appendSidText does.
+    void append(std::string& line, std::span<const std::uint8_t> sid);
+
+private:
+    std::vector<std::uint8_t> m_start; // of the identifier before, up to its last number
+    std::string m_text;                // of that
+};
 
 /// @return nothing unless the whole text is one identifier.
 std::optional<Sid> parseSid(std::string_view text);

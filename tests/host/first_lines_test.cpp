@@ -1,4 +1,4 @@
-#include "host/first_lines.h"
+#include "host/window/first_lines.h"
 
 #include <gtest/gtest.h>
 

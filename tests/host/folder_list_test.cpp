@@ -82,23 +82,3 @@ TEST_F(FolderListTest, ScrollsToTheEndOfTheLongestName)
     list.remove({longest});
     EXPECT_EQ(width(), narrow);
 }
-
-TEST(WhyNotAFolder, TakesAFolderOfAnyLength)
-{
-    wchar_t temporary[MAX_PATH + 1] = L"";
-    ASSERT_NE(GetTempPathW(MAX_PATH, temporary), 0U);
-    const std::wstring root = temporary + (L"corvane-host-" + std::to_wstring(GetCurrentProcessId()));
-    const std::wstring part = L"\\" + std::wstring(100, L'd');
-    const std::wstring devices = L"\\\\?\\";
-    Names made{root, root + part, root + part + part, root + part + part + part};
-    for (const std::wstring& folder : made) {
-        ASSERT_TRUE(CreateDirectoryW((devices + folder).c_str(), nullptr)) << GetLastError();
-    }
-    ASSERT_GT(made.back().size(), static_cast<size_t>(MAX_PATH));
-    EXPECT_EQ(host::whyNotAFolder(made.back()), L"");
-    EXPECT_EQ(host::whyNotAFolder(made.back() + L"\\.."), L"");
-    EXPECT_NE(host::whyNotAFolder(made.back() + L"\\none"), L"");
-    for (auto folder = made.rbegin(); folder != made.rend(); ++folder) {
-        EXPECT_TRUE(RemoveDirectoryW((devices + *folder).c_str()));
-    }
-}

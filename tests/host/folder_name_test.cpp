@@ -1,6 +1,11 @@
 #include "host/folder_name.h"
 
+#include <windows.h>
+
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 using host::folderKey;
 using host::isFullPath;
@@ -66,4 +71,24 @@ TEST(FullPath, HasNoDots)
     EXPECT_EQ(host::fullPath(L"C:\\Data\\..\\Other\\."), L"C:\\Other");
     const std::wstring part = L"\\" + std::wstring(200, L'd');
     EXPECT_EQ(host::fullPath(L"C:" + part + part + L"\\.."), L"C:" + part);
+}
+
+TEST(WhyNotAFolder, TakesAFolderOfAnyLength)
+{
+    wchar_t temporary[MAX_PATH + 1] = L"";
+    ASSERT_NE(GetTempPathW(MAX_PATH, temporary), 0U);
+    const std::wstring root = temporary + (L"corvane-host-" + std::to_wstring(GetCurrentProcessId()));
+    const std::wstring part = L"\\" + std::wstring(100, L'd');
+    const std::wstring devices = L"\\\\?\\";
+    const std::vector<std::wstring> made{root, root + part, root + part + part, root + part + part + part};
+    for (const std::wstring& folder : made) {
+        ASSERT_TRUE(CreateDirectoryW((devices + folder).c_str(), nullptr)) << GetLastError();
+    }
+    ASSERT_GT(made.back().size(), static_cast<size_t>(MAX_PATH));
+    EXPECT_EQ(host::whyNotAFolder(made.back()), L"");
+    EXPECT_EQ(host::whyNotAFolder(made.back() + L"\\.."), L"");
+    EXPECT_NE(host::whyNotAFolder(made.back() + L"\\none"), L"");
+    for (auto folder = made.rbegin(); folder != made.rend(); ++folder) {
+        EXPECT_TRUE(RemoveDirectoryW((devices + *folder).c_str()));
+    }
 }

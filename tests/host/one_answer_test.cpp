@@ -1,5 +1,5 @@
 // One answer to many notifications.
-#include "host/one_answer.h"
+#include "host/window/one_answer.h"
 
 #include <gtest/gtest.h>
 

@@ -62,4 +62,14 @@ TEST(FolderKeyTest, CaseSlashesAndSlashesAtTheEndDoNotCount)
     EXPECT_NE(folderKey(u"D:\\A B"), folderKey(u"D:\\A  B"));
 }
 
+TEST(FolderKeyTest, PlainSpellingsAreComparedWithoutMakingTheirKeys)
+{
+    for (const std::string spelling : {"D:\\A", "d:/a/", "D:\\A\\\\", "/", "\\", "//", "a", "A b/C", "[z]"}) {
+        const std::u16string key = folderKey(std::u16string(spelling.begin(), spelling.end()));
+        EXPECT_TRUE(lornix::hasFolderKey(spelling, key)) << spelling;
+        EXPECT_FALSE(lornix::hasFolderKey(spelling + "x", key)) << spelling;
+        EXPECT_FALSE(lornix::hasFolderKey(spelling, key + u"x")) << spelling;
+    }
+}
+
 } // namespace

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 namespace {
 
 using namespace lornix;
@@ -31,6 +34,14 @@ RuleBook readLines(const std::string& lines)
 std::vector<StoredRule> rulesOf(const RuleBook& book, std::u16string_view folder)
 {
     return book.rulesOf(folderKey(folder));
+}
+
+/// A book with the rules of one folder replaced.
+RuleBook with(const RuleBook& book, std::u16string_view folder, const std::function<void(RuleLines&)>& write)
+{
+    const std::u16string key = folderKey(folder);
+    const RuleBook::Change change{key, folder, true};
+    return book.with({&change, 1}, 0, [&](std::size_t, RuleLines& lines) { write(lines); });
 }
 
 std::vector<std::size_t> linesOf(const RuleBook& book)
@@ -62,11 +73,14 @@ TEST(RuleBookTest, AnEmptyOneIsAFileToo)
 
 TEST(RuleBookTest, WhatIsWrittenReadsBack)
 {
-    std::string lines;
-    appendRule(lines, 5, 4, 3, parseSid("S-1-5-32-544")->bytes(), "D:\\A");
-    appendRule(lines, INT64_MAX, INT64_MIN, -1, {}, "d:/a/");
-    const std::string text = RuleBook().with({{u"d:\\a", u"D:\\A", lines, true}}).text();
-    EXPECT_EQ(text, checked(kHead + kComment + "folder\tD:\\A\r\n" + lines));
+    const RuleBook written = with(RuleBook(), u"D:\\A", [](RuleLines& lines) {
+        lines.append(5, 4, 3, parseSid("S-1-5-32-544")->bytes(), "D:\\A");
+        lines.append(INT64_MAX, INT64_MIN, -1, {}, "d:/a/");
+    });
+    const std::string& text = written.text();
+    EXPECT_EQ(text, checked(kHead + kComment +
+                            "folder\tD:\\A\r\n5\t4\t3\tS-1-5-32-544\tD:\\A\r\n"
+                            "9223372036854775807\t-9223372036854775808\t-1\tanyone\td:/a/\r\n"));
     const RuleBook book = read(text);
     EXPECT_EQ(book.condition, Condition::kGood);
     EXPECT_EQ(book.knownFolders(), std::vector<std::u16string>{u"D:\\A"});
@@ -152,11 +166,12 @@ TEST(RuleBookTest, ManyFlawsAreCountedAndNotKept)
 
 TEST(RuleBookTest, FileWithoutItsEndIsDamagedAtEveryLength)
 {
-    std::string lines;
-    for (int i = 0; i < 3; ++i) {
-        appendRule(lines, 5, 4, 3, {}, "D:\\A\\B");
-    }
-    const std::string whole = RuleBook().with({{u"d:\\a\\b", u"D:\\A\\B", lines, true}}).text();
+    const RuleBook written = with(RuleBook(), u"D:\\A\\B", [](RuleLines& lines) {
+        for (int i = 0; i < 3; ++i) {
+            lines.append(5, 4, 3, {}, "D:\\A\\B");
+        }
+    });
+    const std::string& whole = written.text();
     const std::size_t body = whole.rfind("end") + 3;
     for (std::size_t length = 0; length < whole.size(); ++length) {
         const RuleBook book = read(std::string_view(whole).substr(0, length));
@@ -168,9 +183,9 @@ TEST(RuleBookTest, FileWithoutItsEndIsDamagedAtEveryLength)
 
 TEST(RuleBookTest, AnyChangeOfOneByteIsNoticed)
 {
-    std::string lines;
-    appendRule(lines, 500, 400, 300, {}, "D:\\A");
-    const std::string whole = RuleBook().with({{u"d:\\a", u"D:\\A", lines, true}}).text();
+    const RuleBook written =
+        with(RuleBook(), u"D:\\A", [](RuleLines& lines) { lines.append(500, 400, 300, {}, "D:\\A"); });
+    const std::string& whole = written.text();
     for (std::size_t i = 0; i < whole.rfind("end"); ++i) {
         for (int bit = 0; bit < 8; ++bit) {
             std::string changed = whole;
@@ -180,6 +195,20 @@ TEST(RuleBookTest, AnyChangeOfOneByteIsNoticed)
                         (i > whole.find("checksum") && isBlank))
                 << i << ' ' << bit;
         }
+    }
+}
+
+TEST(RuleBookTest, NeitherBytesThatTradePlacesNorLengthsKeepTheChecksum)
+{
+    std::string text;
+    for (int i = 0; i < 200; ++i) {
+        EXPECT_NE(checksumOf(text), checksumOf(text + '\0')) << i;
+        text += static_cast<char>(i);
+    }
+    for (std::size_t distance : {1u, 7u, 8u, 16u, 24u, 32u, 64u}) {
+        std::string changed = text;
+        std::swap(changed[40], changed[40 + distance]);
+        EXPECT_NE(checksumOf(changed), checksumOf(text)) << distance;
     }
 }
 
@@ -201,15 +230,16 @@ TEST(RuleBookTest, ZeroBytesAreDamageAndNotTheEnd)
 TEST(RuleBookTest, OneFolderIsReplacedAndTheOthersStayAsTheyStand)
 {
     const RuleBook book = readLines("folder D:\\B\nfolder D:\\A\n5  4 3 anyone D:\\A\n7 6 5 anyone D:\\B\n");
-    std::string lines;
-    appendRule(lines, 9, 8, 7, {}, "D:\\C");
-    const RuleBook next =
-        book.with({{u"d:\\b", u"d:/b", "8 8 8 anyone d:/b\r\n", true}, {u"d:\\c", u"D:\\C", lines, true}});
+    const RuleBook::Change changes[] = {{u"d:\\b", u"d:/b", true}, {u"d:\\c", u"D:\\C", true}};
+    const RuleBook next = book.with(changes, 0, [](std::size_t change, RuleLines& lines) {
+        change == 0 ? lines.append(8, 8, 8, {}, "d:/b") : lines.append(9, 8, 7, {}, "D:\\C");
+    });
     EXPECT_EQ(next.text(), checked(kHead + kComment +
-                                   "folder D:\\B\n8 8 8 anyone d:/b\r\n"
+                                   "folder D:\\B\n8\t8\t8\tanyone\td:/b\r\n"
                                    "folder D:\\A\n5  4 3 anyone D:\\A\n"
                                    "folder\tD:\\C\r\n9\t8\t7\tanyone\tD:\\C\r\n"));
-    const RuleBook fewer = next.with({{u"d:\\a", u"D:\\A", {}, false}});
+    const RuleBook::Change none{u"d:\\a", u"D:\\A", false};
+    const RuleBook fewer = next.with({&none, 1}, 0, [](std::size_t, RuleLines&) {});
     EXPECT_EQ(fewer.knownFolders(), (std::vector<std::u16string>{u"D:\\B", u"D:\\C"}));
     EXPECT_TRUE(rulesOf(fewer, u"D:\\A").empty());
     EXPECT_EQ(rulesOf(fewer, u"D:\\C").size(), 1u);

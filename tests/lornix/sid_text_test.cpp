@@ -79,4 +79,17 @@ TEST(SidTextTest, RandomIdentifiersMakeTheRoundTrip)
     }
 }
 
+TEST(SidTextTest, ManyInARowAreWrittenAsEachByItself)
+{
+    lornix::SidSpeller speller;
+    for (const char* text : {"S-1-5-21-1-2-3-1001", "S-1-5-21-1-2-3-1002", "S-1-5-21-1-2-4-1002",
+                             "S-1-5-21-1-2-3", "S-1-5-21-1-2-3-1002", "S-1-5", "S-1-1", "S-1-1-0", "S-1-5-18",
+                             "S-1-5-19", "S-1-0x123456789abc-19", "S-1-5-19"})
+    {
+        std::string line = "> ";
+        speller.append(line, parseSid(text)->bytes());
+        EXPECT_EQ(line, std::string("> ") + text);
+    }
+}
+
 } // namespace

@@ -57,19 +57,19 @@ for compiler in clang gcc; do
     LORNIX_DATA=$(windows "$out/data $compiler")
     is "$compiler, loaded at run time" '1 rules' \
         "$(run "$out/alone/load_at_run_time.exe" "$(windows "$package/bin/corvane.dll")" "$folder")"
-    # The first panel shows the rule, and goes when it is told to.
-    wine "$built/first_panel.exe" "$folder" </dev/null >/dev/null 2>&1 &
+    # The smallest panel shows the rule, and goes when it is told to.
+    wine "$built/smallest.exe" "$folder" </dev/null >/dev/null 2>&1 &
     panel=$!
     rules=
     for ((i = 0; i < 300; i++)); do
-        rules=$(printf 'count\tFirst panel\t100\n' | wine "$build/tests/system/peek.exe" 2>/dev/null | tr -d '\r' | head -n 1) || true
+        rules=$(printf 'count\tSmallest panel\t100\n' | wine "$build/tests/system/peek.exe" 2>/dev/null | tr -d '\r' | head -n 1) || true
         [ "$rules" != 1 ] || break
         kill -0 $panel 2>/dev/null || break
         sleep 0.1
     done
-    is "$compiler, the first panel" 1 "$rules"
-    wine taskkill /im first_panel.exe >/dev/null 2>&1 </dev/null || wrong "$compiler: the first panel cannot be told to go"
-    wait $panel || wrong "$compiler: the first panel ended with $?"
+    is "$compiler, the smallest panel" 1 "$rules"
+    wine taskkill /im smallest.exe >/dev/null 2>&1 </dev/null || wrong "$compiler: the smallest panel cannot be told to go"
+    wait $panel || wrong "$compiler: the smallest panel ended with $?"
     unset LORNIX_DATA
 done
 

@@ -1,7 +1,7 @@
 // The policy lists as a store keeps them, behind the recording store.
 #pragma once
 
-#include "frame/c_memory.h"
+#include "store/owned.h"
 #include "tests/support/recording_store.h"
 
 #include <array>

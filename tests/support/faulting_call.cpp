@@ -1,6 +1,6 @@
 #include "tests/support/faulting_call.h"
 
-#include "frame/compiler.h"
+#include "compiler/attributes.h"
 #include "tests/support/stack_overflow.h"
 
 #include <malloc.h>

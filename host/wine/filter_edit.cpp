@@ -1,6 +1,6 @@
-#include "host/filter_edit.h"
+#include "host/wine/filter_edit.h"
 
-#include "host/window_text.h"
+#include "host/window/window_text.h"
 
 #include <commctrl.h>
 

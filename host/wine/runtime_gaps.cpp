@@ -1,6 +1,6 @@
-#include "host/runtime_gaps.h"
+#include "host/wine/runtime_gaps.h"
 
-#include "host/filter_bar.h"
+#include "host/wine/filter_bar.h"
 
 #include <windows.h>
 

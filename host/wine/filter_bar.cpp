@@ -1,8 +1,8 @@
-#include "host/filter_bar.h"
+#include "host/wine/filter_bar.h"
 
-#include "host/filter_edit.h"
-#include "host/heading_paint.h"
-#include "host/window_text.h"
+#include "host/window/window_text.h"
+#include "host/wine/filter_edit.h"
+#include "host/wine/heading_paint.h"
 
 #include <commctrl.h>
 

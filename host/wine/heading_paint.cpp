@@ -1,4 +1,4 @@
-#include "host/heading_paint.h"
+#include "host/wine/heading_paint.h"
 
 #include <commctrl.h>
 #include <uxtheme.h>

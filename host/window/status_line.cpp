@@ -1,4 +1,4 @@
-#include "host/status_line.h"
+#include "host/window/status_line.h"
 
 #include <commctrl.h>
 

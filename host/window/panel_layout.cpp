@@ -1,4 +1,4 @@
-#include "host/panel_layout.h"
+#include "host/window/panel_layout.h"
 
 #include "host/resource.h"
 

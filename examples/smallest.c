@@ -1,6 +1,6 @@
 /* The smallest panel: the rules of one folder, and buttons to add, edit and drop one.
  *
- *   first_panel FOLDER
+ *   smallest FOLDER
  */
 #include <corvane.h>
 
@@ -84,9 +84,9 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE before, LPWSTR folder, int sho
     kind.hInstance = instance;
     kind.hCursor = LoadCursorW(NULL, (const wchar_t*)IDC_ARROW);
     kind.hbrBackground = (HBRUSH)(COLOR_BTNFACE + 1);
-    kind.lpszClassName = L"first_panel";
+    kind.lpszClassName = L"smallest";
     RegisterClassW(&kind);
-    ShowWindow(CreateWindowExW(0, kind.lpszClassName, L"First panel", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
+    ShowWindow(CreateWindowExW(0, kind.lpszClassName, L"Smallest panel", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
                                CW_USEDEFAULT, 760, 320, NULL, NULL, instance, NULL),
                show);
     while (GetMessageW(&message, NULL, 0, 0) > 0) {

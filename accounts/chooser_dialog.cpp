@@ -319,7 +319,8 @@ bool choose(HWND parent, const SidList* presetOwners, const char* line)
 {
     Chooser chooser(presetOwners);
     const INT_PTR ended = chooser.show(parent);
-    ODS(line, reinterpret_cast<void*>(ended), result);
+    runGuarded(
+        [&] { ODS(line, reinterpret_cast<void*>(ended), result); }); // the choice is not lost with its line
     return chooser.shown();
 }
 

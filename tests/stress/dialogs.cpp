@@ -2,6 +2,7 @@
 
 #include "corvane.h"
 #include "tests/stress/directory.h"
+#include "tests/stress/heap_rules.h"
 #include "tests/stress/quota_panel.h"
 
 #include <commdlg.h>
@@ -36,17 +37,6 @@ void release(intptr_t text)
     MEMORY_BASIC_INFORMATION region{};
     VirtualQuery(block, &region, sizeof region);
     region.AllocationBase == block ? void(VirtualFree(block, 0, MEM_RELEASE)) : std::free(block);
-}
-
-void releaseChain(QuotaRule* rule)
-{
-    while (rule != nullptr) {
-        QuotaRule* const next = rule->next;
-        std::free(rule->path);
-        std::free(rule->sid);
-        std::free(rule);
-        rule = next;
-    }
 }
 
 } // namespace
@@ -126,10 +116,7 @@ void DialogWorld::openPanel(bool timer)
 void DialogWorld::openSettings(int mode, bool forAccount)
 {
     const auto& answer = store.recording.answer;
-    auto* const rule = static_cast<QuotaRule*>(std::calloc(1, sizeof(QuotaRule)));
-    rule->path = _wcsdup(L"C:\\data");
-    rule->sid = forAccount ? answer.sidDup(m_ruled[0]) : nullptr;
-    rule->type = forAccount ? QUOTA_RULE_FOR_ACCOUNT : QUOTA_RULE_FOR_ANYONE;
+    QuotaRule* const rule = heapRule(L"C:\\data", forAccount ? answer.sidDup(m_ruled[0]) : nullptr, -1);
     rule->inUse = QUOTA_IN_USE_UNKNOWN;
     store.recording.answer.enumerateGroupUsers = [this](const wchar_t*, const wchar_t*, SidList* members) {
         return store.recording.answer.appendToSidList(members, store.recording.answer.sidDup(m_ruled[1]));

@@ -86,6 +86,9 @@ TEST(Leaks, NothingGrows)
     DialogWorld::ownChooser = true;
     fillThreadLists();
     for (const OpenedDialog& dialog : world.dialogs()) {
+        if (!stress::wanted(dialog.name)) {
+            continue;
+        }
         const auto open = [&](long long times) {
             for (long long i = 0; i < times; ++i) {
                 monkey.play({goDeeper}, 0, dialog.open);

@@ -17,7 +17,7 @@
 namespace {
 
 constexpr int kRoundsPerStore = 50;
-constexpr int kActsPerRound = 60;
+constexpr int kActsPerRound = 150;
 constexpr Fault kFaults[] = {Fault::AccessViolation, Fault::DivideByZero, Fault::CppException,
                              Fault::ForeignException};
 

@@ -1,5 +1,6 @@
 #include "tests/stress/quota_panel.h"
 
+#include "tests/stress/heap_rules.h"
 #include "tests/support/faulting_call.h"
 #include "tests/support/list_host.h"
 #include "tests/support/paths.h"
@@ -8,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iterator>
 #include <utility>
 
@@ -16,19 +16,6 @@ namespace {
 
 constexpr UINT_PTR kMeddling = 1;
 constexpr int kDeepest = 3; // dialogs over dialogs
-
-/// A record of the heap, wherever that lies.
-QuotaRule* heapRule(const wchar_t* folder, void* sid, int64_t limit)
-{
-    auto* const rule = static_cast<QuotaRule*>(std::calloc(1, sizeof(QuotaRule)));
-    rule->type = sid != nullptr ? QUOTA_RULE_FOR_ACCOUNT : QUOTA_RULE_FOR_ANYONE;
-    rule->sid = sid;
-    rule->path = _wcsdup(folder);
-    rule->hardLimit = limit;
-    rule->softLimit = limit / 2;
-    rule->inUse = limit / 3;
-    return rule;
-}
 
 struct EmptyTemplate {
     DLGTEMPLATE head;
@@ -67,9 +54,7 @@ QuotaPanel::QuotaPanel(RecordingStore& store, std::array<const void*, 2> account
 QuotaPanel::~QuotaPanel()
 {
     for (QuotaRule* const rule : m_stored) {
-        std::free(rule->path);
-        std::free(rule->sid);
-        std::free(rule);
+        releaseRule(rule);
     }
 }
 

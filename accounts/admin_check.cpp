@@ -100,8 +100,8 @@ bool AdminCheck::ask(BOOL& granted)
     {
         return false;
     }
-    // Only here, and not after a failure: a host that asks once more finds the thread impersonating itself, and
-    // gets the same answer as before.
+    // QUIRK: only here. After a failure the thread goes on impersonating itself, so that a host that asks once more gets
+    // the same answer. AdminCheckTest.AFailedAccessCheckWritesBothLinesAndGoesOnImpersonating
     RevertToSelf();
     return true;
 }

@@ -17,8 +17,8 @@
 
 namespace {
 
-/// What was chosen last: nothing, CORVANE_ANYONE, or a SID copy. With a dialog that cannot be shown, callers get it again;
-/// once one shows, it is forgotten.
+/// What was chosen last: nothing, CORVANE_ANYONE, or a SID copy. QUIRK: with a dialog that cannot be shown, callers get it
+/// again. ChooserTest.ADialogThatCannotBeShownGivesTheLastResultAgain Once a dialog shows, it is forgotten.
 std::atomic<void*> lastChoice = nullptr;
 
 class Chooser : public Dialog {
@@ -210,7 +210,9 @@ void Chooser::onOk()
             startSearch(m_searchBase);
             return;
         }
-        startSearch(nullptr); // and go on: wanted, support reads the line of the pick that follows
+        // QUIRK: the search has only begun, and the pick follows all the same; its line is in the log.
+        // ChooserTest.SearchingOnTheDefaultBaseGoesOnToThePick
+        startSearch(nullptr);
     }
     pickSelected();
 }

@@ -42,7 +42,7 @@ int countOf(const SidList* list)
     return list != nullptr ? list->count : 0;
 }
 
-/// How the accounts of this machine are added on the directory's road.
+/// How the accounts of this machine are added beside those of a directory.
 struct LocalAccounts {
     SidList* (*enumerate)(const wchar_t* server, SidList* list);
     AccountKind kind;

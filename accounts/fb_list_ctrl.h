@@ -1,4 +1,4 @@
-// The list control with a filter bar in its header.
+// The list control with a filter bar ("FB") in its header.
 #pragma once
 
 #include "accounts/saved_rows.h"

@@ -208,8 +208,8 @@ void RowPump::takeRow(RowBatch::Entry& entry)
         m_firstTexts[2] = type;
         m_firstData = reinterpret_cast<LPARAM>(entry.data.get());
     }
-    void* const data =
-        entry.data.release(); // whatever comes: a copy too many is better than one that goes twice
+    // Let go before the insertion, which may fault after the list has taken it: then it may leak, but is never freed twice.
+    void* const data = entry.data.release();
     if (m_list.insertAccountRow(entry.index, entry.image, account, fullName, type, data) == -1) {
         freeAccount(data);
     }

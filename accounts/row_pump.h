@@ -1,4 +1,4 @@
-// The way of the rows into the list.
+// Puts the rows of a fill into the list, a batch at a time.
 #pragma once
 
 #include "accounts/account_fill.h"
@@ -32,7 +32,7 @@ public:
     /// The list has taken rows out, or back, by itself.
     void rowsChanged() const;
 
-    /// Lets the fill thread go its own way: it begins no step any more, and what it still hands over is dropped.
+    /// Abandons the fill: its thread begins no step any more, and what it still hands over is dropped.
     void stop();
 
 private:

@@ -50,8 +50,8 @@ public:
     void waitForTurn() override;
     void nameServers(const wchar_t* server, const wchar_t* server2) override;
 
-    /// The fill thread's last word. Returns when the list has closed the queue: a list that finds no way to come back
-    /// to its rows needs somebody who reminds it.
+    /// Tells that no row comes any more: the last call of the fill thread. Returns when the list has closed the queue; up
+    /// to then it posts another notice whenever the list could not come back to the rows that wait.
     void end();
 
     // ---- list ----

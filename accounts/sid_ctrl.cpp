@@ -2,7 +2,7 @@
 
 #include "accounts/account_data.h"
 #include "accounts/filter_match.h"
-#include "frame/column_keys.h"
+#include "frame/column_reader.h"
 #include "frame/crash_guard.h"
 #include "frame/ignore_case.h"
 #include "frame/list_sort.h"
@@ -51,7 +51,8 @@ int CALLBACK compareRows(LPARAM first, LPARAM second, LPARAM context)
         });
         return 0;
     }
-    // Second against first, so that a first click sorts from Z to A. Wanted: it is how this list has always sorted.
+    // QUIRK: second against first, so that a first click sorts from Z to A.
+    // AccountListTest.AHeaderClickSortsFromZToAAndTheNextTurnsItRound
     return sorting.sign * compareIgnoringCase(*b, *a);
 }
 

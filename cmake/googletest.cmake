@@ -11,6 +11,12 @@ if(NOT TARGET GTest::gmock)
   # Built with the same compiler and runtime.
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
   add_subdirectory(${GOOGLETEST_SOURCES} gtest EXCLUDE_FROM_ALL SYSTEM)
+  if(NOT MSVC)
+    # To optimize its one large file takes longer than all that it does in a run.
+    foreach(lib gtest gmock gtest_main gmock_main)
+      target_compile_options(${lib} PRIVATE -O0 -g1)
+    endforeach()
+  endif()
   if(WIN32)
     # A fault in a test is then a failure of that test and not the end of the whole program.
     foreach(lib gtest gmock)

@@ -2,19 +2,36 @@
 # the tests themselves. Its own last lines tell how many passed.
 include(GoogleTest)
 
-# Usage: run_test_program(TARGET [SHARDS N | EACH_ALONE] [WORKING_DIRECTORY DIR]) has the tests of a program run, the long
-# ones in several parts that may go side by side. EACH_ALONE is for tests of what is remembered as long as a process lives.
+# Usage: tests_of(LABEL TARGET...) has the target tests_of_LABEL build these as well.
+function(tests_of label)
+  if(NOT TARGET tests_of_${label})
+    add_custom_target(tests_of_${label})
+  endif()
+  if(ARGN)
+    add_dependencies(tests_of_${label} ${ARGN})
+  endif()
+endfunction()
+
+# Usage: run_test_program(TARGET [SHARDS N] [COST SECONDS] [LABELS LABEL...] [EACH_ALONE] [WORKING_DIRECTORY DIR]) has the
+# tests of a program run, the long ones in several parts that may go side by side; those that cost more start earlier.
+# EACH_ALONE is for tests of what is remembered as long as a process lives. The name of the room is a label of them all.
 function(run_test_program target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "EACH_ALONE" "SHARDS;WORKING_DIRECTORY" "")
-  if(NOT arg_SHARDS)
-    set(arg_SHARDS 1)
-  endif()
-  if(NOT arg_WORKING_DIRECTORY)
-    set(arg_WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
-  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 arg "EACH_ALONE" "SHARDS;COST;WORKING_DIRECTORY" "LABELS")
+  foreach(default SHARDS:1 COST:1 "WORKING_DIRECTORY:${CMAKE_CURRENT_BINARY_DIR}")
+    string(REGEX MATCH "^([A-Z_]+):(.*)$" unused "${default}")
+    if(NOT arg_${CMAKE_MATCH_1})
+      set(arg_${CMAKE_MATCH_1} "${CMAKE_MATCH_2}")
+    endif()
+  endforeach()
+  get_filename_component(room ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+  set(labels ${room} ${arg_LABELS})
+  foreach(label IN LISTS labels)
+    tests_of(${label} ${target})
+  endforeach()
   if(arg_EACH_ALONE)
     # They are listed when they run, so that a build needs no Windows runtime.
-    gtest_discover_tests(${target} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+    gtest_discover_tests(${target} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+      PROPERTIES LABELS "${labels}")
     return()
   endif()
   math(EXPR last "${arg_SHARDS} - 1")
@@ -28,7 +45,7 @@ function(run_test_program target)
     endif()
     add_test(NAME ${name} COMMAND ${target} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY})
     # A dialog that hangs is ended by its script long before this.
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 300 COST ${arg_SHARDS})
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 300 COST ${arg_COST} LABELS "${labels}")
   endforeach()
 endfunction()
 
@@ -44,7 +61,7 @@ endfunction()
 # and NAME_high with its heap above, where the library hands out stand-ins. Which of the two is the usual one differs from
 # runtime to runtime. What they are compiled from is the target NAME_objects.
 function(heap_programs name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;DIRECTORY" "LIBRARIES;OBJECTS;OPTIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;COST;DIRECTORY" "LIBRARIES;OBJECTS;OPTIONS")
   add_library(${name}_objects OBJECT ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name}_objects PRIVATE ${arg_LIBRARIES})
   foreach(regime below above)
@@ -66,11 +83,16 @@ function(heap_programs name)
   endforeach()
 endfunction()
 
-# Usage: both_heaps(NAME ... [SHARDS N]) makes the two programs of heap_programs and has their tests run.
+# Usage: both_heaps(NAME ... [SHARDS N] [COST SECONDS]) makes the two programs of heap_programs and has their tests run.
+# Those of the first have the label low_heap.
 function(both_heaps name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;DIRECTORY" "LIBRARIES;OBJECTS;OPTIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;COST;DIRECTORY" "LIBRARIES;OBJECTS;OPTIONS")
   heap_programs(${ARGV})
   foreach(program ${name} ${name}_high)
-    run_test_program(${program} SHARDS ${arg_SHARDS})
+    set(label low_heap)
+    if(program STREQUAL "${name}_high")
+      set(label "")
+    endif()
+    run_test_program(${program} SHARDS ${arg_SHARDS} COST ${arg_COST} LABELS ${label})
   endforeach()
 endfunction()

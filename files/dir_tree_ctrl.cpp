@@ -98,8 +98,8 @@ bool CDirTreeCtrl::listDrives()
 
 HTREEITEM CDirTreeCtrl::insertNode(HTREEITEM parent, const std::wstring& path)
 {
-    // A file is looked up with a backslash behind it as well. Wanted: what the shell makes of that is the icon
-    // that administrators have always seen.
+    // QUIRK: a file is looked up with a backslash behind it as well, and has the icon that the shell gives for that.
+    // DirTreeTest.LooksAFileUpWithABackslashBehindIt
     const std::wstring iconPath = withBackslash(path);
     const int image = iconIndex(iconPath, SHGFI_ICON | SHGFI_SMALLICON);
     const int openImage = iconIndex(iconPath, SHGFI_ICON | SHGFI_OPENICON | SHGFI_SMALLICON);
@@ -118,7 +118,8 @@ int CDirTreeCtrl::iconIndex(const std::wstring& path, UINT flags)
 {
     SHFILEINFOW info{};
     if (SHGetFileInfoW(path.c_str(), 0, &info, sizeof info, flags) == 0) {
-        m_errorText = L"Error Gettting SystemFileInfo!"; // spelled as support knows it
+        // QUIRK: spelled so, with three t. DirTreeTest.GoesOnWithoutIcons
+        m_errorText = L"Error Gettting SystemFileInfo!";
         return 0;
     }
     DestroyIcon(info.hIcon);
@@ -160,8 +161,8 @@ bool CDirTreeCtrl::hasChildren(const std::wstring& path) const
 {
     FileSearch search(withBackslash(path) + L"*.*");
     for (bool found = search.started(); found; found = search.next()) {
-        // Hidden files do not count here, although a listing shows them; folders do, although it does not.
-        // Wanted: buttons appear where they always did.
+        // QUIRK: hidden files do not count here, although a listing shows them; folders do, although it does not.
+        // DirTreeTest.TellsWhichDrivesHaveContents
         const bool counts = search.has(FILE_ATTRIBUTE_DIRECTORY)
                                 ? search.entry().cFileName[0] != L'.'
                                 : m_showFiles && !search.has(FILE_ATTRIBUTE_HIDDEN);
@@ -208,8 +209,8 @@ void CDirTreeCtrl::refillNode(HTREEITEM node, UINT newState)
         return;
     }
     expandNode(node);
-    // Listed a second time. Wanted: a network drive that wakes up on the first listing is complete on the
-    // second.
+    // QUIRK: listed a second time. A network drive that wakes up on the first listing is complete on the second.
+    // DirTreeTest.ListsTwiceAndShowsOnce
     removeChildren(node);
     listFolder(node, fullPath(node));
 }
@@ -238,8 +239,8 @@ bool CDirTreeCtrl::setSelectedPath(const std::wstring& path)
     return node != nullptr;
 }
 
-// The path is only compared letter by letter with the beginning, so that "C:x" passes for C:. Kept: the walk
-// along the path decides.
+// QUIRK: only the beginning is compared, so that "C:x" passes for C:. The walk along the path decides.
+// DirTreeTest.OnlyTheBeginningOfAPathIsCheckedAgainstTheTopLevel
 bool CDirTreeCtrl::isBelowTopLevel(const std::wstring& path) const
 {
     for (HTREEITEM top = firstChild(TVI_ROOT); top != nullptr; top = nextSibling(top)) {

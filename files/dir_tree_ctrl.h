@@ -1,15 +1,15 @@
 // The tree of drives and their files.
 #pragma once
 
-#include "frame/tree_ctrl.h"
+#include "files/tree_ctrl.h"
 
 #include <string>
 
 /// A tree view that shows the drives of this machine, or one folder, and fills a node when it is opened.
 ///
 /// Listed under a node are plain files only. A folder below it makes the node look like one that can be opened,
-/// and is not shown. Wanted: administrators choose drives and files in it, and hosts count on nothing else
-/// coming back.
+/// and is not shown. QUIRK: so a drive or a file on its top level is all that can be chosen.
+/// DirTreeTest.ListsPlainFilesOnly
 class CDirTreeCtrl : public CTreeCtrl {
 public:
     using CTreeCtrl::CTreeCtrl;

@@ -13,7 +13,8 @@ namespace {
 // One for all callers, which copy what they get.
 wchar_t fileName[260];
 
-// Administrators of such servers have always got the tree of drives, and host manuals show it.
+// QUIRK: servers of version 6 get the tree of drives, and all other systems the common dialog.
+// SelectFileTest.ShowsTheOwnChooserOnlyOnServersOfVersionSix
 bool wantsOwnChooser()
 {
     const OSVERSIONINFOEXW version = systemVersion();
@@ -55,8 +56,8 @@ const wchar_t* selectFile(HWND owner, unsigned mode)
     if (mode == select_file_mode::kAnyName) {
         return GetSaveFileNameW(&request) ? fileName : nullptr;
     }
-    // An open dialog has no use for this one. Kept: it has always
-    // been there, and costs nothing.
+    // QUIRK: an open dialog has no use for this one, and who watches the request sees it.
+    // SelectFileTest.AsksForAnyFileOtherwise
     request.Flags |= OFN_OVERWRITEPROMPT;
     return GetOpenFileNameW(&request) ? fileName : nullptr;
 }

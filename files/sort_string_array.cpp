@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <cwchar>
 
-// The order is that of a bubble sort which never looks at the last element. Wanted: administrators compare
-// listings with those of older versions, where the last file has always stood apart.
+// QUIRK: the order is that of a bubble sort which never looks at the last element: the last file of a listing stands
+// apart. SortStringArrayTest.LeavesTheLastElementWhereItIs
 //
 // Passes over neighbours are quadratic, so only the first one is made. It reads every text, and when nothing
 // raised, what further passes would come to is a stable sort: neighbours change places only when the first is

@@ -3,6 +3,10 @@
 
 #include "frame/platform.h"
 
+#include <span>
+
+class CListCtrl;
+
 inline bool itemExists(HWND dialog, int id)
 {
     return GetDlgItem(dialog, id) != nullptr;
@@ -12,6 +16,9 @@ inline void enableItem(HWND dialog, int id, bool enabled)
 {
     EnableWindow(GetDlgItem(dialog, id), enabled ? TRUE : FALSE);
 }
+
+/// Enables controls that make sense only while a row of a list is selected, and disables them otherwise.
+void enableBySelection(HWND dialog, const CListCtrl& list, std::span<const int> ids);
 
 /// Whether a check box or radio button is checked; false when there is none.
 inline bool itemIsChecked(HWND dialog, int id)

@@ -11,8 +11,8 @@
 
 namespace {
 
-// One order for all lists of the process: a host that sorts two lists by the same column in turn has always
-// seen the second one sorted the other way round.
+// QUIRK: one order for all lists of the process. Of two lists sorted by the same column in turn, the second one comes
+// out the other way round. ListSortTest.AllListsShareColumnAndOrder
 int sortColumn = -1;
 bool sortDescending = false;
 

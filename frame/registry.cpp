@@ -7,8 +7,8 @@ const wchar_t* readRegistryString(HKEY root, const wchar_t* subkey, const wchar_
 {
     buffer[0] = L'\0';
     DWORD type = REG_SZ;
-    // Bytes, not characters: only half of the buffer is offered, and a longer value reads as absent.
-    // Installed systems rely on it: a "Path" too long to build file names from has always counted as none.
+    // QUIRK: bytes, not characters. Only half of the buffer is offered, and a longer value reads as absent, so that no
+    // file name is built from a "Path" that is too long for one. RegistryTest.TakesALongerValueAsAbsent
     DWORD size = 260;
     Owned<HKEY, RegCloseKey> key;
     RegCreateKeyW(root, subkey, key.put()); // a failure leaves a null key, and the query below fails

@@ -39,7 +39,8 @@ std::int32_t parseCellSize(const wchar_t* text)
 
 void formatPercent(wchar_t (&buffer)[kPercentTextCapacity], std::int64_t inUse, std::int64_t hardLimit)
 {
-    // Volatile: the fault of a zero divisor is wanted, and must not be reasoned away.
+    // QUIRK: a zero divisor faults, as hosts are told; volatile, so that the fault is not reasoned away.
+    // ListFillTest.FaultsOnAHardLimitOfZero
     const volatile std::int64_t divisor = hardLimit;
     const auto hundredfold = static_cast<std::int64_t>(static_cast<std::uint64_t>(inUse) * 100u);
     const auto percent = static_cast<std::int32_t>(hundredfold / divisor);

@@ -15,6 +15,6 @@ SortKey sortKey(const wchar_t* text);
 
 /// The comparison result that a list control gets for two cells. Two numbers are compared by the low 32 bits of
 /// their difference, so that sizes 2 GiB or more apart may come out wrong; anything else as text without regard
-/// to case. Ascending, numbers run upwards but texts from Z to A. All of it is kept: it is the order that hosts
-/// show.
+/// to case. Ascending, numbers run upwards but texts from Z to A.
+/// QUIRK: it is the order that hosts show. SortKey.DifferencesAreCutTo32Bits SortKey.TextsRunFromZToAFirst
 int compareSortKeys(const SortKey& first, const SortKey& second, bool descending);

@@ -35,8 +35,8 @@ bool Panel::open(HINSTANCE instance, const std::vector<std::wstring>& folders)
     show();
     std::vector<std::wstring> known;
     const std::wstring error = storeErrorsOf([&] { known = knownFolders(); });
-    if (known.empty() && !error.empty()) { // else the rules of the folders tell the same
-        reportStore(L"The folders with rules could not all be read.", error);
+    if (!error.empty()) { // the rules of the folders do not tell the same again
+        reportStore(known.empty() ? L"The folders with rules could not all be read." : kNotAllRead, error);
     }
     showFolders(known);
     for (const std::wstring& folder : folders) {

@@ -49,10 +49,15 @@ void noteSurprise(const char* what) noexcept
 
 } // namespace last_error_detail
 
-void report(const std::wstring& line)
+void reportAgain(const std::wstring& line)
 {
     lines += lines.empty() ? L"" : L"\n";
     lines += line;
+}
+
+void report(const std::wstring& line)
+{
+    reportAgain(line);
     if (std::find(untold.begin(), untold.end(), line) != untold.end()) {
         return;
     }

@@ -9,6 +9,9 @@ namespace lornix {
 /// Adds a line to what the running call could not do.
 void report(const std::wstring& line);
 
+/// The same for a line that lornixTakeErrors has told before, or will: there it stands once.
+void reportAgain(const std::wstring& line);
+
 /// A platform error in words, with its number.
 std::wstring reasonOf(unsigned long error);
 

@@ -11,8 +11,8 @@
 namespace {
 
 struct Accounts {
-    // Kept: an edit that chooses nothing goes the way of a real one, and hands the entry's own string back to the
-    // store; hosts count on the update call.
+    // QUIRK: an edit that chooses nothing goes the way of a real one, and hands the entry's own string back to the store.
+    // AdministrativeAccountsTest.ACancelledEditHandsTheStoreItsOwnStringBack
     static const wchar_t* ask(HWND owner, const wchar_t* current)
     {
         const AccountChoice choice = chooseAccount(owner);

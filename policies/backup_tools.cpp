@@ -28,8 +28,8 @@ private:
         if (id == IDC_ENTRY_BROWSE_RUNNING) {
             const wchar_t* name = chooseProcess(window());
             if (name != nullptr && reinterpret_cast<INT_PTR>(name) != -1) {
+                // QUIRK: not released, once per choice. BackupToolEntryTest.TheNameOfAChosenProcessIsNotReleased
                 setText(pathTail(name));
-                // Not released. Kept, it is harmless: once per choice, and nobody can hold a name that is gone.
             }
         } else if (id == IDC_ENTRY_BROWSE) {
             if (const wchar_t* path = selectFile(window(), select_file_mode::kAnyName)) {

@@ -5,7 +5,6 @@
 #include "frame/list_notice.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
-#include "frame/selection_buttons.h"
 #include "res/resource.h"
 
 #include <algorithm>
@@ -145,7 +144,8 @@ private:
 
     static constexpr int kSelectionButtons[] = {IDC_POLICY_EDIT, IDC_POLICY_REMOVE};
 
-    // The panel's icons are asked for and not used. Kept, it is harmless: a host without them sees no difference.
+    // QUIRK: the panel's icons are asked for and not used; a host without them sees no difference.
+    // ListEditorTest.AsksTheHostForIconsBeforeItLoads
     static void loadHostIcons()
     {
         const HMODULE host = GetModuleHandleW(L"quota");
@@ -240,7 +240,8 @@ private:
         }
     }
 
-    // The other rows keep their indexes. Kept: the store does not renumber what it has in memory.
+    // QUIRK: the other rows keep their indexes; the store does not renumber what it has in memory.
+    // ListEditorTest.RemovesTheFirstSelectedRowAndLeavesTheOthersTheirIndexes
     void remove() const
     {
         const int row = m_list.nextSelected();

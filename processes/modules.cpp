@@ -21,7 +21,8 @@ struct ModuleApi {
     }
 };
 
-// The number of the system's own process. 2 and 8 look the wrong way round. Wanted: hosts know these pairs.
+// The number of the system's own process. QUIRK: 2 and 8 stand the wrong way round for their versions.
+// ModulesTest.KnowsTheSystemProcessByTheVersion
 DWORD systemProcessId()
 {
     const OSVERSIONINFOEXW version = systemVersion();
@@ -72,7 +73,8 @@ const wchar_t* moduleName(const ModuleApi& api, DWORD processId, wchar_t (&buffe
         const wchar_t* backslash = std::wcsrchr(buffer, L'\\');
         name = backslash != nullptr ? backslash + 1 : buffer;
     }
-    // Closed even when nothing was opened. Wanted: whoever traces handles sees a failed opening by it.
+    // QUIRK: closed even when nothing was opened; whoever traces handles sees a failed opening by it.
+    // ModulesTest.TellsEachProcess
     CloseHandle(process);
     return name;
 }

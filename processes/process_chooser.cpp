@@ -6,7 +6,6 @@
 #include "frame/list_notice.h"
 #include "frame/list_sort.h"
 #include "frame/redraw_off.h"
-#include "frame/selection_buttons.h"
 #include "processes/enumerators.h"
 #include "res/resource.h"
 #include "store/owned.h"

@@ -17,7 +17,8 @@ constexpr DWORD kLengthMismatch = 0xC0000004;
 // Places in a record.
 constexpr std::size_t kNextRecord = 0;     ///< 32-bit offset from this record, 0 in the last one
 constexpr std::size_t kImageNameText = 64; ///< pointer
-// Of a 64-bit record this is not the place of the process id. Wanted: hosts have stored what stands here.
+// QUIRK: of a 64-bit record this is not the place of the process id but the gap before it, and hosts get what stands
+// there. RecordsTest.TellsEachProcess
 constexpr std::size_t kProcessId = 76; ///< 32-bit
 
 static_assert(offsetof(SYSTEM_PROCESS_INFORMATION, NextEntryOffset) == kNextRecord);

@@ -29,7 +29,8 @@ const wchar_t* imageName(const PROCESSENTRY32W& entry)
     if (entry.dwSize <= offsetof(PROCESSENTRY32W, szExeFile)) {
         return nullptr;
     }
-    // The backslash stays in front of the name. Wanted: hosts cut after the last backslash themselves.
+    // QUIRK: the backslash stays in front of the name; hosts cut after the last backslash themselves.
+    // SnapshotTest.KeepsTheBackslashOfAFullPath
     const wchar_t* backslash = std::wcsrchr(entry.szExeFile, L'\\');
     return backslash != nullptr ? backslash : entry.szExeFile;
 }
@@ -50,7 +51,8 @@ int enumerateProcessSnapshot(const wchar_t* /*machine*/, ProcessCallback callbac
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof entry;
     if (!api.first(snapshot.get(), &entry)) {
-        // The snapshot stays open. Wanted: closing it would overwrite the error that hosts read.
+        // QUIRK: the snapshot stays open; closing it would overwrite the error that hosts read.
+        // SnapshotTest.LeavesTheSnapshotOpenWhenThereIsNoFirstProcess
         static_cast<void>(snapshot.release());
         return 0;
     }

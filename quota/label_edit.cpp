@@ -18,8 +18,9 @@ int answerLabelEdit(const CListCtrl& list, const NMLVDISPINFOW& notification)
         if (rule == nullptr) {
             return 0;
         }
+        // QUIRK: a cell edit pins both limits to what was typed. CellEditTest.WritesBothLimits
         rule->softLimit = parseCellSize(item.pszText);
-        rule->hardLimit = rule->softLimit; // kept: a cell edit pins both limits to what was typed
+        rule->hardLimit = rule->softLimit;
         return 1;
     }
     default:

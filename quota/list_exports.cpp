@@ -1,8 +1,8 @@
 // The exports that drive the host's quota list, by list-control object and by dialog and control id.
 #include "corvane.h"
+#include "frame/dialog_items.h"
 #include "frame/list_ctrl.h"
 #include "frame/list_sort.h"
-#include "frame/selection_buttons.h"
 #include "quota/label_edit.h"
 #include "quota/rule_list.h"
 #include "store/lornix.h"

@@ -17,7 +17,8 @@ QuotaRule* newRule(CBlock<QuotaRule> memory, const wchar_t* path, const void* si
 /// Whether two accounts are the same; the store compares them unless the pointers are equal.
 bool sameAccount(const void* a, const void* b);
 
-/// Whether two records agree in limits and path, letter by letter.
+/// Whether two records agree in limits and path, letter by letter. QUIRK: a fill after a rule was added, whose path has
+/// other slashes since, shows the rule once more. ListFillTest.KnowsFoldersLetterByLetter
 bool sameLimitsAndFolder(const QuotaRule& a, const QuotaRule& b);
 
 /// Whether two records tell the same rule: limits, path, account, in that order.
@@ -26,6 +27,6 @@ bool sameRule(const QuotaRule& a, const QuotaRule& b);
 /// Whether a rule for this account on this folder would contradict an existing one.
 ///
 /// When the accounts are equal, backslashes of both paths become forward slashes, in place and for good,
-/// before the paths are compared without regard to case. Kept: hosts show the paths in the form that the
-/// comparison leaves behind.
+/// before the paths are compared without regard to case. QUIRK: hosts store the paths in the form that the
+/// comparison leaves behind. ListAddTest.SlashesAreRewrittenInPlaceWhenAccountsAreEqual
 bool conflicts(const void* sid, wchar_t* path, QuotaRule& existing);

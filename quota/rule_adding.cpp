@@ -58,7 +58,9 @@ void Adding::add(wchar_t* path, bool amongSeveral)
     }
     debug(rule);
     const int madeIn = insertRuleRow(m_list, 0, *rule, accountName(rule->sid).text);
-    m_list.setText(madeIn, rule_column::kPercent, L"00%"); // not computed: the limits may still be unknown
+    // QUIRK: not computed. Until the dialog is closed the limits of a single rule are -1, and shown as that.
+    // ListAddTest.ShowsAProvisionalRowWhileTheDialogIsOpen
+    m_list.setText(madeIn, rule_column::kPercent, L"00%");
     const int rows = m_list.rowCount();
 
     QuotaRule* const result = runSettings(m_list.topChild(), rule, 1);
@@ -137,8 +139,8 @@ void Adding::showMembers(const std::vector<QuotaRule*>& rules) const
     }
 }
 
-// Kept: after a Cancel the later folders of the batch are checked against no rule and start a chain of their own.
-// The next request for the chain links all rows again.
+// QUIRK: after a Cancel the later folders of the batch are checked against no rule and start a chain of their own. The
+// next request for the chain links all rows again. ListAddTest.CancelInABatchStartsANewChain
 void Adding::cancel(int row)
 {
     if (row >= 0) {

@@ -14,8 +14,8 @@
 
 namespace {
 
-/// The window that owns a dialog on a selected row: the list's header. A list without a child window faults
-/// here, and is meant to: hosts rely on being stopped before a dialog opens that nothing owns.
+/// The window that owns a dialog on a selected row: the list's header. QUIRK: a list without a child window
+/// faults here, so that no dialog opens that nothing owns. ListEditTest.AListWithoutAChildFaults
 HWND ownerForEditing(const CListCtrl& list)
 {
     HWND top = list.topChild();

@@ -1,6 +1,5 @@
 // The Quota Settings dialog.
 #include "corvane.h"
-#include "frame/busy_notice.h"
 #include "frame/dialog.h"
 #include "frame/dialog_items.h"
 #include "frame/domain_servers.h"
@@ -9,6 +8,7 @@
 #include "frame/radio_group.h"
 #include "frame/size_text.h"
 #include "frame/wait_cursor.h"
+#include "quota/busy_notice.h"
 #include "quota/limits.h"
 #include "quota/rule.h"
 #include "quota/rule_chain.h"
@@ -209,7 +209,8 @@ void QuotaSettingsDialog::onOk()
         m_rule->prev = nullptr;
     }
     if (corrected.errors > 0) {
-        // Kept: the record has the corrected limits already, while the fields still show what was typed.
+        // QUIRK: the record has the corrected limits already, also if Cancel follows, while the fields still show what
+        // was typed. SettingsOkTest.HardLimitIsAtLeast1024
         showMessage(window(),
                     "Data you've entered is invalid.\nEnsure your quota settings are corrected properly.",
                     captions::kInformation);

@@ -11,8 +11,8 @@ void showHelp(HWND owner)
 {
     const wchar_t* folder = readRegistryString(HKEY_LOCAL_MACHINE, kSettingsKey, L"Path");
     wchar_t file[260] = {};
-    // Without a folder the runtime writes its own text for a null string, and the shell finds no such file.
-    // Wanted: a host that was never installed shows no message about its missing help.
+    // QUIRK: without a folder the runtime writes its own text for a null string, and the shell finds no such file: a
+    // host that was never installed shows no message. HelpTest.WithoutAFolderTheFormatterHasItsOwnText
     _snwprintf(file, std::size(file) - 1, L"%ls\\doc\\vantrel40.chm", folder);
     const ComApartment forTheShell;
     ShellExecuteW(owner, L"open", file, nullptr, L".", SW_SHOW);

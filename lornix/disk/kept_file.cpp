@@ -2,6 +2,8 @@
 
 #include "lornix/last_error.h"
 
+#include <map>
+
 namespace lornix {
 namespace {
 
@@ -64,10 +66,10 @@ DWORD copyAside(KeptFile& file, std::wstring& name, Patience& patience)
 
 } // namespace
 
-Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience, FileStamp* stamp)
+Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience, FileStamp& stamp)
 {
     bytes.clear();
-    const DWORD error = file.folder.mayHoldFiles() ? readFile(file.path, bytes, patience, stamp)
+    const DWORD error = file.folder.mayHoldFiles() ? readFile(file.path, bytes, patience, &stamp)
                                                    : static_cast<DWORD>(ERROR_FILE_NOT_FOUND);
     if (error == ERROR_SUCCESS) {
         return Reading::kDone;
@@ -80,24 +82,32 @@ Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience, 
     return Reading::kFailed;
 }
 
-bool judge(const KeptFile& file, Condition condition, const Flaws& flaws)
+bool judge(const KeptFile& file, const FileStamp& stamp, const Finding& finding)
 {
-    switch (condition) {
+    // A host that takes errors after each of its actions is not told the same of the same file each time.
+    static std::map<std::wstring, FileStamp> told;
+    std::wstring problem;
+    switch (finding.condition) {
     case Condition::kGood:
+        told.erase(file.path);
         return true;
     case Condition::kOther:
-        report(file.title + L", " + quoted(file.path) +
-               L", is of a newer version or of another kind. It is left alone.");
-        return false;
+        problem =
+            L", " + quoted(file.path) + L", is of a newer version or of another kind. It is left alone.";
+        break;
     case Condition::kForeign:
-        report(file.title + L" is not readable as such: " + quoted(file.path) + L'.');
-        return true;
+        problem = L" is not readable as such: " + quoted(file.path) + L'.';
+        break;
     case Condition::kDamaged:
-        report(file.title + L" is damaged (" + describe(flaws) + L"): " + quoted(file.path) +
-               L". What is surely good in it is used.");
-        return true;
+        problem = L" is damaged (" + describe(finding.flaws) + L"): " + quoted(file.path) +
+                  L". What is surely good in it is used.";
+        break;
     }
-    return false;
+    const auto [last, isFirst] = told.try_emplace(file.path, stamp);
+    const bool isNews = isFirst || last->second != stamp;
+    last->second = stamp;
+    (isNews ? report : reportAgain)(file.title + problem);
+    return finding.condition != Condition::kOther;
 }
 
 std::unique_ptr<const StoreLock> openForChange(DataFolder& data, const std::wstring& doing)

@@ -25,14 +25,14 @@ enum class Reading : std::uint8_t {
 };
 
 /// Reads a file as it is.
-/// @param stamp  see readFile.
-Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience, FileStamp* stamp = nullptr);
+/// @param stamp  receives which file was read.
+Reading readBytes(const KeptFile& file, std::string& bytes, Patience& patience, FileStamp& stamp);
 
-/// Reports what is wrong with what was read.
+/// Reports what is wrong with what was read: to whoever takes errors, once for each change of the file.
 /// @return false when nothing may be done with it.
-bool judge(const KeptFile& file, Condition condition, const Flaws& flaws);
+bool judge(const KeptFile& file, const FileStamp& stamp, const Finding& finding);
 
-/// Reads a file. `Content` has a condition and flaws and starts out as what a missing file holds.
+/// Reads a file. `Content` is a Finding too, and starts out as what a missing file holds.
 /// @param parse  text to Content.
 /// @return nothing when the file cannot be read or is none that this store understands: that has been reported.
 ///         A damaged file gives what is surely good, and is reported too.
@@ -40,8 +40,9 @@ template <class Content, class Parse>
 std::optional<Content> readKept(const KeptFile& file, Patience& patience, Parse parse)
 {
     std::string bytes;
+    FileStamp stamp;
     std::optional<Content> content;
-    switch (readBytes(file, bytes, patience)) {
+    switch (readBytes(file, bytes, patience, stamp)) {
     case Reading::kFailed:
         break;
     case Reading::kMissing:
@@ -49,7 +50,7 @@ std::optional<Content> readKept(const KeptFile& file, Patience& patience, Parse 
         break;
     case Reading::kDone:
         content = parse(std::string_view(bytes));
-        if (!judge(file, content->condition, content->flaws)) {
+        if (!judge(file, stamp, *content)) {
             content.reset();
         }
         break;

@@ -2,6 +2,7 @@
 
 #include "lornix/text/escaped_text.h"
 
+#include <array>
 #include <charconv>
 
 namespace lornix {
@@ -81,6 +82,7 @@ const char* readAttribute(std::string_view word, std::string_view rest, PolicyRe
         if (!readText(rest, text)) {
             return "it is not readable text";
         }
+        entry.attributes.resize(kAttributeCount);
         entry.attributes[i] = std::move(text);
         return nullptr;
     }
@@ -104,27 +106,25 @@ void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRe
     }
     appendEscaped(line, entry.text);
     writer.endLine();
-    if (!format.hasAttributes) {
-        return;
-    }
     for (std::size_t i = 0; i < kAttributeCount; ++i) {
-        const auto& text = entry.attributes[i];
-        if (i == kPasswordAttribute && !entry.sealedPassword.empty()) {
-            line += kAttributeWords[i];
-            line += '\t';
-            appendHex(line, entry.sealedPassword);
-        } else if (i != kPasswordAttribute && text) {
-            line += kAttributeWords[i];
-            line += '\t';
-            appendEscaped(line, *text);
-        } else {
+        const bool isPassword = i == kPasswordAttribute; // never in clear
+        const bool isThere = isPassword ? !entry.sealedPassword.empty()
+                                        : i < entry.attributes.size() && entry.attributes[i].has_value();
+        if (!isThere) {
             continue;
+        }
+        line += kAttributeWords[i];
+        line += '\t';
+        if (isPassword) {
+            appendHex(line, entry.sealedPassword);
+        } else {
+            appendEscaped(line, *entry.attributes[i]);
         }
         writer.endLine();
     }
 }
 
-std::string writePolicy(const PolicyFormat& format, const std::vector<PolicyRecord>& entries)
+std::string writePolicy(const PolicyFormat& format, const std::deque<PolicyRecord>& entries)
 {
     TextWriter writer(format.kind);
     for (const PolicyRecord& entry : entries) {

@@ -5,8 +5,8 @@
 #include "lornix/text/framed_text.h"
 #include "lornix/text/sid_text.h"
 
-#include <array>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,9 +28,9 @@ struct PolicyFormat {
 /// An entry as a file keeps it.
 struct PolicyRecord {
     std::u16string text;
-    Sid account;                                                           ///< empty: all accounts
-    std::array<std::optional<std::u16string>, kAttributeCount> attributes; ///< without the password
-    std::string sealedPassword;                                            ///< bytes; empty: none
+    Sid account;                                           ///< empty: all accounts
+    std::vector<std::optional<std::u16string>> attributes; ///< all or none; without the password
+    std::string sealedPassword;                            ///< bytes; empty: none
 };
 
 /// An editor shows them all at once, and memory is to stay in proportion to the file.
@@ -38,11 +38,11 @@ inline constexpr std::size_t kMostEntries = 100000;
 
 /// What a file held that could be used, and what could not.
 struct PolicyRecords : Finding {
-    std::vector<PolicyRecord> entries;
+    std::deque<PolicyRecord> entries; ///< which needs no room for two of them while it grows
 };
 
 PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text);
-std::string writePolicy(const PolicyFormat& format, const std::vector<PolicyRecord>& entries);
+std::string writePolicy(const PolicyFormat& format, const std::deque<PolicyRecord>& entries);
 
 /// Appends the lines of an entry.
 void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRecord& entry);

@@ -57,7 +57,7 @@ bool PolicyList::take(const PolicyRecord& record)
     };
     put(entry.text, record.text);
     entry.account = record.account;
-    for (std::size_t i = 0; i < kAttributeCount; ++i) {
+    for (std::size_t i = 0; i < record.attributes.size(); ++i) {
         if (const auto& attribute = record.attributes[i]) {
             put(entry.attributes[i], *attribute);
         }
@@ -163,7 +163,7 @@ void PolicyList::remove(std::uint32_t index)
     }
 }
 
-bool PolicyList::toRecords(std::vector<PolicyRecord>& records)
+bool PolicyList::toRecords(std::deque<PolicyRecord>& records)
 {
     for (PolicyEntry& entry : m_entries) {
         if (entry.isRemoved) {
@@ -184,6 +184,7 @@ bool PolicyList::toRecords(std::vector<PolicyRecord>& records)
         record.sealedPassword = entry.sealedPassword;
         for (std::size_t i = 0; i < kAttributeCount; ++i) {
             if (i != kPasswordAttribute && entry.attributes[i] != nullptr) {
+                record.attributes.resize(kAttributeCount);
                 record.attributes[i] = fromWide(entry.attributes[i].get());
             }
         }
@@ -202,7 +203,7 @@ bool PolicyList::store()
         return false;
     }
     DataFolder data = DataFolder::current();
-    std::vector<PolicyRecord> records;
+    std::deque<PolicyRecord> records;
     if (!data.isKnown() || !toRecords(records)) {
         return false;
     }

@@ -5,6 +5,7 @@
 #include "lornix/policies/policy_file.h"
 #include "lornix/policies/sealed_text.h"
 
+#include <array>
 #include <deque>
 #include <unordered_set>
 
@@ -79,7 +80,7 @@ private:
 
     /// @return false when its password cannot be read.
     bool take(const PolicyRecord& record);
-    bool toRecords(std::vector<PolicyRecord>& records);
+    bool toRecords(std::deque<PolicyRecord>& records);
 
     PolicyFormat m_format;
     const wchar_t* m_fileName;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::string_view kFolderWord = "folder";
 constexpr std::string_view kAnyone = "anyone";
+constexpr std::size_t kRoomForEnd = 64; // more than the last lines take
 
 bool readNumber(std::string_view word, std::int64_t& number)
 {
@@ -214,6 +215,7 @@ void RuleBook::gather(std::string_view file, const std::deque<Piece>& pieces)
         size += block.known + block.rules;
         block.rules = 0; // counted once more
     }
+    m_text.reserve(size + kRoomForEnd);
     m_text.resize(size);
     for (const Piece& piece : pieces) {
         Block& block = m_blocks[piece.block];
@@ -263,7 +265,7 @@ void RuleBook::enter(std::uint32_t index)
 void RuleBook::makeRoomFor(std::size_t blocks)
 {
     constexpr std::size_t kLeast = 16;
-    m_blocks.reserve(blocks);
+    m_slots = {}; // gone before there are more
     m_slots.assign(std::max(kLeast, std::bit_ceil(blocks * 2)), kNone);
     for (std::uint32_t index = 0; index < m_blocks.size(); ++index) {
         enter(index);

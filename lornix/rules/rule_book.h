@@ -129,9 +129,9 @@ private:
     }
 
     FileKind m_kind;
-    std::size_t m_head = 0; ///< length of what stands above the lines
-    std::string m_text;     ///< the lines of all blocks, in their order, and what stands around them
-    std::vector<Block> m_blocks;
+    std::size_t m_head = 0;     ///< length of what stands above the lines
+    std::string m_text;         ///< the lines of all blocks, in their order, and what stands around them
+    std::deque<Block> m_blocks; ///< which needs no room for two of them while it grows
     std::vector<std::uint32_t> m_slots; ///< open hash table of indices of blocks
 };
 

@@ -40,7 +40,10 @@ bool RuleFile::isRemembered(Patience& patience) const
     {
         return true;
     }
-    if (!holdsText(m_file.path, remembered->book.text(), patience, stamp)) {
+    // What is kept of a damaged file is not what stands in it.
+    if (remembered->book.condition != Condition::kGood ||
+        !holdsText(m_file.path, remembered->book.text(), patience, stamp))
+    {
         return false;
     }
     remembered->isSettled = isSettled(stamp);
@@ -54,7 +57,7 @@ const RuleBook* RuleFile::read(Patience& patience)
         remembered.reset(); // two at once would need twice the memory
         std::string bytes;
         FileStamp stamp;
-        const Reading reading = readBytes(m_file, bytes, patience, &stamp);
+        const Reading reading = readBytes(m_file, bytes, patience, stamp);
         if (reading == Reading::kFailed) {
             return nullptr;
         }
@@ -64,7 +67,7 @@ const RuleBook* RuleFile::read(Patience& patience)
             Remembered{m_file.path, std::move(stamp), isStill, isDone ? RuleBook(kRules, bytes) : RuleBook()};
     }
     const RuleBook& book = remembered->book;
-    return judge(m_file, book.condition, book.flaws) ? &book : nullptr;
+    return judge(m_file, remembered->stamp, book) ? &book : nullptr;
 }
 
 const RuleBook* RuleFile::replace(RuleBook book, Patience& patience)

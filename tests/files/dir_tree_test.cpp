@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -86,6 +87,16 @@ TEST_F(DirTreeTest, AsksThePlatformInOrder)
                 ElementsAre("icon 4001 C:\\", "drives 258", "volume C:\\", "icon 101 C:\\", "icon 103 C:\\",
                             "find C:\\*.*", "next", "next", "next")); // ends at the first entry that counts
     EXPECT_EQ(disk.openIcons(), 0);
+}
+
+TEST_F(DirTreeTest, LooksAFileUpWithABackslashBehindIt)
+{
+    disk.addDrive(L"C:\\");
+    disk.setFolder(L"C:\\", {file(L"tool.exe"), file(L"z")});
+    ASSERT_TRUE(tree.display(nullptr, true));
+    disk.takeCalls();
+    openDrive(L"C:");
+    EXPECT_THAT(disk.takeCalls(), Contains("icon 101 C:\\tool.exe\\"));
 }
 
 TEST_F(DirTreeTest, ShowsBothImagesOfANode)

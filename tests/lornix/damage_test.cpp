@@ -71,6 +71,30 @@ TEST_F(DamageTest, DamagedLineIsLeftOutAndTheRestGoesOn)
     EXPECT_EQ(stored(L"D:\\Users"), (std::vector<Rule>{{L"D:\\Users"}})) << "what was good goes on";
 }
 
+TEST_F(DamageTest, WhoeverTakesErrorsIsToldOncePerChangeOfTheFile)
+{
+    const auto isTold = [] {
+        stored(kFolder);
+        EXPECT_TRUE(reported(L"is damaged")) << "the call itself tells each time";
+        return std::wstring(lornixTakeErrors()).find(L"is damaged") != std::wstring::npos;
+    };
+    const std::string damaged = m_good.substr(0, m_good.find("checksum"));
+    writeBytes(rulesFile(), damaged);
+    lornixTakeErrors();
+    EXPECT_TRUE(isTold());
+    EXPECT_FALSE(isTold());
+    namesOf(Folders(lornixKnownFolders()).get());
+    EXPECT_STREQ(lornixTakeErrors(), L"") << "by another function";
+    writeBytes(rulesFile(), damaged + "more\r\n");
+    EXPECT_TRUE(isTold()) << "of another damage";
+    EXPECT_FALSE(isTold());
+    writeBytes(rulesFile(), m_good);
+    EXPECT_EQ(stored(kFolder).size(), 2u);
+    EXPECT_STREQ(lornixTakeErrors(), L"");
+    writeBytes(rulesFile(), damaged);
+    EXPECT_TRUE(isTold()) << "once more, after it was good";
+}
+
 TEST_F(DamageTest, LimitsThatCannotBeAreNeverHandedOut)
 {
     for (const char* limits : {"0\t-1", "-1\t-5", "-9223372036854775808\t-9223372036854775808"}) {

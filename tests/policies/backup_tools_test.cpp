@@ -387,6 +387,25 @@ TEST_F(BackupToolEntryTest, AnAddressThatLooksNegativeIsExtendedWithZeros)
     high_heap::giveBack();
 }
 
+TEST_F(BackupToolEntryTest, TheNameOfAChosenProcessIsNotReleased)
+{
+    const ImportPatch duplicates(ImportPatch::corvane(), "_wcsdup", high_heap::duplicate);
+    const ImportPatch releases(ImportPatch::corvane(), "free", high_heap::release);
+    ASSERT_EQ(duplicates.count(), 1);
+    ASSERT_EQ(releases.count(), 1);
+    high_heap::released = 0;
+    script.onDialog("browse", [](HWND entry) { clickLater(entry, kBrowseRunning); });
+    script.onDialog("choose this test", [](HWND chooser) {
+        ASSERT_GE(selectRowWith(GetDlgItem(chooser, kProcessList), thisProgram().c_str()), 0);
+        clickLater(chooser, IDOK);
+    });
+    script.onDialog("cancel", [](HWND entry) { clickLater(entry, IDCANCEL); });
+    EXPECT_EQ(open(nullptr), 0);
+    EXPECT_NE(high_heap::block, nullptr) << "the chooser made no copy of the name";
+    EXPECT_EQ(high_heap::released, 0);
+    high_heap::giveBack();
+}
+
 TEST_F(BackupToolEntryTest, StaysBelowFourGiBWhereTheHeapDoesNot)
 {
     const ImportPatch duplicates(ImportPatch::corvane(), "_wcsdup", high_heap::duplicate);

@@ -92,18 +92,51 @@ void DialogWorld::listDialogs()
         {"blocked extensions", [] { editExcludeExts(nullptr); }, "loadExcludeExts", "freeExcludeExts"},
         {"administrative accounts", [] { editMgrAccounts(nullptr); }, "loadMgrAccounts", "freeMgrAccounts"},
         {"backup tools", [] { editBackupTools(nullptr); }, "loadBackupTools", "freeBackupTools"},
-        {"backup tool", [] { release(editBackupToolListEntry(nullptr, L"C:\\bk.exe")); }, "", ""},
-        {"process", [] { release(reinterpret_cast<intptr_t>(chooseProcess(nullptr))); }, "", ""},
-        {"file", [] { std::free(chooseFileImpl(nullptr, 0)); }, "", ""},
-        {"folder", [] { std::free(chooseFileImpl(nullptr, 1)); }, "", ""},
-        {"about", [] { showAboutDialog(nullptr); }, "", ""},
-        {"account", [this] { openChooser(false); }, "", ""},
-        {"account, owners first", [this] { openChooser(true); }, "", ""},
-        {"settings of a new rule for anyone", [this] { openSettings(1, false); }, "", ""},
-        {"settings of a new rule for a group", [this] { openSettings(1, true); }, "", ""},
-        {"settings of a rule", [this] { openSettings(0, true); }, "", ""},
-        {"quota page", [this] { openPanel(false); }, "", ""},
-        {"quota page that goes on under its dialogs", [this] { openPanel(true); }, "", ""},
+        {"backup tool",
+         [] {
+             release(editBackupToolListEntry(nullptr, L"C:\\bk.exe"));
+         }},
+        {"process",
+         [] {
+             release(reinterpret_cast<intptr_t>(chooseProcess(nullptr)));
+         }},
+        {"file",
+         [] {
+             std::free(chooseFileImpl(nullptr, 0));
+         }},
+        {"folder",
+         [] {
+             std::free(chooseFileImpl(nullptr, 1));
+         }},
+        {"about",
+         [] {
+             showAboutDialog(nullptr);
+         }},
+        {"account",
+         [this] {
+             openChooser(false);
+         }},
+        {"account, owners first",
+         [this] {
+             openChooser(true);
+         }},
+        {"settings of a new rule for anyone",
+         [this] {
+             openSettings(1, false);
+         }},
+        {"settings of a new rule for a group",
+         [this] {
+             openSettings(1, true);
+         }},
+        {"settings of a rule",
+         [this] {
+             openSettings(0, true);
+         }},
+        {"quota page",
+         [this] {
+             openPanel(false);
+         }},
+        {"quota page that goes on under its dialogs", [this] { openPanel(true); }, "", "", true},
     };
 }
 

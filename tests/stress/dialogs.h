@@ -15,8 +15,9 @@
 struct OpenedDialog {
     std::string name;
     std::function<void()> open;
-    std::string load; ///< the store's call that takes the list, empty for a dialog without one
-    std::string free;
+    std::string load{}; ///< the store's call that takes the list, empty for a dialog without one
+    std::string free{};
+    bool leavesRecords = false; ///< of rules that were cancelled, which nobody releases
 };
 
 /// A store with entries in each list, drives with files, and file dialogs of the platform that answer at once.

@@ -34,9 +34,7 @@ wait_status '0 rules in 2 folders'
 wait_saved
 
 step 'a new rule is stored, and what was there is set aside'
-add_rule 60M 50M
-wait_store_box 'Not everything could be read or stored.'
-answer 'Quota Store' Return
+add_rule 60M 50M # the damage was told, and is not told again
 press ctrl+s
 wait_store_box 'The rules are stored. There is more to know:'
 answer 'Quota Store' Return

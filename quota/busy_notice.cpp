@@ -1,4 +1,4 @@
-#include "frame/busy_notice.h"
+#include "quota/busy_notice.h"
 
 namespace {
 

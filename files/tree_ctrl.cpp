@@ -1,4 +1,4 @@
-#include "frame/tree_ctrl.h"
+#include "files/tree_ctrl.h"
 
 #include <cwchar>
 

@@ -1,0 +1,164 @@
+// How much memory reading a file takes, told by a heap that counts.
+#include "lornix/policies/policy_file.h"
+#include "lornix/rules/rule_book.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <new>
+#include <string>
+
+namespace {
+
+std::size_t held = 0;
+std::size_t most = 0;
+
+constexpr std::size_t kHead = alignof(std::max_align_t); // where the size of a block is noted, in front of it
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    auto* block = static_cast<std::byte*>(std::malloc(kHead + size));
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    ::new (block) std::size_t(size);
+    held += size;
+    most = std::max(most, held);
+    return block + kHead;
+}
+
+void operator delete(void* what) noexcept
+{
+    if (what != nullptr) {
+        std::byte* block = static_cast<std::byte*>(what) - kHead;
+        held -= *reinterpret_cast<std::size_t*>(block);
+        std::free(block);
+    }
+}
+
+void operator delete(void* what, std::size_t) noexcept
+{
+    operator delete(what);
+}
+
+namespace {
+
+using namespace lornix;
+
+/// A file whose lines are those that a function appends, each with its number, until there are enough.
+std::string fileOf(std::string_view kind, std::size_t size,
+                   const std::function<void(std::string&, unsigned)>& append)
+{
+    std::string text = "lornix " + std::string(kind) + " 1\n";
+    for (unsigned number = 0; text.size() < size; ++number) {
+        append(text, number);
+    }
+    return text + "checksum -\nend\n";
+}
+
+/// The most memory that is held while a file is read, its bytes among it, in times its size.
+template <class Read>
+double costOf(const std::string& file, Read read)
+{
+    const std::size_t before = held;
+    most = held;
+    const std::string bytes(file);
+    const auto content = read(bytes);
+    return static_cast<double>(most - before) / static_cast<double>(file.size());
+}
+
+double costOfRules(const std::string& file)
+{
+    return costOf(file, [](const std::string& bytes) { return RuleBook(kRules, bytes); });
+}
+
+/// The shortest names, each another one.
+void appendName(std::string& text, unsigned number)
+{
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789!$&'()+,-.;=@[]^_`{}~";
+    for (unsigned rest = number + 1; rest != 0; rest /= kLetters.size()) {
+        text += kLetters[rest % kLetters.size()];
+    }
+    text += '\n';
+}
+
+TEST(ReadingMemoryTest, RulesTakeLessThanEightTimesTheirFile)
+{
+    struct Kind {
+        const char* what;
+        std::function<void(std::string&, unsigned)> append;
+    };
+    const Kind kinds[] = {
+        {"rules as the store writes them, twenty to a folder",
+         [](std::string& text, unsigned number) {
+             RuleLines(text).append(524288000, 419430400, 28540096,
+                                    parseSid("S-1-5-21-1004336348-1177238915-682003330-1105")->bytes(),
+                                    "D:\\Shares\\Department " + std::to_string(number / 20));
+         }},
+        {"one folder",
+         [](std::string& text, unsigned) {
+             text += "1 1 1 anyone D\n";
+         }},
+        {"a folder a line",
+         [](std::string& text, unsigned number) {
+             appendName(text += "folder ", number);
+         }},
+        {"a rule a folder",
+         [](std::string& text, unsigned number) {
+             appendName(text += "1 1 1 anyone ", number);
+         }},
+        {"two folders by turns",
+         [](std::string& text, unsigned number) {
+             text += number % 2 == 0 ? "1 1 1 anyone A\n" : "1 1 1 anyone B\n";
+         }},
+        {"nothing that can be used",
+         [](std::string& text, unsigned) {
+             text += "?\n";
+         }},
+    };
+    for (const Kind& kind : kinds) {
+        // Tables grow by leaps: of several sizes one lies just behind a leap.
+        double worst = 0;
+        for (std::size_t size = 1 << 20; size < (2 << 20); size += 1 << 17) {
+            worst = std::max(worst, costOfRules(fileOf("rules", size, kind.append)));
+        }
+        std::printf("%s: %.1f times the file\n", kind.what, worst);
+        EXPECT_LT(worst, 8) << kind.what;
+        EXPECT_GT(worst, 1) << "is the heap counted at all?";
+    }
+}
+
+TEST(ReadingMemoryTest, AFullPolicyListTakesLessThanEightTimesItsFile)
+{
+    const auto read = [](const PolicyFormat& format, const std::string& line, const std::string& attributes) {
+        const std::string file =
+            fileOf(format.kind.name, kMostEntries * (line.size() + attributes.size() + 8),
+                   [&](std::string& text, unsigned number) {
+                       text += line + std::to_string(number) + '\n' + attributes;
+                   });
+        return costOf(file, [&](const std::string& bytes) { return readPolicy(format, bytes); });
+    };
+    const PolicyFormat excludes{.kind = {"excludes", 1, true}, .word = "exclude"};
+    const PolicyFormat masks{.kind = {"blocked-extensions", 1, true}, .word = "mask", .hasAccount = true};
+    const PolicyFormat notes{
+        .kind = {"notifications", 1, true}, .word = "notification", .hasAttributes = true};
+    const double costs[] = {
+        read(excludes, "exclude\tD:\\Shares\\Department 17\\pagefile ", ""),
+        read(masks, "mask\tS-1-5-21-1004336348-1177238915-682003330-1105\t*.a", ""),
+        read(notes, "notification\tC:\\Program Files\\Scripts\\warn.cmd ",
+             "for-account\tEXAMPLE\\alice\nfor-whom\t1\nrate\t300\nrun-as\tEXAMPLE\\runner\n"),
+    };
+    for (const double cost : costs) {
+        std::printf("%.1f times the file\n", cost);
+        EXPECT_LT(cost, 8);
+        EXPECT_GT(cost, 1);
+    }
+}
+
+} // namespace

@@ -55,8 +55,9 @@ private:
     void onSelection();
     void onFilterChange(int column);
     bool inFilterBar() const;
-    void cancel();
-    void onOk();
+    void onOk() override;
+    void onCancel() override;
+    void searchOrPick();
     void take(void* value);
     void chooseTypedName();
     void startSearch(const wchar_t* base);
@@ -197,6 +198,16 @@ void Chooser::pickSelected()
 
 void Chooser::onOk()
 {
+    if (inFilterBar()) {
+        // Enter in a filter's field: to the list, which ends the typing. Dialogs take it for their default button.
+        SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_list.handle()), TRUE);
+    } else {
+        searchOrPick();
+    }
+}
+
+void Chooser::searchOrPick()
+{
     if (itemExists(window(), IDC_CHOOSER_NAME) && isChecked(IDC_CHOOSER_TYPE)) {
         readText(IDC_CHOOSER_NAME, m_typedName);
         if (m_typedName[0] != L'\0') {
@@ -232,23 +243,12 @@ bool Chooser::onCommand(int id)
     case IDC_CHOOSER_NAME:
         onNameChange();
         return true;
-    case IDOK:
-        if (inFilterBar()) {
-            // Enter in a filter's field: to the list, which ends the typing. Dialogs take it for their default button.
-            SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_list.handle()), TRUE);
-        } else {
-            onOk();
-        }
-        return true;
-    case IDCANCEL:
-        cancel();
-        return true;
     default:
         return false;
     }
 }
 
-void Chooser::cancel()
+void Chooser::onCancel()
 {
     m_choice = nullptr;
     end(0);
@@ -256,7 +256,7 @@ void Chooser::cancel()
 
 bool Chooser::onClose()
 {
-    cancel(); // at any time: a server that is asked may take its minutes
+    onCancel(); // at any time: a server that is asked may take its minutes
     return true;
 }
 

@@ -35,19 +35,3 @@ void TextEntryDialog::onOk()
     // The address, as 32 bits hold it: whoever watches the dialog from outside gets this one.
     end(NarrowHandle::of(m_taken.get()).carrier());
 }
-
-bool TextEntryDialog::onCommand(int id)
-{
-    switch (id) {
-    case IDOK:
-        onOk();
-        break;
-    case IDCANCEL:
-        end(0);
-        break;
-    default:
-        onButton(id);
-        break;
-    }
-    return true;
-}

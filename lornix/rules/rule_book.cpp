@@ -149,10 +149,8 @@ StoredRule takeRule(std::string_view& lines)
 
 RuleBook::RuleBook(const FileKind& kind)
     : m_kind(kind)
+    , m_text(startText(kind).append("# hard limit, soft limit, in use (bytes); account; folder\r\n"))
 {
-    TextWriter writer(kind);
-    writer.comment("hard limit, soft limit, in use (bytes); account; folder");
-    m_text = std::move(writer.line());
     m_head = m_text.size();
     finish();
 }

@@ -27,10 +27,6 @@ protected:
         const std::vector<std::string> lines = store.lines();
         return static_cast<int>(std::count(lines.begin(), lines.end(), kLine));
     }
-    void cancel()
-    {
-        script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
-    }
 };
 
 std::string nameOfFault(const testing::TestParamInfo<Fault>& info)
@@ -139,8 +135,9 @@ TEST_P(ChooserFaultTest, TheFillThreadGoesOnWithItsOwnLines)
     store.raise("enumerateUsers", GetParam());
     searchServer();
     script.onDialog("look", [](HWND dialog) {
-        EXPECT_EQ(rows(dialog), (std::vector<std::string>{"Anyone|Anyone|System", "alice|DOM\\alice|User",
-                                                          "staff|DOM\\staff|Group"}));
+        EXPECT_EQ(list(dialog).rows(),
+                  (std::vector<std::string>{"Anyone|Anyone|System", "alice|DOM\\alice|User",
+                                            "staff|DOM\\staff|Group"}));
     });
     cancel();
     EXPECT_EQ(choose(), nullptr);
@@ -154,7 +151,7 @@ TEST_P(ChooserFaultTest, AFillThatFaultsOutsideOfItsStepsEndsWithItsThreadsLine)
     searchServer();
     script.onDialog("look", [](HWND dialog) {
         EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_LIST));
-        EXPECT_EQ(cell(dialog, 0, 0), kWaitText) << "the list keeps what it got";
+        EXPECT_EQ(list(dialog).text(0, 0), kWaitText) << "the list keeps what it got";
     });
     cancel();
     EXPECT_EQ(choose(), nullptr);
@@ -267,7 +264,7 @@ TEST_F(ListFaultTest, AListThatFaultsAtARowHasTheOthers)
     failAt(L"bob", FailingList::Way::kFaults);
     searchServer();
     script.onDialog("look", [](HWND dialog) {
-        EXPECT_EQ(rows(dialog), kWithoutBob);
+        EXPECT_EQ(list(dialog).rows(), kWithoutBob);
         EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_LIST));
         EXPECT_TRUE(isDrawing(dialog));
         click(dialog, IDCANCEL);
@@ -303,7 +300,7 @@ TEST_F(ListFaultTest, ARowThatTheListRefusesIsReleased)
     failAt(L"bob", FailingList::Way::kRefuses);
     searchServer();
     script.onDialog("look", [](HWND dialog) {
-        EXPECT_EQ(rows(dialog), kWithoutBob);
+        EXPECT_EQ(list(dialog).rows(), kWithoutBob);
         EXPECT_NE(copyOfBob, nullptr);
         EXPECT_TRUE(released);
         click(dialog, IDCANCEL);
@@ -317,15 +314,15 @@ TEST_F(ListFaultTest, ARowThatTheListDoesNotTakeBackStaysHidden)
     searchServer();
     script.onDialog("hide all but carol, then let them come back", [this](HWND dialog) {
         filterBar->type(0, L"c");
-        EXPECT_EQ(rowCount(dialog), 1);
+        EXPECT_EQ(list(dialog).rowCount(), 1);
         {
             const FailingList failing(list(dialog), L"bob", FailingList::Way::kRefuses);
             filterBar->type(0, L"");
-            EXPECT_THAT(column(dialog, 0), testing::UnorderedElementsAre("Anyone", "alice", "carol"));
+            EXPECT_THAT(list(dialog).column(0), testing::UnorderedElementsAre("Anyone", "alice", "carol"));
             SetWindowLongPtrW(list(dialog), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(failing.before()));
         }
         filterBar->type(0, L"bo");
-        EXPECT_THAT(column(dialog, 0), testing::ElementsAre("bob")) << "nothing is lost";
+        EXPECT_THAT(list(dialog).column(0), testing::ElementsAre("bob")) << "nothing is lost";
         click(dialog, IDCANCEL);
     });
     EXPECT_EQ(choose(), nullptr);

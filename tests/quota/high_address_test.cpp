@@ -1,4 +1,5 @@
 // Records above 4 GiB, which do not fit into the 32 bits that carry them.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/list_host.h"
@@ -161,7 +162,7 @@ TEST_F(HighAddressTest, AddsWithMembersEditsAndDrops)
     script
         .onDialog("choose",
                   [](HWND dialog) {
-                      click(dialog, kGroupMembers);
+                      click(dialog, IDC_QUOTA_GROUP_MEMBERS);
                       typeLimits(dialog, L"10K", L"5K");
                   })
         .onDialog("OK", pressOk)

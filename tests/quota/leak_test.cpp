@@ -1,4 +1,5 @@
 // Nothing is left behind by dialogs and list operations, except what is handed over.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/list_host.h"
 #include "tests/support/nothing_left.h"
@@ -52,8 +53,8 @@ TEST_F(LeakTest, OpeningAndCancelling)
     expectNothingLeft([=] {
         rule->inUse = QUOTA_IN_USE_UNKNOWN;
         whileOpen(rule, kAdd, [](HWND dialog) {
-            click(dialog, kGroupMembers);
-            click(dialog, kAllFiles);
+            click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+            click(dialog, IDC_QUOTA_ALL_FILES);
         });
     });
 }
@@ -76,7 +77,7 @@ TEST_F(LeakTest, MemberRecordsAreTheCallers)
     groupHas(*store, {ann, ann, ann});
     QuotaRule* const rule = newRule(staff);
     expectNothingLeft([=] {
-        untilOk(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+        untilOk(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
         int members = 0;
         while (QuotaRule* const member = rule->next) {
             rule->next = member->next;

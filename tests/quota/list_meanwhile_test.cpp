@@ -1,4 +1,5 @@
 // What a host does to its list while a dialog on one of the rows is open; lists that sort by themselves; no list.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/list_host.h"
 #include "tests/support/message_watch.h"
@@ -53,7 +54,7 @@ struct ListMeanwhileTest : testing::Test {
         script
             .onDialog("meanwhile",
                       [&](HWND dialog) {
-                          click(dialog, kGroupMembers);
+                          click(dialog, IDC_QUOTA_GROUP_MEMBERS);
                           meanwhile(dialog);
                       })
             .onDialog("OK", pressOk);
@@ -174,7 +175,7 @@ TEST_F(ListMeanwhileTest, AListWithAnOrderOfItsOwnIsChainedInThatOrder)
         initializeListCtrl2(sorted.object(), Paths{L"C:\\old"});
         groupHas(store, {alice, bob});
         DialogScript script;
-        script.onDialog("choose", [](HWND dialog) { click(dialog, kGroupMembers); })
+        script.onDialog("choose", [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); })
             .onDialog("OK", pressOk)
             .onDialog("OK", pressOk);
         EXPECT_NE(
@@ -217,7 +218,8 @@ TEST_F(ListMeanwhileTest, MembersGoInWithRedrawingOff)
         }
     });
     DialogScript script;
-    script.onDialog("choose", [](HWND dialog) { click(dialog, kGroupMembers); }).onDialog("OK", pressOk);
+    script.onDialog("choose", [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); })
+        .onDialog("OK", pressOk);
     EXPECT_NE(script.run([this] { return addToListCtrl2(host.object(), staff, Paths{L"C:\\new"}); }), 0);
     EXPECT_EQ(host.rowCount(), 53);
     EXPECT_EQ(drawn, 1) << "the group's own row, before its dialog";

@@ -23,17 +23,6 @@
 
 namespace {
 
-HWND dialogInFront()
-{
-    const std::vector<HWND> dialogs = DialogScript::dialogs();
-    for (const HWND dialog : dialogs) {
-        if (IsWindowEnabled(dialog)) {
-            return dialog;
-        }
-    }
-    return nullptr;
-}
-
 /// Does something in the dialogs of its own thread, again and again, as long as it lives.
 class Worker {
 public:
@@ -53,7 +42,7 @@ public:
 private:
     static void CALLBACK tick(HWND, UINT, UINT_PTR, DWORD)
     {
-        if (HWND front = dialogInFront()) {
+        if (HWND front = DialogScript::front()) {
             current->m_act(front);
         }
     }

@@ -73,12 +73,12 @@ void DialogWorld::fillStore(int entries)
         store.putMask(text.c_str(), nullptr);
         store.putAccount(text.c_str());
         store.putTool(text.c_str());
-        m_users.push_back(store.recording.account("DOM\\user" + std::to_string(i)));
+        m_users.push_back(store.account("DOM\\user" + std::to_string(i)));
     }
-    m_ruled = {store.recording.account("staff"), store.recording.account("alice")};
-    store.recording.answer.enumerateUsers = [this](const wchar_t*, SidList* list) {
+    m_ruled = {store.account("staff"), store.account("alice")};
+    store.answer.enumerateUsers = [this](const wchar_t*, SidList* list) {
         for (const void* const user : m_users) {
-            list = store.recording.answer.appendToSidList(list, store.recording.answer.sidDup(user));
+            list = store.answer.appendToSidList(list, store.answer.sidDup(user));
         }
         return list;
     };
@@ -142,17 +142,17 @@ void DialogWorld::listDialogs()
 
 void DialogWorld::openPanel(bool timer)
 {
-    QuotaPanel panel(store.recording, m_ruled, m_below, m_raised, timer);
+    QuotaPanel panel(store, m_ruled, m_below, m_raised, timer);
     panel.show();
 }
 
 void DialogWorld::openSettings(int mode, bool forAccount)
 {
-    const auto& answer = store.recording.answer;
+    const auto& answer = store.answer;
     QuotaRule* const rule = heapRule(L"C:\\data", forAccount ? answer.sidDup(m_ruled[0]) : nullptr, -1);
     rule->inUse = QUOTA_IN_USE_UNKNOWN;
-    store.recording.answer.enumerateGroupUsers = [this](const wchar_t*, const wchar_t*, SidList* members) {
-        return store.recording.answer.appendToSidList(members, store.recording.answer.sidDup(m_ruled[1]));
+    store.answer.enumerateGroupUsers = [this](const wchar_t*, const wchar_t*, SidList* members) {
+        return store.answer.appendToSidList(members, store.answer.sidDup(m_ruled[1]));
     };
     editQuotaListEntry(nullptr, rule, mode);
     releaseChain(rule);
@@ -160,7 +160,7 @@ void DialogWorld::openSettings(int mode, bool forAccount)
 
 void DialogWorld::openChooser(bool withOwners)
 {
-    const auto& answer = store.recording.answer;
+    const auto& answer = store.answer;
     SidList* const owners = RecordingStore::makeSidList(
         withOwners && m_users.size() > 1 ? std::vector{m_users[0], m_users[1]} : std::vector<const void*>{});
     void* const sid = withOwners ? chooseSidFromUserInput2(nullptr, owners) : chooseSidFromUserInput(nullptr);

@@ -3,8 +3,8 @@
 
 #include "tests/accounts/chooser_fixture.h"
 #include "tests/files/fake_disk.h"
-#include "tests/policies/policy_store.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/policy_store.h"
 
 #include <array>
 #include <functional>

@@ -64,11 +64,11 @@ bool has(HWND dialog, int id)
 /// Opens an entry dialog on the first row of a list, or searches for accounts, before all is cancelled.
 void goDeeper(HWND front)
 {
-    constexpr int kEdit = 1008;
-    for (const int list : {1011, 1015}) {
-        if (has(front, list) && (has(front, kEdit) || has(front, QuotaPanel::kEdit))) {
+    for (const int list : {IDC_POLICY_LIST, IDC_NOTIFICATIONS_LIST}) {
+        if (has(front, list) && (has(front, IDC_POLICY_EDIT) || has(front, QuotaPanel::kEdit))) {
             ListView_SetItemState(GetDlgItem(front, list), 0, LVIS_SELECTED, LVIS_SELECTED);
-            PostMessageW(front, WM_COMMAND, has(front, kEdit) ? kEdit : QuotaPanel::kEdit, 0);
+            PostMessageW(front, WM_COMMAND, has(front, IDC_POLICY_EDIT) ? IDC_POLICY_EDIT : QuotaPanel::kEdit,
+                         0);
         }
     }
     if (has(front, IDC_CHOOSER_NAME) && has(front, IDC_CHOOSER_LIST)) {
@@ -94,7 +94,7 @@ TEST(Leaks, NothingGrows)
             for (long long i = 0; i < times; ++i) {
                 monkey.play({goDeeper}, 0, dialog.open);
                 world.fills.forget();
-                world.store.recording.takeCalls();
+                world.store.takeCalls();
                 stress::alive(dialog.name.c_str());
             }
         };

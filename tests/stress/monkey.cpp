@@ -19,16 +19,6 @@ constexpr UINT kAct = WM_APP;
 constexpr UINT_PTR kTimer = 1;
 constexpr int kTooLong = 20000; // acts without any dialog to act on
 
-HWND frontDialog()
-{
-    for (const HWND dialog : DialogScript::dialogs()) {
-        if (IsWindowEnabled(dialog)) {
-            return dialog;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 Monkey::Monkey(std::uint32_t seed)
@@ -84,7 +74,7 @@ void Monkey::act()
     ++m_acts;
     stress::alive(m_last.c_str());
     next(); // before the act, which may open a dialog and come back only when that is closed
-    const HWND front = frontDialog();
+    const HWND front = DialogScript::front();
     if (front == nullptr) {
         if (++m_nothing > kTooLong) {
             ADD_FAILURE() << "no dialog can be used after: " << m_last;

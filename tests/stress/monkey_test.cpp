@@ -105,7 +105,7 @@ TEST(Monkey, IsSurvived)
                 monkey.below(60), [&monkey](int bound) { return monkey.below(bound); },
                 [] { return RandomFaults::all.load(); });
         }
-        RecordingStore& store = world->store.recording;
+        RecordingStore& store = world->store;
         store.takeCalls();
         DialogWorld::ownChooser = monkey.below(2) == 0;
         const auto& dialogs = world->dialogs();

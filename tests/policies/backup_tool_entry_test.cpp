@@ -136,6 +136,12 @@ TEST_F(BackupToolEntryTest, CancelAndTheCloseBoxGiveNothing)
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
+TEST_F(BackupToolEntryTest, ADialogThatSomebodyElseEndsGivesNoText)
+{
+    script.onDialog("end it", [](HWND entry) { EndDialog(entry, IDCANCEL); });
+    EXPECT_EQ(open(nullptr), 0);
+}
+
 TEST_F(BackupToolEntryTest, GivesMinusOneWhenItCannotBeShown)
 {
     const HiddenDialog all;

@@ -174,7 +174,7 @@ void compare(const std::wstring& folder, int files, int rounds, const std::strin
         }
     }
     const auto add = [&](const char* measure, const Tally& ours, const Tally& control) {
-        comparisons.push_back({measure + how, files, ours.seconds(), control.seconds()});
+        comparisons.push_back({measure + how, files, ours, control});
     };
     add("list a folder", corvane.list, bare.list);
     add("open a folder, which lists it twice", corvane.open, bare.open);

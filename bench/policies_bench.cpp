@@ -214,7 +214,7 @@ bool measure(const Editor& editor, int count, int rounds, std::vector<Comparison
                           : control.add(openBare(editor, content, upwards));
         }
     }
-    comparisons.push_back({editor.name, count, corvane.seconds(), control.seconds()});
+    comparisons.push_back({editor.name, count, corvane, control});
     if (editor.sorted) {
         std::vector<size_t> byStore(content.rows.size());
         std::iota(byStore.begin(), byStore.end(), 0);
@@ -223,7 +223,7 @@ bool measure(const Editor& editor, int count, int rounds, std::vector<Comparison
         Content itsOwn;
         Tally own;
         own.add(openBare(editor, content, byStore, &itsOwn));
-        comparisons.push_back({std::string(editor.name) + " *", count, corvane.seconds(), own.seconds()});
+        comparisons.push_back({std::string(editor.name) + " *", count, corvane, own});
         same = same && itsOwn.rows == content.rows;
     }
     return same;

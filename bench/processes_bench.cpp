@@ -139,7 +139,7 @@ bool measure(const char* name, int rounds, std::vector<Comparison>& comparisons)
                 IDC_PROCESS_LIST, look));
         }
     }
-    comparisons.push_back({name, shown[0].rows, tallies[0].seconds(), tallies[1].seconds()});
+    comparisons.push_back({name, shown[0].rows, tallies[0], tallies[1]});
     return shown[0].hash == shown[1].hash && shown[0].rows == shown[1].rows && shown[0].rows > 0;
 }
 

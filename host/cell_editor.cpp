@@ -109,7 +109,8 @@ bool CellEditor::finish()
         return false;
     }
     close();
-    if (notify(LVN_ENDLABELEDITW, limit.text.data()) != 0) {
+    if (m_page.changing(m_row, [&](QuotaRule&) { return notify(LVN_ENDLABELEDITW, limit.text.data()) != 0; }))
+    {
         m_page.showNumbers(m_row);
     }
     return true;

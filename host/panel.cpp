@@ -121,8 +121,9 @@ void Panel::enterPressed()
 
 void Panel::notified(const NMHDR& header)
 {
-    if (header.hwndFrom == ListView_GetHeader(m_page->list()) &&
-        (header.code == HDN_BEGINTRACKW || header.code == HDN_BEGINDRAG))
+    // The cheap question first: a list tells of each row that changes.
+    if ((header.code == HDN_BEGINTRACKW || header.code == HDN_BEGINDRAG) &&
+        header.hwndFrom == ListView_GetHeader(m_page->list()))
     {
         leaveCell(); // as for scrolling, below
     }

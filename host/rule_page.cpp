@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <unordered_map>
 
 namespace host {
 namespace {
@@ -23,6 +24,12 @@ constexpr int kSoftLimit = RulePage::kSoftLimitColumn;
 constexpr int kInUse = 3;
 constexpr int kPercent = 4;
 constexpr int kFolder = 5;
+
+/// Whether two records of one rule have the same numbers: its account and its folder stay.
+bool sayTheSame(const QuotaRule& one, const QuotaRule& other)
+{
+    return one.hardLimit == other.hardLimit && one.softLimit == other.softLimit && one.inUse == other.inUse;
+}
 
 } // namespace
 
@@ -64,15 +71,29 @@ QuotaRule* RulePage::chain() const
     return m_quotas->chain();
 }
 
+LPARAM RulePage::dataOf(int row) const
+{
+    LVITEMW item{};
+    item.mask = LVIF_PARAM;
+    item.iItem = row;
+    return ListView_GetItem(m_list, &item) != FALSE ? item.lParam : 0;
+}
+
+/// A row's item data is the record's address only while that lies below 4 GiB. The chain is in row order, and tells which is
+/// whose: once after rows came in, as all of them must be looked at.
+void RulePage::knowRecords()
+{
+    m_records.clear();
+    int row = 0;
+    for (QuotaRule* rule = chain(); rule != nullptr; rule = rule->next, ++row) {
+        m_records.emplace(dataOf(row), rule);
+    }
+}
+
 QuotaRule* RulePage::ruleOf(int row) const
 {
-    // Not through the row's item data: that is an address only while the record lies below 4 GiB. The chain
-    // is in row order.
-    QuotaRule* rule = chain();
-    for (int i = 0; rule != nullptr && i < row; ++i) {
-        rule = rule->next;
-    }
-    return rule;
+    const auto found = m_records.find(dataOf(row));
+    return found != m_records.end() ? found->second : nullptr;
 }
 
 void RulePage::show(const std::vector<std::wstring>& folders)
@@ -82,13 +103,7 @@ void RulePage::show(const std::vector<std::wstring>& folders)
         const PaintPause pause(m_list);
         m_quotas->fill(paths.list()); // all at once: each call looks at all rows that are there already
     }
-    const RuleState now = stateOf(chain());
-    for (const std::wstring& folder : folders) {
-        const std::wstring key = folderKey(folder);
-        if (const auto rules = now.find(key); rules != now.end()) {
-            m_stored[key] = rules->second;
-        }
-    }
+    knowRecords();
 }
 
 void RulePage::clear()
@@ -96,7 +111,8 @@ void RulePage::clear()
     QuotaRule* rules = chain();
     ListView_DeleteAllItems(m_list);
     lornixFreeRules(rules);
-    m_stored.clear();
+    m_records.clear();
+    m_changes.forget();
 }
 
 void RulePage::hide(const std::vector<std::wstring>& folders)
@@ -104,8 +120,6 @@ void RulePage::hide(const std::vector<std::wstring>& folders)
     std::set<std::wstring> keys;
     for (const std::wstring& folder : folders) {
         keys.insert(folderKey(folder));
-        m_stored.erase(folderKey(folder));
-        m_announced.erase(folderKey(folder));
     }
     const PaintPause pause(m_list);
     ListView_SetItemState(m_list, -1, 0, LVIS_SELECTED);
@@ -116,14 +130,32 @@ void RulePage::hide(const std::vector<std::wstring>& folders)
         }
     }
     drop();
+    for (const std::wstring& key : keys) {
+        m_changes.forget(key);
+        m_announced.erase(key);
+    }
 }
 
 void RulePage::add(void* sid, const std::vector<std::wstring>& folders)
 {
+    // A new rule may also change others: each that is shown is looked at before and after.
+    std::unordered_map<const QuotaRule*, QuotaRule> before;
+    for (const QuotaRule* rule = chain(); rule != nullptr; rule = rule->next) {
+        before.emplace(rule, *rule);
+    }
     PathBlock paths(folders);
     // The result only tells whether a dialog was cancelled; rules of other folders may have been added all
-    // the same, so what changed is found by comparing.
+    // the same.
     const bool allTaken = m_quotas->add(sid, paths.list());
+    for (const QuotaRule* rule = chain(); rule != nullptr; rule = rule->next) {
+        if (const auto known = before.find(rule); known == before.end()) {
+            m_changes.cameIn(*rule);
+        } else if (!sayTheSame(known->second, *rule)) {
+            m_changes.wentOut(known->second);
+            m_changes.cameIn(*rule);
+        }
+    }
+    knowRecords();
     // The form by list object leaves it to the host to make the folders known: storing them does.
     if (allTaken && m_quotas->addMakesKnown()) {
         for (const std::wstring& folder : folders) {
@@ -163,27 +195,41 @@ void RulePage::editRow(int row)
     });
 }
 
-void RulePage::editing(int row, const std::function<bool(QuotaRule&)>& dialog)
+bool RulePage::changing(int row, const std::function<bool(QuotaRule&)>& change)
 {
     QuotaRule* rule = row < 0 ? nullptr : ruleOf(row);
     if (rule == nullptr) {
-        return;
+        return false;
     }
     const QuotaRule before = *rule;
-    if (!dialog(*rule)) {
-        // Limits that the dialog corrected after a refused OK stay in the record. Here Cancel means cancel.
-        rule->hardLimit = before.hardLimit;
-        rule->softLimit = before.softLimit;
-        rule->inUse = before.inUse;
+    const bool changed = change(*rule);
+    if (!sayTheSame(before, *rule)) {
+        m_changes.wentOut(before);
+        m_changes.cameIn(*rule);
     }
+    return changed;
+}
+
+void RulePage::editing(int row, const std::function<bool(QuotaRule&)>& dialog)
+{
+    changing(row, [&dialog](QuotaRule& rule) {
+        const QuotaRule before = rule;
+        if (dialog(rule)) {
+            return true;
+        }
+        // Limits that the dialog corrected after a refused OK stay in the record. Here Cancel means cancel.
+        rule.hardLimit = before.hardLimit;
+        rule.softLimit = before.softLimit;
+        rule.inUse = before.inUse;
+        return false;
+    });
 }
 
 std::vector<QuotaRule*> RulePage::selectedRules() const
 {
     std::vector<QuotaRule*> rules;
-    int row = 0;
-    for (QuotaRule* rule = chain(); rule != nullptr; rule = rule->next, ++row) {
-        if (ListView_GetItemState(m_list, row, LVIS_SELECTED) != 0) {
+    for (int row = selectedRow(); row >= 0; row = ListView_GetNextItem(m_list, row, LVNI_SELECTED)) {
+        if (QuotaRule* rule = ruleOf(row)) {
             rules.push_back(rule);
         }
     }
@@ -198,6 +244,7 @@ void RulePage::drop()
         return;
     }
     for (QuotaRule* rule : dropped) {
+        m_changes.wentOut(*rule);
         rule->next = nullptr;
         rule->prev = nullptr;
         lornixFreeRules(rule);
@@ -221,8 +268,7 @@ void RulePage::enableForSelection(int button, int otherButton) const
 
 bool RulePage::store(const std::vector<std::wstring>& folders)
 {
-    RuleState now = stateOf(chain());
-    std::set<std::wstring> touched = changedFolders(now, m_stored);
+    std::set<std::wstring> touched = m_changes.folders();
     touched.insert(m_announced.begin(),
                    m_announced.end()); // without a rule in the end, they are to be forgotten
     std::vector<std::wstring> names;
@@ -233,21 +279,20 @@ bool RulePage::store(const std::vector<std::wstring>& folders)
     if (lornixStoreRules(paths.list(), rules.first()) == 0) {
         return false;
     }
-    m_stored = std::move(now);
+    m_changes.forget();
     m_announced.clear();
     return true;
 }
 
 bool RulePage::isModified() const
 {
-    return stateOf(chain()) != m_stored;
+    return m_changes.any();
 }
 
 bool RulePage::isModified(const std::vector<std::wstring>& folders) const
 {
-    const std::set<std::wstring> changed = changedFolders(stateOf(chain()), m_stored);
     return std::any_of(folders.begin(), folders.end(),
-                       [&](const std::wstring& folder) { return changed.contains(folderKey(folder)); });
+                       [&](const std::wstring& folder) { return m_changes.in(folderKey(folder)); });
 }
 
 int RulePage::selectedRow() const

@@ -10,6 +10,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -77,11 +78,17 @@ public:
     /// The record behind a row.
     QuotaRule* ruleOf(int row) const;
 
+    /// Changes the record behind a row. @param change  returns false when it did nothing after all.
+    /// @return what `change` gave.
+    bool changing(int row, const std::function<bool(QuotaRule&)>& change);
+
     /// Writes the limits, the use and the percentage of a row anew from its record.
     void showNumbers(int row);
 
 private:
     QuotaRule* chain() const;
+    LPARAM dataOf(int row) const;
+    void knowRecords();
     void setText(int row, int column, std::wstring text);
     void showBackslashes();
     void editing(int row, const std::function<bool(QuotaRule&)>& dialog);
@@ -90,7 +97,9 @@ private:
     HWND m_dialog;
     HWND m_list;
     std::unique_ptr<QuotaList> m_quotas;
-    RuleState m_stored;
+    std::unordered_map<LPARAM, QuotaRule*>
+        m_records; // by the rows' item data; rows that went may still be there
+    RuleChanges m_changes;
     std::set<std::wstring> m_announced; // by folderKey: adding made them known to the store, rules or not
 };
 

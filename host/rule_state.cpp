@@ -4,41 +4,38 @@
 
 #include <windows.h>
 
-#include <algorithm>
-
 namespace host {
 
-RuleState stateOf(const QuotaRule* chain)
+RuleFacts factsOf(const QuotaRule& rule)
 {
-    RuleState state;
-    for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next) {
-        RuleFacts facts{{}, rule->hardLimit, rule->softLimit, rule->inUse};
-        if (rule->sid != nullptr) {
-            const auto* bytes = static_cast<const uint8_t*>(rule->sid);
-            facts.account.assign(bytes, bytes + GetLengthSid(rule->sid));
-        }
-        state[folderKey(rule->path)].push_back(std::move(facts));
+    RuleFacts facts{{}, rule.hardLimit, rule.softLimit, rule.inUse};
+    if (rule.sid != nullptr) {
+        const auto* bytes = static_cast<const uint8_t*>(rule.sid);
+        facts.account.assign(bytes, bytes + GetLengthSid(rule.sid));
     }
-    for (auto& [folder, rules] : state) {
-        std::sort(rules.begin(), rules.end());
-    }
-    return state;
+    return facts;
 }
 
-std::set<std::wstring> changedFolders(const RuleState& one, const RuleState& other)
+void RuleChanges::count(const QuotaRule& rule, int shown)
 {
-    std::set<std::wstring> changed;
-    const auto note = [&changed](const RuleState& state, const RuleState& against) {
-        for (const auto& [folder, rules] : state) {
-            const auto same = against.find(folder);
-            if (same == against.end() || same->second != rules) {
-                changed.insert(folder);
-            }
-        }
-    };
-    note(one, other);
-    note(other, one); // for the folders that only this one has
-    return changed;
+    const auto folder = m_differences.try_emplace(folderKey(rule.path)).first;
+    const auto facts = folder->second.try_emplace(factsOf(rule), 0).first;
+    facts->second += shown;
+    if (facts->second == 0) {
+        folder->second.erase(facts);
+    }
+    if (folder->second.empty()) {
+        m_differences.erase(folder);
+    }
+}
+
+std::set<std::wstring> RuleChanges::folders() const
+{
+    std::set<std::wstring> folders;
+    for (const auto& difference : m_differences) {
+        folders.insert(difference.first);
+    }
+    return folders;
 }
 
 RuleExcerpt::RuleExcerpt(const QuotaRule* chain, const std::set<std::wstring>& folders)

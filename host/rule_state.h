@@ -1,4 +1,4 @@
-// What a rule chain says, without its addresses: to tell what differs from what is stored.
+// What the rules shown differ in from those stored.
 #pragma once
 
 #include "corvane_types.h"
@@ -12,6 +12,7 @@
 
 namespace host {
 
+/// What a rule says beside its folder, without its addresses.
 struct RuleFacts {
     std::vector<uint8_t> account; ///< binary SID; empty: anyone
     int64_t hardLimit = 0;
@@ -21,15 +22,34 @@ struct RuleFacts {
     auto operator<=>(const RuleFacts&) const = default;
 };
 
-/// The rules of each folder, by folderKey, in an order that does not depend on the chain's. A folder without
-/// rules has no entry.
-using RuleState = std::map<std::wstring, std::vector<RuleFacts>>;
+RuleFacts factsOf(const QuotaRule& rule);
 
-/// @param chain  first rule; null for none.
-RuleState stateOf(const QuotaRule* chain);
+/// Keeps count while rules come, change and go, so that no question goes through all of them: a change that is undone by
+/// hand leaves no difference, whichever record says it then.
+class RuleChanges {
+public:
+    /// A rule is shown that is not stored.
+    void cameIn(const QuotaRule& rule) { count(rule, 1); }
 
-/// The folders, by folderKey, whose rules differ between two states.
-std::set<std::wstring> changedFolders(const RuleState& one, const RuleState& other);
+    /// A rule is no longer shown.
+    void wentOut(const QuotaRule& rule) { count(rule, -1); }
+
+    /// The rules shown are those stored, in all folders or in one.
+    void forget() { m_differences.clear(); }
+    void forget(const std::wstring& folderKey) { m_differences.erase(folderKey); }
+
+    bool any() const { return !m_differences.empty(); }
+    bool in(const std::wstring& folderKey) const { return m_differences.contains(folderKey); }
+
+    /// By folderKey.
+    std::set<std::wstring> folders() const;
+
+private:
+    void count(const QuotaRule& rule, int shown);
+
+    /// How much oftener something is shown than stored, by folder: never 0.
+    std::map<std::wstring, std::map<RuleFacts, int>> m_differences;
+};
 
 /// Those rules of a chain that are defined in some folders, as a chain of their own. The records are copies, since
 /// those of the list stay linked to each other; accounts and paths are still the list's.

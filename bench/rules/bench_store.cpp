@@ -70,6 +70,11 @@ void benchStoreServe(int rules, int folders, bool sameLimit)
     servedSameLimit = sameLimit;
 }
 
+int benchStoreFolders()
+{
+    return servedFolders;
+}
+
 void benchStoreServeMembers(int members)
 {
     servedMembers = members;

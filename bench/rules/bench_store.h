@@ -20,3 +20,6 @@ BENCH_STORE_API void benchStoreServeMembers(int members);
 
 /// Releases every record that getQuotaList gave so far.
 BENCH_STORE_API void benchStoreReleaseAll();
+
+/// How many folders have rules.
+BENCH_STORE_API int benchStoreFolders();

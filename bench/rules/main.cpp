@@ -5,8 +5,8 @@
 #include "bench/support/options.h"
 #include "bench/support/table.h"
 #include "bench_store.h"
+#include "measure.h"
 #include "panel_measures.h"
-#include "rule_table.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -21,59 +21,76 @@ public:
     {
     }
 
-    /// @param smaller  times of the same workload with fewer rules, null when there are none.
-    Times run(const Workload& workload, const Times* smaller, int smallerRules)
+    /// Runs one workload at all sizes.
+    /// @param manyFolders  100 rules in each; otherwise one folder with one limit for as many accounts.
+    std::vector<Comparison> run(bool manyFolders)
     {
-        std::fprintf(stderr, "%d rules in %d folders\n", workload.rules, workload.folders);
-        benchStoreServe(workload.rules, workload.folders, workload.sameLimit);
-        const Folders folders(workload.folders);
-        const auto corvane = corvaneSide();
-        const auto bare = bareSide(folders.list());
-        const auto rowByRow = rowByRowSide();
-        m_expected.reset();
-        Lives corvaneLives;
-        Lives bareLives;
-        const int rounds = m_options.roundsOf(workload.rules);
-        for (int round = 0; round < rounds; ++round) {
-            // Each goes first as often as the other.
-            for (const int turn : {round, round + 1}) {
-                const bool isCorvane = turn % 2 == 0;
-                live(*(isCorvane ? corvane : bare), folders, isCorvane ? corvaneLives : bareLives);
+        std::vector<Comparison> comparisons;
+        std::optional<double> slowest; // of the straightforward way, at the size before
+        int fewer = 0;
+        for (const int rules : m_options.sizes) {
+            const Folders folders(manyFolders ? rules / 100 : 1);
+            std::fprintf(stderr, "%d rules, %s\n", rules, manyFolders ? "many folders" : "one folder");
+            benchStoreServe(rules, folders.count(), !manyFolders);
+            Tallies corvane;
+            Tallies bare;
+            turns(folders, m_options.roundsOf(rules), corvane, bare);
+            std::optional<Tallies> rowByRow;
+            // Quadratic work.
+            const double times = fewer != 0 ? static_cast<double>(rules) / fewer : 0;
+            if (m_options.rowByRow && (fewer == 0 || endsInTime(slowest, times * times))) {
+                rowByRow = straightforward(folders, rules <= 1000 ? 5 : 1);
             }
-        }
-        Times times{corvaneLives.seconds(), bareLives.seconds(), std::nullopt};
-        if (m_options.rowByRow && toBeMeasured(workload, smaller, smallerRules)) {
-            Lives lives;
-            for (int round = workload.rules <= 1000 ? 5 : 1; round > 0; --round) {
-                live(*rowByRow, folders, lives);
+            slowest.reset();
+            for (std::size_t m = 0; m < kMeasures.size(); ++m) {
+                comparisons.push_back(
+                    {std::string(kMeasures[m]) + (manyFolders ? ", many folders" : ", one folder"), rules,
+                     corvane[m], bare[m], rowByRow ? std::optional((*rowByRow)[m]) : std::nullopt});
+                if (rowByRow) {
+                    slowest = std::max(slowest.value_or(0), (*rowByRow)[m].median());
+                }
             }
-            times.rowByRow = lives.seconds();
+            fewer = rules;
         }
-        return times;
+        return comparisons;
     }
 
     bool allSame() const { return m_allSame; }
 
 private:
-    void live(Side& side, const Folders& folders, Lives& lives)
+    void turns(const Folders& folders, int rounds, Tallies& corvane, Tallies& bare)
+    {
+        const auto corvanes = corvaneSide();
+        const auto bares = bareSide(folders.list());
+        m_expected.reset();
+        for (int round = 0; round < rounds; ++round) {
+            // Each goes first as often as the other.
+            for (const int turn : {round, round + 1}) {
+                turn % 2 == 0 ? live(*corvanes, folders, corvane) : live(*bares, folders, bare);
+            }
+        }
+    }
+
+    Tallies straightforward(const Folders& folders, int rounds)
+    {
+        const auto side = rowByRowSide();
+        Tallies tallies;
+        for (int round = 0; round < rounds; ++round) {
+            live(*side, folders, tallies);
+        }
+        return tallies;
+    }
+
+    void live(Side& side, const Folders& folders, Tallies& tallies)
     {
         const Life life = runLife(m_window, side, folders.list());
-        lives.add(life);
+        for (std::size_t m = 0; m < kMeasures.size(); ++m) {
+            tallies[m].add(life.times[m]);
+        }
         if (!m_expected) {
             m_expected = life.shown;
         }
         m_allSame = m_allSame && life.shown == *m_expected;
-    }
-
-    // Quadratic work.
-    static bool toBeMeasured(const Workload& workload, const Times* smaller, int smallerRules)
-    {
-        if (smaller == nullptr) {
-            return true;
-        }
-        const double times = static_cast<double>(workload.rules) / smallerRules;
-        const auto& before = smaller->rowByRow;
-        return before && endsInTime(*std::max_element(before->begin(), before->end()), times * times);
     }
 
     HWND m_window;
@@ -81,18 +98,6 @@ private:
     std::optional<decltype(Life::shown)> m_expected;
     bool m_allSame = true;
 };
-
-void printTimes(const std::vector<SizeTimes>& sizes)
-{
-    for (const SizeTimes& size : sizes) {
-        for (std::size_t m = 0; m < kMeasures.size(); ++m) {
-            std::fprintf(
-                stderr, "%-24s %7d  %9.1f %9.1f   %9.1f %9.1f us per 1000 rules\n", kMeasures[m], size.rules,
-                size.manyFolders.corvane[m] * 1e9 / size.rules, size.manyFolders.bare[m] * 1e9 / size.rules,
-                size.oneFolder.corvane[m] * 1e9 / size.rules, size.oneFolder.bare[m] * 1e9 / size.rules);
-        }
-    }
-}
 
 } // namespace
 
@@ -108,26 +113,11 @@ int main(int count, char** arguments)
                                   nullptr, nullptr, nullptr, nullptr);
 
     Bench bench(window, options);
-    std::vector<SizeTimes> sizes;
-    for (const int rules : options.sizes) {
-        const SizeTimes* smaller = sizes.empty() ? nullptr : &sizes.back();
-        const int smallerRules = smaller != nullptr ? smaller->rules : 0;
-        SizeTimes size;
-        size.rules = rules;
-        size.manyFolders = bench.run({rules, rules / 100, false},
-                                     smaller != nullptr ? &smaller->manyFolders : nullptr, smallerRules);
-        size.oneFolder =
-            bench.run({rules, 1, true}, smaller != nullptr ? &smaller->oneFolder : nullptr, smallerRules);
-        sizes.push_back(size);
+    std::vector<Comparison> comparisons = bench.run(true);
+    for (const auto& more : {bench.run(false), measurePanel(window, options)}) {
+        comparisons.insert(comparisons.end(), more.begin(), more.end());
     }
-    if (options.times) {
-        printTimes(sizes);
-    }
-    printTable(sizes);
-    std::printf("\nA rule for a group, copied to all members; a list whose parent looks at the selection "
-                "with each row\n"
-                "that changes, and enables two buttons.\n\n");
-    printComparisons("rows", measurePanel(window, options), options.times);
+    printComparisons("rules", comparisons, options.times);
     if (!bench.allSame()) {
         std::fprintf(stderr, "The sides did not show the same rows\n");
         return 1;

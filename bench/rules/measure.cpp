@@ -12,10 +12,7 @@ void selectEverySecondRow(HWND list)
     list_view::setRedraw(list, false);
     const int rows = list_view::rowCount(list);
     for (int row = 1; row < rows; row += 2) {
-        LVITEMW item{};
-        item.state = LVIS_SELECTED;
-        item.stateMask = LVIS_SELECTED;
-        SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        list_view::select(list, row, true);
     }
     list_view::setRedraw(list, true);
 }
@@ -44,21 +41,6 @@ Folders::Folders(int count)
                  static_cast<unsigned>(i));
         m_list[i + 1] = reinterpret_cast<std::uintptr_t>(m_paths[i].data());
     }
-}
-
-void Lives::add(const Life& life)
-{
-    for (std::size_t m = 0; m < kMeasures.size(); ++m) {
-        m_tallies[m].add(life.times[m]);
-    }
-}
-
-Seconds Lives::seconds() const
-{
-    Seconds seconds;
-    std::transform(m_tallies.begin(), m_tallies.end(), seconds.begin(),
-                   [](const Tally& tally) { return tally.seconds(); });
-    return seconds;
 }
 
 Life runLife(HWND window, Side& side, const PathList& folders)

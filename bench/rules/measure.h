@@ -21,6 +21,7 @@ struct Workload {
 class Folders {
 public:
     explicit Folders(int count);
+    int count() const { return static_cast<int>(m_paths.size()); }
     const PathList& list() const { return *reinterpret_cast<const PathList*>(m_list.data()); }
 
 private:
@@ -28,24 +29,14 @@ private:
     std::vector<std::uintptr_t> m_list;
 };
 
-/// Seconds of each measure, in the order of kMeasures.
-using Seconds = std::array<double, kMeasures.size()>;
-
 struct Life {
     std::array<Time, kMeasures.size()> times{};
     /// What the list showed after each step: the same on all sides, or they did not do the same.
     std::array<std::uint64_t, kMeasures.size()> shown{};
 };
 
-/// Several lives taken together.
-class Lives {
-public:
-    void add(const Life& life);
-    Seconds seconds() const;
-
-private:
-    std::array<Tally, kMeasures.size()> m_tallies{};
-};
+/// The measures of several lives, in the order of kMeasures.
+using Tallies = std::array<Tally, kMeasures.size()>;
 
 /// An empty list, prepared for rules. @param window  its visible parent.
 HWND createList(HWND window);

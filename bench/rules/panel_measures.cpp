@@ -94,7 +94,7 @@ Comparison groupRule(HWND window, int members, int rounds)
         DestroyWindow(list);
     }
     benchStoreServeMembers(0);
-    return {"group rule with N members", members, corvane.seconds(), bare.seconds()};
+    return {"group rule with N members", members, corvane, bare};
 }
 
 // ---- a parent that listens ----
@@ -115,14 +115,6 @@ LRESULT CALLBACK listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
         }
     }
     return DefSubclassProc(window, message, wParam, lParam);
-}
-
-void setSelection(HWND list, int row, bool selected)
-{
-    LVITEMW item{};
-    item.state = selected ? LVIS_SELECTED : 0u;
-    item.stateMask = LVIS_SELECTED;
-    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
 }
 
 /// A list whose rows change while its parent listens.
@@ -154,9 +146,8 @@ public:
     Time selectAllThenOne()
     {
         return timed([this] {
-            setSelection(m_list, -1, true);
-            setSelection(m_list, -1, false);
-            setSelection(m_list, 0, true);
+            list_view::select(m_list, -1, true);
+            list_view::selectOnly(m_list, 0);
         });
     }
 
@@ -173,7 +164,7 @@ Comparison heardSelection(HWND window, int rows, int rounds)
         corvane.add(HeardList(window, rows, Answer::corvane).selectAllThenOne());
         bare.add(HeardList(window, rows, Answer::bare).selectAllThenOne());
     }
-    return {"select all, one click, parent listens", rows, corvane.seconds(), bare.seconds()};
+    return {"select all, one click, parent listens", rows, corvane, bare};
 }
 
 } // namespace

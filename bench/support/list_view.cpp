@@ -48,6 +48,22 @@ wchar_t* textOf(HWND list, int row, int column)
     return text;
 }
 
+void select(HWND list, int row, bool selected)
+{
+    LVITEMW item{};
+    item.state = selected ? LVIS_SELECTED : 0u;
+    item.stateMask = LVIS_SELECTED;
+    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
+void selectOnly(HWND list, int row)
+{
+    select(list, -1, false);
+    if (row >= 0) {
+        select(list, row, true);
+    }
+}
+
 void setRedraw(HWND list, bool on)
 {
     SendMessageW(list, WM_SETREDRAW, on ? TRUE : FALSE, 0);

@@ -21,6 +21,10 @@ LPARAM dataOf(HWND list, int row);
 /// @return the text, in a buffer that the next call uses again.
 wchar_t* textOf(HWND list, int row, int column);
 void setRedraw(HWND list, bool on);
+/// @param row  -1: all.
+void select(HWND list, int row, bool selected);
+/// @param row  -1: none.
+void selectOnly(HWND list, int row);
 
 /// What the list shows in some columns, as a number: the same on all sides, or they did not do the same.
 std::uint64_t hashOfRows(HWND list, std::initializer_list<int> columns);

@@ -52,7 +52,9 @@ Time timedOpening(const std::function<void()>& open, int listId, const std::func
 
 void dialogReady()
 {
-    current->ready = now();
+    if (current != nullptr) { // a dialog may also be a part of something else
+        current->ready = now();
+    }
 }
 
 void openBareDialog(int templateId, const std::function<void(HWND dialog)>& start)

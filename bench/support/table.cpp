@@ -10,30 +10,24 @@ namespace {
 /// No measure that is known to take longer is begun.
 constexpr double kPatience = 60;
 
-} // namespace
-
-void Table::line(const std::vector<std::string>& cells) const
+/// Cells of a line: the first to the left, the others to the right.
+void line(const std::vector<std::string>& cells)
 {
-    for (std::size_t i = 0; i < m_widths.size(); ++i) {
-        std::printf("| %*s ", i == 0 ? -m_widths[i] : m_widths[i], cells[i].c_str());
+    constexpr int kWidths[] = {50, 9, 14, 13, 20};
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        std::printf("| %*s ", i == 0 ? -kWidths[i] : kWidths[i], cells[i].c_str());
     }
     std::printf("|\n");
 }
 
-void Table::rule() const
-{
-    for (const int width : m_widths) {
-        std::printf("|%s", std::string(static_cast<std::size_t>(width) + 2, '-').c_str());
-    }
-    std::printf("|\n");
-}
-
-std::string ratio(double above, double below)
+std::string inDigits(double ratio)
 {
     char text[32];
-    std::snprintf(text, sizeof text, above / below < 10 ? "%.2f" : "%.0f", above / below);
+    std::snprintf(text, sizeof text, ratio < 10 ? "%.2f" : "%.0f", ratio);
     return text;
 }
+
+} // namespace
 
 bool endsInTime(std::optional<double> smaller, double timesAsMuch)
 {
@@ -52,23 +46,26 @@ void printComparisons(const char* sizes, std::vector<Comparison> comparisons, bo
     });
     const bool rowByRow = std::any_of(comparisons.begin(), comparisons.end(),
                                       [](const Comparison& comparison) { return comparison.rowByRow; });
-    std::vector<int> widths{38, 9, 14};
-    std::vector<std::string> headings{"measure", sizes, "corvane : bare"};
-    if (rowByRow) {
-        widths.push_back(20);
-        headings.emplace_back("row by row : corvane");
-    }
-    const Table table(widths);
-    table.line(headings);
-    table.rule();
+    const auto print = [rowByRow](std::vector<std::string> cells, std::string last) {
+        if (rowByRow) {
+            cells.push_back(std::move(last));
+        }
+        line(cells);
+    };
+    print({"measure", sizes, "corvane : bare", "half within"}, "row by row : corvane");
+    print({"---", "---:", "---:", "---:"}, "---:");
     for (const Comparison& comparison : comparisons) {
-        table.line({comparison.measure, std::to_string(comparison.size),
-                    ratio(comparison.corvane, comparison.bare),
-                    comparison.rowByRow ? ratio(*comparison.rowByRow, comparison.corvane) : "-"});
+        const Spread ratio = ratioOf(comparison.corvane, comparison.bare, comparison.clock);
+        print({comparison.measure, std::to_string(comparison.size), inDigits(ratio.median),
+               inDigits(ratio.low) + " - " + inDigits(ratio.high)},
+              comparison.rowByRow
+                  ? inDigits(ratioOf(*comparison.rowByRow, comparison.corvane, comparison.clock).median)
+                  : "");
         if (times) {
-            std::fprintf(stderr, "%-38s %9d  %12.3f %12.3f %12.3f ms\n", comparison.measure.c_str(),
-                         comparison.size, comparison.corvane * 1e3, comparison.bare * 1e3,
-                         comparison.rowByRow.value_or(0) * 1e3);
+            std::fprintf(stderr, "%-50s %9d  %12.3f %12.3f %12.3f ms\n", comparison.measure.c_str(),
+                         comparison.size, comparison.corvane.median(comparison.clock) * 1e3,
+                         comparison.bare.median(comparison.clock) * 1e3,
+                         comparison.rowByRow ? comparison.rowByRow->median(comparison.clock) * 1e3 : 0);
         }
     }
     std::fflush(stdout);

@@ -3,10 +3,10 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cmath>
+#include <functional>
 
 namespace {
-
-constexpr double kShort = 0.02;
 
 double wallClock()
 {
@@ -30,6 +30,22 @@ double processorTime()
     return seconds(kernel) + seconds(user);
 }
 
+/// Between two neighbours, their mean by distance.
+double quantile(const std::vector<double>& sorted, double part)
+{
+    const double place = part * static_cast<double>(sorted.size() - 1);
+    const auto below = static_cast<std::size_t>(place);
+    const std::size_t above = std::min(below + 1, sorted.size() - 1);
+    return std::lerp(sorted[below], sorted[above], place - static_cast<double>(below));
+}
+
+/// @param values  one at least.
+Spread spreadOf(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return {quantile(values, 0.25), quantile(values, 0.5), quantile(values, 0.75)};
+}
+
 } // namespace
 
 Time now()
@@ -44,14 +60,36 @@ Time timed(const std::function<void()>& work)
     return now() - start;
 }
 
-void Tally::add(Time time)
+std::vector<double> Tally::seconds(Clock clock) const
 {
-    m_shortest = any() ? std::min(m_shortest, time.wall) : time.wall;
-    m_processor += time.processor;
-    ++m_rounds;
+    const auto second = [clock](const Time& time) {
+        return clock == Clock::kWall ? time.wall : time.processor;
+    };
+    std::vector<double> seconds(m_rounds.size());
+    std::transform(m_rounds.begin(), m_rounds.end(), seconds.begin(), second);
+    return seconds;
 }
 
-double Tally::seconds() const
+bool Tally::isLong() const
 {
-    return m_shortest < kShort ? m_shortest : m_processor / m_rounds;
+    constexpr double kManyTicks = 0.5;
+    return std::all_of(m_rounds.begin(), m_rounds.end(),
+                       [](const Time& time) { return time.processor >= kManyTicks; });
+}
+
+double Tally::median(Clock clock) const
+{
+    return spreadOf(seconds(isLong() ? clock : Clock::kWall)).median;
+}
+
+Spread ratioOf(const Tally& above, const Tally& below, Clock clock)
+{
+    const Clock one = above.isLong() && below.isLong() ? clock : Clock::kWall;
+    std::vector<double> ratios = above.seconds(one);
+    std::vector<double> others = below.seconds(one);
+    if (ratios.size() != others.size()) {
+        others.assign(ratios.size(), spreadOf(others).median);
+    }
+    std::transform(ratios.begin(), ratios.end(), others.begin(), ratios.begin(), std::divides<>{});
+    return spreadOf(ratios);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 /// Seconds of a piece of work.
 struct Time {
@@ -15,20 +16,36 @@ Time now();
 
 Time timed(const std::function<void()>& work);
 
-/// Several rounds of one measure taken together, fit for a machine that others use too: a short measure has the
-/// machine for itself in one round or another, and its shortest wall time counts. A long one never has, and its
-/// processor time counts, the mean of all rounds.
+/// Which time of a measure counts.
+enum class Clock {
+    kThread, ///< the thread's processor time where it is long enough to be told, else the wall's
+    kWall    ///< for work that more threads than one do, or that waits for a disk
+};
+
+/// One number out of several rounds.
+struct Spread {
+    double low = 0; ///< a quarter of the rounds is below
+    double median = 0;
+    double high = 0; ///< a quarter of the rounds is above
+};
+
+/// The rounds of one measure.
 class Tally {
 public:
-    void add(Time time);
-    bool any() const { return m_rounds != 0; }
-    double seconds() const;
-
-    /// By the wall alone: for work that more threads than one do.
-    double shortest() const { return m_shortest; }
+    void add(Time time) { m_rounds.push_back(time); }
+    std::size_t rounds() const { return m_rounds.size(); }
+    /// Seconds of each round.
+    std::vector<double> seconds(Clock clock) const;
+    /// The middle one.
+    double median(Clock clock = Clock::kThread) const;
+    /// Whether the thread's own time is to be trusted: a tick more or less must not show.
+    bool isLong() const;
 
 private:
-    double m_shortest = 0;
-    double m_processor = 0;
-    int m_rounds = 0;
+    std::vector<Time> m_rounds;
 };
+
+/// How many times one takes as long as the other. Rounds that followed each other at once are compared with each other, so
+/// that what disturbs the machine for longer than a round disturbs both; where one side has more rounds than the other, with
+/// the middle of the other.
+Spread ratioOf(const Tally& above, const Tally& below, Clock clock);

@@ -179,8 +179,7 @@ void OwnerSums::sumUp(const Batch& batch, OwnedBytes& sums)
         if (error != ERROR_SUCCESS) {
             sums.unread.add(file.path, file.size, error);
         } else if (const PSID owner = descriptor.owner()) {
-            const auto bytes = sidBytes(owner);
-            const std::string_view key(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+            const std::string_view key = sidKey(owner);
             auto found = sums.bySid.find(key);
             if (found == sums.bySid.end()) {
                 found = sums.bySid.emplace(key, 0).first;

@@ -6,9 +6,8 @@
 #include <list>
 #include <string>
 
-using host::changedFolders;
+using host::RuleChanges;
 using host::RuleExcerpt;
-using host::stateOf;
 
 namespace {
 
@@ -43,37 +42,35 @@ std::array<uint8_t, 12> localSystem{1, 1, 0, 0, 0, 0, 0, 5, 18, 0, 0, 0};
 
 } // namespace
 
-TEST(RuleState, OfNoChainIsEmpty)
+TEST(RuleChanges, ThereAreNoneAtFirst)
 {
-    EXPECT_TRUE(stateOf(nullptr).empty());
+    const RuleChanges changes;
+    EXPECT_FALSE(changes.any());
+    EXPECT_TRUE(changes.folders().empty());
 }
 
-TEST(RuleState, DoesNotDependOnTheOrder)
+TEST(RuleChanges, AChangeThatIsTakenBackLeavesNone)
 {
-    Chain one;
-    one.add(L"C:\\a", 5000, 4000);
-    one.add(L"C:\\b", 6000, 5000);
-    one.add(L"C:\\a", 7000, 6000).sid = everyone.data();
-    Chain other;
-    other.add(L"C:\\a", 7000, 6000).sid = everyone.data();
-    other.add(L"C:\\a", 5000, 4000);
-    other.add(L"C:\\b", 6000, 5000);
-    EXPECT_EQ(stateOf(one.first()), stateOf(other.first()));
+    Chain chain;
+    const QuotaRule& before = chain.add(L"C:\\Data", 5000, 4000);
+    const QuotaRule& after = chain.add(L"C:\\Data", 6000, 4000);
+    // Another record, another spelling of the folder: the same rule all the same.
+    const QuotaRule& again = chain.add(L"c:/data", 5000, 4000);
+    RuleChanges changes;
+    changes.wentOut(before);
+    changes.cameIn(after);
+    EXPECT_TRUE(changes.any());
+    EXPECT_TRUE(changes.in(L"c:\\data"));
+    changes.wentOut(after);
+    changes.cameIn(again);
+    EXPECT_FALSE(changes.any());
+    EXPECT_FALSE(changes.in(L"c:\\data"));
 }
 
-TEST(RuleState, DoesNotDependOnTheSpellingOfAFolder)
-{
-    Chain one;
-    one.add(L"C:\\Data", 5000, 4000);
-    Chain other;
-    other.add(L"c:/data", 5000, 4000);
-    EXPECT_EQ(stateOf(one.first()), stateOf(other.first()));
-}
-
-TEST(RuleState, TellsEveryDifference)
+TEST(RuleChanges, EveryDifferenceCounts)
 {
     Chain base;
-    base.add(L"C:\\a", 5000, 4000);
+    const QuotaRule& rule = base.add(L"C:\\a", 5000, 4000);
     Chain hard;
     hard.add(L"C:\\a", 5001, 4000);
     Chain soft;
@@ -84,41 +81,49 @@ TEST(RuleState, TellsEveryDifference)
     account.add(L"C:\\a", 5000, 4000).sid = everyone.data();
     Chain folder;
     folder.add(L"C:\\b", 5000, 4000);
-    Chain twice;
-    twice.add(L"C:\\a", 5000, 4000);
-    twice.add(L"C:\\a", 5000, 4000);
-    for (const Chain* other : {&hard, &soft, &used, &account, &folder, &twice}) {
-        EXPECT_NE(stateOf(base.first()), stateOf(other->first()));
+    for (const Chain* other : {&hard, &soft, &used, &account, &folder}) {
+        RuleChanges changes;
+        changes.wentOut(rule);
+        changes.cameIn(*other->first());
+        EXPECT_TRUE(changes.any());
     }
+    RuleChanges twice;
+    twice.cameIn(rule);
+    twice.cameIn(rule);
+    twice.wentOut(rule);
+    EXPECT_TRUE(twice.any());
 }
 
-TEST(RuleState, ComparesAccountsByTheirBytes)
+TEST(RuleChanges, ComparesAccountsByTheirBytes)
 {
     std::array<uint8_t, 12> copy = everyone;
-    Chain one;
-    one.add(L"C:\\a", 5000, 4000).sid = everyone.data();
-    Chain same;
-    same.add(L"C:\\a", 5000, 4000).sid = copy.data();
-    Chain other;
-    other.add(L"C:\\a", 5000, 4000).sid = localSystem.data();
-    EXPECT_EQ(stateOf(one.first()), stateOf(same.first()));
-    EXPECT_NE(stateOf(one.first()), stateOf(other.first()));
+    Chain chain;
+    QuotaRule& one = chain.add(L"C:\\a", 5000, 4000);
+    one.sid = everyone.data();
+    QuotaRule& same = chain.add(L"C:\\a", 5000, 4000);
+    same.sid = copy.data();
+    QuotaRule& other = chain.add(L"C:\\a", 5000, 4000);
+    other.sid = localSystem.data();
+    RuleChanges changes;
+    changes.wentOut(one);
+    changes.cameIn(same);
+    EXPECT_FALSE(changes.any());
+    changes.wentOut(one);
+    changes.cameIn(other);
+    EXPECT_TRUE(changes.any());
 }
 
-TEST(ChangedFolders, AreThoseWithOtherRulesAndThoseThatOnlyOneStateHas)
+TEST(RuleChanges, AreToldAndForgottenByFolder)
 {
-    Chain before;
-    before.add(L"C:\\Same", 5000, 4000);
-    before.add(L"C:\\Other", 5000, 4000);
-    before.add(L"C:\\Gone", 5000, 4000);
-    Chain after;
-    after.add(L"C:\\New", 5000, 4000);
-    after.add(L"C:\\Other", 6000, 4000);
-    after.add(L"C:/same", 5000, 4000);
-    const std::set<std::wstring> expected{L"c:\\gone", L"c:\\new", L"c:\\other"};
-    EXPECT_EQ(changedFolders(stateOf(before.first()), stateOf(after.first())), expected);
-    EXPECT_EQ(changedFolders(stateOf(after.first()), stateOf(before.first())), expected);
-    EXPECT_TRUE(changedFolders(stateOf(after.first()), stateOf(after.first())).empty());
+    Chain chain;
+    RuleChanges changes;
+    changes.wentOut(chain.add(L"C:\\Gone", 5000, 4000));
+    changes.cameIn(chain.add(L"C:/New", 5000, 4000));
+    EXPECT_EQ(changes.folders(), (std::set<std::wstring>{L"c:\\gone", L"c:\\new"}));
+    changes.forget(L"c:\\gone");
+    EXPECT_EQ(changes.folders(), std::set<std::wstring>{L"c:\\new"});
+    changes.forget();
+    EXPECT_FALSE(changes.any());
 }
 
 TEST(RuleExcerpt, HasTheRulesOfItsFoldersInTheirOrderAndLeavesTheChainAlone)

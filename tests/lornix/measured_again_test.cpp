@@ -1,4 +1,5 @@
 // Sizes that are asked for again: what is measured once, and what is looked at anew.
+#include "later_clock.h"
 #include "tree_test.h"
 
 #include "tests/support/import_patch.h"
@@ -132,13 +133,6 @@ TEST_F(MeasuredAgainTest, AChangedOwnerIsSeenByTheTimeOfItsChange)
     addedToChange = 1;
     of(kAlice);
     EXPECT_EQ(ownersRead, 3);
-}
-
-ULONGLONG addedTime = 0;
-
-ULONGLONG WINAPI laterTime()
-{
-    return GetTickCount64() + addedTime;
 }
 
 TEST_F(MeasuredAgainTest, BothSizesOfADialogComeFromOneWalk)

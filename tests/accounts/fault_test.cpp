@@ -28,12 +28,9 @@ protected:
 
     bool fillWithFault(const std::string& function, int call)
     {
-        journal.faultFunction = function;
-        journal.faultAt = call;
-        journal.faulted.clear();
+        store.raise(function, m_kind, call);
         const bool ended = fill();
-        EXPECT_EQ(journal.faulted, function) << "the fault was not reached";
-        journal.faultAt = 0;
+        EXPECT_EQ(store.takeRaised(), function) << "the fault was not reached";
         return ended;
     }
 
@@ -45,20 +42,21 @@ protected:
         EXPECT_EQ(directory.strings, 0);
         EXPECT_EQ(directory.arrays, 0);
         EXPECT_EQ(m_context.host, nullptr);
-        EXPECT_EQ(journal.count("THE CALLER'S LIST"), 0);
         EXPECT_THAT(numbersOf(m_context.presetOwners), ElementsAre(2));
     }
 
-    static std::vector<std::string> guardLines()
+    std::vector<std::string> guardLines() const
     {
         std::vector<std::string> result;
-        for (const std::string& line : journal.debugLines()) {
+        for (const std::string& line : store.lines()) {
             if (line.find("sigsegv") != std::string::npos) {
                 result.push_back(line);
             }
         }
         return result;
     }
+
+    Fault m_kind = Fault::AccessViolation;
 };
 
 class StepFault : public FaultTest, public testing::WithParamInterface<FaultCase> {};
@@ -68,7 +66,7 @@ TEST_P(StepFault, WritesItsLineAndGoesOn)
     for (const bool throws : {false, true}) {
         SCOPED_TRACE(throws ? "language exception" : "processor fault");
         choose(GetParam().road);
-        journal.faultThrows = throws;
+        m_kind = throws ? Fault::CppException : Fault::AccessViolation;
         const bool ended = fillWithFault(GetParam().function, GetParam().call);
         EXPECT_EQ(ended, GetParam().line != nullptr);
         if (GetParam().line != nullptr) {
@@ -159,29 +157,29 @@ TEST_F(FaultTest, OneFaultCostsOneStep)
     choose(Road::kDirectory);
     fillWithFault("ADsGetObject", 1);
     EXPECT_EQ(rows().size(), 6u); // all but the directory's user
-    EXPECT_EQ(journal.count("appendToSidList2(L1, null)"), 0);
+    EXPECT_EQ(store.count("appendToSidList2 L1 null"), 0);
 
     choose(Road::kStore);
     fillWithFault("NetUseAdd", 1);
-    EXPECT_EQ(journal.count("NetUseAdd"), 1); // the second server is passed over
+    EXPECT_EQ(store.count("NetUseAdd"), 1); // the second server is passed over
     EXPECT_EQ(rows().size(), 8u);
 
     choose(Road::kStore);
     fillWithFault("enumerateUsers", 2);
-    EXPECT_THAT(journal.debugLines(), Contains("Users = 4\n")); // the first server's stay in the total
+    EXPECT_THAT(store.lines(), Contains("Users = 4\n")); // the first server's stay in the total
 }
 
 TEST_F(FaultTest, TheListOfABrokenWalkIsFreedUnlessTheStoreHadIt)
 {
     choose(Road::kDirectory);
     fillWithFault("Get", 1);
-    EXPECT_EQ(journal.count("freeSidList(L2)"), 1);
+    EXPECT_EQ(store.count("freeSidList L2"), 1);
 
     choose(Road::kDirectory);
-    resetStoreNumbers();
+    store.tellListsByNumber();
     fillWithFault("appendToSidList", 1);
-    EXPECT_EQ(journal.count("appendToSidList(L2, 31)"), 1);
-    EXPECT_EQ(journal.count("freeSidList(L2)"), 0);
+    EXPECT_EQ(store.count("appendToSidList L2 31"), 1);
+    EXPECT_EQ(store.count("freeSidList L2"), 0);
 }
 
 TEST_F(FaultTest, AFaultInTheRowsOfUsersGoesOnWithGroups)
@@ -198,7 +196,6 @@ TEST_F(FaultTest, TheDebugChannelItselfMayBeBroken)
 {
     choose(Road::kDirectory);
     m_context.host = L"WinNT://NORTH";
-    journal.faultFunction = "";
     // The first fault is a line inside the walk; the guard then writes its own, to the same channel.
     EXPECT_TRUE(fillWithFault("ODS", 1));
     EXPECT_THAT(guardLines(), ElementsAre("DoList(Users) => sigsegv\n"));
@@ -211,16 +208,15 @@ TEST_P(EveryCall, MayFault)
 {
     choose(GetParam());
     ASSERT_TRUE(fill());
-    const int all = static_cast<int>(journal.lines.size());
+    const int all = static_cast<int>(store.calls().size());
     ASSERT_GT(all, 40);
     for (int call = 2; call <= all; ++call) { // the first asks whether there is a window at all
         choose(GetParam());
-        journal.faultFunction.clear();
-        journal.faultAt = call;
-        journal.faulted.clear();
+        store.raise("", m_kind, call);
         const bool ended = fill();
-        SCOPED_TRACE(std::to_string(call) + ": " + journal.faulted);
-        EXPECT_NE(journal.faulted, "");
+        const std::string raised = store.takeRaised();
+        SCOPED_TRACE(std::to_string(call) + ": " + raised);
+        EXPECT_NE(raised, "");
         EXPECT_EQ(guardLines().size(), ended ? 1u : 0u);
         EXPECT_TRUE(m_sink->removed || !ended);
         if (!ended) {

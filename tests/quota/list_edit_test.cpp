@@ -1,4 +1,5 @@
 // Editing a rule of the quota list.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/faulting_call.h"
 #include "tests/support/import_patch.h"
@@ -69,7 +70,9 @@ TEST_F(ListEditTest, ShowsTheTemplateForEditing)
 {
     host.selectOnly({0});
     DialogScript script;
-    script.onDialog("look", [](HWND dialog) { EXPECT_EQ(GetDlgItem(dialog, kGroupMembers), nullptr); })
+    script
+        .onDialog("look",
+                  [](HWND dialog) { EXPECT_EQ(GetDlgItem(dialog, IDC_QUOTA_GROUP_MEMBERS), nullptr); })
         .onDialog("OK", pressOk);
     edit(script);
 }

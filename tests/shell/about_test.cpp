@@ -1,5 +1,6 @@
 // The About box, through its export.
 #include "corvane.h"
+#include "res/resource.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/nothing_left.h"
@@ -15,9 +16,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
-
-constexpr int kLogo = 1018;
-constexpr int kPicture = 7019;
 
 void show(DialogScript& script, HWND owner = nullptr)
 {
@@ -99,7 +97,7 @@ TEST_F(AboutTest, ShowsBothPictures)
     DialogScript script;
     script.onDialog("look and press OK", [](HWND dialog) {
         EXPECT_EQ(windowText(dialog), "About Vantrel");
-        for (const int id : {kLogo, kPicture}) {
+        for (const int id : {IDC_ABOUT_LOGO, IDC_ABOUT_PICTURE}) {
             HWND control = GetDlgItem(dialog, id);
             EXPECT_TRUE(IsWindowVisible(control));
             const LRESULT image = SendMessageW(control, STM_GETIMAGE, IMAGE_BITMAP, 0);
@@ -114,7 +112,7 @@ TEST_F(AboutTest, ShowsBothPictures)
         clickLater(dialog, IDOK);
     });
     show(script);
-    EXPECT_THAT(bitmaps, ElementsAre(146, 147));
+    EXPECT_THAT(bitmaps, ElementsAre(IDB_ABOUT_LOGO, IDB_ABOUT_PICTURE));
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
@@ -153,7 +151,7 @@ TEST_F(AboutTest, OtherCommandsDoNothing)
 {
     DialogScript script;
     script.onDialog("send them", [](HWND dialog) {
-        for (const int id : {0, 3, kLogo, 9999}) {
+        for (const int id : {0, 3, IDC_ABOUT_LOGO, 9999}) {
             SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(id), 0);
         }
         EXPECT_THAT(endings, IsEmpty());

@@ -9,7 +9,7 @@
 bool TextEntryDialog::ask(HWND owner, const wchar_t* text)
 {
     m_initial = text;
-    m_endCode = run(m_templateId, owner);
+    m_endCode = run(m_templateId, owner) == -1 ? -1 : 0; // somebody else may end it with a code of his own
     return m_taken != nullptr;
 }
 

@@ -61,6 +61,18 @@ TEST_P(ChooserFaultTest, OpeningSurvivesTheDomainServer)
     EXPECT_EQ(guardLines(), 1);
 }
 
+TEST_P(ChooserFaultTest, TheChoiceSurvivesTheLineAboutIt)
+{
+    store.raise("ODS", GetParam(), 2); // "got R1", after the one about the domain
+    script.onDialog("choose", [](HWND dialog) {
+        click(dialog, IDC_CHOOSER_TYPE);
+        type(dialog, IDC_CHOOSER_NAME, L"Anyone");
+        click(dialog, IDOK);
+    });
+    EXPECT_EQ(choose(), CORVANE_ANYONE);
+    EXPECT_EQ(guardLines(), 0);
+}
+
 TEST_P(ChooserFaultTest, OpeningSurvivesItsOwnLine)
 {
     store.raise("ODS", GetParam());

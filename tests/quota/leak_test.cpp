@@ -4,6 +4,7 @@
 #include "tests/support/list_host.h"
 #include "tests/support/nothing_left.h"
 #include "tests/support/paths.h"
+#include "tests/support/rule_memory.h"
 
 #include <commctrl.h>
 
@@ -12,6 +13,7 @@
 #include <cstdlib>
 #include <functional>
 #include <optional>
+#include <vector>
 
 using namespace quota_settings;
 
@@ -105,6 +107,36 @@ TEST_F(LeakTest, FillingSortingAndDropping)
             release(rule, false);
         }
         EXPECT_GT(dropped, 0);
+    });
+}
+
+TEST_F(LeakTest, RowsOfRecordsAbove4GiBThatTheHostDeletes)
+{
+    for (int i = 0; i < 50; ++i) {
+        store->put(L"C:\\a", i % 2 == 0 ? staff : nullptr, 1000 + i, 90, i);
+    }
+    std::vector<QuotaRule*> given;
+    const auto usual = store->answer.getQuotaList;
+    store->answer.getQuotaList = [&](const wchar_t* folder) {
+        QuotaRule* first = nullptr;
+        for (const QuotaRule* rule = usual(folder); rule != nullptr; rule = rule->next) {
+            QuotaRule* const copy = rule_memory::above4GiB(); // never at the same place again
+            *copy = *rule;
+            copy->next = first;
+            first = copy;
+            given.push_back(copy);
+        }
+        return first;
+    };
+    initializeListCtrl2(host->object(), nullptr);
+    expectNothingLeft([&, this] {
+        fillUpListCtrl2(Paths{L"C:\\a"}, host->object());
+        EXPECT_EQ(host->rowCount(), 50);
+        ListView_DeleteAllItems(host->list());
+        for (QuotaRule* const rule : given) {
+            release(rule, false);
+        }
+        given.clear();
     });
 }
 

@@ -242,3 +242,31 @@ TEST_F(ListMeanwhileTest, WithoutAListNoStrangerIsDisabled)
     EXPECT_NE(script.run([this] { return addToListCtrl(host.window(), 500, nullptr, Paths{L"C:\\new"}); }),
               0);
 }
+
+// A panel that goes down may end the dialogs over it, with whatever code.
+TEST_F(ListMeanwhileTest, AnEditThatSomebodyElseEndsIsCancelled)
+{
+    host.selectOnly({0});
+    const std::vector<std::string> before = host.rows();
+    for (const INT_PTR code : {1, 2, 4711}) {
+        DialogScript script;
+        script.onDialog("end it", [=](HWND dialog) {
+            typeLimits(dialog, L"2000", L"1500");
+            EndDialog(dialog, code);
+        });
+        EXPECT_EQ(script.run([this] { return editFromListCtrl2(host.object()); }), 0) << code;
+        EXPECT_EQ(host.rows(), before);
+    }
+}
+
+TEST_F(ListMeanwhileTest, AnAdditionThatSomebodyElseEndsIsCancelled)
+{
+    const std::vector<std::string> before = host.rows();
+    for (const INT_PTR code : {1, 2, 4711}) {
+        DialogScript script;
+        script.onDialog("end it", [=](HWND dialog) { EndDialog(dialog, code); });
+        EXPECT_EQ(script.run([this] { return addToListCtrl2(host.object(), alice, Paths{L"C:\\new"}); }), 0)
+            << code;
+        EXPECT_EQ(host.rows(), before);
+    }
+}

@@ -128,7 +128,7 @@ void Monkey::actIn(HWND front)
 
 void Monkey::actOnDialog(HWND front)
 {
-    const int what = below(40);
+    const int what = below(90); // keys mostly: what ends a dialog is rare, or none would stay open for long
     m_last = "act " + std::to_string(what) + " on " + windowText(front);
     switch (what) {
     case 0:
@@ -178,7 +178,7 @@ void Monkey::actOnDialog(HWND front)
 void Monkey::actOnButton(HWND button)
 {
     const int id = GetDlgCtrlID(button);
-    if ((id == IDOK || id == IDCANCEL) && below(4) != 0) {
+    if ((id == IDOK || id == IDCANCEL) && below(10) != 0) {
         return; // or no dialog would stay open for long
     }
     below(2) == 0 ? void(PostMessageW(button, BM_CLICK, 0, 0)) : void(SendMessageW(button, BM_CLICK, 0, 0));

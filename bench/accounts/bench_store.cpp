@@ -61,7 +61,7 @@ SidList* appendToSidList2(SidList* destination, SidList* source)
     return destination;
 }
 
-// The machine's own accounts are asked for last on either road, and are all that there is on the store's.
+// The machine's own accounts are asked for last with either source, and are all that there is on the store's.
 SidList* enumerateUsers(const wchar_t* server, SidList* list)
 {
     if (server != nullptr) {
@@ -98,21 +98,21 @@ StoreTable accountStore()
 
 } // namespace
 
-void serveAccounts(int users, Road road)
+void serveAccounts(int users, Source source)
 {
     static const StoreTable store = accountStore();
     installStore(&store);
-    servedUsers = road == Road::kStore ? users : 0;
-    directoryUsers = road == Road::kDirectory ? users : 0;
+    servedUsers = source == Source::kStore ? users : 0;
+    directoryUsers = source == Source::kDirectory ? users : 0;
     // Written beforehand: to format a text costs more than to hand it out.
     for (int number = static_cast<int>(fullNames.size()); number < users; ++number) {
         fullNames.push_back(accountFullName(number));
     }
 }
 
-const wchar_t* searchBase(Road road)
+const wchar_t* searchBase(Source source)
 {
-    return road == Road::kStore ? L"SERVER" : L"WinNT://CORP";
+    return source == Source::kStore ? L"SERVER" : L"WinNT://CORP";
 }
 
 std::wstring accountName(int number)

@@ -12,20 +12,14 @@
 #include "store/lornix.h"
 #include "store/owned.h"
 
+#include <atomic>
 #include <utility>
 
 namespace {
 
-/// The chosen account: nothing, CORVANE_ANYONE, or a SID copy. QUIRK: kept until a dialog shows. With one that cannot be
-/// shown, callers get the choice of the last one again. ChooserTest.ADialogThatCannotBeShownGivesTheLastResultAgain
-/// One that somebody else ends has chosen nothing; the last choice may be released by then.
-void* result = nullptr;
-
-/// Makes a value the result: a SID as a copy, which is the caller's.
-void storeResult(void* value)
-{
-    result = isSid(value) ? sidDup(value) : value;
-}
+/// What was chosen last: nothing, CORVANE_ANYONE, or a SID copy. QUIRK: with a dialog that cannot be shown, callers get it
+/// again. ChooserTest.ADialogThatCannotBeShownGivesTheLastResultAgain Once a dialog shows, it is forgotten.
+std::atomic<void*> lastChoice = nullptr;
 
 class Chooser : public Dialog {
 public:
@@ -40,6 +34,9 @@ public:
 
     /// Whether the dialog could be shown.
     bool shown() const { return m_shown; }
+
+    /// Null as well when somebody else ended it.
+    void* choice() const { return m_choice; }
 
 private:
     void onInit() override;
@@ -58,8 +55,10 @@ private:
     void onSelection();
     void onFilterChange(int column);
     bool inFilterBar() const;
-    void cancel();
-    void onOk();
+    void onOk() override;
+    void onCancel() override;
+    void searchOrPick();
+    void take(void* value);
     void chooseTypedName();
     void startSearch(const wchar_t* base);
     void pickSelected();
@@ -77,6 +76,7 @@ private:
     const SidList* m_presetOwners;
     CSidCtrl m_list;
     void* m_selection = nullptr;
+    void* m_choice = nullptr;
     bool m_shown = false;
     bool m_searchStarted = false;
     wchar_t m_searchBase[256] = {};
@@ -102,7 +102,7 @@ void Chooser::proposeSearchBase() const
 
 void Chooser::onInit()
 {
-    result = nullptr;
+    lastChoice = nullptr;
     m_shown = true;
     m_list.attach(GetDlgItem(window(), IDC_CHOOSER_LIST));
     m_list.setPresetOwners(m_presetOwners);
@@ -142,6 +142,12 @@ void Chooser::onNameChange()
     SetDlgItemTextW(window(), IDOK, m_typedName[0] != L'\0' ? L"Add" : L"Search");
 }
 
+/// Makes a value the choice: a SID as a copy, which is the caller's.
+void Chooser::take(void* value)
+{
+    m_choice = isSid(value) ? sidDup(value) : value;
+}
+
 void Chooser::chooseTypedName()
 {
     const AccountData account(wcscmp(m_typedName, L"Anyone") == 0 ? CORVANE_ANYONE
@@ -153,8 +159,8 @@ void Chooser::chooseTypedName()
                     captions::kWarning);
         return;
     }
-    storeResult(account.get());
-    end(result != nullptr);
+    take(account.get());
+    end(m_choice != nullptr);
 }
 
 /// @param base  null lets the fill pick one by itself.
@@ -185,12 +191,22 @@ void Chooser::pickSelected()
     ODS("onOk: %d\n", row);
     m_selection = reinterpret_cast<void*>(m_list.data(row));
     ODS("\treturn sid = %p\n", m_selection);
-    storeResult(m_selection);
-    end(result != nullptr);
-    ODS("\treturned sid = %p\n", result);
+    take(m_selection);
+    end(m_choice != nullptr);
+    ODS("\treturned sid = %p\n", m_choice);
 }
 
 void Chooser::onOk()
+{
+    if (inFilterBar()) {
+        // Enter in a filter's field: to the list, which ends the typing. Dialogs take it for their default button.
+        SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_list.handle()), TRUE);
+    } else {
+        searchOrPick();
+    }
+}
+
+void Chooser::searchOrPick()
 {
     if (itemExists(window(), IDC_CHOOSER_NAME) && isChecked(IDC_CHOOSER_TYPE)) {
         readText(IDC_CHOOSER_NAME, m_typedName);
@@ -227,31 +243,20 @@ bool Chooser::onCommand(int id)
     case IDC_CHOOSER_NAME:
         onNameChange();
         return true;
-    case IDOK:
-        if (inFilterBar()) {
-            // Enter in a filter's field: to the list, which ends the typing. Dialogs take it for their default button.
-            SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_list.handle()), TRUE);
-        } else {
-            onOk();
-        }
-        return true;
-    case IDCANCEL:
-        cancel();
-        return true;
     default:
         return false;
     }
 }
 
-void Chooser::cancel()
+void Chooser::onCancel()
 {
-    result = nullptr;
+    m_choice = nullptr;
     end(0);
 }
 
 bool Chooser::onClose()
 {
-    cancel(); // at any time: a server that is asked may take its minutes
+    onCancel(); // at any time: a server that is asked may take its minutes
     return true;
 }
 
@@ -315,14 +320,23 @@ Reply Chooser::onNotify(NMHDR& header)
     return Reply::with(answer);
 }
 
-/// @param line  for the debug channel, with the dialog's end code and the result.
-/// @return whether the dialog could be shown.
-bool choose(HWND parent, const SidList* presetOwners, const char* line)
+struct Outcome {
+    void* choice;
+    bool shown;
+};
+
+/// @param line  for the debug channel, with the dialog's end code and the choice.
+Outcome choose(HWND parent, const SidList* presetOwners, const char* line)
 {
     Chooser chooser(presetOwners);
     const INT_PTR ended = chooser.show(parent);
-    ODS(line, reinterpret_cast<void*>(ended), result);
-    return chooser.shown();
+    if (chooser.shown()) {
+        lastChoice = chooser.choice();
+    }
+    void* const choice = chooser.shown() ? chooser.choice() : lastChoice.load();
+    // The choice is not lost with its line.
+    runGuarded([&] { ODS(line, reinterpret_cast<void*>(ended), choice); });
+    return {choice, chooser.shown()};
 }
 
 constexpr char kFirstLine[] = "got R1=%p %p\n";
@@ -332,17 +346,16 @@ constexpr char kSecondLine[] = "got R2=%p %p\n";
 
 void* chooseSidFromUserInput(HWND parent)
 {
-    choose(parent, nullptr, kFirstLine);
-    return result;
+    return choose(parent, nullptr, kFirstLine).choice;
 }
 
 void* chooseSidFromUserInput2(HWND parent, SidList* presetOwners)
 {
-    choose(parent, presetOwners, kSecondLine);
-    return result;
+    return choose(parent, presetOwners, kSecondLine).choice;
 }
 
 void* chooseAccountOfDialog(HWND owner)
 {
-    return choose(owner, nullptr, kFirstLine) ? result : nullptr;
+    const Outcome outcome = choose(owner, nullptr, kFirstLine);
+    return outcome.shown ? outcome.choice : nullptr;
 }

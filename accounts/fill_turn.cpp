@@ -1,7 +1,7 @@
 #include "accounts/fill_turn.h"
 
 #include "accounts/account_sink.h"
-#include "accounts/lock.h"
+#include "frame/lock.h"
 
 #include <mutex>
 

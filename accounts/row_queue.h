@@ -3,7 +3,7 @@
 
 #include "accounts/account_data.h"
 #include "accounts/account_sink.h"
-#include "accounts/lock.h"
+#include "frame/lock.h"
 
 #include <optional>
 #include <string>

@@ -45,7 +45,7 @@ function(run_test_program target)
     endif()
     add_test(NAME ${name} COMMAND ${target} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY})
     # A dialog that hangs is ended by its script long before this.
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 300 COST ${arg_COST} LABELS "${labels}")
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 600 COST ${arg_COST} LABELS "${labels}")
   endforeach()
 endfunction()
 
@@ -56,33 +56,43 @@ function(without_error_output target)
     "sh;-c;exec ${CMAKE_CROSSCOMPILING_EMULATOR} \"$@\" 2>/dev/null;sh")
 endfunction()
 
-# Usage: both_heaps(NAME SOURCE... [LIBRARIES LIBRARY...] [OBJECTS FILE...] [OPTIONS LINK_OPTION...]
-# [SHARDS N] [COST SECONDS] [DIRECTORY DIR])
-# makes and runs two programs of the same tests: NAME with its heap below 4 GiB, where addresses fit into item data and end codes,
+# Usage: heap_programs(NAME SOURCE... [LIBRARIES LIBRARY...] [DIRECTORY DIR])
+# makes two programs of the same tests: NAME with its heap below 4 GiB, where addresses fit into item data and end codes,
 # and NAME_high with its heap above, where the library hands out stand-ins. Which of the two is the usual one differs from
-# runtime to runtime. What they are compiled from is the target NAME_objects. The tests of the first have the label low_heap.
-function(both_heaps name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;COST;DIRECTORY" "LIBRARIES;OBJECTS;OPTIONS")
+# runtime to runtime. What they are compiled from is the target NAME_objects.
+function(heap_programs name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;COST;DIRECTORY" "LIBRARIES")
   add_library(${name}_objects OBJECT ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name}_objects PRIVATE ${arg_LIBRARIES})
   foreach(regime below above)
     set(program ${name})
     # Without high entropy, and not aware of large addresses, a program gets low ones as long as there are any.
     set(options -Wl,-Xlink=-largeaddressaware:no -Wl,--disable-high-entropy-va)
-    set(label low_heap)
     if(regime STREQUAL above)
       set(program ${name}_high)
       set(options "")
-      set(label "")
     endif()
-    add_executable(${program} $<TARGET_OBJECTS:${name}_objects> ${arg_OBJECTS}
+    add_executable(${program} $<TARGET_OBJECTS:${name}_objects>
       ${PROJECT_SOURCE_DIR}/tests/support/heap_${regime}_4gib.cpp)
     target_link_libraries(${program} PRIVATE ${arg_LIBRARIES})
-    target_link_options(${program} PRIVATE ${options} ${arg_OPTIONS})
+    target_link_options(${program} PRIVATE ${options})
     if(arg_DIRECTORY)
       set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${arg_DIRECTORY})
     endif()
     without_error_output(${program})
+  endforeach()
+endfunction()
+
+# Usage: both_heaps(NAME ... [SHARDS N] [COST SECONDS]) makes the two programs of heap_programs and has their tests run.
+# Those of the first have the label low_heap.
+function(both_heaps name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;COST;DIRECTORY" "LIBRARIES")
+  heap_programs(${ARGV})
+  foreach(program ${name} ${name}_high)
+    set(label low_heap)
+    if(program STREQUAL "${name}_high")
+      set(label "")
+    endif()
     run_test_program(${program} SHARDS ${arg_SHARDS} COST ${arg_COST} LABELS ${label})
   endforeach()
 endfunction()

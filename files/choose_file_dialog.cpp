@@ -29,9 +29,8 @@ public:
 
 private:
     void onInit() override;
-    bool onCommand(int id) override;
     Reply onNotify(NMHDR& header) override;
-    void onOk();
+    void onOk() override;
 
     // A fault in it ends the listing; this dialog tells of none.
     template <class Work>
@@ -72,20 +71,6 @@ void CDirDlg::onOk()
     m_chosen = true;
     // The address of the path, as a signed 32-bit number: whoever watches the dialog from outside gets this one.
     end(NarrowHandle::of(m_path.c_str()).signedCarrier());
-}
-
-bool CDirDlg::onCommand(int id)
-{
-    switch (id) {
-    case IDOK:
-        onOk();
-        return true;
-    case IDCANCEL:
-        end(0);
-        return true;
-    default:
-        return false;
-    }
 }
 
 Reply CDirDlg::onNotify(NMHDR& header)

@@ -60,6 +60,20 @@ void Dialog::reportCrash() const
     }
 }
 
+Reply Dialog::command(int id)
+{
+    switch (id) {
+    case IDOK:
+        onOk();
+        return Reply::with(0);
+    case IDCANCEL:
+        onCancel();
+        return Reply::with(0);
+    default:
+        return {onCommand(id), 0};
+    }
+}
+
 Reply Dialog::dispatch(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
@@ -70,7 +84,7 @@ Reply Dialog::dispatch(UINT message, WPARAM wParam, LPARAM lParam)
         if (isPassingFocus(wParam, lParam)) {
             return {};
         }
-        return {onCommand(LOWORD(wParam)), 0};
+        return command(LOWORD(wParam));
     case WM_NOTIFY:
         return onNotify(*reinterpret_cast<NMHDR*>(lParam));
     case WM_CLOSE:

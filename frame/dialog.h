@@ -47,8 +47,12 @@ protected:
     /// Fills the controls; the platform then gives the keyboard to the first one.
     virtual void onInit() = 0;
 
-    /// @param id  of the control, whatever it notifies of. @return whether the command was one of the dialog's.
-    virtual bool onCommand(int id) = 0;
+    virtual void onOk() = 0;
+    virtual void onCancel() { end(0); }
+
+    /// @param id  of a control other than OK and Cancel, whatever it notifies of.
+    /// @return whether the command was one of the dialog's.
+    virtual bool onCommand(int /*id*/) { return false; }
 
     virtual Reply onNotify(NMHDR& /*header*/) { return {}; }
 
@@ -63,6 +67,7 @@ protected:
 
 private:
     static INT_PTR CALLBACK MyDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    Reply command(int id);
     Reply dispatch(UINT message, WPARAM wParam, LPARAM lParam);
 
     const CrashSite* m_site;

@@ -1,70 +1,79 @@
 #include "frame/narrow_handle.h"
 
+#include "frame/carrying_lists.h"
+#include "frame/crash_guard.h"
+#include "frame/lock.h"
 #include "frame/low_memory.h"
+#include "frame/stand_ins.h"
 
-#include <unordered_map>
-#include <vector>
+#include <atomic>
+#include <mutex>
+#include <optional>
 
 namespace {
 
-constexpr std::size_t kBlockSize = 1u << 20; // bytes per reserved block; nothing is ever committed in it
-// The last byte stands for nothing: in the highest block it would be -1 in 32 bits, which is no result of a dialog.
-constexpr std::size_t kStandInsPerBlock = kBlockSize - 1;
-
-class StandIns {
+/// The stand-ins of all threads, and the lists that carry them.
+class SharedStandIns {
 public:
-    std::uint32_t of(const void* object)
+    /// @param list  that is to carry it; null for an end code.
+    std::uint32_t of(const void* object, HWND list)
     {
-        const auto [entry, added] = m_values.try_emplace(object, 0u);
-        if (added) {
-            entry->second = next(object);
-            if (entry->second == 0) {
-                m_values.erase(entry);
-                return 0;
+        const DWORD thread = list != nullptr ? GetWindowThreadProcessId(list, nullptr) : GetCurrentThreadId();
+        CarryingLists lists;
+        {
+            const std::lock_guard lock(m_lock);
+            m_any = true;
+            if (list != nullptr) {
+                m_lists.remember(list);
             }
+            if (const std::uint32_t value = m_standIns.known(object)) {
+                return value;
+            }
+            if (!m_standIns.isFull()) {
+                return m_standIns.add(object, thread);
+            }
+            m_standIns.putOff(); // for those who come meanwhile
+            lists = m_lists;
         }
-        return entry->second;
+        // Not under the lock: a list asks its host, who may ask us.
+        std::optional<StandIns::Carried> carried;
+        runGuarded([&] { carried = lists.read(); });
+
+        const std::lock_guard lock(m_lock);
+        if (carried) {
+            m_standIns.makeRoom(*carried);
+            m_lists.tidy();
+        }
+        const std::uint32_t value = m_standIns.known(object);
+        return value != 0 ? value : m_standIns.add(object, thread);
     }
 
-    const void* object(std::uint32_t value) const
+    /// @param list  whose row carries it, null when none does.
+    /// @return null for what is no stand-in, or no longer.
+    const void* object(std::uint32_t value, HWND list, bool& isOne)
     {
-        for (const Block& block : m_blocks) {
-            const UINT_PTR offset = value - reinterpret_cast<UINT_PTR>(block.space.get());
-            if (offset < block.objects.size()) {
-                return block.objects[offset];
-            }
+        if (!m_any) {
+            isOne = false;
+            return nullptr;
         }
-        return nullptr;
+        const std::lock_guard lock(m_lock);
+        isOne = m_standIns.isOne(value);
+        if (isOne && list != nullptr) {
+            m_lists.remember(list);
+        }
+        return isOne ? m_standIns.object(value) : nullptr;
     }
 
 private:
-    struct Block {
-        LowBlock space;
-        std::vector<const void*> objects;
-    };
-
-    std::uint32_t next(const void* object)
-    {
-        if (m_blocks.empty() || m_blocks.back().objects.size() == kStandInsPerBlock) {
-            LowBlock space = reserveBelowFourGiB(kBlockSize);
-            if (!space) {
-                return 0;
-            }
-            m_blocks.push_back({std::move(space), {}});
-        }
-        Block& block = m_blocks.back();
-        block.objects.push_back(object);
-        return static_cast<std::uint32_t>(reinterpret_cast<UINT_PTR>(block.space.get()) +
-                                          block.objects.size() - 1);
-    }
-
-    std::vector<Block> m_blocks;
-    std::unordered_map<const void*, std::uint32_t> m_values;
+    std::atomic<bool> m_any = false;
+    Lock m_lock;
+    StandIns m_standIns;
+    CarryingLists m_lists;
 };
 
-StandIns& standIns()
+SharedStandIns& standIns()
 {
-    static StandIns all;
+    static SharedStandIns all;
     return all;
 }
 
@@ -72,15 +81,19 @@ StandIns& standIns()
 
 NarrowHandle NarrowHandle::of(const void* object)
 {
-    return NarrowHandle(isBelowFourGiB(object)
-                            ? static_cast<std::uint32_t>(reinterpret_cast<UINT_PTR>(object))
-                            : standIns().of(object));
+    return inRow(nullptr, object);
 }
 
-void* NarrowHandle::object() const
+NarrowHandle NarrowHandle::inRow(HWND list, const void* object)
 {
-    if (const void* high = standIns().object(m_value)) {
-        return const_cast<void*>(high);
-    }
-    return reinterpret_cast<void*>(static_cast<UINT_PTR>(m_value));
+    return NarrowHandle(isBelowFourGiB(object)
+                            ? static_cast<std::uint32_t>(reinterpret_cast<UINT_PTR>(object))
+                            : standIns().of(object, list));
+}
+
+void* NarrowHandle::object(HWND list) const
+{
+    bool isStandIn = false;
+    const void* const high = standIns().object(m_value, list, isStandIn);
+    return isStandIn ? const_cast<void*>(high) : reinterpret_cast<void*>(static_cast<UINT_PTR>(m_value));
 }

@@ -9,13 +9,17 @@
 ///
 /// An object below 4 GiB, the normal case, is stood for by its own address, and hosts read item data as a
 /// pointer. An object above gets a stand-in: a number inside address space that this library keeps reserved,
-/// so that it can never be the address of anything, and neither 0 nor -1, whichever way it is extended. The same
-/// object always has the same stand-in. Not thread-safe.
+/// so that it can never be the address of anything, and neither 0 nor -1, whichever way it is extended. An object keeps
+/// its stand-in while a row of a list carries it that was handed in here, and for some thousand others after that. Then
+/// the stand-in stands for nothing: whoever kept it finds no object, rather than another one.
 class NarrowHandle {
 public:
     /// The handle of an object. Null has the value 0; so has an object above 4 GiB for which no stand-in can
     /// be had.
     static NarrowHandle of(const void* object);
+
+    /// The same, for a row of a list.
+    static NarrowHandle inRow(HWND list, const void* object);
 
     /// The handle in an item data or an end code, of which the low 32 bits count, whichever way it was
     /// extended.
@@ -32,14 +36,9 @@ public:
     /// Sign-extended, as an end code that has been through a 32-bit signed integer comes back.
     INT_PTR signedCarrier() const { return static_cast<std::int32_t>(m_value); }
 
-    /// The object that the handle stands for.
-    void* object() const;
-
-    template <class T>
-    T* as() const
-    {
-        return static_cast<T*>(object());
-    }
+    /// The object that the handle stands for; null for a stand-in that stands for nothing any more.
+    /// @param list  whose row carries it, null when none does.
+    void* object(HWND list = nullptr) const;
 
 private:
     explicit NarrowHandle(std::uint32_t value)

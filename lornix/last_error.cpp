@@ -68,6 +68,11 @@ void report(const std::wstring& line)
     }
 }
 
+std::wstring quoted(std::wstring_view name)
+{
+    return L'"' + std::wstring(name) + L'"';
+}
+
 std::wstring reasonOf(unsigned long error)
 {
     wchar_t* text = nullptr;

@@ -3,6 +3,7 @@
 
 #include <new>
 #include <string>
+#include <string_view>
 
 namespace lornix {
 
@@ -11,6 +12,9 @@ void report(const std::wstring& line);
 
 /// The same for a line that lornixTakeErrors has told before, or will: there it stands once.
 void reportAgain(const std::wstring& line);
+
+/// A path or a folder in a report.
+std::wstring quoted(std::wstring_view name);
 
 /// A platform error in words, with its number.
 std::wstring reasonOf(unsigned long error);

@@ -35,6 +35,12 @@ std::span<const std::uint8_t> sidBytes(const void* sid)
     return {static_cast<const std::uint8_t*>(sid), GetLengthSid(platformSid(sid))};
 }
 
+std::string_view sidKey(const void* sid)
+{
+    const auto bytes = sidBytes(sid);
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 } // namespace lornix
 
 void* sidDup(const void* sid)

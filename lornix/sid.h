@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace lornix {
 
@@ -12,5 +13,8 @@ bool isSid(const void* sid);
 /// @param sid  null, or valid.
 /// @return its bytes; none for null.
 std::span<const std::uint8_t> sidBytes(const void* sid);
+
+/// The same bytes as a key of tables.
+std::string_view sidKey(const void* sid);
 
 } // namespace lornix

@@ -69,11 +69,28 @@ private:
         }
     }
 
+    // A command that somebody sends past an open entry dialog, or after the end, would take the store's list away from
+    // under it, or change one that is gone.
+    bool takesCommands() const { return m_holdsList && IsWindowEnabled(window()); }
+
+    void onOk() override
+    {
+        if (takesCommands()) {
+            m_editor.store();
+            close();
+        }
+    }
+
+    void onCancel() override
+    {
+        if (takesCommands()) {
+            close();
+        }
+    }
+
     bool onCommand(int id) override
     {
-        // A command that somebody sends past an open entry dialog, or after the end, would take the store's list away
-        // from under it, or change one that is gone.
-        if (!m_holdsList || !IsWindowEnabled(window())) {
+        if (!takesCommands()) {
             return true;
         }
         switch (id) {
@@ -85,13 +102,6 @@ private:
             break;
         case IDC_POLICY_REMOVE:
             remove();
-            break;
-        case IDOK:
-            m_editor.store();
-            close();
-            break;
-        case IDCANCEL:
-            close();
             break;
         default:
             break;

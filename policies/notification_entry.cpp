@@ -106,7 +106,7 @@ private:
     void onInit() override;
     bool onCommand(int id) override;
     void onDestroy() override;
-    void onOk();
+    void onOk() override;
     void enableAccount(bool enabled) const { enableItem(window(), IDC_NOTIFY_ACCOUNT, enabled); }
 
     NotificationRecord& m_record;
@@ -167,20 +167,10 @@ bool NotificationEntry::onCommand(int id)
     } else if (isOneOf(kRates, id)) {
         keepOneTabStop(window(), kRates);
     }
-    switch (id) {
-    case IDC_ENTRY_BROWSE:
+    if (id == IDC_ENTRY_BROWSE) {
         if (const wchar_t* path = selectFile(window(), select_file_mode::kExecutable)) {
             SetDlgItemTextW(window(), IDC_ENTRY_TEXT, path);
         }
-        break;
-    case IDOK:
-        onOk();
-        break;
-    case IDCANCEL:
-        end(0);
-        break;
-    default:
-        break;
     }
     return true;
 }

@@ -9,7 +9,7 @@
 bool TextEntryDialog::ask(HWND owner, const wchar_t* text)
 {
     m_initial = text;
-    m_endCode = run(m_templateId, owner);
+    m_endCode = run(m_templateId, owner) == -1 ? -1 : 0; // somebody else may end it with a code of his own
     return m_taken != nullptr;
 }
 
@@ -34,20 +34,4 @@ void TextEntryDialog::onOk()
     }
     // The address, as 32 bits hold it: whoever watches the dialog from outside gets this one.
     end(NarrowHandle::of(m_taken.get()).carrier());
-}
-
-bool TextEntryDialog::onCommand(int id)
-{
-    switch (id) {
-    case IDOK:
-        onOk();
-        break;
-    case IDCANCEL:
-        end(0);
-        break;
-    default:
-        onButton(id);
-        break;
-    }
-    return true;
 }

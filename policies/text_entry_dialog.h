@@ -28,7 +28,12 @@ protected:
     void setText(const wchar_t* text) const;
 
     void onInit() override;
-    bool onCommand(int id) override;
+    void onOk() override;
+    bool onCommand(int id) override
+    {
+        onButton(id);
+        return true;
+    }
 
     /// A button beside OK and Cancel, or any other command.
     virtual void onButton(int id) = 0;
@@ -37,8 +42,6 @@ protected:
     virtual const wchar_t* taken(const wchar_t* typed) const { return typed; }
 
 private:
-    void onOk();
-
     int m_templateId;
     const wchar_t* m_initial = nullptr;
     CBlock<wchar_t> m_taken;

@@ -53,9 +53,9 @@ public:
 
 private:
     void onInit() override;
-    bool onCommand(int id) override;
     Reply onNotify(NMHDR& header) override;
-    void onOk();
+    void onOk() override;
+    bool onCommand(int /*id*/) override { return true; }
 
     CBlock<wchar_t> m_name; ///< what OK hands out; the end code is too narrow for its address
 };
@@ -110,21 +110,6 @@ void ProcessChooser::onOk()
         m_name.reset(_wcsdup(list.text(row, 0).substr(0, kNameLength).c_str()));
     }
     end(reinterpret_cast<INT_PTR>(m_name.get()));
-}
-
-bool ProcessChooser::onCommand(int id)
-{
-    switch (id) {
-    case IDOK:
-        onOk();
-        break;
-    case IDCANCEL:
-        end(0);
-        break;
-    default:
-        break;
-    }
-    return true;
 }
 
 } // namespace

@@ -120,7 +120,7 @@ void Adding::accept(int row, QuotaRule* accepted, bool rowsMoved)
             rules.push_back(rule);
         }
         showNumbers(m_list, row, *accepted);
-        m_list.setData(row, NarrowHandle::of(accepted).carrier());
+        m_list.setData(row, NarrowHandle::inRow(m_list.handle(), accepted).carrier());
         if (rules.size() > 1) {
             withRedrawOff(m_list, [&] { showMembers(rules); });
         }

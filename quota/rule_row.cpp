@@ -78,7 +78,7 @@ AccountName accountNameOrSid(const void* sid)
 
 int insertRuleRow(const CListCtrl& list, int index, const QuotaRule& rule, const wchar_t* name)
 {
-    const int row = list.insertRow(index, name, NarrowHandle::of(&rule).carrier());
+    const int row = list.insertRow(index, name, NarrowHandle::inRow(list.handle(), &rule).carrier());
     showSizes(list, row, rule);
     list.setText(row, rule_column::kFolder, rule.path);
     return row;
@@ -99,5 +99,5 @@ void showNumbers(const CListCtrl& list, int row, const QuotaRule& rule)
 
 QuotaRule* ruleOfRow(const CListCtrl& list, int row)
 {
-    return NarrowHandle::fromCarrier(list.data(row)).as<QuotaRule>();
+    return static_cast<QuotaRule*>(NarrowHandle::fromCarrier(list.data(row)).object(list.handle()));
 }

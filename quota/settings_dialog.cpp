@@ -40,7 +40,7 @@ private:
     void onDestroy() override;
 
     void onFilesChoice();
-    void onOk();
+    void onOk() override;
 
     void measureFolder();
     bool findMembers();
@@ -232,12 +232,6 @@ bool QuotaSettingsDialog::onCommand(int id)
         return true;
     case IDC_QUOTA_GROUP_MEMBERS:
         enableItem(window(), IDC_QUOTA_NEW_MEMBERS, itemIsChecked(window(), IDC_QUOTA_GROUP_MEMBERS));
-        return true;
-    case IDOK:
-        onOk();
-        return true;
-    case IDCANCEL:
-        end(0);
         return true;
     default:
         return false;

@@ -37,14 +37,7 @@ private:
         }
     }
 
-    bool onCommand(int id) override
-    {
-        if (id != IDOK && id != IDCANCEL) {
-            return false;
-        }
-        end(0);
-        return true;
-    }
+    void onOk() override { end(0); }
 
     void onDestroy() override
     {

@@ -3,11 +3,11 @@
 #include "bench_accounts.h"
 
 #include "frame/platform.h"
+#include "tests/support/directory_objects.h"
 #include "tests/support/import_patch.h"
 
 #include <oleauto.h>
 
-#include <iads.h>
 #include <lmcons.h>
 #include <lmuse.h>
 
@@ -23,39 +23,7 @@ namespace {
 bool usersWanted = false;
 int nextUser = 0;
 
-/// The calls that nobody makes here.
-template <class Interface>
-class Dispatch : public Interface {
-public:
-    virtual ~Dispatch() = default;
-    HRESULT WINAPI QueryInterface(REFIID, void** object) override
-    {
-        *object = this;
-        AddRef();
-        return S_OK;
-    }
-    ULONG WINAPI AddRef() override { return ++m_references; }
-    ULONG WINAPI Release() override
-    {
-        const ULONG left = --m_references;
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
-    HRESULT WINAPI GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-    HRESULT WINAPI Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
-    {
-        return E_NOTIMPL;
-    }
-
-private:
-    ULONG m_references = 1;
-};
-
-class User : public Dispatch<IADs> {
+class User : public DirectoryEntry<ComObject<IADs>> {
 public:
     explicit User(int number)
         : m_number(number)
@@ -64,11 +32,6 @@ public:
     HRESULT WINAPI get_Name(BSTR* name) override
     {
         *name = SysAllocString(std::wcschr(servedFullName(m_number), L'\\') + 1);
-        return S_OK;
-    }
-    HRESULT WINAPI get_Class(BSTR* name) override
-    {
-        *name = SysAllocString(L"User");
         return S_OK;
     }
     HRESULT WINAPI Get(BSTR, VARIANT* value) override
@@ -80,22 +43,12 @@ public:
         std::memcpy(value->parray->pvData, &sid, sizeof sid);
         return S_OK;
     }
-    HRESULT WINAPI get_GUID(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_ADsPath(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_Parent(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_Schema(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetInfo() override { return E_NOTIMPL; }
-    HRESULT WINAPI SetInfo() override { return E_NOTIMPL; }
-    HRESULT WINAPI Put(BSTR, VARIANT) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetEx(BSTR, VARIANT*) override { return E_NOTIMPL; }
-    HRESULT WINAPI PutEx(LONG, BSTR, VARIANT) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetInfoEx(VARIANT, LONG) override { return E_NOTIMPL; }
 
 private:
     int m_number;
 };
 
-class Container : public Dispatch<IADsContainer> {
+class Container : public DirectoryContainer<ComObject<IADsContainer>> {
 public:
     HRESULT WINAPI put_Filter(VARIANT filter) override
     {
@@ -107,16 +60,6 @@ public:
         VariantClear(&first);
         return S_OK;
     }
-    HRESULT WINAPI get_Count(long*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get__NewEnum(IUnknown**) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_Filter(VARIANT*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_Hints(VARIANT*) override { return E_NOTIMPL; }
-    HRESULT WINAPI put_Hints(VARIANT) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetObject(BSTR, BSTR, IDispatch**) override { return E_NOTIMPL; }
-    HRESULT WINAPI Create(BSTR, BSTR, IDispatch**) override { return E_NOTIMPL; }
-    HRESULT WINAPI Delete(BSTR, BSTR) override { return E_NOTIMPL; }
-    HRESULT WINAPI CopyHere(BSTR, BSTR, IDispatch**) override { return E_NOTIMPL; }
-    HRESULT WINAPI MoveHere(BSTR, BSTR, IDispatch**) override { return E_NOTIMPL; }
 };
 
 HRESULT WINAPI getObject(LPCWSTR, REFIID, void** object)

@@ -59,6 +59,7 @@ std::size_t AccountDirectory::SidHash::operator()(std::string_view bytes) const
 }
 
 AccountDirectory::AccountDirectory(std::string_view text)
+    : AccountDirectory()
 {
     TextReader reader(text, kAccounts);
     if (!reader.isOurs()) {
@@ -90,11 +91,11 @@ AccountDirectory::AccountDirectory(std::string_view text)
             reader.reject(flaw);
         }
     }
-    m_flaws = reader.finding().flaws;
+    flaws = reader.finding().flaws;
     resolveDomains();
     resolveMembers(memberLines);
-    std::ranges::sort(m_flaws.first, {}, &Flaw::line);
-    m_condition = m_flaws.count == 0 ? Condition::kGood : Condition::kDamaged;
+    std::ranges::sort(flaws.first, {}, &Flaw::line);
+    condition = flaws.count == 0 ? Condition::kGood : Condition::kDamaged;
 }
 
 const char* AccountDirectory::readDomain(std::string_view line)
@@ -175,7 +176,7 @@ void AccountDirectory::resolveMembers(const std::vector<MemberLine>& lines)
             member = find(*name);
         }
         if (member == kNone) {
-            m_flaws.add(each.line, "the member is no account of this file");
+            flaws.add(each.line, "the member is no account of this file");
         } else {
             m_members[each.group].push_back(member);
         }

@@ -25,18 +25,14 @@ enum class AccountKind : std::uint8_t { kUser, kGroup };
 ///
 /// An account belongs to the servers of its domain. Where its domain has no server here, or it has no domain, it
 /// belongs to this machine. A line that cannot be used is left out and noted. Case does not count in names.
-class AccountDirectory {
+class AccountDirectory : public Finding {
 public:
-    AccountDirectory() = default;
+    AccountDirectory() { condition = Condition::kForeign; }
 
     /// @param text  need not outlive the directory.
     explicit AccountDirectory(std::string_view text);
     AccountDirectory(const AccountDirectory&) = delete;
     AccountDirectory& operator=(const AccountDirectory&) = delete;
-
-    Condition condition() const { return m_condition; }
-
-    const Flaws& flaws() const { return m_flaws; }
 
     std::size_t size() const { return m_accounts.size(); }
 
@@ -102,8 +98,6 @@ private:
     std::uint32_t domainOfServer(std::u16string_view server) const;
     std::uint32_t domainWithServerFrom(std::uint32_t first) const;
 
-    Condition m_condition = Condition::kForeign;
-    Flaws m_flaws;
     std::vector<Domain> m_domains;
     std::deque<Account> m_accounts;                                       ///< none of them moves
     std::unordered_map<std::string_view, std::uint32_t, SidHash> m_bySid; ///< by the bytes in m_accounts

@@ -40,14 +40,14 @@ Stamp stampOf(const std::wstring& path)
 
 void tell(const std::wstring& path, const AccountDirectory& directory)
 {
-    if (directory.condition() == Condition::kForeign) {
+    if (directory.condition == Condition::kForeign) {
         ODS("lornix: accounts: \"%ls\" is no file of accounts\n", path.c_str());
     }
-    for (const Flaw& flaw : directory.flaws().first) {
+    for (const Flaw& flaw : directory.flaws.first) {
         ODS("lornix: accounts: line %lu of \"%ls\" is left out: %s\n", static_cast<unsigned long>(flaw.line),
             path.c_str(), flaw.reason);
     }
-    if (const std::size_t more = directory.flaws().count - directory.flaws().first.size(); more != 0) {
+    if (const std::size_t more = directory.flaws.count - directory.flaws.first.size(); more != 0) {
         ODS("lornix: accounts: %lu more lines of \"%ls\" are left out\n", static_cast<unsigned long>(more),
             path.c_str());
     }

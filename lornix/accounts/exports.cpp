@@ -82,14 +82,8 @@ void SidSink::skipListed(std::int32_t first)
 {
     void* const* sids = m_list == nullptr ? nullptr : m_list->sids;
     for (std::int32_t i = first; i < countOf(m_list); ++i) {
-        m_known.insert(keyOf(sids[i]));
+        m_known.emplace(sidKey(sids[i]));
     }
-}
-
-std::string SidSink::keyOf(const void* sid)
-{
-    const auto bytes = sidBytes(sid);
-    return {bytes.begin(), bytes.end()};
 }
 
 const std::vector<AccountSource*>& accountSources()

@@ -70,12 +70,6 @@ std::mutex guard;
 Ageing<Name> names;
 Ageing<Expected> expected;
 
-std::string keyOf(const void* sid)
-{
-    const auto bytes = sidBytes(sid);
-    return {bytes.begin(), bytes.end()};
-}
-
 /// An account and those that are to be asked for with it: expected ones, or others whose time is over too.
 std::vector<std::string> batchWith(const std::string& sid, ULONGLONG now)
 {
@@ -101,7 +95,7 @@ std::vector<std::string> batchWith(const std::string& sid, ULONGLONG now)
 
 std::wstring remembered(AccountSource& source, const void* sid)
 {
-    const std::string key = keyOf(sid);
+    const std::string key(sidKey(sid));
     const ULONGLONG now = GetTickCount64();
     std::vector<std::string> batch;
     {
@@ -143,7 +137,7 @@ void expectName(const void* sid) noexcept
     }
     const std::lock_guard lock(guard);
     try {
-        std::string key = keyOf(sid);
+        std::string key(sidKey(sid));
         const Name* known = names.find(key);
         if (known == nullptr || known->isOver(GetTickCount64())) {
             expected.add({std::move(key)});

@@ -1,6 +1,7 @@
 // Who knows accounts. The exports ask here; behind it stands the platform, and another source may stand beside it.
 #pragma once
 
+#include "lornix/sid.h"
 #include "store/lornix.h"
 #include "store/owned.h"
 
@@ -26,7 +27,7 @@ public:
     void adopt(void* sid)
     {
         CBlock<void> own(sid);
-        if (own != nullptr && (m_known.empty() || !m_known.contains(keyOf(sid)))) {
+        if (own != nullptr && (m_known.empty() || !m_known.contains(std::string(sidKey(sid))))) {
             m_list = appendToSidList(m_list, own.release());
         }
     }
@@ -37,8 +38,6 @@ public:
     SidList* list() const { return m_list; }
 
 private:
-    static std::string keyOf(const void* sid);
-
     SidList* m_list;
     std::unordered_set<std::string> m_known;
 };

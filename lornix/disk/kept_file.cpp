@@ -9,11 +9,6 @@ namespace {
 
 constexpr std::size_t kFlawsTold = 3;
 
-std::wstring quoted(const std::wstring& path)
-{
-    return L'"' + path + L'"';
-}
-
 std::wstring describe(const Flaws& flaws)
 {
     std::wstring text;

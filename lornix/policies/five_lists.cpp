@@ -82,7 +82,7 @@ bool writeActiveExceptions(const std::wstring& fileName)
     if (!data.isKnown()) {
         return false;
     }
-    TextWriter writer(kActiveExceptions);
+    std::string text = startText(kActiveExceptions);
     Patience patience;
     for (const PolicyList* list : {&excludes(), &backupTools()}) {
         const auto active = list->active(data, patience);
@@ -90,13 +90,14 @@ bool writeActiveExceptions(const std::wstring& fileName)
             return false;
         }
         for (const PolicyRecord& entry : active->entries) {
-            appendRecord(writer, list->format(), entry);
+            appendRecord(text, list->format(), entry);
         }
     }
+    appendEnd(text, kActiveExceptions);
     KeptFile file{data, data.path(fileName), L"The file with the active exceptions"};
     const auto lock = openForChange(data, file.title + L" cannot be stored");
     const auto present = lock ? readKept<Finding>(file, patience, findingOf) : std::nullopt;
-    return present && replaceKept(file, present->condition, writer.finish(), patience);
+    return present && replaceKept(file, present->condition, text, patience);
 }
 
 } // namespace lornix

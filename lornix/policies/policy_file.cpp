@@ -91,9 +91,8 @@ const char* readAttribute(std::string_view word, std::string_view rest, PolicyRe
 
 } // namespace
 
-void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRecord& entry)
+void appendRecord(std::string& line, const PolicyFormat& format, const PolicyRecord& entry)
 {
-    std::string& line = writer.line();
     line += format.word;
     line += '\t';
     if (format.hasAccount) {
@@ -105,7 +104,7 @@ void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRe
         line += '\t';
     }
     appendEscaped(line, entry.text);
-    writer.endLine();
+    line += kLineEnd;
     for (std::size_t i = 0; i < kAttributeCount; ++i) {
         const bool isPassword = i == kPasswordAttribute; // never in clear
         const bool isThere = isPassword ? !entry.sealedPassword.empty()
@@ -120,17 +119,18 @@ void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRe
         } else {
             appendEscaped(line, *entry.attributes[i]);
         }
-        writer.endLine();
+        line += kLineEnd;
     }
 }
 
 std::string writePolicy(const PolicyFormat& format, const std::deque<PolicyRecord>& entries)
 {
-    TextWriter writer(format.kind);
+    std::string text = startText(format.kind);
     for (const PolicyRecord& entry : entries) {
-        appendRecord(writer, format, entry);
+        appendRecord(text, format, entry);
     }
-    return writer.finish();
+    appendEnd(text, format.kind);
+    return text;
 }
 
 PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text)

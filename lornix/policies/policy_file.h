@@ -45,7 +45,7 @@ PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text);
 std::string writePolicy(const PolicyFormat& format, const std::deque<PolicyRecord>& entries);
 
 /// Appends the lines of an entry.
-void appendRecord(TextWriter& writer, const PolicyFormat& format, const PolicyRecord& entry);
+void appendRecord(std::string& text, const PolicyFormat& format, const PolicyRecord& entry);
 
 /// A number with an optional unit letter K, M, G or T, cut to 32 bits.
 /// @return 0 when the text does not begin with a number.

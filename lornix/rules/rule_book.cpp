@@ -53,12 +53,13 @@ const char* takeApart(std::string_view& line, StoredRule& rule, bool& isKnown)
     return nullptr;
 }
 
-/// The lines of a text, one after the other, without their ends and the blanks there.
+/// The lines of a text, one after the other, without their ends and the blanks there: what the reader takes for a line.
 std::string_view takeLine(std::string_view& text)
 {
     std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
-    return line.substr(0, line.find_last_not_of(" \t\r") + 1);
+    line.remove_suffix(line.ends_with('\r') ? 1 : 0); // another one is the folder's
+    return line.substr(0, line.find_last_not_of(" \t") + 1);
 }
 
 /// The folder of a line that is known to be good, as it stands there.
@@ -148,10 +149,8 @@ StoredRule takeRule(std::string_view& lines)
 
 RuleBook::RuleBook(const FileKind& kind)
     : m_kind(kind)
+    , m_text(startText(kind).append("# hard limit, soft limit, in use (bytes); account; folder\r\n"))
 {
-    TextWriter writer(kind);
-    writer.comment("hard limit, soft limit, in use (bytes); account; folder");
-    m_text = std::move(writer.line());
     m_head = m_text.size();
     finish();
 }

@@ -1,5 +1,6 @@
 // Loading and storing the rules of folders.
 #include "lornix/last_error.h"
+#include "lornix/rules/rule_chain.h"
 #include "lornix/rules/rule_file.h"
 #include "lornix/sid.h"
 #include "lornix/text/escaped_text.h"
@@ -7,11 +8,8 @@
 #include "lornix/text/wide_text.h"
 #include "lornix_host.h"
 #include "store/lornix.h"
-#include "store/owned.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cwchar>
 #include <functional>
 #include <optional>
 #include <span>
@@ -40,68 +38,6 @@ SeenRules& seenRules()
 Mark markOf(std::string_view lines)
 {
     return std::hash<std::string_view>()(lines);
-}
-
-std::wstring quoted(std::u16string_view folder)
-{
-    return L'"' + toWide(folder) + L'"';
-}
-
-using Chain = Owned<QuotaRule*, lornixFreeRules>;
-
-wchar_t* copyOf(std::u16string_view text)
-{
-    auto* copy = static_cast<wchar_t*>(std::malloc((text.size() + 1) * sizeof(wchar_t)));
-    if (copy == nullptr) {
-        throw std::bad_alloc();
-    }
-    *std::copy(text.begin(), text.end(), copy) = L'\0';
-    return copy;
-}
-
-/// @param sid  empty for anyone.
-Chain newRecord(std::u16string_view folder, std::span<const std::uint8_t> sid)
-{
-    Chain record(static_cast<QuotaRule*>(std::calloc(1, sizeof(QuotaRule))));
-    if (record == nullptr) {
-        throw std::bad_alloc();
-    }
-    record->type = sid.empty() ? QUOTA_RULE_FOR_ANYONE : QUOTA_RULE_FOR_ACCOUNT;
-    if (!sid.empty()) {
-        record->sid = sidDup(sid.data());
-        if (record->sid == nullptr) {
-            throw std::bad_alloc();
-        }
-    }
-    record->path = copyOf(folder);
-    return record;
-}
-
-QuotaRule* recordOf(const StoredRule& rule)
-{
-    Chain record = newRecord(rule.folder, rule.sid.bytes());
-    record->inUse = rule.inUse;
-    record->hardLimit = rule.hardLimit;
-    record->softLimit = rule.softLimit;
-    return record.release();
-}
-
-/// @param lines  of a book.
-Chain chainOf(std::string_view lines)
-{
-    Chain first;
-    QuotaRule* last = nullptr;
-    while (!lines.empty()) {
-        QuotaRule* record = recordOf(takeRule(lines));
-        record->prev = last;
-        if (last == nullptr) {
-            first.reset(record);
-        } else {
-            last->next = record;
-        }
-        last = record;
-    }
-    return first;
 }
 
 QuotaRule* loadRules(const wchar_t* folder)
@@ -166,11 +102,11 @@ private:
     std::size_t m_room = 0; // that the lines need, about
 };
 
+/// @param path  null for none.
 bool refuse(const std::wstring& rules, const wchar_t* path, const std::wstring& reason)
 {
-    report(L"Nothing was stored: " + rules + L", on " +
-           quoted(path == nullptr ? std::u16string() : fromWide(path)) + L", cannot be kept, because " +
-           reason + L'.');
+    report(L"Nothing was stored: " + rules + L", on " + quoted(path == nullptr ? L"" : path) +
+           L", cannot be kept, because " + reason + L'.');
     return false;
 }
 
@@ -252,8 +188,7 @@ bool Storing::sort(const PathList& folders, const QuotaRule* chain)
 
 std::string_view accountOf(const Row& row)
 {
-    const auto sid = sidBytes(row.rule->sid);
-    return {reinterpret_cast<const char*>(sid.data()), sid.size()};
+    return sidKey(row.rule->sid);
 }
 
 bool Storing::isEachAccountOnce() const
@@ -311,7 +246,7 @@ bool mayReplace(const FolderGroup& group, std::string_view before)
     if (seen == seenRules().end() || (seen->second && *seen->second == markOf(before))) {
         return true; // nobody asked for them, or they are as they were seen
     }
-    const std::wstring rules = L"The rules of " + quoted(group.folder);
+    const std::wstring rules = L"The rules of " + quoted(toWide(group.folder));
     report(!seen->second
                ? rules +
                      L" could not be read and are not replaced unseen. Read them again before changing them."
@@ -405,32 +340,4 @@ int lornixStoreRules(const PathList* folders, const QuotaRule* chain)
         Storing storing;
         return storing.sort(*folders, chain) && storing.store(DataFolder::current()) ? 1 : 0;
     });
-}
-
-QuotaRule* lornixNewRule(const wchar_t* folder, const void* sid)
-{
-    using namespace lornix;
-    return reporting<QuotaRule*>(nullptr, [&]() -> QuotaRule* {
-        if (folder == nullptr || (sid != nullptr && !isSid(sid))) {
-            report(L"A rule without a folder, or for an account that is no valid SID, was asked for.");
-            return nullptr;
-        }
-        return newRecord(fromWide(folder), sidBytes(sid)).release();
-    });
-}
-
-void lornixFree(void* block)
-{
-    std::free(block);
-}
-
-void lornixFreeRules(QuotaRule* chain)
-{
-    while (chain != nullptr) {
-        QuotaRule* next = chain->next;
-        std::free(chain->sid);
-        std::free(chain->path);
-        std::free(chain);
-        chain = next;
-    }
 }

@@ -42,11 +42,6 @@ std::wstring counted(std::uint64_t count, const wchar_t* one, const wchar_t* man
     return std::to_wstring(count) + L' ' + (count == 1 ? one : many);
 }
 
-std::wstring quoted(const std::wstring& text)
-{
-    return L'"' + text + L'"';
-}
-
 void tell(const Walked& walked, const Named& folder)
 {
     if (walked.error != ERROR_SUCCESS) {
@@ -111,8 +106,7 @@ std::vector<std::string> ownersIn(const SidList& list)
     void* const* sids = list.sids;
     for (std::int32_t i = 0; i < list.count; ++i) {
         if (isSid(sids[i])) {
-            const auto bytes = sidBytes(sids[i]);
-            owners.emplace_back(bytes.begin(), bytes.end());
+            owners.emplace_back(sidKey(sids[i]));
         }
     }
     std::sort(owners.begin(), owners.end());

@@ -10,8 +10,6 @@
 namespace lornix {
 namespace {
 
-// The line end of the platform's plain text files.
-constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF"; // some editors put one in front
 constexpr std::string_view kEnd = "end";
@@ -86,29 +84,9 @@ void appendHex(std::string& line, std::uint64_t number)
     line.append(static_cast<std::size_t>(std::end(digits) - end), '0').append(digits, end);
 }
 
-TextWriter::TextWriter(const FileKind& kind)
-    : m_text(firstLine(kind))
-    , m_kind(kind)
+std::string startText(const FileKind& kind)
 {
-    endLine();
-}
-
-void TextWriter::endLine()
-{
-    m_text += kLineEnd;
-}
-
-void TextWriter::comment(std::string_view text)
-{
-    m_text += "# ";
-    m_text += text;
-    endLine();
-}
-
-std::string TextWriter::finish()
-{
-    appendEnd(m_text, m_kind);
-    return std::exchange(m_text, {});
+    return firstLine(kind).append(kLineEnd);
 }
 
 void appendEnd(std::string& text, const FileKind& kind)

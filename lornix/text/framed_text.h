@@ -55,26 +55,14 @@ struct Finding {
 /// Of any bytes: a change of a single one always changes it.
 std::uint64_t checksumOf(std::string_view bytes);
 
-/// Adds the last lines to the text of a file.
+/// The line end of the platform's plain text files.
+inline constexpr std::string_view kLineEnd = "\r\n";
+
+/// Starts the text of a file: its lines are appended, each with its line end.
+std::string startText(const FileKind& kind);
+
+/// Ends it. Nothing may follow.
 void appendEnd(std::string& text, const FileKind& kind);
-
-/// Builds the text of a file.
-class TextWriter {
-public:
-    explicit TextWriter(const FileKind& kind);
-
-    /// The text so far, to append a line to: without its end, which endLine adds.
-    std::string& line() { return m_text; }
-    void endLine();
-    void comment(std::string_view text);
-
-    /// Adds the last lines. Nothing may follow.
-    std::string finish();
-
-private:
-    std::string m_text;
-    FileKind m_kind;
-};
 
 /// Takes the text of a file apart.
 class TextReader {

@@ -30,7 +30,7 @@ const Lines kSteps = {"getDomainServer",
 
 bool isStep(const std::string& line)
 {
-    const std::string function = line.substr(0, line.find('('));
+    const std::string function = line.substr(0, line.find(' '));
     return std::find(kSteps.begin(), kSteps.end(), function) != kSteps.end();
 }
 
@@ -39,12 +39,16 @@ protected:
     /// Fills, with the window going during the n-th call. @return what the fill did after that.
     Lines fillUntil(int call)
     {
-        journal.windowGoesAt = call;
+        int made = 0;
+        store.faultFor = [&](const char*) {
+            m_sink->windowGone = m_sink->windowGone || ++made == call;
+            return Fault::None;
+        };
         EXPECT_TRUE(fill());
-        journal.windowGoesAt = 0;
-        EXPECT_TRUE(journal.windowGone);
-        return {journal.lines.begin() + static_cast<std::ptrdiff_t>(journal.linesBefore),
-                journal.lines.end()};
+        store.faultFor = nullptr;
+        EXPECT_TRUE(m_sink->windowGone);
+        const Lines all = store.calls();
+        return {all.begin() + call, all.end()};
     }
 
     /// The same at the first call whose line starts so. A fill without end came before.
@@ -59,15 +63,15 @@ protected:
     void fillWhole()
     {
         ASSERT_TRUE(fill());
-        m_all = journal.lines;
+        m_all = store.calls();
     }
 
     Lines m_all;
 };
 
-class AbandonedOnRoad : public AbandonedFillTest, public testing::WithParamInterface<const wchar_t*> {};
+class AbandonedBySource : public AbandonedFillTest, public testing::WithParamInterface<const wchar_t*> {};
 
-TEST_P(AbandonedOnRoad, BeginsNoStepAnyMore)
+TEST_P(AbandonedBySource, BeginsNoStepAnyMore)
 {
     m_registry.set(GetParam());
     networkStatus = 0;
@@ -82,41 +86,98 @@ TEST_P(AbandonedOnRoad, BeginsNoStepAnyMore)
         Lines steps;
         std::copy_if(after.begin(), after.end(), std::back_inserter(steps), isStep);
         EXPECT_THAT(steps, ElementsAre());
-        EXPECT_EQ(journal.count("NetUseAdd"), journal.count("NetUseDel")) << "a session is left open";
+        EXPECT_EQ(store.count("NetUseAdd"), store.count("NetUseDel")) << "a session is left open";
         EXPECT_EQ(m_context.host, nullptr);
         expectNothingHeld();
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Roads, AbandonedOnRoad, testing::Values(L"N", L"Y"));
+INSTANTIATE_TEST_SUITE_P(Sources, AbandonedBySource, testing::Values(L"N", L"Y"));
 
 TEST_F(AbandonedFillTest, ClosesOnlyTheSessionsThatItHas)
 {
     m_registry.set(L"Y");
     networkStatus = 0;
     fillWhole();
-    EXPECT_THAT(fillUntil("NetUseAdd(\\\\S1"), Contains("NetUseDel(\\\\S1\\IPC$)"));
-    EXPECT_EQ(journal.count("NetUse"), 2) << "the second server's is not opened";
-    fillUntil("enumerateUsers(S2");
-    EXPECT_EQ(journal.count("NetUseDel"), 2);
-    fillUntil("NetUseDel(\\\\S2");
-    EXPECT_EQ(journal.count("NetUseDel"), 2) << "none is closed twice";
+    EXPECT_THAT(fillUntil("NetUseAdd \\\\S1"), Contains("NetUseDel \\\\S1\\IPC$"));
+    EXPECT_EQ(store.count("NetUse"), 2) << "the second server's is not opened";
+    fillUntil("enumerateUsers S2");
+    EXPECT_EQ(store.count("NetUseDel"), 2);
+    fillUntil("NetUseDel \\\\S2");
+    EXPECT_EQ(store.count("NetUseDel"), 2) << "none is closed twice";
 
     networkStatus = ERROR_SESSION_CREDENTIAL_CONFLICT; // the session there is somebody else's
-    fillUntil("enumerateUsers(S2");
-    EXPECT_EQ(journal.count("NetUseAdd"), 2);
-    EXPECT_EQ(journal.count("NetUseDel"), 0);
+    fillUntil("enumerateUsers S2");
+    EXPECT_EQ(store.count("NetUseAdd"), 2);
+    EXPECT_EQ(store.count("NetUseDel"), 0);
 }
 
 TEST_F(AbandonedFillTest, ClosesItsSessionsAfterAFaultOutsideOfItsSteps)
 {
     m_registry.set(L"Y");
     networkStatus = 0;
-    journal.faultFunction = "ODS";
-    journal.faultAt = 2; // the number of users
+    store.raise("ODS", Fault::AccessViolation, 2); // the number of users
     EXPECT_FALSE(fill());
-    EXPECT_EQ(journal.count("NetUseDel"), 2);
+    EXPECT_EQ(store.count("NetUseDel"), 2);
 }
+
+// ---- the window goes with a row
+
+class WindowGone : public FillTest, public testing::WithParamInterface<const wchar_t*> {};
+
+TEST_P(WindowGone, AtEachInsertion)
+{
+    m_registry.set(GetParam());
+    m_context.presetOwners = makePresets({2, 12});
+    directory.objects.push_back({.name = L"extra", .className = L"User", .sid = 32});
+    ASSERT_TRUE(fill());
+    const int all = static_cast<int>(m_sink->rows.size());
+    ASSERT_GT(all, 6);
+    for (int n = 1; n < all; ++n) {
+        SCOPED_TRACE(n);
+        fillUntilRows(n);
+        EXPECT_EQ(static_cast<int>(m_sink->rows.size()), n);
+        EXPECT_EQ(m_sink->insertedAfterDeath, 0);
+        EXPECT_EQ(m_context.host, nullptr);
+        expectNothingHeld();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sources, WindowGone, testing::Values(L"N", L"Y"));
+
+TEST_F(FillTest, WindowGoneAmongPresetOwnersEndsTheFillAtOnce)
+{
+    m_context.presetOwners = makePresets({1, 2});
+    fillUntilRows(3);
+    EXPECT_EQ(store.calls().back(), "freeSidList L1");
+    EXPECT_EQ(store.count("appendToSidList2"), 0);
+    EXPECT_EQ(store.count("getDomainServer"), 0);
+    expectNothingHeld();
+}
+
+TEST_F(FillTest, WindowGoneAmongUsersOfTheStoreEndsTheFill)
+{
+    m_context.host = L"S1";
+    fillUntilRows(3);
+    EXPECT_EQ(store.calls().back(), "freeSidList L1");
+    EXPECT_EQ(store.count("enumerateGroups"), 0);
+    EXPECT_EQ(store.count("removeFirstInserted"), 0);
+    expectNothingHeld();
+}
+
+TEST_F(FillTest, WindowGoneAmongTheObjectsOfTheDirectoryEndsTheFill)
+{
+    directory.objects.push_back({.name = L"extra", .className = L"User", .sid = 32});
+    fillUntilRows(3);
+    EXPECT_EQ(store.count("ADsGetObject"), 1);
+    EXPECT_EQ(store.count("get_Name"), 1) << "the next object is left alone";
+    EXPECT_EQ(store.count("enumerate"), 0);
+    EXPECT_EQ(store.count("insert"), 3);
+    EXPECT_THAT(store.lines(), Not(Contains(testing::StartsWith("Total"))));
+    expectNothingHeld();
+}
+
+// ---- sessions and settings
 
 // A server that this user is logged on to with a name and password takes no other session.
 TEST_F(FillTest, AServerThatRefusesTheNullSessionIsAskedAllTheSame)
@@ -124,9 +185,9 @@ TEST_F(FillTest, AServerThatRefusesTheNullSessionIsAskedAllTheSame)
     m_context.host = L"S1";
     networkStatus = ERROR_SESSION_CREDENTIAL_CONFLICT;
     ASSERT_TRUE(fill());
-    EXPECT_EQ(journal.count("NetUseAdd"), 2);
+    EXPECT_EQ(store.count("NetUseAdd"), 2);
     EXPECT_THAT(rows(), Contains("ann|NORTH\\ann|User|1"));
-    EXPECT_THAT(journal.debugLines(), Contains("Users = 4\n"));
+    EXPECT_THAT(store.lines(), Contains("Users = 4\n"));
     EXPECT_TRUE(m_sink->removed);
     expectNothingHeld();
 }
@@ -138,7 +199,7 @@ TEST_F(FillTest, TheSettingIsReadBesideTheHostsThread)
     ASSERT_STREQ(hosts, L"Y");
     m_registry.set(L"No"); // another one, as "Path" would be
     ASSERT_TRUE(fill());
-    EXPECT_EQ(journal.count("ADsGetObject"), 2) << "the setting was read";
+    EXPECT_EQ(store.count("ADsGetObject"), 2) << "the setting was read";
     EXPECT_STREQ(hosts, L"Y") << "what the host's thread has read and not copied yet";
 }
 

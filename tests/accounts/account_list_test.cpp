@@ -17,7 +17,6 @@ namespace {
 
 class AccountListTest : public ChooserFixture {
 protected:
-    void then(const char* what, std::function<void(HWND)> act) { script.onDialog(what, std::move(act)); }
     /// Fills the list, does one thing with it, and cancels.
     void filled(std::function<void(HWND)> act)
     {
@@ -27,7 +26,7 @@ protected:
     }
     void finish()
     {
-        then("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+        cancel();
         EXPECT_EQ(choose(), nullptr);
     }
     /// A fill that stands still with its first rows in the list while things are done to it.
@@ -36,7 +35,7 @@ protected:
         gate.shut();
         startSearch();
         script.step("the first rows", [this, rowsBefore](HWND dialog) {
-            return rowCount(dialog) == rowsBefore && gate.waiting() == 1;
+            return list(dialog).rowCount() == rowsBefore && gate.waiting() == 1;
         });
         then("work", [this, act = std::move(act)](HWND dialog) {
             act(dialog);
@@ -82,20 +81,8 @@ TEST_F(AccountListTest, HasItsColumnsStylesAndFilterBar)
         ListView_SetExtendedListViewStyle(list(dialog), LVS_EX_CHECKBOXES);
     });
     filled([this](HWND dialog) {
-        const HWND header = ListView_GetHeader(list(dialog));
-        std::vector<std::string> headings;
-        for (int column = 0; column < Header_GetItemCount(header); ++column) {
-            wchar_t text[64] = L"";
-            HDITEMW item{};
-            item.mask = HDI_TEXT | HDI_WIDTH;
-            item.pszText = text;
-            item.cchTextMax = 64;
-            SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
-            char line[128];
-            std::snprintf(line, sizeof line, "%ls %d", text, item.cxy);
-            headings.push_back(line);
-        }
-        EXPECT_THAT(headings, ElementsAre("Account 200", "Full Name 200", "Type 50"));
+        const HWND header = list(dialog).header();
+        EXPECT_THAT(list(dialog).columns(), ElementsAre("Account 200", "Full Name 200", "Type 50"));
         EXPECT_EQ(GetWindowLongPtrW(list(dialog), GWL_STYLE) & 0x200, 0) << "labels are not edited";
         EXPECT_EQ(ListView_GetExtendedListViewStyle(list(dialog)), 0x4021u | LVS_EX_CHECKBOXES);
         EXPECT_EQ(GetWindowLongPtrW(header, GWL_STYLE) & 0x100, 0x100);
@@ -126,12 +113,12 @@ TEST_F(AccountListTest, AHeaderClickSortsFromZToAAndTheNextTurnsItRound)
 {
     giveUsers({"DOM\\bob", "DOM\\Carl", "DOM\\adam"});
     filled([](HWND dialog) {
-        clickHeader(dialog, 0);
-        EXPECT_THAT(column(dialog, 0), ElementsAre("Carl", "bob", "Anyone", "adam"));
-        clickHeader(dialog, 0);
-        EXPECT_THAT(column(dialog, 0), ElementsAre("adam", "Anyone", "bob", "Carl"));
-        clickHeader(dialog, 0);
-        EXPECT_THAT(column(dialog, 0), ElementsAre("Carl", "bob", "Anyone", "adam"));
+        list(dialog).clickColumn(0);
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("Carl", "bob", "Anyone", "adam"));
+        list(dialog).clickColumn(0);
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("adam", "Anyone", "bob", "Carl"));
+        list(dialog).clickColumn(0);
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("Carl", "bob", "Anyone", "adam"));
     });
 }
 
@@ -140,12 +127,12 @@ TEST_F(AccountListTest, AnotherHeaderStartsFromZToAAgain)
     giveUsers({"DOM\\bob"});
     giveGroups({"DOM\\staff"});
     filled([](HWND dialog) {
-        clickHeader(dialog, 0);
-        clickHeader(dialog, 0);
-        clickHeader(dialog, 2);
-        EXPECT_THAT(column(dialog, 2), ElementsAre("User", "System", "Group"));
-        clickHeader(dialog, 0);
-        EXPECT_THAT(column(dialog, 0), ElementsAre("staff", "bob", "Anyone"));
+        list(dialog).clickColumn(0);
+        list(dialog).clickColumn(0);
+        list(dialog).clickColumn(2);
+        EXPECT_THAT(list(dialog).column(2), ElementsAre("User", "System", "Group"));
+        list(dialog).clickColumn(0);
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("staff", "bob", "Anyone"));
     });
 }
 
@@ -153,8 +140,8 @@ TEST_F(AccountListTest, NumbersInNamesAreTexts)
 {
     giveUsers({"9", "10", "100"});
     filled([](HWND dialog) {
-        clickHeader(dialog, 0);
-        EXPECT_THAT(column(dialog, 0), ElementsAre("Anyone", "9", "100", "10"));
+        list(dialog).clickColumn(0);
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("Anyone", "9", "100", "10"));
     });
 }
 
@@ -162,9 +149,9 @@ TEST_F(AccountListTest, ItemDataGoWithTheirRows)
 {
     giveUsers({"DOM\\bob", "DOM\\carl"});
     filled([](HWND dialog) {
-        clickHeader(dialog, 0);
-        EXPECT_EQ(RecordingStore::nameOf(reinterpret_cast<void*>(data(dialog, 0))), "DOM\\carl");
-        EXPECT_EQ(data(dialog, 2), 1);
+        list(dialog).clickColumn(0);
+        EXPECT_EQ(RecordingStore::nameOf(reinterpret_cast<void*>(list(dialog).data(0))), "DOM\\carl");
+        EXPECT_EQ(list(dialog).data(2), 1);
     });
 }
 
@@ -175,11 +162,11 @@ TEST_F(AccountListTest, AFilterHidesWhatDoesNotBeginWithItInAnyCase)
     giveUsers({"DOM\\bob", "DOM\\Bobby", "DOM\\carl"});
     filled([this](HWND dialog) {
         filterBar->type(0, L"BO");
-        EXPECT_THAT(column(dialog, 0), ElementsAre("bob", "Bobby"));
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("bob", "Bobby"));
         filterBar->type(0, L"bobb");
-        EXPECT_THAT(column(dialog, 0), ElementsAre("Bobby"));
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("Bobby"));
         filterBar->type(0, L"x");
-        EXPECT_THAT(column(dialog, 0), IsEmpty());
+        EXPECT_THAT(list(dialog).column(0), IsEmpty());
     });
 }
 
@@ -188,22 +175,22 @@ TEST_F(AccountListTest, ClearingTheFilterBringsAllRowsBackAsTheyWereAndSorts)
     giveUsers({"DOM\\bob", "DOM\\adam", "DOM\\carl"});
     giveGroups({"DOM\\staff"});
     filled([this](HWND dialog) {
-        const LPARAM bob = data(dialog, 1);
-        const int groupImage = image(dialog, 4);
+        const LPARAM bob = list(dialog).data(1);
+        const int groupImage = list(dialog).image(4);
         filterBar->type(0, L"c");
-        EXPECT_THAT(rows(dialog), ElementsAre("carl|DOM\\carl|User"));
+        EXPECT_THAT(list(dialog).rows(), ElementsAre("carl|DOM\\carl|User"));
         filterBar->type(0, L"");
-        const std::vector<std::string> all = rows(dialog);
+        const std::vector<std::string> all = list(dialog).rows();
         EXPECT_THAT(all,
                     UnorderedElementsAre("Anyone|Anyone|System", "bob|DOM\\bob|User", "adam|DOM\\adam|User",
                                          "carl|DOM\\carl|User", "staff|DOM\\staff|Group"));
         // The order is the one that all lists share, so a column sorted before comes the other way round.
         std::vector<std::string> fromZToA = {"staff", "carl", "bob", "Anyone", "adam"};
-        const std::vector<std::string> names = column(dialog, 0);
+        const std::vector<std::string> names = list(dialog).column(0);
         const std::vector<std::string> fromAToZ(fromZToA.rbegin(), fromZToA.rend());
         EXPECT_TRUE(names == fromZToA || names == fromAToZ);
-        EXPECT_EQ(data(dialog, rowOf(dialog, "bob")), bob);
-        EXPECT_EQ(image(dialog, rowOf(dialog, "staff")), groupImage);
+        EXPECT_EQ(list(dialog).data(list(dialog).rowOf("bob")), bob);
+        EXPECT_EQ(list(dialog).image(list(dialog).rowOf("staff")), groupImage);
     });
 }
 
@@ -216,10 +203,11 @@ TEST_F(AccountListTest, RowsThatComeBackAreSortedByTheChangedColumnAsTheListsOrd
         sortListCtrl2(reinterpret_cast<CListCtrl*>(&object), 1);
         filterBar->type(0, L"b");
         filterBar->type(0, L"");
-        EXPECT_THAT(column(dialog, 0), ElementsAre("carl", "bob", "Anyone", "adam"));
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("carl", "bob", "Anyone", "adam"));
         filterBar->type(0, L"b");
         filterBar->type(0, L"");
-        EXPECT_THAT(column(dialog, 0), ElementsAre("adam", "Anyone", "bob", "carl")) << "the other way round";
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("adam", "Anyone", "bob", "carl"))
+            << "the other way round";
     });
 }
 
@@ -228,7 +216,7 @@ TEST_F(AccountListTest, ANarrowerFilterDoesNotSort)
     giveUsers({"DOM\\b1", "DOM\\c", "DOM\\b3", "DOM\\b2"});
     filled([this](HWND dialog) {
         filterBar->type(0, L"b");
-        EXPECT_THAT(column(dialog, 0), ElementsAre("b1", "b3", "b2"));
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("b1", "b3", "b2"));
     });
 }
 
@@ -239,13 +227,13 @@ TEST_F(AccountListTest, FiltersOfSeveralColumnsCombine)
     filled([this](HWND dialog) {
         filterBar->type(0, L"bob");
         filterBar->type(1, L"b\\");
-        EXPECT_THAT(rows(dialog), UnorderedElementsAre("bob|B\\bob|User", "bobs|B\\bobs|Group"));
+        EXPECT_THAT(list(dialog).rows(), UnorderedElementsAre("bob|B\\bob|User", "bobs|B\\bobs|Group"));
         filterBar->type(2, L"gr");
-        EXPECT_THAT(rows(dialog), ElementsAre("bobs|B\\bobs|Group"));
+        EXPECT_THAT(list(dialog).rows(), ElementsAre("bobs|B\\bobs|Group"));
         filterBar->type(1, L"");
-        EXPECT_THAT(rows(dialog), ElementsAre("bobs|B\\bobs|Group"));
+        EXPECT_THAT(list(dialog).rows(), ElementsAre("bobs|B\\bobs|Group"));
         filterBar->type(2, L"");
-        EXPECT_THAT(rows(dialog),
+        EXPECT_THAT(list(dialog).rows(),
                     UnorderedElementsAre("bob|A\\bob|User", "bob|B\\bob|User", "bobs|B\\bobs|Group"));
     });
 }
@@ -255,7 +243,7 @@ TEST_F(AccountListTest, AFilterMessageForNoColumnDoesNothing)
     giveUsers({"DOM\\bob"});
     filled([this](HWND dialog) {
         filterBar->type(-1, L"x");
-        EXPECT_EQ(rowCount(dialog), 2);
+        EXPECT_EQ(list(dialog).rowCount(), 2);
     });
 }
 
@@ -264,12 +252,12 @@ TEST_F(AccountListTest, TheSelectionStaysOnARowThatStays)
     giveUsers({"DOM\\a1", "DOM\\b1", "DOM\\a2", "DOM\\a3", "DOM\\b2"});
     filled([this](HWND dialog) {
         for (const wchar_t* filter : {L"b", L"b2"}) { // one by rebuilding the list, one by single deletions
-            select(dialog, rowOf(dialog, "b2"));
-            ListView_SetSelectionMark(list(dialog), rowOf(dialog, "b2"));
+            select(dialog, list(dialog).rowOf("b2"));
+            ListView_SetSelectionMark(list(dialog), list(dialog).rowOf("b2"));
             filterBar->type(0, filter);
-            const int row = rowOf(dialog, "b2");
-            EXPECT_EQ(ListView_GetNextItem(list(dialog), -1, LVNI_SELECTED), row);
-            EXPECT_EQ(ListView_GetNextItem(list(dialog), -1, LVNI_FOCUSED), row);
+            const int row = list(dialog).rowOf("b2");
+            EXPECT_EQ(list(dialog).selected(), row);
+            EXPECT_EQ(list(dialog).focused(), row);
             EXPECT_EQ(ListView_GetSelectionMark(list(dialog)), row);
         }
     });
@@ -279,11 +267,11 @@ TEST_F(AccountListTest, AHiddenRowLosesItsSelection)
 {
     giveUsers({"DOM\\bob"});
     filled([this](HWND dialog) {
-        select(dialog, rowOf(dialog, "bob"));
+        select(dialog, list(dialog).rowOf("bob"));
         filterBar->type(0, L"any");
-        EXPECT_EQ(ListView_GetNextItem(list(dialog), -1, LVNI_SELECTED), -1);
+        EXPECT_EQ(list(dialog).selected(), -1);
         filterBar->type(0, L"");
-        EXPECT_EQ(ListView_GetNextItem(list(dialog), -1, LVNI_SELECTED), -1);
+        EXPECT_EQ(list(dialog).selected(), -1);
     });
 }
 
@@ -295,14 +283,14 @@ TEST_F(AccountListTest, ACellThatIsWhatItsFilterSaysStandsOut)
     filled([this](HWND dialog) {
         EXPECT_EQ(colorOf(dialog, 1, 0), kGrey) << "no filter";
         filterBar->type(0, L" BOB");
-        EXPECT_EQ(rowCount(dialog), 0) << "for hiding, a blank counts";
+        EXPECT_EQ(list(dialog).rowCount(), 0) << "for hiding, a blank counts";
         filterBar->type(0, L"bo");
         filterBar->type(0, L"bob");
-        const int bob = rowOf(dialog, "bob");
+        const int bob = list(dialog).rowOf("bob");
         EXPECT_EQ(colorOf(dialog, bob, 0), kMatch);
         EXPECT_EQ(colorOf(dialog, bob, 1), kGrey);
         EXPECT_EQ(colorOf(dialog, bob, 2), kGrey);
-        EXPECT_EQ(colorOf(dialog, rowOf(dialog, "bobby"), 0), kGrey) << "the ends must meet";
+        EXPECT_EQ(colorOf(dialog, list(dialog).rowOf("bobby"), 0), kGrey) << "the ends must meet";
     });
 }
 
@@ -322,23 +310,19 @@ TEST_F(AccountListTest, PaintingAsksForItsCells)
 TEST_F(AccountListTest, RowsShowWhileTheStoreIsStillBusy)
 {
     SidList* const owners = RecordingStore::makeSidList({store.account("DOM\\zed")});
-    ULONGLONG handedOver = 0;
-    store.answer.getDomainServerByName = [&](const wchar_t*) -> wchar_t* {
-        handedOver = GetTickCount64();
-        return nullptr;
-    };
     gate.shut();
     startSearch();
-    script.step("the first rows", [&](HWND dialog) { return rowCount(dialog) == 3 && gate.waiting() == 1; });
+    script.step("the first rows",
+                [&](HWND dialog) { return list(dialog).rowCount() == 3 && gate.waiting() == 1; });
     then("look", [&](HWND dialog) {
-        EXPECT_THAT(rows(dialog), ElementsAre(std::string(kWaitText) + "||", "Anyone|Anyone|System",
-                                              "zed|DOM\\zed|File owner"));
-        EXPECT_EQ(data(dialog, 0), 0);
+        EXPECT_THAT(list(dialog).rows(), ElementsAre(std::string(kWaitText) + "||", "Anyone|Anyone|System",
+                                                     "zed|DOM\\zed|File owner"));
+        EXPECT_EQ(list(dialog).data(0), 0);
         gate.open();
     });
     waitForFill();
-    then("look again", [](HWND dialog) { EXPECT_EQ(rowCount(dialog), 2); });
-    then("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+    then("look again", [](HWND dialog) { EXPECT_EQ(list(dialog).rowCount(), 2); });
+    cancel();
     EXPECT_EQ(choose(owners), nullptr);
     freeSidList(owners);
 }
@@ -347,11 +331,12 @@ TEST_F(AccountListTest, TheWaitingRowGoesWhereverASortMovedIt)
 {
     giveUsers({"DOM\\zoe", "DOM\\adam"});
     during([](HWND dialog) {
-        clickHeader(dialog, 0);
-        clickHeader(dialog, 0);
-        EXPECT_THAT(column(dialog, 0), ElementsAre("Anyone", kWaitText));
+        list(dialog).clickColumn(0);
+        list(dialog).clickColumn(0);
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("Anyone", kWaitText));
     });
-    then("look", [](HWND dialog) { EXPECT_THAT(column(dialog, 0), ElementsAre("Anyone", "zoe", "adam")); });
+    then("look",
+         [](HWND dialog) { EXPECT_THAT(list(dialog).column(0), ElementsAre("Anyone", "zoe", "adam")); });
     finish();
 }
 
@@ -360,15 +345,15 @@ TEST_F(AccountListTest, TheWaitingRowGoesWhenAFilterHasHiddenIt)
     giveUsers({"DOM\\anna", "DOM\\bob"});
     during([this](HWND dialog) {
         filterBar->type(0, L"an");
-        EXPECT_THAT(column(dialog, 0), ElementsAre("Anyone"));
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("Anyone"));
     });
     then("look", [this](HWND dialog) {
-        EXPECT_THAT(column(dialog, 0), ElementsAre("Anyone", "anna", "bob"))
+        EXPECT_THAT(list(dialog).column(0), ElementsAre("Anyone", "anna", "bob"))
             << "what comes later is filtered at the next change";
         filterBar->type(0, L"");
-        EXPECT_THAT(column(dialog, 0), UnorderedElementsAre("Anyone", "anna", "bob"));
+        EXPECT_THAT(list(dialog).column(0), UnorderedElementsAre("Anyone", "anna", "bob"));
         filterBar->type(0, L"an");
-        EXPECT_THAT(column(dialog, 0), UnorderedElementsAre("Anyone", "anna"));
+        EXPECT_THAT(list(dialog).column(0), UnorderedElementsAre("Anyone", "anna"));
     });
     finish();
 }
@@ -376,9 +361,9 @@ TEST_F(AccountListTest, TheWaitingRowGoesWhenAFilterHasHiddenIt)
 TEST_F(AccountListTest, AnAccountNamedLikeTheWaitingRowStays)
 {
     giveUsers({std::string("DOM\\") + kWaitText, kWaitText});
-    during([](HWND dialog) { clickHeader(dialog, 0); });
+    during([](HWND dialog) { list(dialog).clickColumn(0); });
     then("look", [](HWND dialog) {
-        EXPECT_THAT(column(dialog, 1),
+        EXPECT_THAT(list(dialog).column(1),
                     UnorderedElementsAre("Anyone", std::string("DOM\\") + kWaitText, kWaitText));
     });
     finish();
@@ -394,6 +379,6 @@ TEST_F(AccountListTest, RowsComeInTheirOrderThroughManyBatches)
     filled([&](HWND dialog) {
         std::vector<std::string> expected = {"Anyone"};
         expected.insert(expected.end(), names.begin(), names.end());
-        EXPECT_EQ(column(dialog, 1), expected);
+        EXPECT_EQ(list(dialog).column(1), expected);
     });
 }

@@ -1,7 +1,7 @@
-// A store of accounts that a test writes, linked in place of the store library.
+// A recording store of accounts that go by numbers.
 #pragma once
 
-#include "corvane_types.h"
+#include "tests/support/recording_store.h"
 
 #include <map>
 #include <optional>
@@ -9,41 +9,41 @@
 #include <string>
 #include <vector>
 
-/// The accounts that the store knows. An account is named by the last number of its SID.
-struct AccountStore {
+/// The calls tell an account by its number, and a list by the number in which it was made.
+class AccountStore : public RecordingStore {
+public:
+    AccountStore();
+    ~AccountStore();
+    AccountStore(const AccountStore&) = delete;
+    AccountStore& operator=(const AccountStore&) = delete;
+
     std::map<unsigned, std::wstring> names;
     /// By server; an empty name is this machine.
     std::map<std::wstring, std::vector<unsigned>> users;
     std::map<std::wstring, std::vector<unsigned>> groups;
     std::optional<std::wstring> domainServer;
     std::map<std::wstring, std::wstring> secondServers;
-    std::set<std::string> givesNull; ///< calls that give null, as the journal names them without their lists
-    const SidList* givenBack = nullptr; ///< the source that appendToSidList2 gives back itself
-    int givenBackNumber = -1;           ///< likewise, by the number that the journal shows
-    const void* sidcmpLies = nullptr;   ///< an entry that sidcmp calls unequal to all
+    std::set<std::string> givesNull; ///< calls that give null, as they are written down without their lists
+    std::string givenBack; ///< the list that appendToSidList2 gives back itself as the source, as it is told
+    const void* sidcmpLies = nullptr; ///< an entry that sidcmp calls unequal to all
 
-    // What the code under test holds now.
-    int lists = 0;
-    int sids = 0;
-    int strings() const; ///< of those that the store handed out
+    /// Strings that the store handed out and nobody has freed.
+    int strings() const;
+    /// To be told of each block that is freed.
+    static void forgetString(void* block);
+
+private:
+    using Accounts = std::map<std::wstring, std::vector<unsigned>>;
+    std::function<SidList*(SidList*, SidList*)> m_append; ///< as the store does it by itself
+    SidList* enumerate(const char* function, const Accounts& accounts, const wchar_t* server, SidList* list);
 };
 
-extern AccountStore store;
-
-/// Forgets everything and starts the accounting anew.
-void resetStore();
-/// Numbers the next lists from 1 again.
-void resetStoreNumbers();
-
-/// The SID with a last number, S-1-5-21-1-2-3-NUMBER. Stays the test's.
+/// The SID of an account of the store.
 void* testSid(unsigned number);
-/// The last number of a SID; 0 for null.
+/// The number of a SID's account; 0 when there is none.
 unsigned sidNumber(const void* sid);
-/// Releases a copy that sidDup gave.
-void releaseSid(void* sid);
 
-/// A list that belongs to the test and is in no account: the caller's preset owners. Called "presets" in the
-/// journal.
+/// The caller's preset owners, null for 0.
 SidList* makePresets(const std::vector<unsigned>& numbers);
 /// Numbers of a list's SIDs, 0 for a null one.
 std::vector<unsigned> numbersOf(const SidList* list);

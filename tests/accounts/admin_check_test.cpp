@@ -1,6 +1,6 @@
 #include "corvane.h"
 #include "imports.h"
-#include "journal.h"
+#include "tests/support/recording_store.h"
 
 #include <gmock/gmock.h>
 
@@ -200,7 +200,6 @@ class AdminCheckTest : public testing::Test {
 protected:
     AdminCheckTest()
     {
-        journal = {};
         failing.clear();
         calls.clear();
         threadToken = nullptr;
@@ -225,17 +224,15 @@ protected:
         realAccessCheck = m_imports.replace("AccessCheck", accessCheck);
         realRevert = m_imports.replace("RevertToSelf", revert);
     }
-    ~AdminCheckTest() override
-    {
-        realRevert();
-        journal = {};
-    }
+    ~AdminCheckTest() override { realRevert(); }
 
     static void expectNothingHeld()
     {
         EXPECT_EQ(blocks, 0);
         EXPECT_EQ(sids, 0);
     }
+
+    RecordingStore store;
 
 private:
     Imports m_imports;
@@ -246,7 +243,7 @@ TEST_F(AdminCheckTest, AnAdministratorHasTheRights)
     // The tests run as an administrator of the runtime's machine.
     EXPECT_NE(isAdmin(), 0);
     EXPECT_EQ(calls, kWholeCheck);
-    EXPECT_THAT(journal.lines, IsEmpty());
+    EXPECT_THAT(store.calls(), IsEmpty());
     EXPECT_FALSE(threadHasToken());
     EXPECT_EQ(seen.aclSize, 16u + 16u); // a SID of two sub-authorities
     EXPECT_EQ(seen.aclRevision, 2u);
@@ -265,7 +262,7 @@ TEST_F(AdminCheckTest, GivesTheStatusThatTheAccessCheckWrote)
 {
     accessGranted = FALSE;
     EXPECT_EQ(isAdmin(), 0);
-    EXPECT_THAT(journal.lines, IsEmpty()); // a clear no is no failure
+    EXPECT_THAT(store.calls(), IsEmpty()); // a clear no is no failure
     EXPECT_FALSE(threadHasToken());
     accessGranted = TRUE;
     EXPECT_EQ(isAdmin(), TRUE);
@@ -279,7 +276,7 @@ TEST_P(AdminCheckFailure, MeansNoRights)
     failing[GetParam()] = 0x1ABC;
     EXPECT_EQ(isAdmin(), 0);
     EXPECT_EQ(calls.back(), GetParam()); // nothing is tried after it
-    EXPECT_THAT(journal.debugLines(), ElementsAre("*** isAdmin() check failed, assuming no rights: 1ABC\n"));
+    EXPECT_THAT(store.lines(), ElementsAre("*** isAdmin() check failed, assuming no rights: 1ABC\n"));
     EXPECT_TRUE(threadHasToken()); // still impersonating itself
     expectNothingHeld();
 }
@@ -296,8 +293,8 @@ TEST_F(AdminCheckTest, AFailedAccessCheckWritesBothLinesAndGoesOnImpersonating)
     failing["AccessCheck"] = 1309;
     EXPECT_EQ(isAdmin(), 0);
     EXPECT_EQ(calls.back(), "AccessCheck");
-    EXPECT_THAT(journal.debugLines(), ElementsAre("AccessCheck() failed with error 1309\n",
-                                                  "*** isAdmin() check failed, assuming no rights: 51D\n"));
+    EXPECT_THAT(store.lines(), ElementsAre("AccessCheck() failed with error 1309\n",
+                                           "*** isAdmin() check failed, assuming no rights: 51D\n"));
     EXPECT_TRUE(threadHasToken());
     expectNothingHeld();
     // The next check finds that token, and reverts.
@@ -314,7 +311,7 @@ TEST_F(AdminCheckTest, AThreadWithoutTokenIsCheckedByTheProcess)
     EXPECT_EQ(calls[1], "OpenThreadToken");
     EXPECT_EQ(calls[2], "OpenProcessToken");
     EXPECT_EQ(calls[3], "AllocateAndInitializeSid");
-    EXPECT_THAT(journal.lines, IsEmpty());
+    EXPECT_THAT(store.calls(), IsEmpty());
     expectNothingHeld();
 }
 
@@ -322,8 +319,8 @@ TEST_F(AdminCheckTest, APrimaryTokenIsRefusedByThePlatform)
 {
     failing["ImpersonateSelf"] = ERROR_ACCESS_DENIED;
     EXPECT_EQ(isAdmin(), 0);
-    EXPECT_THAT(journal.debugLines(), ElementsAre("AccessCheck() failed with error 1309\n",
-                                                  "*** isAdmin() check failed, assuming no rights: 51D\n"));
+    EXPECT_THAT(store.lines(), ElementsAre("AccessCheck() failed with error 1309\n",
+                                           "*** isAdmin() check failed, assuming no rights: 51D\n"));
     expectNothingHeld();
 }
 
@@ -333,10 +330,10 @@ TEST_F(AdminCheckTest, NoTokenAtAll)
     failing["OpenProcessToken"] = ERROR_ACCESS_DENIED;
     EXPECT_EQ(isAdmin(), 0);
     EXPECT_EQ(calls.back(), "OpenProcessToken");
-    EXPECT_THAT(journal.debugLines(), ElementsAre("*** isAdmin() check failed, assuming no rights: 5\n"));
+    EXPECT_THAT(store.lines(), ElementsAre("*** isAdmin() check failed, assuming no rights: 5\n"));
     // Any other reason than a missing token is final.
     calls.clear();
-    journal.lines.clear();
+    store.takeCalls();
     failing = {{"OpenThreadToken", ERROR_ACCESS_DENIED}};
     EXPECT_EQ(isAdmin(), 0);
     EXPECT_EQ(calls.back(), "OpenThreadToken");
@@ -360,7 +357,7 @@ TEST_F(AdminCheckTest, AFilteredTokenHasNoRights)
     }
     ASSERT_TRUE(DuplicateToken(filtered, SecurityImpersonation, &threadToken));
     EXPECT_EQ(isAdmin(), 0);
-    EXPECT_THAT(journal.lines, IsEmpty());
+    EXPECT_THAT(store.calls(), IsEmpty());
     CloseHandle(threadToken);
     CloseHandle(filtered);
     expectNothingHeld();

@@ -27,10 +27,6 @@ protected:
         const std::vector<std::string> lines = store.lines();
         return static_cast<int>(std::count(lines.begin(), lines.end(), kLine));
     }
-    void cancel()
-    {
-        script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
-    }
 };
 
 std::string nameOfFault(const testing::TestParamInfo<Fault>& info)
@@ -63,6 +59,18 @@ TEST_P(ChooserFaultTest, OpeningSurvivesTheDomainServer)
     cancel();
     EXPECT_EQ(choose(), nullptr);
     EXPECT_EQ(guardLines(), 1);
+}
+
+TEST_P(ChooserFaultTest, TheChoiceSurvivesTheLineAboutIt)
+{
+    store.raise("ODS", GetParam(), 2); // "got R1", after the one about the domain
+    script.onDialog("choose", [](HWND dialog) {
+        click(dialog, IDC_CHOOSER_TYPE);
+        type(dialog, IDC_CHOOSER_NAME, L"Anyone");
+        click(dialog, IDOK);
+    });
+    EXPECT_EQ(choose(), CORVANE_ANYONE);
+    EXPECT_EQ(guardLines(), 0);
 }
 
 TEST_P(ChooserFaultTest, OpeningSurvivesItsOwnLine)
@@ -127,8 +135,9 @@ TEST_P(ChooserFaultTest, TheFillThreadGoesOnWithItsOwnLines)
     store.raise("enumerateUsers", GetParam());
     searchServer();
     script.onDialog("look", [](HWND dialog) {
-        EXPECT_EQ(rows(dialog), (std::vector<std::string>{"Anyone|Anyone|System", "alice|DOM\\alice|User",
-                                                          "staff|DOM\\staff|Group"}));
+        EXPECT_EQ(list(dialog).rows(),
+                  (std::vector<std::string>{"Anyone|Anyone|System", "alice|DOM\\alice|User",
+                                            "staff|DOM\\staff|Group"}));
     });
     cancel();
     EXPECT_EQ(choose(), nullptr);
@@ -142,7 +151,7 @@ TEST_P(ChooserFaultTest, AFillThatFaultsOutsideOfItsStepsEndsWithItsThreadsLine)
     searchServer();
     script.onDialog("look", [](HWND dialog) {
         EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_LIST));
-        EXPECT_EQ(cell(dialog, 0, 0), kWaitText) << "the list keeps what it got";
+        EXPECT_EQ(list(dialog).text(0, 0), kWaitText) << "the list keeps what it got";
     });
     cancel();
     EXPECT_EQ(choose(), nullptr);
@@ -255,7 +264,7 @@ TEST_F(ListFaultTest, AListThatFaultsAtARowHasTheOthers)
     failAt(L"bob", FailingList::Way::kFaults);
     searchServer();
     script.onDialog("look", [](HWND dialog) {
-        EXPECT_EQ(rows(dialog), kWithoutBob);
+        EXPECT_EQ(list(dialog).rows(), kWithoutBob);
         EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_LIST));
         EXPECT_TRUE(isDrawing(dialog));
         click(dialog, IDCANCEL);
@@ -291,7 +300,7 @@ TEST_F(ListFaultTest, ARowThatTheListRefusesIsReleased)
     failAt(L"bob", FailingList::Way::kRefuses);
     searchServer();
     script.onDialog("look", [](HWND dialog) {
-        EXPECT_EQ(rows(dialog), kWithoutBob);
+        EXPECT_EQ(list(dialog).rows(), kWithoutBob);
         EXPECT_NE(copyOfBob, nullptr);
         EXPECT_TRUE(released);
         click(dialog, IDCANCEL);
@@ -305,15 +314,15 @@ TEST_F(ListFaultTest, ARowThatTheListDoesNotTakeBackStaysHidden)
     searchServer();
     script.onDialog("hide all but carol, then let them come back", [this](HWND dialog) {
         filterBar->type(0, L"c");
-        EXPECT_EQ(rowCount(dialog), 1);
+        EXPECT_EQ(list(dialog).rowCount(), 1);
         {
             const FailingList failing(list(dialog), L"bob", FailingList::Way::kRefuses);
             filterBar->type(0, L"");
-            EXPECT_THAT(column(dialog, 0), testing::UnorderedElementsAre("Anyone", "alice", "carol"));
+            EXPECT_THAT(list(dialog).column(0), testing::UnorderedElementsAre("Anyone", "alice", "carol"));
             SetWindowLongPtrW(list(dialog), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(failing.before()));
         }
         filterBar->type(0, L"bo");
-        EXPECT_THAT(column(dialog, 0), testing::ElementsAre("bob")) << "nothing is lost";
+        EXPECT_THAT(list(dialog).column(0), testing::ElementsAre("bob")) << "nothing is lost";
         click(dialog, IDCANCEL);
     });
     EXPECT_EQ(choose(), nullptr);

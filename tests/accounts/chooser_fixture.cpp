@@ -127,6 +127,11 @@ void ChooserFixture::waitForFill()
     script.step("the fill's end", [](HWND dialog) { return isEnabled(dialog, IDCANCEL); });
 }
 
+void ChooserFixture::cancel()
+{
+    then("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+}
+
 void ChooserFixture::searchServer()
 {
     startSearch();
@@ -140,86 +145,10 @@ void* ChooserFixture::choose(SidList* owners)
     });
 }
 
-int ChooserFixture::rowCount(HWND dialog)
-{
-    return static_cast<int>(SendMessageW(list(dialog), LVM_GETITEMCOUNT, 0, 0));
-}
-
-std::string ChooserFixture::cell(HWND dialog, int row, int column)
-{
-    wchar_t text[512] = L"";
-    LVITEMW item{};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = 512;
-    SendMessageW(list(dialog), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    return utf8(text);
-}
-
-std::vector<std::string> ChooserFixture::rows(HWND dialog)
-{
-    std::vector<std::string> texts;
-    for (int row = 0; row < rowCount(dialog); ++row) {
-        texts.push_back(cell(dialog, row, 0) + '|' + cell(dialog, row, 1) + '|' + cell(dialog, row, 2));
-    }
-    return texts;
-}
-
-std::vector<std::string> ChooserFixture::column(HWND dialog, int column)
-{
-    std::vector<std::string> texts;
-    for (int row = 0; row < rowCount(dialog); ++row) {
-        texts.push_back(cell(dialog, row, column));
-    }
-    return texts;
-}
-
-LPARAM ChooserFixture::data(HWND dialog, int row)
-{
-    LVITEMW item{};
-    item.mask = LVIF_PARAM;
-    item.iItem = row;
-    SendMessageW(list(dialog), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return item.lParam;
-}
-
-int ChooserFixture::image(HWND dialog, int row)
-{
-    LVITEMW item{};
-    item.mask = LVIF_IMAGE;
-    item.iItem = row;
-    SendMessageW(list(dialog), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return item.iImage;
-}
-
 void ChooserFixture::select(HWND dialog, int row)
 {
-    LVITEMW item{};
-    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    item.state = item.stateMask;
-    SendMessageW(list(dialog), LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-}
-
-int ChooserFixture::rowOf(HWND dialog, const std::string& account)
-{
-    for (int row = 0; row < rowCount(dialog); ++row) {
-        if (cell(dialog, row, 0) == account) {
-            return row;
-        }
-    }
-    ADD_FAILURE() << "no row of " << account;
-    return -1;
-}
-
-void ChooserFixture::clickHeader(HWND dialog, int column)
-{
-    NMLISTVIEW click{};
-    click.hdr.hwndFrom = list(dialog);
-    click.hdr.idFrom = IDC_CHOOSER_LIST;
-    click.hdr.code = LVN_COLUMNCLICK;
-    click.iItem = -1;
-    click.iSubItem = column;
-    SendMessageW(dialog, WM_NOTIFY, IDC_CHOOSER_LIST, reinterpret_cast<LPARAM>(&click));
+    constexpr UINT kPicked = LVIS_SELECTED | LVIS_FOCUSED;
+    ListView_SetItemState(list(dialog), row, kPicked, kPicked);
 }
 
 std::vector<std::string> ChooserFixture::dialogLines() const

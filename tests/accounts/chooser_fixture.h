@@ -6,12 +6,14 @@
 #include "tests/accounts/filter_bar.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/list_view.h"
 #include "tests/support/recording_store.h"
 #include "tests/support/window_text.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -95,21 +97,16 @@ protected:
     /// Presses it and does not wait.
     void startSearch();
     void waitForFill();
+    /// One thing done in the dialog.
+    void then(const char* what, std::function<void(HWND)> act) { script.onDialog(what, std::move(act)); }
+    void cancel();
 
     /// Runs the script on the dialog. @return the chooser's result.
     void* choose(SidList* owners = nullptr);
 
-    static HWND list(HWND dialog) { return GetDlgItem(dialog, IDC_CHOOSER_LIST); }
-    static int rowCount(HWND dialog);
-    static std::string cell(HWND dialog, int row, int column);
-    /// "alice|DOM\alice|User"
-    static std::vector<std::string> rows(HWND dialog);
-    static std::vector<std::string> column(HWND dialog, int column);
-    static LPARAM data(HWND dialog, int row);
-    static int image(HWND dialog, int row);
+    static ListView list(HWND dialog) { return ListView(dialog, IDC_CHOOSER_LIST); }
+    /// Selects a row as a click does.
     static void select(HWND dialog, int row);
-    static int rowOf(HWND dialog, const std::string& account);
-    static void clickHeader(HWND dialog, int column);
 
     /// The store's lines that the dialog writes, without those of the enumeration.
     std::vector<std::string> dialogLines() const;

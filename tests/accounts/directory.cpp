@@ -1,12 +1,11 @@
 #include "directory.h"
 
 #include "account_store.h"
-#include "journal.h"
+#include "tests/support/describe.h"
+#include "tests/support/directory_objects.h"
 
 #include <oaidl.h>
 #include <oleauto.h>
-
-#include <iads.h>
 
 #include <adshlp.h>
 
@@ -16,7 +15,6 @@
 #include <iterator>
 
 Directory directory;
-void forgetString(void* block);
 
 namespace {
 
@@ -33,7 +31,7 @@ decltype(free)* realFree;
 
 HRESULT outcome(const char* function, const std::string& arguments)
 {
-    journal.call(function, arguments);
+    RecordingStore::note(function, arguments);
     const auto found = directory.fails.find(function);
     return found != directory.fails.end() ? found->second : S_OK;
 }
@@ -46,63 +44,41 @@ BSTR newString(const std::optional<std::wstring>& text)
     return SysAllocString(text->c_str());
 }
 
-/// Counts its references as the platform's objects do.
+/// Tells of each reference.
 template <class Interface>
-class Counted : public Interface {
+class Counted : public ComObject<Interface> {
 public:
     explicit Counted(const char* kind)
         : m_kind(kind)
     {
         ++directory.references;
     }
-    virtual ~Counted() = default;
 
     ULONG WINAPI AddRef() override
     {
         ++directory.references;
-        return ++m_references;
+        return ComObject<Interface>::AddRef();
     }
     ULONG WINAPI Release() override
     {
-        const ULONG left = --m_references;
+        const bool faults = directory.releaseFaults.contains(m_kind);
         --directory.references;
-        if (left == 0) {
-            const bool faults = directory.releaseFaults.contains(m_kind);
-            delete this;
-            if (faults) {
-                journal.note("Release faults");
-                *reinterpret_cast<volatile int*>(16) = 0;
-            }
+        const ULONG left = ComObject<Interface>::Release();
+        if (left == 0 && faults) {
+            RecordingStore::note("Release", "faults");
+            *reinterpret_cast<volatile int*>(16) = 0;
         }
         return left;
     }
 
 private:
     const char* m_kind;
-    ULONG m_references = 1;
 };
 
-#define NOT_NEEDED                                                                                           \
-    override                                                                                                 \
-    {                                                                                                        \
-        return E_NOTIMPL;                                                                                    \
-    }
-
-/// What both kinds of directory objects have and nobody asks for.
-template <class Interface>
-class Automation : public Counted<Interface> {
-public:
-    using Counted<Interface>::Counted;
-    HRESULT WINAPI GetTypeInfoCount(UINT*) NOT_NEEDED HRESULT WINAPI
-        GetTypeInfo(UINT, LCID, ITypeInfo**) NOT_NEEDED HRESULT WINAPI
-        GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) NOT_NEEDED HRESULT WINAPI
-        Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) NOT_NEEDED
-};
-
-class Object final : public Automation<IADs> {
+class Object final : public DirectoryEntry<Counted<IADs>> {
 public:
     explicit Object(const DirectoryObject& object)
-        : Automation("object")
+        : DirectoryEntry("object")
         , m_object(object)
     {
     }
@@ -135,20 +111,16 @@ public:
     }
     HRESULT WINAPI Get(BSTR attribute, VARIANT* result) override
     {
-        const HRESULT given = outcome("Get", narrow(attribute));
+        const HRESULT given = outcome("Get", describe(static_cast<const wchar_t*>(attribute)));
         if (FAILED(given) || m_object.sid == 0) {
             return FAILED(given) ? given : HRESULT(0x8000500D);
         }
         fill(*result);
         return given;
     }
-HRESULT WINAPI get_GUID(BSTR*) NOT_NEEDED HRESULT WINAPI get_ADsPath(BSTR*) NOT_NEEDED HRESULT WINAPI
-    get_Parent(BSTR*) NOT_NEEDED HRESULT WINAPI get_Schema(BSTR*) NOT_NEEDED HRESULT WINAPI
-    GetInfo() NOT_NEEDED HRESULT WINAPI SetInfo() NOT_NEEDED HRESULT WINAPI
-    Put(BSTR, VARIANT) NOT_NEEDED HRESULT WINAPI GetEx(BSTR, VARIANT*) NOT_NEEDED HRESULT WINAPI
-    PutEx(LONG, BSTR, VARIANT) NOT_NEEDED HRESULT WINAPI GetInfoEx(VARIANT, LONG) NOT_NEEDED
 
-    private : void fill(VARIANT& result) const
+private:
+    void fill(VARIANT& result) const
     {
         using Form = DirectoryObject::Form;
         if (m_object.form == Form::kText) {
@@ -216,17 +188,19 @@ public:
         }
         return given < wanted && (given == 0 || !directory.fullBatchAtEnd) ? S_FALSE : S_OK;
     }
-HRESULT WINAPI Skip(ULONG) NOT_NEEDED HRESULT WINAPI Reset() NOT_NEEDED HRESULT WINAPI
-    Clone(IEnumVARIANT**) NOT_NEEDED
+    HRESULT WINAPI Skip(ULONG) override { return E_NOTIMPL; }
+    HRESULT WINAPI Reset() override { return E_NOTIMPL; }
+    HRESULT WINAPI Clone(IEnumVARIANT**) override { return E_NOTIMPL; }
 
-    private : std::size_t m_next = 0;
+private:
+    std::size_t m_next = 0;
     int m_batch = 0;
 };
 
-class Container final : public Automation<IADsContainer> {
+class Container final : public DirectoryContainer<Counted<IADsContainer>> {
 public:
     Container()
-        : Automation("container")
+        : DirectoryContainer("container")
     {
     }
 
@@ -250,7 +224,7 @@ public:
             // Read in place: a copy of a null string would be an empty one.
             const auto* const entries = static_cast<const VARIANT*>(value.parray->pvData);
             for (LONG i = 0; i <= upper; ++i) {
-                names += (i == 0 ? "" : ", ") + narrow(entries[i].bstrVal);
+                names += (i == 0 ? "" : ", ") + describe(static_cast<const wchar_t*>(entries[i].bstrVal));
                 if (entries[i].bstrVal != nullptr) {
                     filter.emplace_back(entries[i].bstrVal);
                 }
@@ -258,18 +232,12 @@ public:
         }
         return outcome("put_Filter", names);
     }
-    HRESULT WINAPI get_Count(LONG*) NOT_NEEDED HRESULT WINAPI get_Filter(VARIANT*) NOT_NEEDED HRESULT WINAPI
-        get_Hints(VARIANT*) NOT_NEEDED HRESULT WINAPI put_Hints(VARIANT) NOT_NEEDED HRESULT WINAPI
-        GetObject(BSTR, BSTR, IDispatch**) NOT_NEEDED HRESULT WINAPI
-        Create(BSTR, BSTR, IDispatch**) NOT_NEEDED HRESULT WINAPI Delete(BSTR, BSTR) NOT_NEEDED HRESULT WINAPI
-        CopyHere(BSTR, BSTR, IDispatch**) NOT_NEEDED HRESULT WINAPI
-        MoveHere(BSTR, BSTR, IDispatch**) NOT_NEEDED
 };
 
 HRESULT WINAPI getObject(const wchar_t* path, REFIID iid, void** result)
 {
     *result = nullptr;
-    const HRESULT given = outcome("ADsGetObject", narrow(path));
+    const HRESULT given = outcome("ADsGetObject", describe(path));
     if (FAILED(given)) {
         return given;
     }
@@ -362,7 +330,7 @@ HRESULT WINAPI countedVariantClear(VARIANT* value)
 
 void countedFree(void* block)
 {
-    forgetString(block);
+    AccountStore::forgetString(block);
     realFree(block);
 }
 

@@ -20,7 +20,7 @@ protected:
         m_context.sink = m_sink.get();
         m_context.userImage = kUser;
         m_context.groupImage = kGroup;
-        journal.lines.clear();
+        store.takeCalls();
         std::optional<std::vector<unsigned>> result;
         DirectoryWalk held;
         SidList* const list = DoList(kPath, kind, withList ? &m_context : nullptr, held);
@@ -37,11 +37,11 @@ protected:
 TEST_F(DirectoryWalkTest, KindsFilterByClass)
 {
     EXPECT_EQ(walk(DirectoryKind::kUsersAndGroups), (std::vector<unsigned>{31, 41}));
-    EXPECT_THAT(journal.lines, Contains("put_Filter(User, Group)"));
+    EXPECT_THAT(store.calls(), Contains("put_Filter User, Group"));
     EXPECT_EQ(walk(DirectoryKind::kUsers), (std::vector<unsigned>{31}));
-    EXPECT_THAT(journal.lines, Contains("put_Filter(User, null)"));
+    EXPECT_THAT(store.calls(), Contains("put_Filter User, null"));
     EXPECT_EQ(walk(DirectoryKind::kGroups), (std::vector<unsigned>{41}));
-    EXPECT_THAT(journal.lines, Contains("put_Filter(Group, null)"));
+    EXPECT_THAT(store.calls(), Contains("put_Filter Group, null"));
     EXPECT_EQ(walk(static_cast<DirectoryKind>(9)), (std::vector<unsigned>{41}));
     expectNothingHeld();
 }
@@ -50,7 +50,7 @@ TEST_F(DirectoryWalkTest, WithoutListOnlyCollects)
 {
     EXPECT_EQ(walk(DirectoryKind::kUsers, false), (std::vector<unsigned>{31}));
     EXPECT_THAT(rows(), IsEmpty());
-    EXPECT_EQ(journal.count("sidDup"), 1);
+    EXPECT_EQ(store.count("sidDup"), 1);
     expectNothingHeld();
 }
 
@@ -58,7 +58,7 @@ TEST_F(DirectoryWalkTest, AnEmptyContainerGivesAnEmptyList)
 {
     directory.objects.clear();
     EXPECT_EQ(walk(DirectoryKind::kUsers), std::vector<unsigned>{});
-    EXPECT_THAT(journal.debugLines(), ElementsAre("Total Number of Objects enumerated is 0\n"));
+    EXPECT_THAT(store.lines(), ElementsAre("Total Number of Objects enumerated is 0\n"));
     expectNothingHeld();
 }
 
@@ -111,7 +111,7 @@ TEST_F(DirectoryWalkTest, TypeAndImageFollowTheClass)
         EXPECT_EQ(m_sink->rows[i].image, images[i]);
         EXPECT_EQ(m_sink->rows[i].index, static_cast<int>(i));
     }
-    EXPECT_THAT(journal.debugLines(), Contains("  b((null))\n"));
+    EXPECT_THAT(store.lines(), Contains("  b((null))\n"));
     expectNothingHeld();
 }
 
@@ -122,7 +122,7 @@ TEST_F(DirectoryWalkTest, AnObjectWhoseNameCannotBeRead)
     m_context.host = L"WinNT://N";
     EXPECT_EQ(walk(DirectoryKind::kUsers), (std::vector<unsigned>{31}));
     EXPECT_THAT(rows(), ElementsAre("(null)|N\\(null)|User|31"));
-    EXPECT_THAT(journal.debugLines(), Contains("  (null)((null))\n"));
+    EXPECT_THAT(store.lines(), Contains("  (null)((null))\n"));
     expectNothingHeld();
 }
 
@@ -142,7 +142,7 @@ TEST_F(DirectoryWalkTest, ObjectsWithoutReadableSid)
     m_context.presetOwners = makePresets({});
     EXPECT_EQ(walk(DirectoryKind::kUsers), (std::vector<unsigned>{51}));
     EXPECT_THAT(rows(), ElementsAre("|one|User|51"));
-    EXPECT_THAT(journal.debugLines(), Contains("Total Number of Objects enumerated is 7\n"));
+    EXPECT_THAT(store.lines(), Contains("Total Number of Objects enumerated is 7\n"));
     expectNothingHeld();
 }
 
@@ -159,8 +159,8 @@ TEST_P(DirectoryFailure, EndsTheWalk)
 {
     directory.fails[GetParam().function] = E_ACCESSDENIED;
     EXPECT_EQ(walk(DirectoryKind::kUsers), std::nullopt);
-    EXPECT_EQ(journal.debugLines(), GetParam().lines);
-    EXPECT_EQ(journal.lines.back(), "freeSidList(L1)");
+    EXPECT_EQ(store.lines(), GetParam().lines);
+    EXPECT_EQ(store.calls().back(), "freeSidList L1");
     EXPECT_THAT(rows(), IsEmpty());
     expectNothingHeld();
 }
@@ -185,20 +185,20 @@ TEST_F(DirectoryWalkTest, AFailureInTheMiddleKeepsTheRowsAndDropsTheList)
     directory.failingBatch = 3; // gives an error with 50 objects in hand
     EXPECT_EQ(walk(DirectoryKind::kUsers), std::nullopt);
     EXPECT_EQ(m_sink->rows.size(), 200u);
-    EXPECT_EQ(journal.debugLines().back(), kUnable);
+    EXPECT_EQ(store.lines().back(), kUnable);
     expectNothingHeld();
 
     directory.failingBatch = 0;
     directory.objects[120].isDirectoryObject = false; // the rest of its batch is released untouched
     EXPECT_EQ(walk(DirectoryKind::kUsers), std::nullopt);
     EXPECT_EQ(m_sink->rows.size(), 120u);
-    EXPECT_EQ(journal.debugLines().back(), kUnable);
+    EXPECT_EQ(store.lines().back(), kUnable);
     expectNothingHeld();
 
     directory.objects[120].isObject = false;
     EXPECT_EQ(walk(DirectoryKind::kUsers), std::nullopt);
     EXPECT_EQ(m_sink->rows.size(), 120u);
-    EXPECT_EQ(journal.debugLines().back(), kUnable);
+    EXPECT_EQ(store.lines().back(), kUnable);
     expectNothingHeld();
 }
 
@@ -208,7 +208,7 @@ TEST_F(DirectoryWalkTest, SuccessWithoutAnObjectFailsWithoutALine)
         SCOPED_TRACE(function);
         directory.giveNothing = {function};
         EXPECT_EQ(walk(DirectoryKind::kUsers), std::nullopt);
-        EXPECT_THAT(journal.debugLines(), IsEmpty());
+        EXPECT_THAT(store.lines(), IsEmpty());
         expectNothingHeld();
     }
 }
@@ -220,13 +220,13 @@ TEST_F(DirectoryWalkTest, OnlyTheFalseResultEndsTheWalk)
         directory.objects.push_back({.name = L"u", .className = L"User", .sid = 100 + i});
     }
     ASSERT_TRUE(walk(DirectoryKind::kUsers));
-    EXPECT_EQ(journal.count("ADsEnumerateNext"), 2);
+    EXPECT_EQ(store.count("ADsEnumerateNext"), 2);
     EXPECT_EQ(m_sink->rows.size(), 150u);
     directory.fullBatchAtEnd = true;
     ASSERT_TRUE(walk(DirectoryKind::kUsers));
-    EXPECT_EQ(journal.count("ADsEnumerateNext"), 3);
+    EXPECT_EQ(store.count("ADsEnumerateNext"), 3);
     EXPECT_EQ(m_sink->rows.size(), 150u);
-    EXPECT_THAT(journal.debugLines(), Contains("Total Number of Objects enumerated is 150\n"));
+    EXPECT_THAT(store.lines(), Contains("Total Number of Objects enumerated is 150\n"));
     expectNothingHeld();
 }
 
@@ -254,8 +254,8 @@ TEST_F(DirectoryWalkTest, AFaultWhileReleasingKeepsNothingElse)
         m_context.host = L"WinNT://NORTH";
         m_context.presetOwners = nullptr;
         ASSERT_TRUE(fill());
-        EXPECT_THAT(journal.debugLines(), Contains("DoList(Users) => sigsegv\n"));
-        EXPECT_THAT(journal.debugLines(), Contains("Total items = 2\n"));
+        EXPECT_THAT(store.lines(), Contains("DoList(Users) => sigsegv\n"));
+        EXPECT_THAT(store.lines(), Contains("Total items = 2\n"));
         expectNothingHeld();
     }
 }
@@ -266,14 +266,14 @@ TEST_F(DirectoryWalkTest, ThePlatformRefusesABadPath)
     m_directory.reset();
     m_context.host = L"no such provider, LDAP:";
     ASSERT_TRUE(fill());
-    EXPECT_THAT(journal.debugLines(),
+    EXPECT_THAT(store.lines(),
                 ElementsAre("\"no such provider, LDAP:\" is not a valid container object.\n",
                             "Unable to list contents of: no such provider, LDAP:\n",
                             "\"no such provider, LDAP:\" is not a valid container object.\n",
                             "Unable to list contents of: no such provider, LDAP:\n", "Total items = 2\n"));
     EXPECT_EQ(rows().size(), 4u);
-    EXPECT_EQ(store.lists, 0);
-    EXPECT_EQ(store.sids, 2);
+    EXPECT_EQ(store.openSidLists(), 0);
+    EXPECT_EQ(store.openSids(), 2);
 }
 
 } // namespace

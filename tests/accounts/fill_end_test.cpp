@@ -85,12 +85,12 @@ TEST_F(FillEndTest, TheNextFillWaitsForTheThreadOfTheLast)
     script = {};
     startSearch();
     script.onDialog("look", [this](HWND dialog) {
-        EXPECT_LE(rowCount(dialog), 2) << "names are found in buffers that all threads share";
+        EXPECT_LE(list(dialog).rowCount(), 2) << "names are found in buffers that all threads share";
         EXPECT_EQ(gate.waiting(), 1);
         gate.open();
     });
-    script.step("the fill's end", [](HWND dialog) { return rowCount(dialog) == 1 + 60 + 2; });
-    script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+    script.step("the fill's end", [](HWND dialog) { return list(dialog).rowCount() == 1 + 60 + 2; });
+    cancel();
     EXPECT_EQ(choose(), nullptr);
     EXPECT_EQ(threads.started(), 2);
 }
@@ -122,10 +122,10 @@ TEST_F(FillEndTest, FillingAndPickingLeavesNothingBehind)
         searchServer();
         script.onDialog("filter, sort, pick", [this](HWND dialog) {
             filterBar->type(0, L"user1");
-            clickHeader(dialog, 1);
+            list(dialog).clickColumn(1);
             filterBar->type(0, L"user");
             filterBar->type(0, L"user1");
-            select(dialog, rowOf(dialog, "user1"));
+            select(dialog, list(dialog).rowOf("user1"));
             click(dialog, IDOK);
         });
         void* const chosen = choose();
@@ -161,6 +161,11 @@ TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
 {
     constexpr int kOpenings = 60;
     constexpr int kWarmUp = 20;
+    constexpr void (*kEnds[])(HWND) = {[](HWND dialog) { DestroyWindow(dialog); },
+                                       [](HWND dialog) { EndDialog(dialog, 0); },
+                                       [](HWND dialog) {
+                                           SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+                                       }};
     std::mt19937 random(GetParam());
     const auto upTo = [&random](unsigned most) {
         return random() % (most + 1);
@@ -175,7 +180,7 @@ TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
         }
         const unsigned pumps = upTo(60);
         const unsigned wait = upTo(3);
-        const unsigned end = upTo(2);
+        const auto end = kEnds[upTo(2)];
         script = {};
         script.onDialog("search, and go", [&](HWND dialog) {
             if (upTo(3) != 0) {
@@ -183,26 +188,8 @@ TEST_P(RandomFillEndTest, DialogsGoAtRandomMomentsOfTheirFill)
                 type(dialog, IDC_CHOOSER_BASE, kServer);
             }
             click(dialog, IDOK);
-            MSG message;
-            for (unsigned i = 0; i < pumps; ++i) {
-                if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-                    DispatchMessageW(&message);
-                }
-                if (i % 16 == 0) {
-                    Sleep(wait);
-                }
-            }
-            switch (end) {
-            case 0:
-                DestroyWindow(dialog);
-                break;
-            case 1:
-                EndDialog(dialog, 0);
-                break;
-            default:
-                SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-                break;
-            }
+            pump(pumps, wait);
+            end(dialog);
         });
         ASSERT_EQ(choose(opening % 2 == 0 ? owners : nullptr), nullptr) << "opening " << opening;
         if (upTo(4) == 0) {

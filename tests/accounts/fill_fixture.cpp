@@ -1,6 +1,7 @@
 #include "fill_fixture.h"
 
 #include "accounts/enumeration.h"
+#include "tests/support/describe.h"
 
 #include <lmcons.h>
 #include <lmuse.h>
@@ -11,13 +12,14 @@ namespace {
 
 NET_API_STATUS WINAPI useAdd(LMSTR, DWORD, LPBYTE info, LPDWORD)
 {
-    journal.call("NetUseAdd", narrow(reinterpret_cast<const USE_INFO_2*>(info)->ui2_remote));
+    RecordingStore::note("NetUseAdd", describe(static_cast<const wchar_t*>(
+                                          reinterpret_cast<const USE_INFO_2*>(info)->ui2_remote)));
     return networkStatus;
 }
 
 NET_API_STATUS WINAPI useDel(LMSTR, LMSTR name, DWORD)
 {
-    journal.call("NetUseDel", narrow(name));
+    RecordingStore::note("NetUseDel", describe(static_cast<const wchar_t*>(name)));
     return 0;
 }
 
@@ -49,8 +51,6 @@ void OwnRegistry::set(const std::wstring& value)
 
 FillTest::FillTest()
 {
-    resetJournal();
-    resetStore();
     store.names = {{1, L"NORTH\\ann"},    {2, L"NORTH\\bob"}, {3, L"PC\\carl"},
                    {11, L"NORTH\\staff"}, {12, L"PC\\crew"},  {21, L"Everyone"}};
     store.users = {{L"S1", {1, 2}}, {L"S2", {1}}, {L"", {3}}};
@@ -67,13 +67,12 @@ FillTest::FillTest()
 FillTest::~FillTest()
 {
     m_sink.reset();
-    journal = {};
 }
 
-std::vector<std::string> FillTest::steps()
+std::vector<std::string> FillTest::steps() const
 {
-    std::vector<std::string> lines = journal.lines;
-    std::erase(lines, "alive()");
+    std::vector<std::string> lines = store.calls();
+    std::erase(lines, "alive");
     return lines;
 }
 
@@ -83,10 +82,7 @@ bool FillTest::fill()
     m_context.sink = m_sink.get();
     m_context.userImage = kUser;
     m_context.groupImage = kGroup;
-    journal.lines.clear();
-    journal.calls = 0;
-    journal.allCalls = 0;
-    journal.windowGone = false;
+    store.takeCalls();
     try {
         fillTree(&m_context);
         return true;
@@ -95,14 +91,23 @@ bool FillTest::fill()
     }
 }
 
+void FillTest::fillUntilRows(int rows)
+{
+    m_sink.reset(new ListSink);
+    m_sink->dieBefore = rows;
+    m_context.sink = m_sink.get();
+    store.takeCalls();
+    fillTree(&m_context);
+}
+
 void FillTest::expectNothingHeld() const
 {
     int inRows = 0;
     for (const ListSink::Row& row : m_sink->rows) {
         inRows += reinterpret_cast<std::uintptr_t>(row.data) > 1 ? 1 : 0;
     }
-    EXPECT_EQ(store.lists, 0);
-    EXPECT_EQ(store.sids, inRows);
+    EXPECT_EQ(store.openSidLists(), 0);
+    EXPECT_EQ(store.openSids(), inRows);
     EXPECT_EQ(store.strings(), 0);
     EXPECT_EQ(directory.references, 0);
     EXPECT_EQ(directory.strings, 0);
@@ -116,8 +121,8 @@ std::vector<std::string> FillTest::rows() const
         const std::string data = reinterpret_cast<std::uintptr_t>(row.data) > 1
                                      ? std::to_string(sidNumber(row.data))
                                      : (row.data != nullptr ? "ONE" : "null");
-        texts.push_back(narrow(row.account.c_str()) + "|" + narrow(row.fullName.c_str()) + "|" +
-                        narrow(row.type.c_str()) + "|" + data);
+        texts.push_back(describe(row.account.c_str()) + "|" + describe(row.fullName.c_str()) + "|" +
+                        describe(row.type.c_str()) + "|" + data);
     }
     return texts;
 }

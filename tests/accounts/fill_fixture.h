@@ -5,7 +5,6 @@
 #include "accounts/account_sink.h"
 #include "directory.h"
 #include "imports.h"
-#include "journal.h"
 #include "list_sink.h"
 
 #include <gtest/gtest.h>
@@ -34,6 +33,10 @@ private:
     HKEY m_root = nullptr;
 };
 
+/// The rows that come first.
+inline constexpr char kWait[] = "Please wait until data fetched...|||null";
+inline constexpr char kAnyone[] = "Anyone|Anyone|System|ONE";
+
 class FillTest : public testing::Test {
 protected:
     static constexpr int kUser = 7;
@@ -42,12 +45,15 @@ protected:
     FillTest();
     ~FillTest() override;
 
-    /// Runs fillTree with a new list and a new journal.
+    /// Runs fillTree with a new list, and forgets the calls before.
     /// @return false when it threw.
     bool fill();
 
+    /// Runs it on a new list whose window is gone when so many rows have been inserted, and forgets the calls before.
+    void fillUntilRows(int rows);
+
     /// What it did, but for its looks at the window.
-    static std::vector<std::string> steps();
+    std::vector<std::string> steps() const;
 
     /// Everything handed out has come back, but for the SIDs in the rows.
     void expectNothingHeld() const;
@@ -55,8 +61,7 @@ protected:
     /// Rows as "account|full name|type|number of the SID".
     std::vector<std::string> rows() const;
 
-    static void resetJournal() { journal = {}; }
-
+    AccountStore store;
     std::unique_ptr<ListSink> m_sink;
     FillContext m_context;
     std::optional<DirectoryPatch> m_directory{std::in_place};

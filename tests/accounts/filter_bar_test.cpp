@@ -20,7 +20,7 @@ protected:
     }
     void finish()
     {
-        script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+        cancel();
         EXPECT_EQ(choose(), nullptr);
     }
 };
@@ -31,9 +31,9 @@ TEST_F(FilterBarTest, AFilterWithoutAValueShowsItsPromptAndIsNone)
 {
     filled([this](HWND dialog) {
         EXPECT_TRUE(filterBar->showsPrompt(0)) << "an empty text would be a filter";
-        EXPECT_EQ(rowCount(dialog), 4);
+        EXPECT_EQ(list(dialog).rowCount(), 4);
         filterBar->type(1, L"");
-        EXPECT_EQ(rowCount(dialog), 4) << "the prompt's text is no filter";
+        EXPECT_EQ(list(dialog).rowCount(), 4) << "the prompt's text is no filter";
     });
     finish();
 }
@@ -42,9 +42,9 @@ TEST_F(FilterBarTest, TheButtonOfAFilterTakesItOff)
 {
     filled([this](HWND dialog) {
         filterBar->type(0, L"bo");
-        ASSERT_EQ(rowCount(dialog), 1);
+        ASSERT_EQ(list(dialog).rowCount(), 1);
         filterBar->clickButton(0);
-        EXPECT_EQ(rowCount(dialog), 4);
+        EXPECT_EQ(list(dialog).rowCount(), 4);
         EXPECT_TRUE(filterBar->showsPrompt(0));
         EXPECT_EQ(filterBar->opened(), -1);
     });
@@ -57,7 +57,7 @@ TEST_F(FilterBarTest, TheButtonBeginsAFilterWhereThereIsNone)
         filterBar->type(0, L"bo");
         filterBar->clickButton(2);
         EXPECT_EQ(filterBar->opened(), 2);
-        EXPECT_EQ(rowCount(dialog), 1) << "the other column's filter stays";
+        EXPECT_EQ(list(dialog).rowCount(), 1) << "the other column's filter stays";
     });
     finish();
 }
@@ -65,7 +65,7 @@ TEST_F(FilterBarTest, TheButtonBeginsAFilterWhereThereIsNone)
 TEST_F(FilterBarTest, EnterInAFieldGoesOnToTheListAndClosesNothing)
 {
     filled([this](HWND dialog) {
-        select(dialog, rowOf(dialog, "bob")); // enough to be added
+        select(dialog, list(dialog).rowOf("bob")); // enough to be added
         ASSERT_TRUE(isEnabled(dialog, IDOK));
         SetActiveWindow(dialog);
         HWND field = filterBar->openField(0);
@@ -80,7 +80,7 @@ TEST_F(FilterBarTest, EnterInAFieldGoesOnToTheListAndClosesNothing)
 TEST_F(FilterBarTest, EnterInTheListStillAdds)
 {
     filled([](HWND dialog) {
-        select(dialog, rowOf(dialog, "bob"));
+        select(dialog, list(dialog).rowOf("bob"));
         SetFocus(list(dialog));
         PostMessageW(list(dialog), WM_KEYDOWN, VK_RETURN, 0x1C0001);
     });

@@ -1,6 +1,7 @@
 // What the settings dialog has from the chooser: the servers that the last enumeration asked.
+#include "res/resource.h"
 #include "tests/accounts/chooser_fixture.h"
-#include "tests/quota/quota_settings.h"
+#include "tests/accounts/members_asked.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +17,7 @@ protected:
     void enumerate()
     {
         searchServer();
-        script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+        cancel();
         EXPECT_EQ(choose(), nullptr);
         threads.waitForAll();
         store.takeCalls();
@@ -28,20 +29,6 @@ protected:
             return _wcsdup(L"SECOND");
         };
     }
-
-    /// Opens the settings of a new rule for a group. @return what the store was asked about its members.
-    std::vector<std::string> questions()
-    {
-        quota_settings::whileOpen(quota_settings::newRule(store.account("DOM\\staff")), quota_settings::kAdd,
-                                  [](HWND) {});
-        std::vector<std::string> asked;
-        for (const std::string& call : store.calls()) {
-            if (call.starts_with("enumerateGroupUsers")) {
-                asked.push_back(call);
-            }
-        }
-        return asked;
-    }
 };
 
 } // namespace
@@ -50,9 +37,9 @@ TEST_F(GroupMembersTest, AreAskedOfTheServersOfTheLastEnumerationInTheirOrder)
 {
     nameASecondServer();
     enumerate();
-    EXPECT_THAT(questions(), ElementsAre("enumerateGroupUsers null DOM\\staff null",
-                                         "enumerateGroupUsers SERVER DOM\\staff null",
-                                         "enumerateGroupUsers SECOND DOM\\staff null"));
+    EXPECT_THAT(membersAsked(store), ElementsAre("enumerateGroupUsers null DOM\\staff null",
+                                                 "enumerateGroupUsers SERVER DOM\\staff null",
+                                                 "enumerateGroupUsers SECOND DOM\\staff null"));
 }
 
 TEST_F(GroupMembersTest, OfAllServersAreInOneList)
@@ -68,7 +55,7 @@ TEST_F(GroupMembersTest, OfAllServersAreInOneList)
     };
     QuotaRule* const rule = quota_settings::newRule(store.account("DOM\\staff"));
     quota_settings::untilOk(rule, quota_settings::kAdd,
-                            [](HWND dialog) { click(dialog, quota_settings::kGroupMembers); });
+                            [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
     std::vector<std::string> members;
     for (const QuotaRule* member = rule->next; member != nullptr; member = member->next) {
         members.push_back(RecordingStore::nameOf(member->sid));
@@ -80,8 +67,8 @@ TEST_F(GroupMembersTest, OfAllServersAreInOneList)
 TEST_F(GroupMembersTest, AServerThatWasNotThereIsNotAsked)
 {
     enumerate();
-    EXPECT_THAT(questions(), ElementsAre("enumerateGroupUsers null DOM\\staff null",
-                                         "enumerateGroupUsers SERVER DOM\\staff null"));
+    EXPECT_THAT(membersAsked(store), ElementsAre("enumerateGroupUsers null DOM\\staff null",
+                                                 "enumerateGroupUsers SERVER DOM\\staff null"));
 }
 
 TEST_F(GroupMembersTest, AreNoneWhenAServerFaultsAndNoListIsFreedThatItMayHaveTaken)
@@ -98,7 +85,7 @@ TEST_F(GroupMembersTest, AreNoneWhenAServerFaultsAndNoListIsFreedThatItMayHaveTa
             store.raise("enumerateGroupUsers", fault, failing);
             quota_settings::whileOpen(quota_settings::newRule(store.account("DOM\\staff")),
                                       quota_settings::kAdd, [this](HWND dialog) {
-                                          EXPECT_FALSE(isEnabled(dialog, quota_settings::kGroupMembers));
+                                          EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_GROUP_MEMBERS));
                                           store.takeCalls();
                                       });
             EXPECT_THAT(store.calls(), testing::Not(testing::Contains(testing::StartsWith("freeSidList"))))

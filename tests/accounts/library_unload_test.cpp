@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 #include <atomic>
 
 namespace {
@@ -71,6 +73,34 @@ protected:
 TEST_F(LibraryUnloadTest, TheProgramDoesNotHoldTheLibraryItself)
 {
     EXPECT_FALSE(loaded());
+}
+
+TEST_F(LibraryUnloadTest, NothingBigStaysBehindWhenTheLibraryGoes)
+{
+    const auto bigBlocks = [] {
+        constexpr DWORD kBig = 0x8000;
+        const auto heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+        int count = 0;
+        PROCESS_HEAP_ENTRY entry{};
+        HeapLock(heap);
+        while (HeapWalk(heap, &entry)) {
+            count += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 && entry.cbData > kBig ? 1 : 0;
+        }
+        HeapUnlock(heap);
+        return count;
+    };
+    const auto loadAndLetGo = [] {
+        const HMODULE library = LoadLibraryW(L"corvane.dll");
+        ASSERT_NE(library, nullptr);
+        FreeLibrary(library);
+        ASSERT_FALSE(loaded());
+    };
+    loadAndLetGo();
+    const int before = bigBlocks();
+    for (int i = 0; i < 5; ++i) {
+        loadAndLetGo();
+    }
+    EXPECT_EQ(bigBlocks(), before);
 }
 
 TEST_F(LibraryUnloadTest, AFillThatIsLeftBehindKeepsTheLibraryUntilItEnds)

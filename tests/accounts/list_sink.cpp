@@ -1,7 +1,7 @@
 #include "list_sink.h"
 
 #include "account_store.h"
-#include "journal.h"
+#include "tests/support/describe.h"
 
 #include <cstdint>
 
@@ -9,20 +9,20 @@ ListSink::~ListSink()
 {
     for (const Row& row : rows) {
         if (reinterpret_cast<std::uintptr_t>(row.data) > 1) {
-            releaseSid(row.data);
+            RecordingStore::release(row.data);
         }
     }
 }
 
 bool ListSink::alive()
 {
-    journal.call("alive", "");
+    RecordingStore::note("alive", {});
     return !gone();
 }
 
 int ListSink::rowCount()
 {
-    journal.call("rowCount", "");
+    RecordingStore::note("rowCount", {});
     return static_cast<int>(rows.size()) - (removed ? 1 : 0);
 }
 
@@ -31,12 +31,13 @@ void ListSink::insert(int index, int image, const wchar_t* account, const wchar_
 {
     std::string dataText = reinterpret_cast<std::uintptr_t>(data) > 1 ? std::to_string(sidNumber(data))
                                                                       : (data != nullptr ? "ONE" : "null");
-    journal.call("insert", std::to_string(index) + ", " + std::to_string(image) + ", " + narrow(account) +
-                               ", " + narrow(fullName) + ", " + narrow(type) + ", " + dataText);
+    RecordingStore::note("insert", std::to_string(index) + ", " + std::to_string(image) + ", " +
+                                       describe(account) + ", " + describe(fullName) + ", " + describe(type) +
+                                       ", " + dataText);
     if (gone()) {
         ++insertedAfterDeath;
         if (reinterpret_cast<std::uintptr_t>(data) > 1) {
-            releaseSid(data);
+            RecordingStore::release(data);
         }
         return;
     }
@@ -45,21 +46,21 @@ void ListSink::insert(int index, int image, const wchar_t* account, const wchar_
 
 void ListSink::removeFirstInserted()
 {
-    journal.call("removeFirstInserted", "");
+    RecordingStore::note("removeFirstInserted", {});
     removed = !gone();
 }
 
 void ListSink::waitForTurn()
 {
-    journal.call("waitForTurn", "");
+    RecordingStore::note("waitForTurn", {});
 }
 
 void ListSink::nameServers(const wchar_t* server, const wchar_t* server2)
 {
-    journal.call("nameServers", narrow(server) + ", " + narrow(server2));
+    RecordingStore::note("nameServers", describe(server) + ", " + describe(server2));
 }
 
 bool ListSink::gone() const
 {
-    return journal.windowGone || (dieBefore >= 0 && static_cast<int>(rows.size()) >= dieBefore);
+    return windowGone || (dieBefore >= 0 && static_cast<int>(rows.size()) >= dieBefore);
 }

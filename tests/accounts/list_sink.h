@@ -27,9 +27,10 @@ public:
     void waitForTurn() override;
     void nameServers(const wchar_t* server, const wchar_t* server2) override;
 
-    std::vector<Row> rows; ///< in the order of insertion
-    int dieBefore = -1;    ///< the window is gone when this many rows have been inserted
-    bool removed = false;  ///< the first row is gone again
+    std::vector<Row> rows;   ///< in the order of insertion
+    int dieBefore = -1;      ///< the window is gone when this many rows have been inserted
+    bool windowGone = false; ///< from now on
+    bool removed = false;    ///< the first row is gone again
     int insertedAfterDeath = 0;
 
 private:

@@ -1,7 +1,6 @@
 #include "accounts/null_session.h"
 
 #include "imports.h"
-#include "journal.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,6 @@
 #include "account_store.h"
 #include "accounts/sid_list_copy.h"
 #include "frame/platform.h"
-#include "journal.h"
 
 #include <gmock/gmock.h>
 
@@ -15,19 +14,14 @@ using testing::ElementsAre;
 
 class PresetOwnersTest : public testing::Test {
 protected:
-    PresetOwnersTest()
-    {
-        journal = {};
-        resetStore();
-    }
-    ~PresetOwnersTest() override { journal = {}; }
-
     static SidList* longList(unsigned count)
     {
         std::vector<unsigned> numbers(count);
         std::iota(numbers.begin(), numbers.end(), 1000);
         return makePresets(numbers);
     }
+
+    AccountStore store;
 };
 
 TEST_F(PresetOwnersTest, NullListHoldsAllAndExcludesNone)
@@ -53,14 +47,14 @@ TEST_F(PresetOwnersTest, TheStoreIsAskedInListOrder)
     const std::vector<unsigned char> copy(static_cast<unsigned char*>(testSid(2)),
                                           static_cast<unsigned char*>(testSid(2)) + 28);
     EXPECT_TRUE(owners.contains(const_cast<unsigned char*>(copy.data())));
-    EXPECT_THAT(journal.lines, ElementsAre("sidcmp(3, 2)", "sidcmp(null, 2)", "sidcmp(2, 2)"));
+    EXPECT_THAT(store.calls(), ElementsAre("sidcmp 3 2", "sidcmp null 2", "sidcmp 2 2"));
 }
 
 TEST_F(PresetOwnersTest, TheStoreIsNotAskedAboutThePointerItself)
 {
     PresetOwners owners(makePresets({3, 2}));
     EXPECT_TRUE(owners.contains(testSid(2)));
-    EXPECT_THAT(journal.lines, ElementsAre("sidcmp(3, 2)"));
+    EXPECT_THAT(store.calls(), ElementsAre("sidcmp 3 2"));
 }
 
 TEST_F(PresetOwnersTest, LongAndShortListsAgree)
@@ -82,9 +76,9 @@ TEST_F(PresetOwnersTest, ALongListCostsAtMostOneComparison)
     unsigned char copy[28];
     CopySid(sizeof(copy), copy, testSid(1499));
     EXPECT_TRUE(owners.contains(copy));
-    EXPECT_THAT(journal.lines, ElementsAre("sidcmp(1499, 1499)"));
+    EXPECT_THAT(store.calls(), ElementsAre("sidcmp 1499 1499"));
     EXPECT_FALSE(owners.contains(testSid(7)));
-    EXPECT_EQ(journal.lines.size(), 1u);
+    EXPECT_EQ(store.calls().size(), 1u);
 }
 
 TEST_F(PresetOwnersTest, TheStoresWordHoldsInALongListToo)
@@ -95,7 +89,7 @@ TEST_F(PresetOwnersTest, TheStoresWordHoldsInALongListToo)
     unsigned char copy[28];
     CopySid(sizeof(copy), copy, testSid(1499));
     EXPECT_FALSE(owners.contains(copy));
-    EXPECT_EQ(journal.lines.size(), 501u);
+    EXPECT_EQ(store.calls().size(), 501u);
 }
 
 TEST_F(PresetOwnersTest, ALongListWithAnInvalidEntryIsScanned)
@@ -107,7 +101,7 @@ TEST_F(PresetOwnersTest, ALongListWithAnInvalidEntryIsScanned)
     list->sids[5] = broken;
     PresetOwners owners(list);
     EXPECT_FALSE(owners.contains(testSid(7)));
-    EXPECT_EQ(journal.lines.size(), 40u);
+    EXPECT_EQ(store.calls().size(), 40u);
     EXPECT_TRUE(owners.contains(broken));
 }
 
@@ -136,7 +130,7 @@ TEST_F(PresetOwnersTest, CopyOutlivesItsOriginal)
     EXPECT_THAT(numbersOf(copy.get()), ElementsAre(5, 0, 0, 3));
     EXPECT_TRUE(EqualSid(copy.get()->sids[0], testSid(5)));
     EXPECT_TRUE(EqualSid(copy.get()->sids[3], testSid(3)));
-    EXPECT_TRUE(journal.lines.empty()); // made without the store
+    EXPECT_TRUE(store.calls().empty()); // made without the store
 
     SidListCopy moved(std::move(copy));
     EXPECT_THAT(numbersOf(moved.get()), ElementsAre(5, 0, 0, 3));

@@ -56,7 +56,7 @@ TEST_F(ShortOfEverything, AListThatFindsNoWayBackToItsRowsIsReminded)
     s_toRefuse = 2;
     searchServer();
     script.onDialog("look", [](HWND dialog) {
-        EXPECT_EQ(rowCount(dialog), 61);
+        EXPECT_EQ(list(dialog).rowCount(), 61);
         EXPECT_GT(s_refused, 0);
         click(dialog, IDCANCEL);
     });
@@ -73,6 +73,6 @@ TEST_F(ShortOfEverything, AFillThatCouldNotBeStartedEndsWithoutATimerToo)
     ASSERT_EQ(noThread.count(), 1);
     s_toRefuse = 0;
     searchServer();
-    script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+    cancel();
     EXPECT_EQ(choose(), nullptr);
 }

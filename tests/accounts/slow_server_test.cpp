@@ -1,7 +1,6 @@
 // Servers and directories that take their time: what a person can do meanwhile, and in the next dialog.
 #include "tests/accounts/chooser_fixture.h"
-
-#include "tests/quota/quota_settings.h"
+#include "tests/accounts/members_asked.h"
 
 #include <gmock/gmock.h>
 
@@ -57,22 +56,7 @@ protected:
     void seeFirstRows()
     {
         script.step("the first rows",
-                    [](HWND dialog) { return isEnabled(dialog, IDCANCEL) && rowCount(dialog) == 2; });
-    }
-
-    /// What the settings of a new rule for a group ask of the servers.
-    std::vector<std::string> askedForMembers()
-    {
-        store.takeCalls();
-        quota_settings::whileOpen(quota_settings::newRule(store.account("DOM\\staff")), quota_settings::kAdd,
-                                  [](HWND) {});
-        std::vector<std::string> asked;
-        for (const std::string& call : store.calls()) {
-            if (call.starts_with("enumerateGroupUsers")) {
-                asked.push_back(call);
-            }
-        }
-        return asked;
+                    [](HWND dialog) { return isEnabled(dialog, IDCANCEL) && list(dialog).rowCount() == 2; });
     }
 };
 
@@ -86,7 +70,7 @@ TEST_F(SlowServerTest, TheNextDialogShowsItsFirstRowsAndCanBeCancelledWhileItWai
     startSearch();
     seeFirstRows();
     script.onDialog("look and cancel", [this](HWND dialog) {
-        EXPECT_THAT(rows(dialog), ElementsAre(std::string(kWaitText) + "||", "Anyone|Anyone|System"));
+        EXPECT_THAT(list(dialog).rows(), ElementsAre(std::string(kWaitText) + "||", "Anyone|Anyone|System"));
         EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_LIST));
         EXPECT_FALSE(isEnabled(dialog, IDOK)) << "nothing is selected";
         EXPECT_EQ(gate.waiting(), 1) << "the store is asked by one fill at a time";
@@ -121,10 +105,11 @@ TEST_F(SlowServerTest, TheNextFillGoesOnWhenTheOneBeforeHasEnded)
     startSearch();
     seeFirstRows();
     script.onDialog("the store answers", [this](HWND) { gate.open(); });
-    script.step("all accounts",
-                [](HWND dialog) { return rowCount(dialog) == 3 && cell(dialog, 0, 0) == "Anyone"; });
+    script.step("all accounts", [](HWND dialog) {
+        return list(dialog).rowCount() == 3 && list(dialog).text(0, 0) == "Anyone";
+    });
     script.onDialog("pick", [](HWND dialog) {
-        select(dialog, rowOf(dialog, "bob"));
+        select(dialog, list(dialog).rowOf("bob"));
         click(dialog, IDOK);
     });
     void* const chosen = choose();
@@ -137,9 +122,9 @@ TEST_F(SlowServerTest, TheNextFillGoesOnWhenTheOneBeforeHasEnded)
 TEST_F(SlowServerTest, AFillThatWasLeftDoesNotChangeTheServersThatGroupsAreAskedOf)
 {
     searchServer();
-    script.onDialog("cancel", [](HWND dialog) { click(dialog, IDCANCEL); });
+    cancel();
     EXPECT_EQ(choose(), nullptr);
-    const std::vector<std::string> before = askedForMembers();
+    const std::vector<std::string> before = membersAsked(store);
     ASSERT_THAT(before, Contains(StartsWith("enumerateGroupUsers SERVER ")));
 
     script = {};
@@ -155,7 +140,7 @@ TEST_F(SlowServerTest, AFillThatWasLeftDoesNotChangeTheServersThatGroupsAreAsked
     EXPECT_EQ(choose(), nullptr);
     names.open();
     threads.waitForAll();
-    EXPECT_EQ(askedForMembers(), before);
+    EXPECT_EQ(membersAsked(store), before);
 }
 
 TEST_F(SlowServerTest, TheServersAreKnownWithTheFirstRowsThatComeFromThem)
@@ -170,11 +155,11 @@ TEST_F(SlowServerTest, TheServersAreKnownWithTheFirstRowsThatComeFromThem)
         return list;
     };
     startSearch();
-    script.step("the users", [](HWND dialog) { return rowCount(dialog) == 4; });
+    script.step("the users", [](HWND dialog) { return list(dialog).rowCount() == 4; });
     script.onDialog("close", [](HWND dialog) { SendMessageW(dialog, WM_CLOSE, 0, 0); });
     EXPECT_EQ(choose(), nullptr);
     groups.open();
-    EXPECT_THAT(askedForMembers(), Contains(StartsWith("enumerateGroupUsers NEXT ")));
+    EXPECT_THAT(membersAsked(store), Contains(StartsWith("enumerateGroupUsers NEXT ")));
 }
 
 // ---- a directory that looks for its domain ----
@@ -191,12 +176,13 @@ TEST_F(SlowServerTest, ADirectoryThatTakesItsTimeLeavesADialogThatPaintsAnswersA
         type(dialog, IDC_CHOOSER_BASE, L"WinNT://FAR");
         click(dialog, IDOK);
     });
-    script.step("the first rows", [&](HWND dialog) { return rowCount(dialog) == 2 && found.waiting() == 1; });
+    script.step("the first rows",
+                [&](HWND dialog) { return list(dialog).rowCount() == 2 && found.waiting() == 1; });
     script.onDialog("paint, ask, close", [](HWND dialog) {
         RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
         EXPECT_FALSE(GetUpdateRect(dialog, nullptr, FALSE)) << "painted";
         EXPECT_FALSE(GetUpdateRect(list(dialog), nullptr, FALSE)) << "painted";
-        EXPECT_EQ(cell(dialog, 1, 0), "Anyone") << "answered";
+        EXPECT_EQ(list(dialog).text(1, 0), "Anyone") << "answered";
         EXPECT_FALSE(isEnabled(dialog, IDCANCEL));
         dialogProcedure = reinterpret_cast<WNDPROC>(
             SetWindowLongPtrW(dialog, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&closesByCancelAlone)));

@@ -1,116 +1,20 @@
 // The "Choose file..." dialog, through its export.
-#include "corvane.h"
-#include "frame/narrow_handle.h"
-#include "tests/files/fake_disk.h"
-#include "tests/support/dialog_script.h"
-#include "tests/support/import_patch.h"
-#include "tests/support/nothing_left.h"
-#include "tests/support/recording_store.h"
-#include "tests/support/text.h"
-#include "tests/support/window_text.h"
+#include "tests/files/choose_file_test.h"
 
-#include <commctrl.h>
+#include "frame/narrow_handle.h"
+#include "tests/support/hidden_dialog.h"
+#include "tests/support/nothing_left.h"
 
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <memory>
-#include <objbase.h>
-#include <optional>
 #include <utility>
 
+using namespace tree_nodes;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-constexpr int kTree = 1038;
-
-struct Free {
-    void operator()(wchar_t* text) const { std::free(text); }
-};
-
-/// What the export gave; no value for null.
-std::optional<std::string> chosen(DialogScript& script, unsigned foldersOnly = 0, HWND owner = nullptr)
-{
-    const std::unique_ptr<wchar_t, Free> path(script.run([=] { return chooseFileImpl(owner, foldersOnly); }));
-    return path ? std::optional(utf8(path.get())) : std::nullopt;
-}
-
-/// Counts what the library asks of COM. The runtime may prepare the thread of a window for itself.
-class ComCalls {
-public:
-    ComCalls()
-    {
-        open = 0;
-        EXPECT_EQ(enter.count(), 1);
-        EXPECT_EQ(leave.count(), 1);
-    }
-
-    static inline int open = 0; ///< apartments that were entered and not left
-
-private:
-    ImportPatch enter{ImportPatch::corvane(), "CoInitializeEx", +[](void* reserved, DWORD kind) -> HRESULT {
-                          ++open;
-                          return CoInitializeEx(reserved, kind);
-                      }};
-    ImportPatch leave{ImportPatch::corvane(), "CoUninitialize", +[]() -> void {
-                          --open;
-                          CoUninitialize();
-                      }};
-};
-
-HWND treeOf(HWND dialog)
-{
-    return GetDlgItem(dialog, kTree);
-}
-
-HTREEITEM next(HWND tree, UINT which, HTREEITEM node = nullptr)
-{
-    return reinterpret_cast<HTREEITEM>(
-        SendMessageW(tree, TVM_GETNEXTITEM, which, reinterpret_cast<LPARAM>(node)));
-}
-
-std::string textOf(HWND tree, HTREEITEM node)
-{
-    wchar_t text[300] = L"";
-    TVITEMW item{};
-    item.mask = TVIF_TEXT;
-    item.hItem = node;
-    item.pszText = text;
-    item.cchTextMax = 300;
-    SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return utf8(text);
-}
-
-std::vector<std::string> children(HWND tree, HTREEITEM node)
-{
-    std::vector<std::string> texts;
-    for (HTREEITEM child = next(tree, TVGN_CHILD, node); child != nullptr;
-         child = next(tree, TVGN_NEXT, child))
-    {
-        texts.push_back(textOf(tree, child));
-    }
-    return texts;
-}
-
-void expand(HWND tree, HTREEITEM node)
-{
-    SendMessageW(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(node));
-}
-
-void select(HWND tree, HTREEITEM node)
-{
-    SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(node));
-}
-
-const wchar_t* currentFolder = L"";
-
-wchar_t* tellCurrentFolder(wchar_t* buffer, int room)
-{
-    EXPECT_EQ(room, 260);
-    return currentFolder == nullptr ? nullptr : std::wcscpy(buffer, currentFolder);
-}
 
 INT_PTR ended = 0;
 BOOL(WINAPI* reallyEnd)(HWND, INT_PTR) = nullptr;
@@ -166,22 +70,6 @@ private:
 
     ImportPatch allocations{ImportPatch::corvane(), "malloc", &allocate};
     ImportPatch releases{ImportPatch::corvane(), "free", &release};
-};
-
-struct ChooseFileTest : testing::Test {
-    ChooseFileTest()
-    {
-        disk.addDrive(L"A:\\", 0);
-        disk.addDrive(L"C:\\");
-        disk.addDrive(L"Q:\\");
-        disk.setFolder(L"C:\\", {folder(L"Windows"), file(L"b.txt"), file(L"A.txt"), file(L"z.txt")});
-        disk.setFolder(L"C:\\Windows", {file(L"win.ini")});
-        currentFolder = L"C:\\Windows";
-        EXPECT_EQ(folderPatch.count(), 1);
-    }
-    RecordingStore store;
-    FakeDisk disk{ImportPatch::corvane()};
-    ImportPatch folderPatch{ImportPatch::corvane(), "_wgetcwd", &tellCurrentFolder};
 };
 
 } // namespace
@@ -263,20 +151,6 @@ TEST_F(ChooseFileTest, StartsAnywhereWithoutAFolderOfTheProcess)
     EXPECT_EQ(chosen(script), "");
 }
 
-TEST_F(ChooseFileTest, HidesFilesForAnyOtherFlag)
-{
-    for (const unsigned flag : {1u, 0x80000000u}) {
-        currentFolder = L"C:\\";
-        DialogScript script;
-        script.onDialog("look and press OK", [](HWND dialog) {
-            HWND tree = treeOf(dialog);
-            EXPECT_THAT(children(tree, next(tree, TVGN_ROOT)), IsEmpty());
-            clickLater(dialog, IDOK);
-        });
-        EXPECT_EQ(chosen(script, flag), "C:") << flag;
-    }
-}
-
 TEST_F(ChooseFileTest, CancelAndTheCloseBoxGiveNull)
 {
     struct Way {
@@ -292,22 +166,6 @@ TEST_F(ChooseFileTest, CancelAndTheCloseBoxGiveNull)
         EXPECT_EQ(chosen(script), std::nullopt) << way.message;
     }
     EXPECT_THAT(store.calls(), IsEmpty());
-}
-
-TEST_F(ChooseFileTest, ATreeThatCannotBeDisplayedIsEmpty)
-{
-    const auto emptyAndOk = [&] {
-        DialogScript script;
-        script.onDialog("press OK", [](HWND dialog) {
-            EXPECT_EQ(next(treeOf(dialog), TVGN_ROOT), nullptr);
-            clickLater(dialog, IDOK);
-        });
-        return chosen(script);
-    };
-    disk.failDrives = true;
-    EXPECT_EQ(emptyAndOk(), "");
-    disk.failImages = true;
-    EXPECT_EQ(emptyAndOk(), "");
 }
 
 TEST_F(ChooseFileTest, EndsWithTheSignExtendedLowHalf)
@@ -355,10 +213,7 @@ TEST_F(ChooseFileTest, SurvivesAPathWhoseAddressLooksNegative)
 
 TEST_F(ChooseFileTest, ADialogThatCannotOpenGivesNull)
 {
-    const ImportPatch noTemplate(
-        ImportPatch::corvane(), "FindResourceW",
-        +[](HMODULE, const wchar_t*, const wchar_t*) -> HRSRC { return nullptr; });
-    ASSERT_EQ(noTemplate.count(), 1);
+    const HiddenDialog all;
     EXPECT_EQ(chooseFileImpl(nullptr, 0), nullptr);
 }
 
@@ -378,11 +233,11 @@ TEST_F(ChooseFileTest, OtherCommandsDoNothing)
 {
     DialogScript script;
     script.onDialog("send them", [](HWND dialog) {
-        for (const int id : {0, 3, kTree, 9999}) {
+        for (const int id : {0, 3, IDC_CHOOSE_FILE_TREE, 9999}) {
             SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(id), 0);
         }
-        NMHDR header{treeOf(dialog), kTree, NM_CLICK};
-        SendMessageW(dialog, WM_NOTIFY, kTree, reinterpret_cast<LPARAM>(&header));
+        NMHDR header{treeOf(dialog), IDC_CHOOSE_FILE_TREE, NM_CLICK};
+        SendMessageW(dialog, WM_NOTIFY, IDC_CHOOSE_FILE_TREE, reinterpret_cast<LPARAM>(&header));
         clickLater(dialog, IDCANCEL);
     });
     EXPECT_EQ(chosen(script), std::nullopt);
@@ -393,64 +248,6 @@ TEST_F(ChooseFileTest, TakesCommandsByIdWhateverTheNotification)
     DialogScript script;
     script.onDialog("press OK",
                     [](HWND dialog) { PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 7), 0); });
-    EXPECT_EQ(chosen(script), "");
-}
-
-TEST_F(ChooseFileTest, ListsWithoutBoxesOfTheSystemUnderTheWaitCursorAndWithCom)
-{
-    HCURSOR const wait = LoadCursorW(nullptr, IDC_WAIT);
-    HCURSOR const arrow = LoadCursorW(nullptr, IDC_ARROW);
-    const ComCalls com;
-    const DWORD modeBefore = GetThreadErrorMode();
-    ASSERT_EQ(modeBefore & SEM_FAILCRITICALERRORS, 0u);
-    disk.setFolder(L"Q:\\", {file(L"q.txt")});
-    int calls = 0;
-    disk.onCall = [&] {
-        ++calls;
-        EXPECT_EQ(GetThreadErrorMode(), modeBefore | SEM_FAILCRITICALERRORS) << disk.takeCalls().back();
-        EXPECT_EQ(GetCursor(), wait);
-        EXPECT_GT(com.open, 0);
-    };
-    const auto expectAsBefore = [&](HCURSOR cursor) {
-        EXPECT_EQ(GetThreadErrorMode(), modeBefore);
-        EXPECT_EQ(GetCursor(), cursor);
-        EXPECT_EQ(com.open, 0);
-    };
-    DialogScript script;
-    script.onDialog("open a drive", [&](HWND dialog) {
-        EXPECT_GT(calls, 0);
-        expectAsBefore(GetCursor());
-        EXPECT_NE(GetCursor(), wait);
-        calls = 0;
-        SetCursor(arrow);
-        expand(treeOf(dialog), next(treeOf(dialog), TVGN_NEXT, next(treeOf(dialog), TVGN_ROOT)));
-        EXPECT_GT(calls, 0);
-        expectAsBefore(arrow);
-        clickLater(dialog, IDCANCEL);
-    });
-    EXPECT_EQ(chosen(script), std::nullopt);
-}
-
-TEST_F(ChooseFileTest, AFaultInAListingLeavesTheThreadAsItWas)
-{
-    const ComCalls com;
-    const DWORD modeBefore = GetThreadErrorMode();
-    currentFolder = L"";
-    bool armed = true;
-    disk.failIcons = [&](UINT) -> bool {
-        if (std::exchange(armed, false)) {
-            RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
-        }
-        return false;
-    };
-    DialogScript script;
-    script.onDialog("look and press OK", [&](HWND dialog) {
-        EXPECT_FALSE(armed);
-        EXPECT_EQ(GetThreadErrorMode(), modeBefore);
-        EXPECT_EQ(com.open, 0);
-        EXPECT_NE(GetCursor(), LoadCursorW(nullptr, IDC_WAIT));
-        clickLater(dialog, IDOK);
-    });
     EXPECT_EQ(chosen(script), "");
 }
 

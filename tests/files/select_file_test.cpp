@@ -1,7 +1,10 @@
 #include "corvane.h"
 #include "files/select_file.h"
+#include "res/resource.h"
 #include "tests/files/fake_disk.h"
+#include "tests/files/tree_nodes.h"
 #include "tests/support/dialog_script.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/owner_window.h"
 #include "tests/support/recording_store.h"
@@ -16,6 +19,8 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
+
+using namespace tree_nodes;
 
 namespace {
 
@@ -211,9 +216,8 @@ TEST_F(SelectFileTest, CopiesWhatTheOwnChooserGives)
     for (const char* expected : {"C:", ""}) {
         DialogScript script;
         script.onDialog("select and press OK", [&](HWND dialog) {
-            HWND tree = GetDlgItem(dialog, 1038);
-            const LRESULT drive = *expected != '\0' ? SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0) : 0;
-            SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET, drive);
+            HWND tree = GetDlgItem(dialog, IDC_CHOOSE_FILE_TREE);
+            select(tree, *expected != '\0' ? next(tree, TVGN_ROOT) : nullptr);
             clickLater(dialog, IDOK);
         });
         const wchar_t* chosen = script.run([] { return selectFile(nullptr, 2); });
@@ -253,11 +257,10 @@ TEST_F(SelectFileTest, TheOwnChooserShowsFilesAndBelongsToTheOwner)
     DialogScript script;
     script.onDialog("select a file and press OK", [&](HWND dialog) {
         EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.window());
-        HWND tree = GetDlgItem(dialog, 1038);
-        const LRESULT drive = SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
-        SendMessageW(tree, TVM_EXPAND, TVE_EXPAND, drive);
-        SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET,
-                     SendMessageW(tree, TVM_GETNEXTITEM, TVGN_CHILD, drive));
+        HWND tree = GetDlgItem(dialog, IDC_CHOOSE_FILE_TREE);
+        const HTREEITEM drive = next(tree, TVGN_ROOT);
+        expand(tree, drive);
+        select(tree, next(tree, TVGN_CHILD, drive));
         clickLater(dialog, IDOK);
     });
     const wchar_t* chosen = script.run([&] { return selectFile(owner.window(), 1); });
@@ -276,9 +279,7 @@ TEST_F(SelectFileTest, ShowsTheCommonDialogWhenTheVersionIsUnknown)
 TEST_F(SelectFileTest, AServerWhoseChooserCannotOpenGivesNull)
 {
     version = {6, VER_NT_SERVER};
-    const ImportPatch noTemplate(
-        self(), "FindResourceW", +[](HMODULE, const wchar_t*, const wchar_t*) -> HRSRC { return nullptr; });
-    ASSERT_EQ(noTemplate.count(), 1);
+    const HiddenDialog all(HiddenDialog::kAll, self());
     EXPECT_EQ(selectFile(nullptr, 1), nullptr);
     EXPECT_FALSE(asked);
 }

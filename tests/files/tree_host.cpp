@@ -1,6 +1,6 @@
 #include "tests/files/tree_host.h"
 
-#include "tests/support/text.h"
+#include "res/resource.h"
 
 #include <cstdio>
 #include <utility>
@@ -12,10 +12,10 @@ TreeHost::TreeHost(DWORD moreStyles)
     m_window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 300, 300, nullptr, nullptr,
                                nullptr, nullptr);
     SetWindowSubclass(m_window, windowProc, 1, reinterpret_cast<DWORD_PTR>(this));
-    m_tree.attach(
-        CreateWindowExW(0, WC_TREEVIEWW, L"",
-                        WS_CHILD | WS_VISIBLE | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | moreStyles,
-                        0, 0, 300, 300, m_window, reinterpret_cast<HMENU>(UINT_PTR{1038}), nullptr, nullptr));
+    m_tree.attach(CreateWindowExW(
+        0, WC_TREEVIEWW, L"",
+        WS_CHILD | WS_VISIBLE | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | moreStyles, 0, 0, 300, 300,
+        m_window, reinterpret_cast<HMENU>(UINT_PTR{IDC_CHOOSE_FILE_TREE}), nullptr, nullptr));
     SetWindowSubclass(m_tree.handle(), treeProc, 1, reinterpret_cast<DWORD_PTR>(this));
 }
 
@@ -61,15 +61,6 @@ HTREEITEM TreeHost::child(HTREEITEM node, const std::wstring& text) const
     return nullptr;
 }
 
-std::vector<std::string> TreeHost::children(HTREEITEM node) const
-{
-    std::vector<std::string> texts;
-    for (HTREEITEM found = m_tree.firstChild(node); found != nullptr; found = m_tree.nextSibling(found)) {
-        texts.push_back(utf8(m_tree.text(found)));
-    }
-    return texts;
-}
-
 void TreeHost::click(HTREEITEM node)
 {
     // What the platform does for a click on the button; the message itself does not tell an opened node again.
@@ -107,8 +98,8 @@ std::string TreeHost::images(HTREEITEM node) const
 
 std::string TreeHost::selectedText() const
 {
-    HTREEITEM node = m_tree.selected();
-    return node != nullptr ? utf8(m_tree.text(node)) : std::string();
+    const HTREEITEM node = m_tree.selected();
+    return node != nullptr ? tree_nodes::textOf(m_tree.handle(), node) : std::string();
 }
 
 std::vector<std::string> TreeHost::takeMessages()

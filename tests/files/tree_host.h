@@ -2,6 +2,7 @@
 #pragma once
 
 #include "files/dir_tree_ctrl.h"
+#include "tests/files/tree_nodes.h"
 
 #include <string>
 #include <vector>
@@ -19,7 +20,10 @@ public:
     HTREEITEM top(const std::wstring& text) const { return child(TVI_ROOT, text); }
     HTREEITEM child(HTREEITEM node, const std::wstring& text) const;
     /// The texts of a node's children, or of the top level for TVI_ROOT; a placeholder is "".
-    std::vector<std::string> children(HTREEITEM node) const;
+    std::vector<std::string> children(HTREEITEM node) const
+    {
+        return tree_nodes::children(m_tree.handle(), node);
+    }
 
     /// Opens and closes a node as a click on its button does.
     void click(HTREEITEM node);

@@ -1,13 +1,11 @@
 // What no export reaches yet: the registry reader, and the sites of the crash guard.
 #include "frame/crash_guard.h"
-#include "frame/narrow_handle.h"
 #include "frame/registry.h"
 #include "tests/support/nothing_left.h"
 #include "tests/support/recording_store.h"
 
 #include <gmock/gmock.h>
 
-#include <cstdint>
 #include <stdexcept>
 #include <string>
 
@@ -150,21 +148,4 @@ TEST(CrashGuardTest, AGuardInsideAGuardReportsFirstAndAlone)
     });
     EXPECT_EQ(result, TRUE);
     EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: qleDlg, MyDlgProc, 265\n"));
-}
-
-TEST(NarrowHandleTest, NoStandInLooksLikeNothingOrAnError)
-{
-    constexpr std::uint32_t kMany = (1u << 20) + 1000; // more than one block of them
-    constexpr UINT_PTR kFirst = UINT_PTR{5} << 32;     // never read
-    std::uint32_t last = 0;
-    for (std::uint32_t i = 0; i < kMany; ++i) {
-        const void* const object = reinterpret_cast<const void*>(kFirst + i * UINT_PTR{16});
-        const NarrowHandle handle = NarrowHandle::of(object);
-        ASSERT_NE(handle.value(), 0u) << i;
-        ASSERT_NE(handle.signedCarrier(), -1) << i;
-        ASSERT_NE(handle.carrier(), -1) << i;
-        ASSERT_NE(handle.value(), last) << i;
-        last = handle.value();
-        ASSERT_EQ(NarrowHandle::fromCarrier(handle.signedCarrier()).object(), object) << i;
-    }
 }

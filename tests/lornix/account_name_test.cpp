@@ -1,4 +1,5 @@
 // Names of accounts and accounts of names, as the platform knows them.
+#include "later_clock.h"
 #include "store_test.h"
 
 #include "tests/support/import_patch.h"
@@ -74,13 +75,6 @@ TEST_F(AccountNameTest, TheSameAccountIsLookedUpOnce)
         nameOf(Block<void>(sidDup(unknown.get())).get());
     }
     EXPECT_EQ(lookups, 2);
-}
-
-ULONGLONG addedTime = 0;
-
-ULONGLONG WINAPI laterTime()
-{
-    return GetTickCount64() + addedTime;
 }
 
 TEST_F(AccountNameTest, IsLookedUpAgainAfterAWhile)

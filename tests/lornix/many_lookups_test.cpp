@@ -1,4 +1,5 @@
 // Names and accounts that are looked up many at a time.
+#include "later_clock.h"
 #include "store_test.h"
 
 #include "tests/support/import_patch.h"
@@ -188,13 +189,6 @@ NET_API_STATUS WINAPI globalMembers(const wchar_t*, const wchar_t*, DWORD, LPBYT
         names.push_back(lastingText(name));
     }
     return onePage<GROUP_USERS_INFO_0>(names, buffer, count);
-}
-
-ULONGLONG addedTime = 0;
-
-ULONGLONG WINAPI laterTime()
-{
-    return GetTickCount64() + addedTime;
 }
 
 class ManyLookupsTest : public StoreTest {

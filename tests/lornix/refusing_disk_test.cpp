@@ -68,6 +68,17 @@ protected:
         store(m_folders, m_before);
     }
 
+    /// The lock of the store, in the hands of somebody else until the handle is closed.
+    HANDLE keepLock() const
+    {
+        const HANDLE lock = CreateFileW((data() / "lornix.lock").c_str(), GENERIC_READ | GENERIC_WRITE,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                        OPEN_EXISTING, 0, nullptr);
+        OVERLAPPED start{};
+        EXPECT_TRUE(LockFileEx(lock, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &start));
+        return lock;
+    }
+
     static int attempt(const std::vector<std::wstring>& folders, const std::vector<Rule>& rules)
     {
         return lornixStoreRules(foldersOf(folders).get(), chainOf(rules).get());
@@ -220,11 +231,7 @@ TEST_F(RefusingDiskTest, WaitingForFilesIsCountedOverCallsThatFollowEachOther)
 
 TEST_F(RefusingDiskTest, ALockThatSomeoneKeepsIsWaitedForOnce)
 {
-    const HANDLE lock = CreateFileW((data() / "lornix.lock").c_str(), GENERIC_READ | GENERIC_WRITE,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    OVERLAPPED start{};
-    ASSERT_TRUE(LockFileEx(lock, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &start));
+    const HANDLE lock = keepLock();
     const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
     sleeps = 0;
     EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
@@ -257,11 +264,7 @@ TEST_F(RefusingDiskTest, FileThatIsOpenElsewhereForAMoment)
 
 TEST_F(RefusingDiskTest, LockThatSomeoneKeeps)
 {
-    const HANDLE lock = CreateFileW((data() / "lornix.lock").c_str(), GENERIC_READ | GENERIC_WRITE,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    OVERLAPPED start{};
-    ASSERT_TRUE(LockFileEx(lock, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &start));
+    const HANDLE lock = keepLock();
     {
         const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
         sleeps = 0;

@@ -256,6 +256,20 @@ TEST(RuleBookTest, KnownFolders)
     EXPECT_EQ(read(book.text()).knownFolders(), folders);
 }
 
+TEST(RuleBookTest, AFolderThatEndsInALineEndIsOneFolder)
+{
+    const RuleBook book =
+        readLines("folder\tD:\\A\r\r\nfolder\tD:\\B\r\nfolder\tD:\\A\r\r\n5 4 3 anyone D:\\A\r\r\n");
+    const std::vector<std::u16string> folders{u"D:\\A\r", u"D:\\B"};
+    EXPECT_EQ(book.condition, Condition::kGood);
+    EXPECT_EQ(book.knownFolders(), folders);
+    EXPECT_EQ(rulesOf(book, u"D:\\A\r").size(), 1u);
+    EXPECT_TRUE(rulesOf(book, u"D:\\A").empty());
+    const RuleBook again = read(book.text());
+    EXPECT_EQ(again.knownFolders(), folders);
+    EXPECT_EQ(again.text(), book.text());
+}
+
 TEST(RuleBookTest, ManyFoldersAndTheirRulesInAnyOrder)
 {
     constexpr int kCount = 20000;

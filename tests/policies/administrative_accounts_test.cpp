@@ -1,7 +1,8 @@
 // Manage Administrative Accounts, with the account chooser as its entry dialog.
 #include "corvane.h"
+#include "res/resource.h"
 #include "tests/policies/editor_visit.h"
-#include "tests/support/hidden_chooser.h"
+#include "tests/support/hidden_dialog.h"
 
 #include <gmock/gmock.h>
 
@@ -16,12 +17,12 @@ class AdministrativeAccountsTest : public testing::Test {
 protected:
     AdministrativeAccountsTest()
     {
-        store.recording.answer.getSidByNameW = [this](const wchar_t* name) {
+        store.answer.getSidByNameW = [this](const wchar_t* name) {
             const std::wstring_view wanted = name;
-            return store.recording.answer.sidDup(wanted == L"jane"    ? jane
-                                                 : wanted == L"joe"   ? joe
-                                                 : wanted == L"ghost" ? ghost
-                                                                      : nullptr);
+            return store.answer.sidDup(wanted == L"jane"    ? jane
+                                       : wanted == L"joe"   ? joe
+                                       : wanted == L"ghost" ? ghost
+                                                            : nullptr);
         };
     }
 
@@ -29,7 +30,7 @@ protected:
     std::vector<std::string> ownCalls()
     {
         std::vector<std::string> own;
-        for (std::string& call : store.recording.takeCalls()) {
+        for (std::string& call : store.takeCalls()) {
             if (call.find("MgrAccounts") != std::string::npos || call.starts_with("getAccountBySidW")) {
                 own.push_back(std::move(call));
             }
@@ -39,9 +40,9 @@ protected:
 
     PolicyStore store;
     EditorVisit visit{store};
-    void* jane = store.recording.account("OFFICE\\jane");
-    void* joe = store.recording.account("OFFICE\\joe");
-    void* ghost = store.recording.unknownAccount();
+    void* jane = store.account("OFFICE\\jane");
+    void* joe = store.account("OFFICE\\joe");
+    void* ghost = store.unknownAccount();
 };
 
 } // namespace
@@ -51,7 +52,7 @@ TEST_F(AdministrativeAccountsTest, AddsTheNameOfTheChosenAccount)
     store.putAccount(L"old");
     visit.add()
         .chooseByName(L"jane")
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(),
                         ElementsAre("getAccountBySidW OFFICE\\jane 128", "addToMgrAccounts OFFICE\\jane"));
             EXPECT_THAT(list.rows(), ElementsAre("OFFICE\\jane", "old"));
@@ -74,13 +75,13 @@ TEST_F(AdministrativeAccountsTest, AnyoneAndCancelAddNothing)
 {
     visit.add()
         .chooseByName(L"Anyone")
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), IsEmpty());
             EXPECT_EQ(list.rowCount(), 0);
         })
         .add()
         .entry(kChooser, [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), IsEmpty());
             EXPECT_EQ(list.rowCount(), 0);
         })
@@ -92,7 +93,7 @@ TEST_F(AdministrativeAccountsTest, AnAccountWithoutANameAddsNothing)
 {
     visit.add()
         .chooseByName(L"ghost")
-        .list([](HWND, const ListInDialog& list) { EXPECT_EQ(list.rowCount(), 0); })
+        .list([](HWND, const ListView& list) { EXPECT_EQ(list.rowCount(), 0); })
         .press(IDCANCEL);
     visit.run(editMgrAccounts);
     EXPECT_THAT(store.accounts.present(), IsEmpty());
@@ -103,7 +104,7 @@ TEST_F(AdministrativeAccountsTest, AnEditToAnAccountWithoutANameKeepsTheName)
     store.putAccount(L"a");
     visit.edit(0)
         .chooseByName(L"ghost")
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("getMgrAccounts 0", testing::StartsWith("getAccountBySidW"),
                                                 "updateMgrAccounts 0 a"));
             EXPECT_THAT(list.rows(), ElementsAre("a"));
@@ -117,13 +118,13 @@ TEST_F(AdministrativeAccountsTest, ADoubleClickReplacesTheName)
     store.putAccount(L"a");
     store.putAccount(L"b");
     visit
-        .list([this](HWND, const ListInDialog& list) {
-            list.selectOnly(0);
-            store.recording.takeCalls();
+        .list([this](HWND, const ListView& list) {
+            list.selectOnly({0});
+            store.takeCalls();
             list.doubleClick();
         })
         .chooseByName(L"joe")
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("getMgrAccounts 1", "getAccountBySidW OFFICE\\joe 128",
                                                 "updateMgrAccounts 1 OFFICE\\joe"));
             EXPECT_THAT(list.rows(), ElementsAre("OFFICE\\joe", "a"));
@@ -139,21 +140,21 @@ TEST_F(AdministrativeAccountsTest, ACancelledEditHandsTheStoreItsOwnStringBack)
     store.putAccount(L"a");
     store.putAccount(L"b");
     std::vector<const void*> updates;
-    store.recording.answer.updateMgrAccounts = [&](uint32_t index, const wchar_t* name) {
+    store.answer.updateMgrAccounts = [&](uint32_t index, const wchar_t* name) {
         updates.push_back(name);
         store.accounts.update(index, name);
     };
     const void* const own = store.accounts.get(1);
     visit.edit(0)
         .entry(kChooser, [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("getMgrAccounts 1", "updateMgrAccounts 1 b"));
             EXPECT_THAT(list.rows(), ElementsAre("b", "a"));
             EXPECT_THAT(list.allData(), ElementsAre(1, 0));
         })
         .edit(0)
         .chooseByName(L"Anyone")
-        .list([](HWND, const ListInDialog& list) { EXPECT_THAT(list.rows(), ElementsAre("b", "a")); })
+        .list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("b", "a")); })
         .press(IDOK);
     visit.run(editMgrAccounts);
     EXPECT_THAT(updates, ElementsAre(own, own));
@@ -163,10 +164,10 @@ TEST_F(AdministrativeAccountsTest, AChooserThatCannotBeShownHasChosenNothing)
 {
     visit.add()
         .chooseByName(L"jane")
-        .list([this](HWND dialog, const ListInDialog& list) {
-            const HiddenChooser hidden;
+        .list([this](HWND dialog, const ListView& list) {
+            const HiddenDialog chooser(IDD_CHOOSER);
             ownCalls();
-            click(dialog, ids::kAdd);
+            click(dialog, IDC_POLICY_ADD);
             EXPECT_THAT(ownCalls(), IsEmpty()) << "not the account that was chosen last";
             EXPECT_THAT(list.rows(), ElementsAre("OFFICE\\jane"));
         })
@@ -177,14 +178,14 @@ TEST_F(AdministrativeAccountsTest, AChooserThatCannotBeShownHasChosenNothing)
 TEST_F(AdministrativeAccountsTest, AStoreThatReleasesItsOldStringDoesNotSpoilTheRow)
 {
     store.putAccount(L"b");
-    store.recording.answer.updateMgrAccounts = [&](uint32_t index, const wchar_t* name) {
+    store.answer.updateMgrAccounts = [&](uint32_t index, const wchar_t* name) {
         const std::wstring copy = name;
         store.accounts.remove(index); // the string handed in is gone with it
         store.accounts.update(index, _wcsdup(copy.c_str()));
     };
     visit.edit(0)
         .entry(kChooser, [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .list([](HWND, const ListInDialog& list) { EXPECT_THAT(list.rows(), ElementsAre("b")); })
+        .list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("b")); })
         .press(IDCANCEL);
     visit.run(editMgrAccounts);
 }

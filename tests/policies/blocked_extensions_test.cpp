@@ -1,7 +1,8 @@
 // Manage blocked extensions, and its entry dialog with the published account.
 #include "corvane.h"
+#include "res/resource.h"
 #include "tests/policies/editor_visit.h"
-#include "tests/support/hidden_chooser.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/text.h"
 
@@ -15,14 +16,13 @@ using testing::IsEmpty;
 namespace {
 
 constexpr char kEntry[] = "Blocked extension";
-constexpr int kAccount = 1039;
 
 class BlockedExtensionsTest : public testing::Test {
 protected:
     BlockedExtensionsTest()
     {
         // What the chooser asks for a typed name.
-        store.recording.answer.getSidByNameW = [this](const wchar_t* name) {
+        store.answer.getSidByNameW = [this](const wchar_t* name) {
             return sidDup(std::wstring_view(name) == L"jane"  ? jane
                           : std::wstring_view(name) == L"joe" ? joe
                                                               : nullptr);
@@ -32,17 +32,17 @@ protected:
     /// "Browse..." and the name of an account there.
     void choose(const wchar_t* name)
     {
-        visit.entry(kEntry, [](HWND entry) { clickLater(entry, ids::kBrowse); });
+        visit.entry(kEntry, [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); });
         visit.chooseByName(name);
     }
 
-    void* sidDup(const void* sid) { return store.recording.answer.sidDup(sid); }
+    void* sidDup(const void* sid) { return store.answer.sidDup(sid); }
 
     /// The calls to the list itself and to account names, without those of the chooser.
     std::vector<std::string> ownCalls()
     {
         std::vector<std::string> own;
-        for (std::string& call : store.recording.takeCalls()) {
+        for (std::string& call : store.takeCalls()) {
             if (call.find("ExcludeExts") != std::string::npos || call.starts_with("getAccountBySidW") ||
                 call.find("CRASH") != std::string::npos)
             {
@@ -54,8 +54,8 @@ protected:
 
     PolicyStore store;
     EditorVisit visit{store};
-    void* jane = store.recording.account("jane");
-    void* joe = store.recording.account("joe");
+    void* jane = store.account("jane");
+    void* joe = store.account("joe");
 };
 
 } // namespace
@@ -65,9 +65,9 @@ TEST_F(BlockedExtensionsTest, ShowsForWhomEachMaskIsBlocked)
     store.putMask(L"*.mp3", nullptr);
     store.putMask(L"D:\\*.avi", jane);
     visit
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("D:\\*.avi|jane", "*.mp3|(All)"));
-            EXPECT_THAT(store.recording.takeCalls(),
+            EXPECT_THAT(store.takeCalls(),
                         ElementsAre("loadExcludeExts", "getExcludeExtsPath 0", "getExcludeExtsSid 0",
                                     "getExcludeExtsPath 1", "getExcludeExtsSid 1",
                                     "getAccountBySidW jane 128", "getExcludeExtsPath 2"));
@@ -85,12 +85,12 @@ TEST_F(BlockedExtensionsTest, ANewEntryIsForAllUntilAnAccountIsChosen)
         .add()
         .entry(kEntry,
                [](HWND entry) {
-                   EXPECT_EQ(controlText(entry, ids::kText), "");
-                   EXPECT_EQ(controlText(entry, kAccount), "(All)");
-                   EXPECT_FALSE(isEnabled(entry, kAccount));
+                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "");
+                   EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)");
+                   EXPECT_FALSE(isEnabled(entry, IDC_ENTRY_ACCOUNT));
                })
         .enter(kEntry, L"*.iso")
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("addToExcludeExts *.iso null"));
             EXPECT_THAT(list.rows(), ElementsAre("*.iso|(All)", "*.mp3|jane"));
             EXPECT_THAT(list.allData(), ElementsAre(1, 0));
@@ -108,11 +108,11 @@ TEST_F(BlockedExtensionsTest, AddsForAChosenAccount)
     visit
         .entry(kEntry,
                [](HWND entry) {
-                   EXPECT_EQ(controlText(entry, kAccount), "joe");
-                   EXPECT_FALSE(isEnabled(entry, kAccount));
+                   EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "joe");
+                   EXPECT_FALSE(isEnabled(entry, IDC_ENTRY_ACCOUNT));
                })
         .enter(kEntry, L"*.iso")
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("getAccountBySidW joe 128", "addToExcludeExts *.iso joe",
                                                 "getAccountBySidW joe 128"));
             EXPECT_THAT(list.rows(), ElementsAre("*.iso|joe"));
@@ -128,12 +128,12 @@ TEST_F(BlockedExtensionsTest, EditsMaskAndAccount)
     store.putMask(L"*.b", jane);
     store.putMask(L"*.c", nullptr);
     visit.edit(1).entry(kEntry, [](HWND entry) {
-        EXPECT_EQ(controlText(entry, ids::kText), "*.b");
-        EXPECT_EQ(controlText(entry, kAccount), "jane");
+        EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.b");
+        EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane");
     });
     choose(L"joe");
     visit.enter(kEntry, L"*.bb")
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("getExcludeExtsSid 1", "getExcludeExtsPath 1",
                                                 "getAccountBySidW jane 128", "getAccountBySidW joe 128",
                                                 "updateExcludeExts 1 *.bb joe", "getAccountBySidW joe 128"));
@@ -149,9 +149,9 @@ TEST_F(BlockedExtensionsTest, AnyoneTurnsAnAccountBackIntoAll)
     store.putMask(L"*.b", jane);
     visit.edit(0);
     choose(L"Anyone");
-    visit.entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, kAccount), "(All)"); })
+    visit.entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)"); })
         .press(IDOK)
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("*.b|(All)"));
             EXPECT_THAT(ownCalls(), ElementsAre("getExcludeExtsSid 0", "getExcludeExtsPath 0",
                                                 "getAccountBySidW jane 128", "updateExcludeExts 0 *.b null"));
@@ -167,16 +167,16 @@ TEST_F(BlockedExtensionsTest, AnEntryForAllIsShownAndKeptForAll)
     store.putMask(L"*.b", jane);
     visit
         .edit(0) // leaves jane behind in the buffer
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, kAccount), "jane"); })
+        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
         .press(IDOK)
         .edit(1)
         .entry(kEntry,
                [](HWND entry) {
-                   EXPECT_EQ(controlText(entry, ids::kText), "*.a");
-                   EXPECT_EQ(controlText(entry, kAccount), "(All)");
+                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.a");
+                   EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)");
                })
         .press(IDOK)
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("getExcludeExtsSid 0", "getExcludeExtsPath 0",
                                                 "updateExcludeExts 0 *.a null"));
             EXPECT_THAT(list.rows(), ElementsAre("*.b|jane", "*.a|(All)"));
@@ -189,9 +189,9 @@ TEST_F(BlockedExtensionsTest, ACancelledChooserLeavesTheAccount)
 {
     store.putMask(L"*.b", jane);
     visit.edit(0)
-        .entry(kEntry, [](HWND entry) { clickLater(entry, ids::kBrowse); })
+        .entry(kEntry, [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); })
         .entry("Choose subject", [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, kAccount), "jane"); })
+        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
         .press(IDOK)
         .press(IDCANCEL);
     visit.run(editExcludeExts);
@@ -208,10 +208,11 @@ TEST_F(BlockedExtensionsTest, AChooserThatCannotBeShownLeavesTheAccount)
         .edit(1)
         .entry(kEntry,
                [](HWND entry) {
-                   const HiddenChooser hidden;
-                   const std::string before = controlText(entry, kAccount);
-                   click(entry, ids::kBrowse);
-                   EXPECT_EQ(controlText(entry, kAccount), before) << "not the account that was chosen last";
+                   const HiddenDialog chooser(IDD_CHOOSER);
+                   const std::string before = controlText(entry, IDC_ENTRY_ACCOUNT);
+                   click(entry, IDC_ENTRY_BROWSE);
+                   EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), before)
+                       << "not the account that was chosen last";
                    EXPECT_EQ(before, "jane");
                })
         .press(IDCANCEL)
@@ -225,12 +226,12 @@ TEST_F(BlockedExtensionsTest, ACancelledEntryChangesNothingWhateverWasChosen)
     visit.edit(0);
     choose(L"joe");
     visit.press(IDCANCEL)
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("*.b|jane"));
-            store.recording.takeCalls();
+            store.takeCalls();
         })
         .edit(0)
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, kAccount), "jane"); })
+        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
         .press(IDOK)
         .press(IDOK);
     visit.run(editExcludeExts);
@@ -239,10 +240,10 @@ TEST_F(BlockedExtensionsTest, ACancelledEntryChangesNothingWhateverWasChosen)
 
 TEST_F(BlockedExtensionsTest, AnAccountWithoutANameShowsNone)
 {
-    store.putMask(L"*.b", store.recording.unknownAccount());
-    visit.list([](HWND, const ListInDialog& list) { EXPECT_THAT(list.rows(), ElementsAre("*.b|")); })
+    store.putMask(L"*.b", store.unknownAccount());
+    visit.list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("*.b|")); })
         .edit(0)
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, kAccount), ""); })
+        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), ""); })
         .press(IDOK)
         .press(IDCANCEL);
     visit.run(editExcludeExts);
@@ -256,11 +257,11 @@ TEST_F(BlockedExtensionsTest, TheLongestSidFits)
     sid[0] = SID_REVISION;
     sid[1] = kMost;
     store.putMask(L"*.b", nullptr);
-    store.recording.answer.getExcludeExtsSid = [&](uint32_t) {
+    store.answer.getExcludeExtsSid = [&](uint32_t) {
         return sid.data();
     };
     std::vector<unsigned char> updated;
-    store.recording.answer.updateExcludeExts = [&](uint32_t, const wchar_t*, const void* account) {
+    store.answer.updateExcludeExts = [&](uint32_t, const wchar_t*, const void* account) {
         const auto* const bytes = static_cast<const unsigned char*>(account);
         updated.assign(bytes, bytes + sid.size());
     };
@@ -281,10 +282,10 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfARowKeepsTheRowsBefor
     store.putMask(L"*.a", nullptr);
     store.putMask(L"*.b", jane);
     store.putMask(L"*.c", nullptr);
-    store.recording.raise("getAccountBySidW", Fault::AccessViolation);
+    store.raise("getAccountBySidW", Fault::AccessViolation);
     visit
-        .list([this](HWND, const ListInDialog& list) {
-            EXPECT_THAT(store.recording.lines(), ElementsAre("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
+        .list([this](HWND, const ListView& list) {
+            EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
             EXPECT_EQ(list.rows().back(), "*.a|(All)");
             EXPECT_LT(list.rowCount(), 3);
         })
@@ -295,12 +296,12 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfARowKeepsTheRowsBefor
 
 TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfANewRowIsTheEditors)
 {
-    store.recording.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: in the entry dialog
+    store.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: in the entry dialog
     visit.add();
     choose(L"jane");
     visit.enter(kEntry, L"*.b")
-        .list([this](HWND, const ListInDialog&) {
-            EXPECT_THAT(store.recording.lines(), testing::Contains("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
+        .list([this](HWND, const ListView&) {
+            EXPECT_THAT(store.lines(), testing::Contains("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
         })
         .press(IDCANCEL);
     EXPECT_EQ(visit.run(editExcludeExts), 0);
@@ -310,12 +311,12 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfANewRowIsTheEditors)
 TEST_F(BlockedExtensionsTest, AFaultWhileTheEntryOpensIsItsOwn)
 {
     store.putMask(L"*.b", jane);
-    store.recording.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: the row
+    store.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: the row
     visit.edit(0)
         .entry(kEntry,
                [this](HWND entry) {
-                   EXPECT_THAT(store.recording.lines(), ElementsAre("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
-                   EXPECT_EQ(controlText(entry, ids::kText), "*.b");
+                   EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
+                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.b");
                })
         .press(IDOK)
         .press(IDCANCEL);
@@ -326,17 +327,16 @@ TEST_F(BlockedExtensionsTest, AFaultWhileTheEntryOpensIsItsOwn)
 TEST_F(BlockedExtensionsTest, AFaultAfterChoosingKeepsTheChoice)
 {
     store.putMask(L"*.b", nullptr);
-    store.recording.raise("getAccountBySidW", Fault::CppException);
+    store.raise("getAccountBySidW", Fault::CppException);
     visit.edit(0);
     choose(L"jane");
     visit
         .entry(kEntry,
                [this](HWND) {
-                   EXPECT_THAT(store.recording.lines(),
-                               testing::Contains("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
+                   EXPECT_THAT(store.lines(), testing::Contains("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
                })
         .press(IDOK)
-        .list([](HWND, const ListInDialog& list) { EXPECT_THAT(list.rows(), ElementsAre("*.b|jane")); })
+        .list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("*.b|jane")); })
         .press(IDCANCEL);
     visit.run(editExcludeExts);
 }

@@ -1,4 +1,5 @@
 #include "tests/policies/editor_case.h"
+#include "res/resource.h"
 
 #include <ostream>
 
@@ -12,11 +13,6 @@ std::string at(const char* call, int index)
 }
 
 } // namespace
-
-std::ostream& operator<<(std::ostream& out, const ColumnLook& column)
-{
-    return out << column.heading << ' ' << column.width << (column.right ? " right" : " left");
-}
 
 std::ostream& operator<<(std::ostream& out, const EditorCase& editor)
 {
@@ -41,15 +37,12 @@ const std::vector<EditorCase> kEditors = {
         .name = "Notifications",
         .open = editNotifications,
         .caption = "Notifications",
-        .listId = 1015,
+        .listId = IDC_NOTIFICATIONS_LIST,
         .removeButton = "Remove",
         .hasEditButton = true,
         .sorted = false,
-        .columns = {{"Scripts", 300, false},
-                    {"For whom started", 100, false},
-                    {"How often", 80, true},
-                    {"Impersonate to", 100, false},
-                    {"Min increment", 80, true}},
+        .columns = {"Scripts 300", "For whom started 100", "How often 80 right", "Impersonate to 100",
+                    "Min increment 80 right"},
         .crashLine = "UI CRASH: notflDlg, MyDlgProc, 245\n",
         .put =
             [](PolicyStore& store, const wchar_t* text) {
@@ -71,11 +64,11 @@ const std::vector<EditorCase> kEditors = {
         .name = "Excludes",
         .open = editExcludes,
         .caption = "Manage exception files",
-        .listId = 1011,
+        .listId = IDC_POLICY_LIST,
         .removeButton = "Delete",
         .hasEditButton = true,
         .sorted = false,
-        .columns = {{"Excludes", 400, false}},
+        .columns = {"Excludes 400"},
         .crashLine = "UI CRASH: exclDlg, MyDlgProc, 178\n",
         .put = [](PolicyStore& store, const wchar_t* text) { store.putExclude(text); },
         .moreCells = "",
@@ -90,11 +83,11 @@ const std::vector<EditorCase> kEditors = {
         .name = "BlockedExtensions",
         .open = editExcludeExts,
         .caption = "Manage blocked extensions",
-        .listId = 1011,
+        .listId = IDC_POLICY_LIST,
         .removeButton = "Delete",
         .hasEditButton = true,
         .sorted = false,
-        .columns = {{"Blocked masks", 300, false}, {"Applicable to", 100, false}},
+        .columns = {"Blocked masks 300", "Applicable to 100"},
         .crashLine = "UI CRASH: exclextDlg, MyDlgProc, 191\n",
         .put = [](PolicyStore& store, const wchar_t* text) { store.putMask(text, nullptr); },
         .moreCells = "|(All)",
@@ -109,11 +102,11 @@ const std::vector<EditorCase> kEditors = {
         .name = "AdministrativeAccounts",
         .open = editMgrAccounts,
         .caption = "Manage Administrative Accounts",
-        .listId = 1011,
+        .listId = IDC_POLICY_LIST,
         .removeButton = "Delete",
         .hasEditButton = false,
         .sorted = false,
-        .columns = {{"Accounts", 400, false}},
+        .columns = {"Accounts 400"},
         .crashLine = "UI CRASH: mgrDlg, MyDlgProc, 177\n",
         .put = [](PolicyStore& store, const wchar_t* text) { store.putAccount(text); },
         .moreCells = "",
@@ -128,11 +121,11 @@ const std::vector<EditorCase> kEditors = {
         .name = "BackupTools",
         .open = editBackupTools,
         .caption = "Manage backup tools",
-        .listId = 1011,
+        .listId = IDC_POLICY_LIST,
         .removeButton = "Delete",
         .hasEditButton = true,
         .sorted = true,
-        .columns = {{"Backup Tools", 400, false}},
+        .columns = {"Backup Tools 400"},
         .crashLine = "UI CRASH: excpDlg, MyDlgProc, 178\n",
         .put = [](PolicyStore& store, const wchar_t* text) { store.putTool(text); },
         .moreCells = "",

@@ -2,19 +2,11 @@
 #pragma once
 
 #include "corvane.h"
-#include "tests/policies/policy_store.h"
+#include "tests/support/policy_store.h"
 
 #include <iosfwd>
 #include <string>
 #include <vector>
-
-struct ColumnLook {
-    std::string heading;
-    int width;
-    bool right;
-    friend bool operator==(const ColumnLook&, const ColumnLook&) = default;
-    friend std::ostream& operator<<(std::ostream& out, const ColumnLook& column);
-};
 
 struct EditorCase {
     const char* name;
@@ -24,7 +16,7 @@ struct EditorCase {
     const char* removeButton;
     bool hasEditButton;
     bool sorted; ///< shows the texts in ascending order; the others show the store's order reversed
-    std::vector<ColumnLook> columns;
+    std::vector<std::string> columns; ///< as ListView tells them
     const char* crashLine;
 
     void (*put)(PolicyStore& store, const wchar_t* text); ///< adds an entry without anything special

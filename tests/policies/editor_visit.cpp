@@ -1,31 +1,32 @@
 #include "tests/policies/editor_visit.h"
+#include "res/resource.h"
 
 #include <gtest/gtest.h>
 
 EditorVisit& EditorVisit::add()
 {
-    return list([this](HWND dialog, const ListInDialog&) {
-        m_store.recording.takeCalls();
-        clickLater(dialog, ids::kAdd);
+    return list([this](HWND dialog, const ListView&) {
+        m_store.takeCalls();
+        clickLater(dialog, IDC_POLICY_ADD);
     });
 }
 
 EditorVisit& EditorVisit::edit(int row)
 {
-    return list([this, row](HWND dialog, const ListInDialog& rows) {
-        rows.selectOnly(row);
-        m_store.recording.takeCalls();
+    return list([this, row](HWND dialog, const ListView& rows) {
+        rows.selectOnly({row});
+        m_store.takeCalls();
         // Not by the button: one of the editors has none.
-        PostMessageW(dialog, WM_COMMAND, ids::kEdit, 0);
+        PostMessageW(dialog, WM_COMMAND, IDC_POLICY_EDIT, 0);
     });
 }
 
 EditorVisit& EditorVisit::remove(int row)
 {
-    return list([this, row](HWND dialog, const ListInDialog& rows) {
-        rows.selectOnly(row);
-        m_store.recording.takeCalls();
-        click(dialog, ids::kRemove);
+    return list([this, row](HWND dialog, const ListView& rows) {
+        rows.selectOnly({row});
+        m_store.takeCalls();
+        click(dialog, IDC_POLICY_REMOVE);
     });
 }
 
@@ -33,7 +34,7 @@ EditorVisit& EditorVisit::list(OnList act)
 {
     script.onDialog("on the list", [this, act = std::move(act)](HWND dialog) {
         ASSERT_NE(GetDlgItem(dialog, m_listId), nullptr) << "\"" << windowText(dialog) << "\" is in front";
-        act(dialog, ListInDialog(dialog, m_listId));
+        act(dialog, ListView(dialog, m_listId));
     });
     return *this;
 }
@@ -51,9 +52,25 @@ EditorVisit& EditorVisit::entry(std::string caption, OnEntry act)
 EditorVisit& EditorVisit::enter(std::string caption, std::wstring text)
 {
     return entry(std::move(caption), [text = std::move(text)](HWND dialog) {
-        type(dialog, ids::kText, text.c_str());
+        type(dialog, IDC_ENTRY_TEXT, text.c_str());
         clickLater(dialog, IDOK);
     });
+}
+
+EditorVisit& EditorVisit::leaveEntries(std::string caption)
+{
+    const auto typeUnwanted = [](HWND entry) {
+        type(entry, IDC_ENTRY_TEXT, L"unwanted");
+    };
+    return add()
+        .entry(caption, typeUnwanted)
+        .press(IDCANCEL)
+        .list([this](HWND, const ListView&) { EXPECT_TRUE(m_store.takeCalls().empty()); })
+        .edit(0)
+        .entry(caption, [typeUnwanted](HWND entry) {
+            typeUnwanted(entry);
+            PostMessageW(entry, WM_CLOSE, 0, 0);
+        });
 }
 
 EditorVisit& EditorVisit::press(int id)
@@ -64,11 +81,9 @@ EditorVisit& EditorVisit::press(int id)
 
 EditorVisit& EditorVisit::chooseByName(std::wstring name)
 {
-    constexpr int kExactName = 1014;
-    constexpr int kName = 1009;
     return entry("Choose subject", [name = std::move(name)](HWND chooser) {
-        click(chooser, kExactName);
-        type(chooser, kName, name.c_str());
+        click(chooser, IDC_CHOOSER_TYPE);
+        type(chooser, IDC_CHOOSER_NAME, name.c_str());
         clickLater(chooser, IDOK);
     });
 }

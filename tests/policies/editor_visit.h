@@ -1,27 +1,20 @@
 // A visit to a list editor: what a person does there, step by step.
 #pragma once
 
-#include "tests/policies/list_in_dialog.h"
-#include "tests/policies/policy_store.h"
+#include "res/resource.h"
 #include "tests/support/dialog_script.h"
+#include "tests/support/list_view.h"
+#include "tests/support/policy_store.h"
 #include "tests/support/window_text.h"
 
 #include <string>
 
-namespace ids {
-inline constexpr int kAdd = 1005;
-inline constexpr int kRemove = 1006;
-inline constexpr int kEdit = 1008;
-inline constexpr int kText = 1012;
-inline constexpr int kBrowse = 3;
-} // namespace ids
-
 class EditorVisit {
 public:
-    using OnList = std::function<void(HWND dialog, const ListInDialog& list)>;
+    using OnList = std::function<void(HWND dialog, const ListView& list)>;
     using OnEntry = std::function<void(HWND entry)>;
 
-    explicit EditorVisit(PolicyStore& store, int listId = 1011)
+    explicit EditorVisit(PolicyStore& store, int listId = IDC_POLICY_LIST)
         : m_store(store)
         , m_listId(listId)
     {
@@ -44,6 +37,9 @@ public:
 
     /// Types into the entry dialog's one edit, and presses OK.
     EditorVisit& enter(std::string caption, std::wstring text);
+
+    /// Cancels a new entry, which asks nothing of the store, then asks for the first entry, types, and closes it.
+    EditorVisit& leaveEntries(std::string caption);
 
     /// Presses OK or Cancel in whatever dialog is in front.
     EditorVisit& press(int id);

@@ -1,4 +1,5 @@
 // Commands that a person does not give by a click: by other ids, with other notifications, on several rows at once.
+#include "res/resource.h"
 #include "tests/policies/editor_case.h"
 #include "tests/policies/editor_visit.h"
 
@@ -45,7 +46,7 @@ INT_PTR answerOf(HWND dialog, UINT message, WPARAM wParam = 0)
 
 void sendStrangeCommands(HWND dialog)
 {
-    for (const int id : {0, 7, 1011, 1015, 9999}) {
+    for (const int id : {0, 7, IDC_POLICY_LIST, IDC_NOTIFICATIONS_LIST, 9999}) {
         EXPECT_EQ(answerOf(dialog, WM_COMMAND, static_cast<WPARAM>(id)), TRUE) << id;
     }
 }
@@ -55,13 +56,13 @@ void sendStrangeCommands(HWND dialog)
 TEST_P(ListEditorCommandsTest, OtherIdsDoNothing)
 {
     visit
-        .list([this](HWND dialog, const ListInDialog& list) {
-            list.selectOnly(1);
-            store.recording.takeCalls();
+        .list([this](HWND dialog, const ListView& list) {
+            list.selectOnly({1});
+            store.takeCalls();
             sendStrangeCommands(dialog);
             EXPECT_EQ(answerOf(dialog, WM_DESTROY), TRUE);
             EXPECT_EQ(answerOf(dialog, WM_SIZE), FALSE);
-            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+            EXPECT_THAT(store.takeCalls(), IsEmpty());
             EXPECT_EQ(list.rowCount(), 4);
         })
         .press(IDCANCEL);
@@ -70,31 +71,31 @@ TEST_P(ListEditorCommandsTest, OtherIdsDoNothing)
 
 TEST_P(ListEditorCommandsTest, TheIdCountsWhateverTheNotification)
 {
-    visit.list([this](HWND dialog, const ListInDialog& list) {
-        list.selectOnly(1);
-        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(ids::kRemove, 5), 0);
+    visit.list([this](HWND dialog, const ListView& list) {
+        list.selectOnly({1});
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_POLICY_REMOVE, 5), 0);
         EXPECT_EQ(list.rowCount(), 3);
-        store.recording.takeCalls();
+        store.takeCalls();
         PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 5), 0);
     });
     EXPECT_EQ(visit.run(editor.open), 0);
-    EXPECT_EQ(store.recording.calls(), editor.storing);
+    EXPECT_EQ(store.calls(), editor.storing);
 }
 
 TEST_P(ListEditorCommandsTest, EditsTheFirstOfSeveralSelectedRows)
 {
     const int index = editor.sorted ? 1 : 2;
     visit
-        .list([this](HWND dialog, const ListInDialog& list) {
+        .list([this](HWND dialog, const ListView& list) {
             list.select(-1, false);
             list.select(3);
             list.select(1);
-            store.recording.takeCalls();
-            PostMessageW(dialog, WM_COMMAND, ids::kEdit, 0);
+            store.takeCalls();
+            PostMessageW(dialog, WM_COMMAND, IDC_POLICY_EDIT, 0);
         })
         .press(IDCANCEL)
-        .list([this, index](HWND, const ListInDialog&) {
-            const std::vector<std::string> calls = store.recording.takeCalls();
+        .list([this, index](HWND, const ListView&) {
+            const std::vector<std::string> calls = store.takeCalls();
             ASSERT_THAT(calls, testing::Not(IsEmpty()));
             EXPECT_THAT(calls.front(), testing::EndsWith(" " + std::to_string(index)));
         })
@@ -106,12 +107,12 @@ TEST_P(EntryCommandsTest, OtherIdsDoNothingInTheEntryDialog)
 {
     visit.add();
     visit.script.onDialog("in the entry dialog", [this](HWND entry) {
-        ASSERT_NE(GetDlgItem(entry, ids::kText), nullptr);
-        type(entry, ids::kText, L"typed");
-        store.recording.takeCalls();
+        ASSERT_NE(GetDlgItem(entry, IDC_ENTRY_TEXT), nullptr);
+        type(entry, IDC_ENTRY_TEXT, L"typed");
+        store.takeCalls();
         sendStrangeCommands(entry);
-        EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
-        EXPECT_EQ(controlText(entry, ids::kText), "typed");
+        EXPECT_THAT(store.takeCalls(), IsEmpty());
+        EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "typed");
         clickLater(entry, IDCANCEL);
     });
     visit.press(IDCANCEL);

@@ -1,7 +1,8 @@
 // Faults in every store call of every list editor: one line with the editor's site, and the dialog goes on.
+#include "res/resource.h"
 #include "tests/policies/editor_case.h"
 #include "tests/policies/editor_visit.h"
-#include "tests/policies/list_in_dialog.h"
+#include "tests/support/list_view.h"
 
 #include <gmock/gmock.h>
 
@@ -28,16 +29,16 @@ protected:
         editor.put(store, L"one");
         editor.put(store, L"two");
         const EditorCase& shown = editor;
-        void* const jane = store.recording.account("jane");
-        store.recording.answer.getSidByNameW = [&store, jane](const wchar_t*) {
-            return store.recording.answer.sidDup(jane);
+        void* const jane = store.account("jane");
+        store.answer.getSidByNameW = [&store, jane](const wchar_t*) {
+            return store.answer.sidDup(jane);
         };
 
         DialogScript script;
         const auto onList = [&](const char* what, EditorVisit::OnList act) {
             script.onDialog(what, [&shown, act](HWND dialog) {
                 ASSERT_EQ(windowText(dialog), shown.caption);
-                act(dialog, ListInDialog(dialog, shown.listId));
+                act(dialog, ListView(dialog, shown.listId));
             });
         };
         const auto enter = [&] {
@@ -45,26 +46,26 @@ protected:
                 if (windowText(dialog) == shown.caption) {
                     return; // the fault came before
                 }
-                if (GetDlgItem(dialog, ids::kText) != nullptr) {
-                    type(dialog, ids::kText, L"entered");
+                if (GetDlgItem(dialog, IDC_ENTRY_TEXT) != nullptr) {
+                    type(dialog, IDC_ENTRY_TEXT, L"entered");
                 } else { // the account chooser
-                    click(dialog, 1014);
-                    type(dialog, 1009, L"jane");
+                    click(dialog, IDC_CHOOSER_TYPE);
+                    type(dialog, IDC_CHOOSER_NAME, L"jane");
                 }
                 clickLater(dialog, IDOK);
             });
         };
         onList("add",
-               [](HWND dialog, const ListInDialog&) { PostMessageW(dialog, WM_COMMAND, ids::kAdd, 0); });
+               [](HWND dialog, const ListView&) { PostMessageW(dialog, WM_COMMAND, IDC_POLICY_ADD, 0); });
         enter();
-        onList("edit", [](HWND dialog, const ListInDialog& list) {
-            list.selectOnly(0);
-            PostMessageW(dialog, WM_COMMAND, ids::kEdit, 0);
+        onList("edit", [](HWND dialog, const ListView& list) {
+            list.selectOnly({0});
+            PostMessageW(dialog, WM_COMMAND, IDC_POLICY_EDIT, 0);
         });
         enter();
-        onList("remove and store", [](HWND dialog, const ListInDialog& list) {
-            list.selectOnly(0);
-            SendMessageW(dialog, WM_COMMAND, ids::kRemove, 0);
+        onList("remove and store", [](HWND dialog, const ListView& list) {
+            list.selectOnly({0});
+            SendMessageW(dialog, WM_COMMAND, IDC_POLICY_REMOVE, 0);
             SendMessageW(dialog, WM_COMMAND, IDOK, 0);
             if (IsWindowVisible(dialog)) {
                 EXPECT_TRUE(IsWindowEnabled(dialog));
@@ -79,7 +80,7 @@ protected:
     {
         for (HWND dialog : DialogScript::dialogs()) {
             if (windowText(dialog) == editor.caption) {
-                return ListInDialog(dialog, editor.listId).rowCount();
+                return ListView(dialog, editor.listId).rowCount();
             }
         }
         return -1;
@@ -87,7 +88,7 @@ protected:
 
     static std::vector<std::string> crashLines(const PolicyStore& store)
     {
-        std::vector<std::string> lines = store.recording.lines();
+        std::vector<std::string> lines = store.lines();
         std::erase_if(lines, [](const std::string& line) { return !line.starts_with("UI CRASH"); });
         return lines;
     }
@@ -102,7 +103,7 @@ protected:
         EXPECT_THAT(crashLines(store), testing::IsEmpty());
         std::map<std::string, int> counts;
         std::vector<StoreCall> calls;
-        for (const std::string& call : store.recording.calls()) {
+        for (const std::string& call : store.calls()) {
             const std::string function = call.substr(0, call.find(' '));
             if (!kOfTheChooser.contains(function)) {
                 calls.push_back({function, ++counts[function]});
@@ -125,12 +126,12 @@ TEST_P(ListEditorFaultTest, AFaultInAnyStoreCallLeavesTheDialogAlive)
         const Fault fault = kEveryFault[kind++ % std::size(kEveryFault)];
         SCOPED_TRACE(call.function + " " + std::to_string(call.nth) + ", " + faultName(fault));
         PolicyStore store;
-        store.recording.raise(call.function, fault, call.nth);
+        store.raise(call.function, fault, call.nth);
         visit(store);
         EXPECT_THAT(crashLines(store), ElementsAre(editor.crashLine));
         // However it went, the list was given back at the end; when that was what faulted, the dialog was still there
         // for a second try.
-        const std::vector<std::string> made = store.recording.calls();
+        const std::vector<std::string> made = store.calls();
         EXPECT_EQ(made.back(), editor.free);
         EXPECT_EQ(std::count(made.begin(), made.end(), editor.free), call.function == editor.free ? 2 : 1);
     }
@@ -139,8 +140,8 @@ TEST_P(ListEditorFaultTest, AFaultInAnyStoreCallLeavesTheDialogAlive)
 TEST_P(ListEditorFaultTest, SurvivesADebugChannelThatFaultsToo)
 {
     PolicyStore store;
-    store.recording.raise(editor.load, Fault::AccessViolation);
-    store.recording.raise("ODS", Fault::AccessViolation);
+    store.raise(editor.load, Fault::AccessViolation);
+    store.raise("ODS", Fault::AccessViolation);
     visit(store);
     EXPECT_THAT(crashLines(store), ElementsAre(editor.crashLine));
 }
@@ -156,7 +157,7 @@ TEST_P(ListEditorFaultTest, TheListFollowsTheStoreExceptInARemoval)
             return call(arguments...);
         };
     };
-    StoreAnswers& answer = store.recording.answer;
+    StoreAnswers& answer = store.answer;
     watch("add ", answer.addToNotifications);
     watch("add ", answer.addToExcludes);
     watch("add ", answer.addToExcludeExts);

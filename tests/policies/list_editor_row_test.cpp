@@ -1,4 +1,5 @@
 // After a change the row stands ready for the next command, and keys give the commands.
+#include "res/resource.h"
 #include "tests/policies/editor_case.h"
 #include "tests/policies/editor_visit.h"
 #include "tests/support/import_patch.h"
@@ -20,9 +21,9 @@ class ListEditorRowTest : public testing::TestWithParam<EditorCase> {
 protected:
     ListEditorRowTest()
     {
-        void* const jane = store.recording.account("zz jane");
-        store.recording.answer.getSidByNameW = [this, jane](const wchar_t*) {
-            return store.recording.answer.sidDup(jane);
+        void* const jane = store.account("zz jane");
+        store.answer.getSidByNameW = [this, jane](const wchar_t*) {
+            return store.answer.sidDup(jane);
         };
         for (int i = 0; i < kEntries; ++i) {
             editor.put(store, (L"entry " + std::to_wstring(100 + i)).c_str());
@@ -34,11 +35,11 @@ protected:
     {
         return visit.script.onDialog("enter",
                                      [](HWND dialog) {
-                                         if (GetDlgItem(dialog, ids::kText) != nullptr) {
-                                             type(dialog, ids::kText, L"zz jane");
+                                         if (GetDlgItem(dialog, IDC_ENTRY_TEXT) != nullptr) {
+                                             type(dialog, IDC_ENTRY_TEXT, L"zz jane");
                                          } else { // the account chooser
-                                             click(dialog, 1014);
-                                             type(dialog, 1009, L"zz jane");
+                                             click(dialog, IDC_CHOOSER_TYPE);
+                                             type(dialog, IDC_CHOOSER_NAME, L"zz jane");
                                          }
                                          clickLater(dialog, IDOK);
                                      }),
@@ -46,30 +47,24 @@ protected:
     }
 
     /// The row of an entry is the one that is selected, has the focus and can be seen.
-    void expectReady(HWND dialog, const ListInDialog& list, LPARAM index) const
+    void expectReady(HWND dialog, const ListView& list, LPARAM index) const
     {
-        ASSERT_EQ(ListView_GetSelectedCount(list.window()), 1u);
-        const int row = ListView_GetNextItem(list.window(), -1, LVNI_SELECTED);
+        ASSERT_EQ(list.selectedCount(), 1u);
+        const int row = list.selected();
         EXPECT_EQ(list.data(row), index);
-        EXPECT_EQ(utf8(list.cell(row, 0)), "zz jane");
-        EXPECT_EQ(ListView_GetNextItem(list.window(), -1, LVNI_FOCUSED), row);
-        const int top = ListView_GetTopIndex(list.window());
+        EXPECT_EQ(list.text(row, 0), "zz jane");
+        EXPECT_EQ(list.focused(), row);
+        const int top = ListView_GetTopIndex(list.list());
         EXPECT_GE(row, top);
-        EXPECT_LT(row, top + ListView_GetCountPerPage(list.window()));
-        EXPECT_TRUE(isEnabled(dialog, ids::kRemove));
+        EXPECT_LT(row, top + ListView_GetCountPerPage(list.list()));
+        EXPECT_TRUE(isEnabled(dialog, IDC_POLICY_REMOVE));
         EXPECT_EQ(GetDlgCtrlID(focusOf(dialog)), editor.listId);
     }
 
-    static void press(const ListInDialog& list, WPARAM key)
-    {
-        PostMessageW(list.window(), WM_KEYDOWN, key, 0);
-    }
+    static void press(const ListView& list, WPARAM key) { PostMessageW(list.list(), WM_KEYDOWN, key, 0); }
 
     /// What stands in the list last, wherever that is.
-    static void scrollAway(const ListInDialog& list, int row)
-    {
-        ListView_EnsureVisible(list.window(), row, FALSE);
-    }
+    static void scrollAway(const ListView& list, int row) { ListView_EnsureVisible(list.list(), row, FALSE); }
 
     const EditorCase& editor = GetParam();
     PolicyStore store;
@@ -80,16 +75,16 @@ protected:
 
 TEST_P(ListEditorRowTest, AnAddedRowIsReadyForTheNextCommand)
 {
-    visit.list([this](HWND dialog, const ListInDialog& list) {
+    visit.list([this](HWND dialog, const ListView& list) {
         list.select(3);
         list.select(5);
         scrollAway(list, editor.sorted ? 0 : kEntries - 1);
-        SetFocus(GetDlgItem(dialog, ids::kAdd));
-        clickLater(dialog, ids::kAdd);
+        SetFocus(GetDlgItem(dialog, IDC_POLICY_ADD));
+        clickLater(dialog, IDC_POLICY_ADD);
     });
     enter()
-        .list([this](HWND dialog, const ListInDialog& list) {
-            SetFocus(list.window());
+        .list([this](HWND dialog, const ListView& list) {
+            SetFocus(list.list());
             expectReady(dialog, list, kEntries);
         })
         .press(IDCANCEL);
@@ -99,15 +94,15 @@ TEST_P(ListEditorRowTest, AnAddedRowIsReadyForTheNextCommand)
 TEST_P(ListEditorRowTest, AnEditedRowIsReadyForTheNextCommand)
 {
     LPARAM index = -1;
-    visit.list([&index](HWND dialog, const ListInDialog& list) {
+    visit.list([&index](HWND dialog, const ListView& list) {
         list.select(30);
         list.select(31);
         index = list.data(30);
-        PostMessageW(dialog, WM_COMMAND, ids::kEdit, 0);
+        PostMessageW(dialog, WM_COMMAND, IDC_POLICY_EDIT, 0);
         scrollAway(list, 0);
     });
     enter()
-        .list([&, this](HWND dialog, const ListInDialog& list) {
+        .list([&, this](HWND dialog, const ListView& list) {
             EXPECT_EQ(list.rowCount(), kEntries);
             expectReady(dialog, list, index);
         })
@@ -117,31 +112,31 @@ TEST_P(ListEditorRowTest, AnEditedRowIsReadyForTheNextCommand)
 
 TEST_P(ListEditorRowTest, KeysAddEditAndRemove)
 {
-    visit.list([](HWND, const ListInDialog& list) {
-        SetFocus(list.window());
+    visit.list([](HWND, const ListView& list) {
+        SetFocus(list.list());
         press(list, VK_INSERT);
     });
-    enter().list([](HWND, const ListInDialog& list) {
+    enter().list([](HWND, const ListView& list) {
         EXPECT_EQ(list.rowCount(), kEntries + 1);
-        list.selectOnly(2);
+        list.selectOnly({2});
         press(list, VK_F2);
     });
     enter()
-        .list([this](HWND dialog, const ListInDialog& list) {
+        .list([this](HWND dialog, const ListView& list) {
             EXPECT_EQ(list.rowCount(), kEntries + 1);
-            EXPECT_EQ(utf8(list.cell(ListView_GetNextItem(list.window(), -1, LVNI_SELECTED), 0)), "zz jane");
-            list.selectOnly(4);
+            EXPECT_EQ(list.text(list.selected(), 0), "zz jane");
+            list.selectOnly({4});
             const std::string call = editor.removeCall + " " + std::to_string(list.data(4));
-            store.recording.takeCalls();
-            SendMessageW(list.window(), WM_KEYDOWN, VK_DELETE, 0);
+            store.takeCalls();
+            SendMessageW(list.list(), WM_KEYDOWN, VK_DELETE, 0);
             EXPECT_EQ(list.rowCount(), kEntries);
-            EXPECT_THAT(store.recording.takeCalls(), ElementsAre(call));
-            EXPECT_FALSE(isEnabled(dialog, ids::kRemove));
+            EXPECT_THAT(store.takeCalls(), ElementsAre(call));
+            EXPECT_FALSE(isEnabled(dialog, IDC_POLICY_REMOVE));
             // Nothing is selected any more.
-            SendMessageW(list.window(), WM_KEYDOWN, VK_DELETE, 0);
-            SendMessageW(list.window(), WM_KEYDOWN, VK_F2, 0);
-            SendMessageW(list.window(), WM_KEYDOWN, VK_F3, 0);
-            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+            SendMessageW(list.list(), WM_KEYDOWN, VK_DELETE, 0);
+            SendMessageW(list.list(), WM_KEYDOWN, VK_F2, 0);
+            SendMessageW(list.list(), WM_KEYDOWN, VK_F3, 0);
+            EXPECT_THAT(store.takeCalls(), IsEmpty());
         })
         .press(IDCANCEL);
     EXPECT_EQ(visit.run(editor.open), 0);
@@ -150,9 +145,9 @@ TEST_P(ListEditorRowTest, KeysAddEditAndRemove)
 TEST_P(ListEditorRowTest, AKeyHeldWithAnotherIsNoCommand)
 {
     visit
-        .list([this](HWND, const ListInDialog& list) {
-            list.selectOnly(4);
-            store.recording.takeCalls();
+        .list([this](HWND, const ListView& list) {
+            list.selectOnly({4});
+            store.takeCalls();
             for (const int held : {VK_SHIFT, VK_CONTROL, VK_MENU}) {
                 static int heldKey;
                 heldKey = held;
@@ -160,10 +155,10 @@ TEST_P(ListEditorRowTest, AKeyHeldWithAnotherIsNoCommand)
                     ImportPatch::corvane(), "GetKeyState",
                     +[](int key) -> SHORT { return key == heldKey ? SHORT(-128) : SHORT(0); });
                 ASSERT_EQ(keys.count(), 1);
-                SendMessageW(list.window(), WM_KEYDOWN, VK_DELETE, 0);
+                SendMessageW(list.list(), WM_KEYDOWN, VK_DELETE, 0);
             }
             EXPECT_EQ(list.rowCount(), kEntries);
-            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
+            EXPECT_THAT(store.takeCalls(), IsEmpty());
         })
         .press(IDCANCEL);
     EXPECT_EQ(visit.run(editor.open), 0);
@@ -173,7 +168,7 @@ TEST_P(ListEditorRowTest, LooksAtTheSelectionOnlyWhenItChanges)
 {
     static int enabled = 0;
     visit
-        .list([](HWND, const ListInDialog& list) {
+        .list([](HWND, const ListView& list) {
             const ImportPatch enable(
                 ImportPatch::corvane(), "EnableWindow", +[](HWND window, BOOL on) -> BOOL {
                     ++enabled;
@@ -181,12 +176,12 @@ TEST_P(ListEditorRowTest, LooksAtTheSelectionOnlyWhenItChanges)
                 });
             ASSERT_EQ(enable.count(), 1);
             enabled = 0;
-            ListView_SetItemState(list.window(), 7, LVIS_FOCUSED, LVIS_FOCUSED);
+            ListView_SetItemState(list.list(), 7, LVIS_FOCUSED, LVIS_FOCUSED);
             wchar_t text[] = L"other";
             LVITEMW item{};
             item.mask = LVIF_TEXT;
             item.pszText = text;
-            SendMessageW(list.window(), LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+            SendMessageW(list.list(), LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
             EXPECT_EQ(enabled, 0);
             list.select(7);
             EXPECT_EQ(enabled, 2); // a missing button is asked for as well
@@ -197,12 +192,12 @@ TEST_P(ListEditorRowTest, LooksAtTheSelectionOnlyWhenItChanges)
 
 TEST_P(ListEditorRowTest, DestroyedFromOutsideItGivesTheListBack)
 {
-    visit.list([this](HWND dialog, const ListInDialog&) {
-        store.recording.takeCalls();
+    visit.list([this](HWND dialog, const ListView&) {
+        store.takeCalls();
         DestroyWindow(dialog);
     });
     visit.run(editor.open);
-    EXPECT_THAT(store.recording.calls(), ElementsAre(editor.free));
+    EXPECT_THAT(store.calls(), ElementsAre(editor.free));
 }
 
 TEST_P(ListEditorRowTest, DestroyedUnderItsEntryDialogItGivesTheListBackAndAddsNothing)
@@ -211,11 +206,11 @@ TEST_P(ListEditorRowTest, DestroyedUnderItsEntryDialogItGivesTheListBackAndAddsN
     visit.script.onDialog("destroy what is behind", [this](HWND entry) {
         HWND editorWindow = GetWindow(entry, GW_OWNER);
         ASSERT_NE(editorWindow, nullptr);
-        store.recording.takeCalls();
+        store.takeCalls();
         DestroyWindow(editorWindow);
     });
     visit.run(editor.open);
-    const std::vector<std::string> calls = store.recording.calls();
+    const std::vector<std::string> calls = store.calls();
     EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.free), 1);
     EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
                             [](const std::string& call) { return call.starts_with("addTo"); }),
@@ -227,7 +222,7 @@ TEST_P(ListEditorRowTest, AnEntryDialogThatIsDestroyedLeavesItUsable)
     visit.add();
     visit.script.onDialog("destroy it", [](HWND entry) { DestroyWindow(entry); });
     visit
-        .list([this](HWND dialog, const ListInDialog&) {
+        .list([this](HWND dialog, const ListView&) {
             EXPECT_EQ(windowText(dialog), editor.caption);
             EXPECT_TRUE(IsWindowEnabled(dialog));
         })
@@ -240,31 +235,31 @@ TEST_P(ListEditorRowTest, CommandsSentPastAnEntryDialogAreNotTaken)
     visit.add();
     visit.script.onDialog("send commands to what is behind", [this](HWND entry) {
         HWND editorWindow = GetWindow(entry, GW_OWNER);
-        store.recording.takeCalls();
-        for (const int id : {IDOK, IDCANCEL, ids::kAdd, ids::kEdit, ids::kRemove}) {
+        store.takeCalls();
+        for (const int id : {IDOK, IDCANCEL, IDC_POLICY_ADD, IDC_POLICY_EDIT, IDC_POLICY_REMOVE}) {
             SendMessageW(editorWindow, WM_COMMAND, static_cast<WPARAM>(id), 0);
         }
         PostMessageW(entry, WM_COMMAND, IDCANCEL, 0);
     });
-    visit.list([](HWND dialog, const ListInDialog&) {
+    visit.list([](HWND dialog, const ListView&) {
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     });
     EXPECT_EQ(visit.run(editor.open), 0);
-    const std::vector<std::string> calls = store.recording.calls();
+    const std::vector<std::string> calls = store.calls();
     EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.free), 1);
     EXPECT_EQ(calls.back(), editor.free);
 }
 
 TEST_P(ListEditorRowTest, AFaultInThatIsTold)
 {
-    store.recording.raise(editor.free, Fault::AccessViolation);
-    visit.list([this](HWND dialog, const ListInDialog&) {
-        store.recording.takeCalls();
+    store.raise(editor.free, Fault::AccessViolation);
+    visit.list([this](HWND dialog, const ListView&) {
+        store.takeCalls();
         DestroyWindow(dialog);
     });
     visit.run(editor.open);
-    EXPECT_THAT(store.recording.calls(), ElementsAre(editor.free, std::string("ODS ") + editor.crashLine));
+    EXPECT_THAT(store.calls(), ElementsAre(editor.free, std::string("ODS ") + editor.crashLine));
 }
 
 INSTANTIATE_TEST_SUITE_P(Editors, ListEditorRowTest, testing::ValuesIn(kEditors),

@@ -1,6 +1,8 @@
 // The Notifications dialog: cells, the store calls of each action, indexes.
 #include "corvane.h"
+#include "res/resource.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 
 #include <gmock/gmock.h>
@@ -10,22 +12,14 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr int kList = 1015;
 constexpr char kEntry[] = "Notification script and options...";
-constexpr int kForAnyone = 1022;
-constexpr int kForAccount = 1023;
-constexpr int kAccount = 1026;
-constexpr int kRunAs = 1028;
-constexpr int kPassword = 1029;
-constexpr int kIncrement = 1030;
-constexpr int kPerFiveMinutes = 1034;
 
 constexpr const wchar_t* kNotSet = nullptr;
 
 class NotificationsTest : public testing::Test {
 protected:
     PolicyStore store;
-    EditorVisit visit{store, kList};
+    EditorVisit visit{store, IDC_NOTIFICATIONS_LIST};
 };
 
 std::vector<std::string> rendering(int index)
@@ -53,7 +47,7 @@ TEST_F(NotificationsTest, TellsForWhomHowOftenAsWhomAndFromWhichGrowth)
     store.putNotification(L"beyond", {L"ignored", L"4", L"7200", kNotSet, kNotSet, L"0"});
     store.putNotification(L"below", {L"ignored", L"-1", kNotSet, kNotSet, kNotSet, L"0"});
     visit
-        .list([](HWND, const ListInDialog& list) {
+        .list([](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("below|Anyone|1day(s)|IUSR_VANTREL|0 ",
                                                  "beyond|Anyone|2hr|IUSR_VANTREL|0 ",
                                                  "not of the limit|Not as quota|1min|IUSR_VANTREL|7 ",
@@ -70,18 +64,18 @@ TEST_F(NotificationsTest, AsksTheCountOnEveryPass)
 {
     store.putNotification(L"one", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     // An entry that appears while the list is filled is shown too.
-    store.recording.answer.loadNotifications = [] {
+    store.answer.loadNotifications = [] {
         return 1;
     };
     bool added = false;
-    store.recording.answer.getNotifications = [&](uint32_t index) {
+    store.answer.getNotifications = [&](uint32_t index) {
         if (!added) {
             added = true;
             store.putNotification(L"two", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
         }
         return store.scripts.get(index);
     };
-    visit.list([](HWND, const ListInDialog& list) { EXPECT_THAT(list.allData(), ElementsAre(1, 0)); })
+    visit.list([](HWND, const ListView& list) { EXPECT_THAT(list.allData(), ElementsAre(1, 0)); })
         .press(IDCANCEL);
     visit.run(editNotifications);
 }
@@ -90,8 +84,8 @@ TEST_F(NotificationsTest, AsksForTheAccountWhereItIsShown)
 {
     store.putNotification(L"one", {L"jane", L"1", L"0", kNotSet, kNotSet, L"0"});
     visit
-        .list([this](HWND, const ListInDialog&) {
-            EXPECT_THAT(store.recording.takeCalls(),
+        .list([this](HWND, const ListView&) {
+            EXPECT_THAT(store.takeCalls(),
                         ElementsAre("loadNotifications", "getNotificationsCount", "getNotifications 0",
                                     "getINAttr 0 1", "getNAttr 0 0", "getINAttr 0 2", "getNAttr 0 3",
                                     "getINAttr 0 5", "getNotificationsCount"));
@@ -106,18 +100,18 @@ TEST_F(NotificationsTest, AddsWithAllAttributesInOrder)
     visit.add()
         .entry(kEntry,
                [](HWND entry) {
-                   type(entry, ids::kText, L"C:\\new.vbs");
-                   click(entry, kForAccount);
-                   type(entry, kAccount, L"OFFICE\\jane");
-                   type(entry, kRunAs, L"OFFICE\\runner");
-                   type(entry, kPassword, L"secret");
-                   type(entry, kIncrement, L"5m");
-                   click(entry, kPerFiveMinutes);
+                   type(entry, IDC_ENTRY_TEXT, L"C:\\new.vbs");
+                   click(entry, IDC_NOTIFY_ACCOUNT_ONLY);
+                   type(entry, IDC_NOTIFY_ACCOUNT, L"OFFICE\\jane");
+                   type(entry, IDC_NOTIFY_RUN_AS, L"OFFICE\\runner");
+                   type(entry, IDC_NOTIFY_PASSWORD, L"secret");
+                   type(entry, IDC_NOTIFY_MIN_INCREMENT, L"5m");
+                   click(entry, IDC_NOTIFY_PER_FIVE_MINUTES);
                    clickLater(entry, IDOK);
                })
-        .list([this](HWND dialog, const ListInDialog& list) {
+        .list([this](HWND dialog, const ListView& list) {
             EXPECT_EQ(
-                store.recording.takeCalls(),
+                store.takeCalls(),
                 with({"addToNotifications C:\\new.vbs", "setNAttr 1 0 OFFICE\\jane", "setNAttr 1 1 1",
                       "setNAttr 1 2 300", "setNAttr 1 3 OFFICE\\runner", "setNAttr 1 4 secret",
                       "setNAttr 1 5 5m"},
@@ -128,7 +122,7 @@ TEST_F(NotificationsTest, AddsWithAllAttributesInOrder)
             clickLater(dialog, IDOK);
         });
     EXPECT_EQ(visit.run(editNotifications), 0);
-    EXPECT_THAT(store.recording.calls(), ElementsAre("storeNotifications", "freeNotifications"));
+    EXPECT_THAT(store.calls(), ElementsAre("storeNotifications", "freeNotifications"));
     EXPECT_STREQ(store.attribute(1, 4), L"secret");
 }
 
@@ -136,8 +130,8 @@ TEST_F(NotificationsTest, AddsWhatANewEntryStartsWith)
 {
     visit.add()
         .press(IDOK)
-        .list([this](HWND, const ListInDialog& list) {
-            EXPECT_EQ(store.recording.takeCalls(),
+        .list([this](HWND, const ListView& list) {
+            EXPECT_EQ(store.takeCalls(),
                       with({"addToNotifications", "setNAttr 0 0 null", "setNAttr 0 1 0", "setNAttr 0 2 86400",
                             "setNAttr 0 3 null", "setNAttr 0 4 null", "setNAttr 0 5 0"},
                            rendering(0)));
@@ -156,18 +150,18 @@ TEST_F(NotificationsTest, EditsInPlace)
     visit.edit(1)
         .entry(kEntry,
                [](HWND entry) {
-                   EXPECT_EQ(controlText(entry, ids::kText), "b");
-                   EXPECT_EQ(controlText(entry, kAccount), "jane");
-                   EXPECT_EQ(controlText(entry, kRunAs), "runner");
-                   EXPECT_EQ(controlText(entry, kPassword), "pw");
-                   EXPECT_EQ(controlText(entry, kIncrement), "3k");
-                   type(entry, ids::kText, L"B");
-                   click(entry, kForAnyone);
-                   type(entry, kRunAs, L"");
+                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "b");
+                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_ACCOUNT), "jane");
+                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), "runner");
+                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_PASSWORD), "pw");
+                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_MIN_INCREMENT), "3k");
+                   type(entry, IDC_ENTRY_TEXT, L"B");
+                   click(entry, IDC_NOTIFY_ANYONE);
+                   type(entry, IDC_NOTIFY_RUN_AS, L"");
                    clickLater(entry, IDOK);
                })
-        .list([this](HWND, const ListInDialog& list) {
-            EXPECT_EQ(store.recording.takeCalls(),
+        .list([this](HWND, const ListView& list) {
+            EXPECT_EQ(store.takeCalls(),
                       with({"getNotifications 1", "getNAttr 1 0", "getNAttr 1 1", "getNAttr 1 2",
                             "getNAttr 1 3", "getNAttr 1 4", "getNAttr 1 5", "updateNotifications 1 B",
                             "setNAttr 1 0 jane", "setNAttr 1 1 0", "setNAttr 1 2 60", "setNAttr 1 3 null",
@@ -185,51 +179,35 @@ TEST_F(NotificationsTest, EditsInPlace)
 TEST_F(NotificationsTest, ACancelledEntryChangesNothing)
 {
     store.putNotification(L"a", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
-    visit.add()
-        .entry(kEntry, [](HWND entry) { type(entry, ids::kText, L"unwanted"); })
-        .press(IDCANCEL)
-        .list([this](HWND, const ListInDialog&) { EXPECT_THAT(store.recording.takeCalls(), IsEmpty()); })
-        .edit(0)
-        .entry(kEntry,
-               [](HWND entry) {
-                   type(entry, ids::kText, L"unwanted");
-                   PostMessageW(entry, WM_CLOSE, 0, 0);
-               })
-        .list([this](HWND, const ListInDialog& list) {
-            EXPECT_THAT(store.recording.takeCalls(),
+    visit.leaveEntries(kEntry)
+        .list([this](HWND, const ListView& list) {
+            EXPECT_THAT(store.takeCalls(),
                         ElementsAre("getNotifications 0", "getNAttr 0 0", "getNAttr 0 1", "getNAttr 0 2",
                                     "getNAttr 0 3", "getNAttr 0 4", "getNAttr 0 5"));
             EXPECT_THAT(list.rows(), ElementsAre("a|Anyone|1day(s)|IUSR_VANTREL|0 "));
         })
         .press(IDCANCEL);
     visit.run(editNotifications);
-    EXPECT_THAT(store.recording.calls(), ElementsAre("freeNotifications"));
+    EXPECT_THAT(store.calls(), ElementsAre("freeNotifications"));
 }
 
 TEST_F(NotificationsTest, AnEntryDialogThatCannotBeShownIsACancelledOne)
 {
-    static HRSRC(WINAPI * find)(HMODULE, LPCWSTR, LPCWSTR) = nullptr;
-    const auto allButTheEntry = [](HMODULE module, LPCWSTR name, LPCWSTR kind) {
-        return name == MAKEINTRESOURCEW(153) ? nullptr : find(module, name, kind);
-    };
-    const ImportPatch resources(ImportPatch::corvane(), "FindResourceW",
-                                static_cast<HRSRC(WINAPI*)(HMODULE, LPCWSTR, LPCWSTR)>(allButTheEntry));
-    find = resources.original<HRSRC WINAPI(HMODULE, LPCWSTR, LPCWSTR)>();
+    const HiddenDialog entry(IDD_NOTIFICATION_ENTRY);
     store.putNotification(L"a", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     visit
-        .list([this](HWND dialog, const ListInDialog& list) {
-            list.selectOnly(0);
-            store.recording.takeCalls();
-            click(dialog, ids::kAdd);
-            EXPECT_THAT(store.recording.takeCalls(), IsEmpty());
-            click(dialog, ids::kEdit);
-            EXPECT_THAT(store.recording.takeCalls(),
-                        testing::Not(testing::Contains(testing::HasSubstr("set"))));
+        .list([this](HWND dialog, const ListView& list) {
+            list.selectOnly({0});
+            store.takeCalls();
+            click(dialog, IDC_POLICY_ADD);
+            EXPECT_THAT(store.takeCalls(), IsEmpty());
+            click(dialog, IDC_POLICY_EDIT);
+            EXPECT_THAT(store.takeCalls(), testing::Not(testing::Contains(testing::HasSubstr("set"))));
             EXPECT_THAT(list.rows(), ElementsAre("a|Anyone|1day(s)|IUSR_VANTREL|0 "));
         })
         .press(IDCANCEL);
     EXPECT_EQ(visit.run(editNotifications), 0);
-    EXPECT_THAT(store.recording.lines(), IsEmpty());
+    EXPECT_THAT(store.lines(), IsEmpty());
 }
 
 TEST_F(NotificationsTest, SortsByTheColumnThatIsClicked)
@@ -238,7 +216,7 @@ TEST_F(NotificationsTest, SortsByTheColumnThatIsClicked)
     store.putNotification(L"2", {kNotSet, L"0", L"0", L"c", kNotSet, L"0"});
     store.putNotification(L"3", {kNotSet, L"0", L"0", L"a", kNotSet, L"0"});
     visit
-        .list([](HWND, const ListInDialog& list) {
+        .list([](HWND, const ListView& list) {
             constexpr int kRunAsColumn = 3;
             // The order that a list was sorted in last is the process's: the first click may give either.
             list.clickColumn(kRunAsColumn);
@@ -257,14 +235,14 @@ TEST_F(NotificationsTest, KeepsIndexesThroughRemovals)
         store.putNotification(script, {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     }
     visit.remove(1)
-        .list([this](HWND, const ListInDialog& list) {
-            EXPECT_THAT(store.recording.takeCalls(), ElementsAre("removeNotifications 1"));
+        .list([this](HWND, const ListView& list) {
+            EXPECT_THAT(store.takeCalls(), ElementsAre("removeNotifications 1"));
             EXPECT_THAT(list.allData(), ElementsAre(2, 0));
         })
         .edit(0)
         .press(IDOK)
-        .list([this](HWND, const ListInDialog&) {
-            EXPECT_THAT(store.recording.calls(), testing::Contains("updateNotifications 2 two"));
+        .list([this](HWND, const ListView&) {
+            EXPECT_THAT(store.calls(), testing::Contains("updateNotifications 2 two"));
         })
         .press(IDCANCEL);
     visit.run(editNotifications);
@@ -277,7 +255,9 @@ TEST_F(NotificationsTest, CutsEveryFieldAt259Characters)
     visit.add()
         .entry(kEntry,
                [&](HWND entry) {
-                   for (const int field : {ids::kText, kAccount, kRunAs, kPassword, kIncrement}) {
+                   for (const int field : {IDC_ENTRY_TEXT, IDC_NOTIFY_ACCOUNT, IDC_NOTIFY_RUN_AS,
+                                           IDC_NOTIFY_PASSWORD, IDC_NOTIFY_MIN_INCREMENT})
+                   {
                        type(entry, field, longText.c_str());
                    }
                    clickLater(entry, IDOK);
@@ -294,11 +274,11 @@ TEST_F(NotificationsTest, AFaultWhileFillingKeepsTheRowsSoFar)
 {
     store.putNotification(L"one", {kNotSet, L"0", L"300", kNotSet, kNotSet, L"0"});
     store.putNotification(L"two", {kNotSet, L"0", L"300", kNotSet, kNotSet, L"0"});
-    store.recording.raise("getNAttr", Fault::DivideByZero, 2);
+    store.raise("getNAttr", Fault::DivideByZero, 2);
     visit
-        .list([this](HWND, const ListInDialog& list) {
+        .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("two|Anyone|5min||", "one|Anyone|5min|IUSR_VANTREL|0 "));
-            EXPECT_THAT(store.recording.lines(), ElementsAre("UI CRASH: notflDlg, MyDlgProc, 245\n"));
+            EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: notflDlg, MyDlgProc, 245\n"));
         })
         .press(IDCANCEL);
     EXPECT_EQ(visit.run(editNotifications), 0);

@@ -1,6 +1,8 @@
 // Of a notification's password nothing stays behind, however its dialog ends.
 #include "corvane.h"
+#include "res/resource.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/support/import_patch.h"
 
 #include <gmock/gmock.h>
 
@@ -12,7 +14,6 @@
 namespace {
 
 constexpr char kEntry[] = "Notification script and options...";
-constexpr int kPassword = 1029;
 
 /// A password that stands nowhere as such: it is put together when it is needed.
 std::wstring password(size_t length, wchar_t kind)
@@ -99,6 +100,28 @@ int left(size_t length, wchar_t kind)
     return all.found;
 }
 
+/// Whether a text stands in the writable data of the library.
+bool corvaneHolds(std::wstring_view text)
+{
+    const auto* const module = reinterpret_cast<const BYTE*>(ImportPatch::corvane());
+    MEMORY_BASIC_INFORMATION region{};
+    bool found = false;
+    size_t searched = 0;
+    for (const BYTE* at = module;
+         VirtualQuery(at, &region, sizeof region) != 0 && region.AllocationBase == module;
+         at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize)
+    {
+        if (region.State == MEM_COMMIT && (region.Protect & (PAGE_READWRITE | PAGE_WRITECOPY)) != 0) {
+            const std::wstring_view data(static_cast<const wchar_t*>(region.BaseAddress),
+                                         region.RegionSize / sizeof(wchar_t));
+            searched += data.size();
+            found = found || data.find(text) != std::wstring_view::npos;
+        }
+    }
+    EXPECT_GT(searched, 0u);
+    return found;
+}
+
 /// Short ones stood in other memory than long ones.
 class PasswordTest : public testing::TestWithParam<size_t> {
 protected:
@@ -109,12 +132,12 @@ protected:
         store.putNotification(L"script",
                               {nullptr, L"0", L"0", L"runner", stored ? old.c_str() : nullptr, L"0"});
         wipe(old);
-        EditorVisit visit(store, 1015);
+        EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
             .entry(kEntry,
                    [&](HWND entry) {
                        std::wstring typed = password(length, m_typed);
-                       type(entry, kPassword, typed.c_str());
+                       type(entry, IDC_NOTIFY_PASSWORD, typed.c_str());
                        wipe(typed);
                        PostMessageW(entry, WM_COMMAND, static_cast<WPARAM>(button), 0);
                    })
@@ -152,10 +175,22 @@ TEST_P(PasswordTest, CancelLeavesTheStoresCopyAlone)
 
 TEST_P(PasswordTest, AFaultOfTheStoreLeavesNoCopyEither)
 {
-    store.recording.raise("setNAttr", Fault::AccessViolation);
+    store.raise("setNAttr", Fault::AccessViolation);
     visitEntry(true, IDOK);
     EXPECT_EQ(left(length, m_typed), 0);
     EXPECT_EQ(left(length, m_stored), 1);
+}
+
+TEST(PasswordOfNotificationTest, DoesNotStayInTheLibrarysBuffer)
+{
+    const wchar_t password[] = L"a very rare password";
+    PolicyStore store;
+    store.putNotification(L"script", {nullptr, L"0", L"0", L"runner", password, L"0"});
+    EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
+    visit.edit(0).entry(kEntry, [](HWND entry) { clickLater(entry, IDOK); }).press(IDCANCEL);
+    EXPECT_EQ(visit.run(editNotifications), 0);
+    EXPECT_STREQ(store.attribute(0, 4), password);
+    EXPECT_FALSE(corvaneHolds(password + 7)); // its beginning gives way to the next field's text anyhow
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, PasswordTest, testing::Values(6u, 7u, 40u, 259u),

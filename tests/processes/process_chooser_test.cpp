@@ -1,119 +1,20 @@
 // "Select program from list of running processes", through its export.
-#include "corvane.h"
-#include "tests/processes/run_time_functions.h"
-#include "tests/support/dialog_script.h"
+#include "tests/processes/process_chooser_test.h"
+
 #include "tests/support/import_patch.h"
 #include "tests/support/low_string.h"
 #include "tests/support/nothing_left.h"
 #include "tests/support/owner_window.h"
-#include "tests/support/recording_store.h"
-#include "tests/support/text.h"
-#include "tests/support/window_text.h"
 
 #include <commctrl.h>
 
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <cwchar>
-#include <memory>
-#include <optional>
-#include <tlhelp32.h>
 
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace {
-
-constexpr int kList = 1020;
-
-struct Free {
-    void operator()(wchar_t* text) const { std::free(text); }
-};
-
-std::optional<std::string> chosen(DialogScript& script)
-{
-    const std::unique_ptr<wchar_t, Free> name(script.run([] { return chooseProcess(nullptr); }));
-    return name ? std::optional(utf8(name.get())) : std::nullopt;
-}
-
-HWND listOf(HWND dialog)
-{
-    return GetDlgItem(dialog, kList);
-}
-
-std::vector<std::string> rowsOf(HWND dialog)
-{
-    std::vector<std::string> rows;
-    const auto count = static_cast<int>(SendMessageW(listOf(dialog), LVM_GETITEMCOUNT, 0, 0));
-    for (int row = 0; row < count; ++row) {
-        wchar_t text[400] = L"";
-        LVITEMW item{};
-        item.mask = LVIF_TEXT | LVIF_PARAM;
-        item.iItem = row;
-        item.pszText = text;
-        item.cchTextMax = 400;
-        SendMessageW(listOf(dialog), LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-        rows.push_back(utf8(text) + " " + std::to_string(item.lParam));
-    }
-    return rows;
-}
-
-void selectRow(HWND dialog, int row, bool selected = true)
-{
-    LVITEMW item{};
-    item.stateMask = LVIS_SELECTED;
-    item.state = selected ? LVIS_SELECTED : 0;
-    SendMessageW(listOf(dialog), LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-}
-
-/// The processes that the snapshot tells.
-std::vector<std::wstring> processes;
-size_t nextProcess = 0;
-
-HANDLE WINAPI create(DWORD, DWORD)
-{
-    nextProcess = 0;
-    return CreateEventW(nullptr, FALSE, FALSE, nullptr); // something to close
-}
-
-BOOL WINAPI nextEntry(HANDLE, PROCESSENTRY32W* entry)
-{
-    if (nextProcess == processes.size()) {
-        return FALSE;
-    }
-    // Without an end where the name fills the field.
-    std::wcsncpy(entry->szExeFile, processes[nextProcess++].c_str(), std::size(entry->szExeFile));
-    return TRUE;
-}
-
-// A list view that raises at one message.
-UINT raiseAt = 0;
-int* volatile nowhere = nullptr;
-
-LRESULT WINAPI sendRaising(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == raiseAt) {
-        raiseAt = 0;
-        *nowhere = 1;
-    }
-    return SendMessageW(window, message, wParam, lParam);
-}
-
-struct ProcessChooserTest : testing::Test {
-    ProcessChooserTest()
-    {
-        processes = {L"services.exe", L"Explorer.exe", L"notepad.exe", L"services.exe", L"a.exe"};
-        functions.put("CreateToolhelp32Snapshot", &create);
-        functions.put("Process32FirstW", &nextEntry);
-        functions.put("Process32NextW", &nextEntry);
-    }
-    RecordingStore store;
-    RunTimeFunctions functions{ImportPatch::corvane()};
-};
-
-} // namespace
 
 TEST_F(ProcessChooserTest, ListsEveryProcessByName)
 {
@@ -136,17 +37,8 @@ TEST_F(ProcessChooserTest, PreparesTheList)
 {
     DialogScript script;
     script.onDialog("look and cancel", [](HWND dialog) {
-        HWND list = listOf(dialog);
-        wchar_t heading[100] = L"";
-        LVCOLUMNW column{};
-        column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-        column.pszText = heading;
-        column.cchTextMax = 100;
-        EXPECT_TRUE(SendMessageW(list, LVM_GETCOLUMNW, 0, reinterpret_cast<LPARAM>(&column)));
-        EXPECT_STREQ(heading, L"Process Name");
-        EXPECT_EQ(column.cx, 310);
-        EXPECT_EQ(column.fmt & LVCFMT_JUSTIFYMASK, LVCFMT_LEFT);
-        EXPECT_FALSE(SendMessageW(list, LVM_GETCOLUMNW, 1, reinterpret_cast<LPARAM>(&column)));
+        const ListView list = listOf(dialog);
+        EXPECT_THAT(list.columns(), ElementsAre("Process Name 310"));
         EXPECT_EQ(SendMessageW(list, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0), 0x4031);
         clickLater(dialog, IDCANCEL);
     });
@@ -157,7 +49,7 @@ TEST_F(ProcessChooserTest, GivesTheChosenName)
 {
     DialogScript script;
     script.onDialog("select a row and press OK", [](HWND dialog) {
-        selectRow(dialog, 2);
+        listOf(dialog).select(2);
         EXPECT_TRUE(isEnabled(dialog, IDOK));
         clickLater(dialog, IDOK);
     });
@@ -168,8 +60,8 @@ TEST_F(ProcessChooserTest, ADoubleClickIsOk)
 {
     const auto doubleClick = [](HWND dialog) {
         NMITEMACTIVATE activation{};
-        activation.hdr = {listOf(dialog), kList, static_cast<UINT>(NM_DBLCLK)};
-        SendMessageW(dialog, WM_NOTIFY, kList, reinterpret_cast<LPARAM>(&activation));
+        activation.hdr = {listOf(dialog), IDC_PROCESS_LIST, static_cast<UINT>(NM_DBLCLK)};
+        SendMessageW(dialog, WM_NOTIFY, IDC_PROCESS_LIST, reinterpret_cast<LPARAM>(&activation));
     };
     DialogScript script;
     script
@@ -180,7 +72,7 @@ TEST_F(ProcessChooserTest, ADoubleClickIsOk)
                   })
         .onDialog("double click a row", [=](HWND dialog) {
             EXPECT_FALSE(isEnabled(dialog, IDOK));
-            selectRow(dialog, 2);
+            listOf(dialog).select(2);
             doubleClick(dialog);
         });
     EXPECT_EQ(chosen(script), "notepad.exe");
@@ -206,7 +98,7 @@ TEST_F(ProcessChooserTest, LooksAtTheSelectionOnlyWhenItChanges)
         item.stateMask = item.state = LVIS_FOCUSED;
         SendMessageW(listOf(dialog), LVM_SETITEMSTATE, 1, reinterpret_cast<LPARAM>(&item));
         EXPECT_EQ(enabled, 0);
-        selectRow(dialog, 1);
+        listOf(dialog).select(1);
         EXPECT_EQ(enabled, 1);
         clickLater(dialog, IDCANCEL);
     });
@@ -218,7 +110,7 @@ TEST_F(ProcessChooserTest, EachOfTwoEqualNamesGivesTheSame)
     for (const int row : {3, 4}) {
         DialogScript script;
         script.onDialog("select a row and press OK", [row](HWND dialog) {
-            selectRow(dialog, row);
+            listOf(dialog).select(row);
             clickLater(dialog, IDOK);
         });
         EXPECT_EQ(chosen(script), "services.exe");
@@ -229,9 +121,9 @@ TEST_F(ProcessChooserTest, CannotBeOkWithoutASelection)
 {
     DialogScript script;
     script.onDialog("select and unselect", [](HWND dialog) {
-        selectRow(dialog, 0);
+        listOf(dialog).select(0);
         EXPECT_TRUE(isEnabled(dialog, IDOK));
-        selectRow(dialog, 0, false);
+        listOf(dialog).select(0, false);
         EXPECT_FALSE(isEnabled(dialog, IDOK));
         // A program can send what a person cannot click.
         PostMessageW(dialog, WM_COMMAND, IDOK, 0);
@@ -243,7 +135,7 @@ TEST_F(ProcessChooserTest, ClosingGivesNull)
 {
     DialogScript script;
     script.onDialog("select and close", [](HWND dialog) {
-        selectRow(dialog, 0);
+        listOf(dialog).select(0);
         PostMessageW(dialog, WM_CLOSE, 0, 0);
     });
     EXPECT_EQ(chosen(script), std::nullopt);
@@ -254,7 +146,7 @@ TEST_F(ProcessChooserTest, KeepsTheBackslashOfAFullPath)
     processes = {L"C:\\Tools\\backup.exe"};
     DialogScript script;
     script.onDialog("select and press OK", [](HWND dialog) {
-        selectRow(dialog, 0);
+        listOf(dialog).select(0);
         clickLater(dialog, IDOK);
     });
     EXPECT_EQ(chosen(script), "\\backup.exe");
@@ -283,19 +175,15 @@ TEST_F(ProcessChooserTest, ABackupToolIsTheNameAfterTheBackslash)
     DialogScript script;
     script
         .onDialog("browse the running processes",
-                  [](HWND entry) {
-                      constexpr int kBrowseRunning = 4;
-                      clickLater(entry, kBrowseRunning);
-                  })
+                  [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE_RUNNING); })
         .onDialog("choose",
                   [](HWND dialog) {
                       EXPECT_THAT(rowsOf(dialog), ElementsAre("\\backup.exe 0"));
-                      selectRow(dialog, 0);
+                      listOf(dialog).select(0);
                       clickLater(dialog, IDOK);
                   })
         .onDialog("look and press OK", [&](HWND entry) {
-            constexpr int kName = 1012;
-            EXPECT_EQ(controlText(entry, kName), "backup.exe");
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "backup.exe");
             chosenName = copy;
             EXPECT_STREQ(chosenName, L"\\backup.exe");
             clickLater(entry, IDOK);
@@ -320,7 +208,7 @@ TEST_F(ProcessChooserTest, AProcessWithoutANameHasARow)
     DialogScript script;
     script.onDialog("choose it", [](HWND dialog) {
         EXPECT_THAT(rowsOf(dialog), ElementsAre(" 0", "b.exe 1"));
-        selectRow(dialog, 0);
+        listOf(dialog).select(0);
         clickLater(dialog, IDOK);
     });
     EXPECT_EQ(chosen(script), "");
@@ -333,7 +221,7 @@ TEST_F(ProcessChooserTest, CutsANameTo259Characters)
     DialogScript script;
     script.onDialog("select and press OK", [](HWND dialog) {
         EXPECT_THAT(rowsOf(dialog), ElementsAre(std::string(260, 'n') + " 0"));
-        selectRow(dialog, 0);
+        listOf(dialog).select(0);
         clickLater(dialog, IDOK);
     });
     EXPECT_EQ(chosen(script), std::string(259, 'n'));
@@ -351,10 +239,10 @@ TEST_F(ProcessChooserTest, SortsByTheColumnThatIsClicked)
     DialogScript script;
     script.onDialog("click the header", [&](HWND dialog) {
         NMLISTVIEW click{};
-        click.hdr = {listOf(dialog), kList, LVN_COLUMNCLICK};
+        click.hdr = {listOf(dialog), IDC_PROCESS_LIST, LVN_COLUMNCLICK};
         const auto clicked = [&](int column) {
             click.iSubItem = column;
-            SendMessageW(dialog, WM_NOTIFY, kList, reinterpret_cast<LPARAM>(&click));
+            SendMessageW(dialog, WM_NOTIFY, IDC_PROCESS_LIST, reinterpret_cast<LPARAM>(&click));
             return names(dialog);
         };
         const auto upwards = names(dialog);
@@ -365,14 +253,14 @@ TEST_F(ProcessChooserTest, SortsByTheColumnThatIsClicked)
         const auto second = first == upwards ? downwards : upwards;
         EXPECT_EQ(clicked(0), second);
         EXPECT_EQ(clicked(0), first);
-        sortListCtrl(dialog, kList, 0);
+        sortListCtrl(dialog, IDC_PROCESS_LIST, 0);
         EXPECT_EQ(names(dialog), second);
         EXPECT_EQ(clicked(0), first);  // one order for all lists
         EXPECT_EQ(clicked(-1), first); // no column
         click.hdr.idFrom = 999;
         EXPECT_EQ(clicked(0), first); // another list
         // Neither of the two counted as a click that turns the order round.
-        click.hdr.idFrom = kList;
+        click.hdr.idFrom = IDC_PROCESS_LIST;
         EXPECT_EQ(clicked(0), second);
         clickLater(dialog, IDCANCEL);
     });
@@ -403,82 +291,18 @@ TEST_F(ProcessChooserTest, CountsRowsAnewEachTime)
     }
 }
 
-TEST_F(ProcessChooserTest, StaysEmptyWithoutASnapshot)
-{
-    functions.remove("Process32NextW");
-    DialogScript script;
-    script.onDialog("look and press OK", [](HWND dialog) {
-        EXPECT_THAT(rowsOf(dialog), IsEmpty());
-        EXPECT_FALSE(isEnabled(dialog, IDOK));
-        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-    });
-    EXPECT_EQ(chosen(script), std::nullopt);
-    EXPECT_THAT(store.calls(), IsEmpty());
-}
-
 TEST_F(ProcessChooserTest, OtherCommandsDoNothing)
 {
     DialogScript script;
     script.onDialog("send them", [](HWND dialog) {
-        for (const int id : {0, 3, kList, 9999}) {
+        for (const int id : {0, 3, IDC_PROCESS_LIST, 9999}) {
             SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(id), 0);
         }
-        selectRow(dialog, 0);
+        listOf(dialog).select(0);
         // By id, whatever the notification.
         PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 5), 0);
     });
     EXPECT_EQ(chosen(script), "a.exe");
-}
-
-TEST_F(ProcessChooserTest, AFaultInARowStopsTheListing)
-{
-    const ImportPatch list(ImportPatch::corvane(), "SendMessageW", &sendRaising);
-    ASSERT_EQ(list.count(), 1);
-    raiseAt = LVM_SETITEMW; // the item data of the first row
-    DialogScript script;
-    script.onDialog("look and cancel", [](HWND dialog) {
-        EXPECT_THAT(rowsOf(dialog), ElementsAre("services.exe 0")); // what was done before stays
-        clickLater(dialog, IDCANCEL);
-    });
-    EXPECT_EQ(chosen(script), std::nullopt);
-    EXPECT_THAT(store.calls(), ElementsAre("ODS UI CRASH: lprocDlg, myCallBack, 49\n"));
-    EXPECT_EQ(nextProcess, 1u);
-}
-
-TEST_F(ProcessChooserTest, AFaultInAHandlerLeavesTheDialogOpen)
-{
-    const ImportPatch list(ImportPatch::corvane(), "SendMessageW", &sendRaising);
-    DialogScript script;
-    script
-        .onDialog("press OK",
-                  [](HWND dialog) {
-                      selectRow(dialog, 2);
-                      raiseAt = LVM_GETITEMTEXTW;
-                      PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-                  })
-        .step("wait for the fault", [&](HWND) { return !store.calls().empty(); })
-        .onDialog("press OK again", [](HWND dialog) { clickLater(dialog, IDOK); });
-    EXPECT_EQ(chosen(script), "notepad.exe");
-    EXPECT_THAT(store.calls(), ElementsAre("ODS UI CRASH: lprocDlg, MyDlgProc, 110\n"));
-}
-
-TEST_F(ProcessChooserTest, AFaultWhileOpeningLeavesTheDialogOpen)
-{
-    const ImportPatch list(ImportPatch::corvane(), "SendMessageW", &sendRaising);
-    raiseAt = LVM_INSERTCOLUMNW;
-    DialogScript script;
-    script.onDialog("cancel", [](HWND dialog) { clickLater(dialog, IDCANCEL); });
-    EXPECT_EQ(chosen(script), std::nullopt);
-    EXPECT_THAT(store.calls(), ElementsAre("ODS UI CRASH: lprocDlg, MyDlgProc, 110\n"));
-}
-
-TEST_F(ProcessChooserTest, TellsThatItCouldNotOpen)
-{
-    const ImportPatch noTemplate(
-        ImportPatch::corvane(), "FindResourceW",
-        +[](HMODULE, const wchar_t*, const wchar_t*) -> HRSRC { return nullptr; });
-    ASSERT_EQ(noTemplate.count(), 1);
-    EXPECT_EQ(reinterpret_cast<INT_PTR>(chooseProcess(nullptr)), -1);
 }
 
 TEST_F(ProcessChooserTest, LeavesNothingBehind)
@@ -486,7 +310,7 @@ TEST_F(ProcessChooserTest, LeavesNothingBehind)
     expectNothingLeft([&] {
         DialogScript script;
         script.onDialog("select and press OK", [](HWND dialog) {
-            selectRow(dialog, 1);
+            listOf(dialog).select(1);
             clickLater(dialog, IDOK);
         });
         EXPECT_EQ(chosen(script), "Explorer.exe");
@@ -506,7 +330,7 @@ TEST(ProcessChooserSystemTest, ListsTheRunningProcesses)
         const auto own = std::find_if(rows.begin(), rows.end(),
                                       [&](const std::string& row) { return row.starts_with(self + " "); });
         ASSERT_NE(own, rows.end());
-        selectRow(dialog, static_cast<int>(own - rows.begin()));
+        listOf(dialog).select(static_cast<int>(own - rows.begin()));
         clickLater(dialog, IDOK);
     });
     EXPECT_EQ(chosen(script), self);

@@ -56,7 +56,7 @@ TEST_F(ButtonsTest, ASelectedRowEnablesThoseListed)
 
 TEST_F(ButtonsTest, TheFocusAloneIsNoSelection)
 {
-    ListView_SetItemState(host.list(), 0, LVIS_FOCUSED, LVIS_FOCUSED);
+    host.focus(0);
     checkForButtons(host.window(), ListHost::kListId, 1, 0);
     EXPECT_EQ(states(), "-EEEEEEEEEEE");
 }

@@ -1,4 +1,5 @@
 // Records above 4 GiB, which do not fit into the 32 bits that carry them.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/list_host.h"
@@ -161,7 +162,7 @@ TEST_F(HighAddressTest, AddsWithMembersEditsAndDrops)
     script
         .onDialog("choose",
                   [](HWND dialog) {
-                      click(dialog, kGroupMembers);
+                      click(dialog, IDC_QUOTA_GROUP_MEMBERS);
                       typeLimits(dialog, L"10K", L"5K");
                   })
         .onDialog("OK", pressOk)
@@ -262,4 +263,52 @@ TEST_F(HighAddressTest, ThousandsHaveStandInsOfTheirOwn)
     EXPECT_EQ(seen.size(), static_cast<size_t>(kMany));
     EXPECT_EQ(records().size(), static_cast<size_t>(kMany));
     EXPECT_EQ(records().back()->hardLimit, 100 + kMany - 1);
+}
+
+TEST_F(HighAddressTest, RowsKeepTheirRecordsHoweverManyOthersComeAndGo)
+{
+    fillThree();
+    const std::vector<QuotaRule*> before = records();
+    std::set<LPARAM> kept{host.data(0), host.data(1), host.data(2)};
+    ListHost other;
+    initializeListCtrl2(other.object(), nullptr);
+    for (int i = 0; i < 300; ++i) {
+        store.put(L"C:\\busy", nullptr, 100 + i, 1, 0);
+    }
+    for (int reload = 0; reload < 50; ++reload) {
+        fillUpListCtrl2(Paths{L"C:\\busy"}, other.object());
+        ASSERT_EQ(other.rowCount(), 300);
+        for (int row = 0; row < 300; ++row) {
+            ASSERT_FALSE(kept.contains(other.data(row)));
+        }
+        ListView_DeleteAllItems(other.list()); // a host may do it by itself
+        store.takeCalls();
+    }
+    EXPECT_EQ(records(), before);
+}
+
+TEST_F(HighAddressTest, ARowThatComesBackAfterThousandsOfOthersHasNoRecord)
+{
+    fillThree();
+    const LPARAM kept = host.data(1);
+    const LPARAM briefly = host.data(2);
+    ListView_DeleteItem(host.list(), 2);
+    host.addRow(briefly, {L"back at once"});
+    EXPECT_EQ(records().size(), 3u);
+    ListView_DeleteItem(host.list(), 1);
+    ListHost other;
+    initializeListCtrl2(other.object(), nullptr);
+    for (int i = 0; i < 300; ++i) {
+        store.put(L"C:\\busy", nullptr, 100 + i, 1, 0);
+    }
+    for (int reload = 0; reload < 50; ++reload) {
+        initializeListCtrl2(other.object(), Paths{L"C:\\busy"});
+        store.takeCalls();
+    }
+    host.addRow(kept, {L"too late"});
+    EXPECT_EQ(records().size(), 2u) << "of three rows";
+    host.selectOnly({2});
+    EXPECT_NE(editFromListCtrl2(host.object()), 0) << "nothing to edit";
+    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_EQ(host.rowCount(), 2);
 }

@@ -1,8 +1,10 @@
 // Nothing is left behind by dialogs and list operations, except what is handed over.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/list_host.h"
 #include "tests/support/nothing_left.h"
 #include "tests/support/paths.h"
+#include "tests/support/rule_memory.h"
 
 #include <commctrl.h>
 
@@ -11,6 +13,7 @@
 #include <cstdlib>
 #include <functional>
 #include <optional>
+#include <vector>
 
 using namespace quota_settings;
 
@@ -50,8 +53,8 @@ TEST_F(LeakTest, OpeningAndCancelling)
     expectNothingLeft([=] {
         rule->inUse = QUOTA_IN_USE_UNKNOWN;
         whileOpen(rule, kAdd, [](HWND dialog) {
-            click(dialog, kGroupMembers);
-            click(dialog, kAllFiles);
+            click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+            click(dialog, IDC_QUOTA_ALL_FILES);
         });
     });
 }
@@ -74,7 +77,7 @@ TEST_F(LeakTest, MemberRecordsAreTheCallers)
     groupHas(*store, {ann, ann, ann});
     QuotaRule* const rule = newRule(staff);
     expectNothingLeft([=] {
-        untilOk(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+        untilOk(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
         int members = 0;
         while (QuotaRule* const member = rule->next) {
             rule->next = member->next;
@@ -104,6 +107,36 @@ TEST_F(LeakTest, FillingSortingAndDropping)
             release(rule, false);
         }
         EXPECT_GT(dropped, 0);
+    });
+}
+
+TEST_F(LeakTest, RowsOfRecordsAbove4GiBThatTheHostDeletes)
+{
+    for (int i = 0; i < 50; ++i) {
+        store->put(L"C:\\a", i % 2 == 0 ? staff : nullptr, 1000 + i, 90, i);
+    }
+    std::vector<QuotaRule*> given;
+    const auto usual = store->answer.getQuotaList;
+    store->answer.getQuotaList = [&](const wchar_t* folder) {
+        QuotaRule* first = nullptr;
+        for (const QuotaRule* rule = usual(folder); rule != nullptr; rule = rule->next) {
+            QuotaRule* const copy = rule_memory::above4GiB(); // never at the same place again
+            *copy = *rule;
+            copy->next = first;
+            first = copy;
+            given.push_back(copy);
+        }
+        return first;
+    };
+    initializeListCtrl2(host->object(), nullptr);
+    expectNothingLeft([&, this] {
+        fillUpListCtrl2(Paths{L"C:\\a"}, host->object());
+        EXPECT_EQ(host->rowCount(), 50);
+        ListView_DeleteAllItems(host->list());
+        for (QuotaRule* const rule : given) {
+            release(rule, false);
+        }
+        given.clear();
     });
 }
 

@@ -82,7 +82,7 @@ TEST_F(ListDropTest, RowsThatGoMoveNoneThatGo)
     const MessageWatch watch(host.list(), [&](UINT message, WPARAM row, LPARAM) {
         if (message == LVM_DELETEITEM) {
             deleted.push_back(row);
-            EXPECT_EQ(ListView_GetSelectedCount(host.list()), 0u);
+            EXPECT_EQ(host.selectedCount(), 0u);
         }
     });
     EXPECT_NE(dropFromListCtrl2(host.object()), 0);
@@ -110,11 +110,11 @@ TEST_F(ListDropTest, TheFocusStaysOnItsRow)
 {
     fill(6);
     host.selectOnly({0, 1, 4});
-    ListView_SetItemState(host.list(), 3, LVIS_FOCUSED, LVIS_FOCUSED);
+    host.focus(3);
     EXPECT_NE(dropFromListCtrl2(host.object()), 0);
-    EXPECT_EQ(ListView_GetNextItem(host.list(), -1, LVNI_FOCUSED), 1);
+    EXPECT_EQ(host.focused(), 1);
     EXPECT_THAT(host.column(5), ElementsAre("2", "3", "5"));
-    EXPECT_EQ(ListView_GetSelectedCount(host.list()), 0u);
+    EXPECT_EQ(host.selectedCount(), 0u);
 }
 
 TEST_F(ListDropTest, AllRows)

@@ -1,6 +1,8 @@
 // Editing a rule of the quota list.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/faulting_call.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/list_host.h"
 #include "tests/support/paths.h"
@@ -12,11 +14,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-HRSRC WINAPI findNothing(HMODULE, LPCWSTR, LPCWSTR)
-{
-    return nullptr;
-}
 
 struct ListEditTest : testing::Test {
     RecordingStore store;
@@ -69,7 +66,9 @@ TEST_F(ListEditTest, ShowsTheTemplateForEditing)
 {
     host.selectOnly({0});
     DialogScript script;
-    script.onDialog("look", [](HWND dialog) { EXPECT_EQ(GetDlgItem(dialog, kGroupMembers), nullptr); })
+    script
+        .onDialog("look",
+                  [](HWND dialog) { EXPECT_EQ(GetDlgItem(dialog, IDC_QUOTA_GROUP_MEMBERS), nullptr); })
         .onDialog("OK", pressOk);
     edit(script);
 }
@@ -133,8 +132,7 @@ TEST_F(ListEditTest, OnlyTheFirstSelectedRowIsLookedAt)
 TEST_F(ListEditTest, ADialogThatCannotBeShownGivesFalse)
 {
     host.selectOnly({1});
-    const ImportPatch find(ImportPatch::corvane(), "FindResourceW", findNothing);
-    ASSERT_EQ(find.count(), 1);
+    const HiddenDialog all;
     EXPECT_EQ(editFromListCtrl2(host.object()), 0);
     EXPECT_EQ(host.row(1), "alice|4096 |3072 |1000 |24%|C:\\b");
     EXPECT_THAT(store.calls(), IsEmpty());

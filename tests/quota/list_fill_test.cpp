@@ -1,43 +1,14 @@
 // Filling the quota list from the store.
-#include "tests/support/faulting_call.h"
-#include "tests/support/import_patch.h"
-#include "tests/support/leak_count.h"
-#include "tests/support/list_host.h"
-#include "tests/support/message_watch.h"
-#include "tests/support/paths.h"
-#include "tests/support/recording_store.h"
+#include "tests/quota/list_fill_test.h"
 
-#include <malloc.h>
+#include "tests/support/import_patch.h"
+#include "tests/support/message_watch.h"
 
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-namespace {
-
-struct ListFillTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-    void* const alice = store.account("SALES\\alice");
-    void* const bob = store.account("SALES\\bob");
-
-    void SetUp() override { initializeListCtrl2(host.object(), nullptr); }
-
-    /// The percent text of a rule.
-    std::string percentOf(int64_t inUse, int64_t hardLimit)
-    {
-        initializeListCtrl2(host.object(), nullptr);
-        store.answer.getQuotaList = [=](const wchar_t* folder) {
-            return RecordingStore::makeRule(folder, nullptr, hardLimit, 1, inUse);
-        };
-        fillUpListCtrl2(Paths{L"C:\\data"}, host.object());
-        return host.column(4).at(0);
-    }
-};
-
-} // namespace
 
 TEST_F(ListFillTest, PutsEachRuleOnTop)
 {
@@ -247,47 +218,6 @@ TEST_F(ListFillTest, TakesPercentsAs32BitNumbers)
     EXPECT_EQ(percentOf(42949673, 1), "04%"); // 4294967300
 }
 
-TEST_F(ListFillTest, FaultsOnAHardLimitOfZero)
-{
-    store.answer.getQuotaList = [](const wchar_t* folder) {
-        return RecordingStore::makeRule(folder, nullptr, 0, 90, 5);
-    };
-    const Paths paths{L"C:\\a"};
-    EXPECT_EQ(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
-}
-
-TEST_F(ListFillTest, AFaultLeavesTheRowsThatWereGiven)
-{
-    store.put(L"C:\\a", alice, 100, 90, 5);
-    store.put(L"C:\\a", bob, 100, 91, 6);
-    store.put(L"C:\\b", alice, 100, 92, 7);
-    store.put(L"C:\\b", bob, 100, 93, 8);
-    const Paths paths{L"C:\\a", L"C:\\b"};
-    for (const Fault fault : kEveryFault) {
-        initializeListCtrl2(host.object(), nullptr);
-        EnableWindow(host.list(), FALSE);
-        store.raise("getTextualSidW", fault, 4);
-        EXPECT_NE(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), 0u);
-        EXPECT_THAT(host.rows(),
-                    ElementsAre("SALES\\alice|100 |92 |7 |07%|C:\\b", "SALES\\bob|100 |91 |6 |06%|C:\\a",
-                                "SALES\\alice|100 |90 |5 |05%|C:\\a"))
-            << faultName(fault);
-        EXPECT_THAT(chainTexts(host.record(1)), ElementsAre("SALES\\bob C:\\a", "SALES\\alice C:\\a"));
-        EXPECT_TRUE(IsWindowEnabled(host.list())) << "the first folder is done";
-    }
-}
-
-TEST_F(ListFillTest, ARowWhosePercentageFaultsIsThereWithoutIt)
-{
-    store.put(L"C:\\a", alice, 100, 90, 5);
-    store.put(L"C:\\a", bob, 0, 91, 6);
-    store.put(L"C:\\a", alice, 100, 92, 7);
-    const Paths paths{L"C:\\a"};
-    EXPECT_EQ(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
-    EXPECT_THAT(host.rows(),
-                ElementsAre("SALES\\bob|0 |91 |6 ||C:\\a", "SALES\\alice|100 |90 |5 |05%|C:\\a"));
-}
-
 TEST_F(ListFillTest, NoRowMovesAnother)
 {
     for (int i = 0; i < 5; ++i) {
@@ -306,23 +236,6 @@ TEST_F(ListFillTest, NoRowMovesAnother)
     EXPECT_EQ(moved, 25) << "five times those that were there";
     EXPECT_THAT(host.column(1),
                 ElementsAre("104 ", "103 ", "102 ", "101 ", "100 ", "104 ", "103 ", "102 ", "101 ", "100 "));
-}
-
-TEST_F(ListFillTest, AFaultLeavesNoDrawingObjectsBehind)
-{
-    store.put(L"C:\\a", alice, 100, 90, 0);
-    const Paths paths{L"C:\\a"};
-    const auto fillInVain = [&] {
-        initializeListCtrl2(host.object(), nullptr);
-        store.raise("getTextualSidW", Fault::AccessViolation);
-        EXPECT_NE(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), 0u);
-    };
-    fillInVain();
-    const long before = LeakCount::now().gdiObjects;
-    for (int i = 0; i < 20; ++i) {
-        fillInVain();
-    }
-    EXPECT_EQ(LeakCount::now().gdiObjects, before);
 }
 
 namespace {
@@ -348,75 +261,6 @@ TEST_F(ListFillTest, WithoutAListTheDesktopIsNotRepainted)
     repainted.clear();
     fillUpListCtrl(Paths{L"C:\\a"}, host.window(), 500);
     EXPECT_THAT(repainted, IsEmpty());
-}
-
-namespace {
-
-/// What a host has on its stack while it answers a message, or writes a report.
-LONG useSixtyFourKilobytes()
-{
-    constexpr int kSize = 64 * 1024;
-    volatile char room[kSize];
-    for (int i = 0; i < kSize; i += 256) {
-        room[i] = static_cast<char>(i);
-    }
-    return room[256] == 0 ? EXCEPTION_EXECUTE_HANDLER : EXCEPTION_CONTINUE_SEARCH;
-}
-
-DWORD faultOfReporting(void (*call)(void*), void* context)
-{
-    DWORD code = 0;
-    __try
-    {
-        call(context);
-    } __except (code = GetExceptionCode(), useSixtyFourKilobytes())
-    {
-        _resetstkoflw();
-    }
-    return code;
-}
-
-} // namespace
-
-TEST_F(ListFillTest, AStackOverflowLeavesTheHostRoomToHandleIt)
-{
-    store.put(L"C:\\a", alice, 100, 90, 0);
-    const Paths paths{L"C:\\a"};
-    bool drawing = true;
-    const MessageWatch watch(host.list(), [&](UINT message, WPARAM wParam, LPARAM) {
-        if (message == WM_SETREDRAW) {
-            drawing = wParam != 0;
-            useSixtyFourKilobytes();
-        }
-    });
-    for (int round = 0; round < 2; ++round) { // the next overflow is raised, too
-        store.raise("getTextualSidW", Fault::StackOverflow);
-        auto call = [&] {
-            fillUpListCtrl2(paths, host.object());
-        };
-        EXPECT_EQ(faultOfReporting([](void* context) { (*static_cast<decltype(call)*>(context))(); }, &call),
-                  EXCEPTION_STACK_OVERFLOW);
-        EXPECT_TRUE(drawing);
-    }
-    fillUpListCtrl2(paths, host.object());
-    EXPECT_EQ(host.rowCount(), 1);
-}
-
-TEST_F(ListFillTest, StillWorksAfterAFault)
-{
-    store.put(L"C:\\a", alice, 100, 90, 0);
-    const Paths paths{L"C:\\a"};
-    for (const Fault fault : kEveryFault) {
-        for (const char* const function : {"getQuotaList", "getTextualSidW", "getAccountBySidW"}) {
-            initializeListCtrl2(host.object(), nullptr);
-            store.raise(function, fault);
-            EXPECT_NE(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), 0u)
-                << function << ": there is no guard around the list functions";
-            fillUpListCtrl2(paths, host.object());
-            EXPECT_EQ(host.rows().at(0), "SALES\\alice|100 |90 |0 |00%|C:\\a")
-                << function << faultName(fault);
-        }
-    }
 }
 
 TEST_F(ListFillTest, FillsThousandsOfRules)

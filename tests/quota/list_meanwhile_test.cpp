@@ -1,4 +1,5 @@
 // What a host does to its list while a dialog on one of the rows is open; lists that sort by themselves; no list.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/list_host.h"
 #include "tests/support/message_watch.h"
@@ -53,7 +54,7 @@ struct ListMeanwhileTest : testing::Test {
         script
             .onDialog("meanwhile",
                       [&](HWND dialog) {
-                          click(dialog, kGroupMembers);
+                          click(dialog, IDC_QUOTA_GROUP_MEMBERS);
                           meanwhile(dialog);
                       })
             .onDialog("OK", pressOk);
@@ -174,7 +175,7 @@ TEST_F(ListMeanwhileTest, AListWithAnOrderOfItsOwnIsChainedInThatOrder)
         initializeListCtrl2(sorted.object(), Paths{L"C:\\old"});
         groupHas(store, {alice, bob});
         DialogScript script;
-        script.onDialog("choose", [](HWND dialog) { click(dialog, kGroupMembers); })
+        script.onDialog("choose", [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); })
             .onDialog("OK", pressOk)
             .onDialog("OK", pressOk);
         EXPECT_NE(
@@ -217,7 +218,8 @@ TEST_F(ListMeanwhileTest, MembersGoInWithRedrawingOff)
         }
     });
     DialogScript script;
-    script.onDialog("choose", [](HWND dialog) { click(dialog, kGroupMembers); }).onDialog("OK", pressOk);
+    script.onDialog("choose", [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); })
+        .onDialog("OK", pressOk);
     EXPECT_NE(script.run([this] { return addToListCtrl2(host.object(), staff, Paths{L"C:\\new"}); }), 0);
     EXPECT_EQ(host.rowCount(), 53);
     EXPECT_EQ(drawn, 1) << "the group's own row, before its dialog";
@@ -239,4 +241,32 @@ TEST_F(ListMeanwhileTest, WithoutAListNoStrangerIsDisabled)
         .onDialog("OK", pressOk);
     EXPECT_NE(script.run([this] { return addToListCtrl(host.window(), 500, nullptr, Paths{L"C:\\new"}); }),
               0);
+}
+
+// A panel that goes down may end the dialogs over it, with whatever code.
+TEST_F(ListMeanwhileTest, AnEditThatSomebodyElseEndsIsCancelled)
+{
+    host.selectOnly({0});
+    const std::vector<std::string> before = host.rows();
+    for (const INT_PTR code : {1, 2, 4711}) {
+        DialogScript script;
+        script.onDialog("end it", [=](HWND dialog) {
+            typeLimits(dialog, L"2000", L"1500");
+            EndDialog(dialog, code);
+        });
+        EXPECT_EQ(script.run([this] { return editFromListCtrl2(host.object()); }), 0) << code;
+        EXPECT_EQ(host.rows(), before);
+    }
+}
+
+TEST_F(ListMeanwhileTest, AnAdditionThatSomebodyElseEndsIsCancelled)
+{
+    const std::vector<std::string> before = host.rows();
+    for (const INT_PTR code : {1, 2, 4711}) {
+        DialogScript script;
+        script.onDialog("end it", [=](HWND dialog) { EndDialog(dialog, code); });
+        EXPECT_EQ(script.run([this] { return addToListCtrl2(host.object(), alice, Paths{L"C:\\new"}); }), 0)
+            << code;
+        EXPECT_EQ(host.rows(), before);
+    }
 }

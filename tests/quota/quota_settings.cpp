@@ -1,4 +1,5 @@
 #include "tests/quota/quota_settings.h"
+#include "res/resource.h"
 
 #include <gtest/gtest.h>
 
@@ -36,8 +37,8 @@ void groupHas(RecordingStore& store, std::vector<const void*> members)
 
 void typeLimits(HWND dialog, const wchar_t* hard, const wchar_t* soft)
 {
-    type(dialog, kHardLimit, hard);
-    type(dialog, kSoftLimit, soft);
+    type(dialog, IDC_QUOTA_HARD_LIMIT, hard);
+    type(dialog, IDC_QUOTA_SOFT_LIMIT, soft);
 }
 
 void pressOk(HWND dialog)

@@ -10,19 +10,6 @@
 
 namespace quota_settings {
 
-constexpr int kCredentials = 1001;
-constexpr int kInUse = 1002;
-constexpr int kSoftLimit = 1003;
-constexpr int kHardLimit = 1004;
-constexpr int kObjectSize = 1005;
-constexpr int kGroupMembers = 1006;
-constexpr int kAppliedTo = 1012;
-constexpr int kAllFiles = 1015;
-constexpr int kNoFiles = 1016;
-constexpr int kOwnedFiles = 1018;
-constexpr int kAllowBelow = 1019;
-constexpr int kNewMembers = 1040;
-
 constexpr int kAdd = 1;
 constexpr int kEdit = 0;
 

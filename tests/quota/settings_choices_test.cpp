@@ -1,4 +1,5 @@
 // The radio buttons and check boxes of the Quota Settings dialog.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/windows_radios.h"
 
@@ -26,10 +27,10 @@ TEST_F(SettingsChoicesTest, NoFilesCountNothing)
 {
     QuotaRule* const rule = newRule();
     whileOpen(rule, kAdd, [rule](HWND dialog) {
-        click(dialog, kNoFiles);
+        click(dialog, IDC_QUOTA_NO_FILES);
         EXPECT_EQ(rule->inUse, 0);
-        EXPECT_EQ(controlText(dialog, kInUse), "0 ");
-        EXPECT_EQ(controlText(dialog, kObjectSize), "300 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "0 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "300 ");
     });
     EXPECT_EQ(rule->inUse, 0);
 }
@@ -39,9 +40,9 @@ TEST_F(SettingsChoicesTest, AllFilesCountTheFolder)
     QuotaRule* const rule = newRule(alice);
     whileOpen(rule, kAdd, [rule](HWND dialog) {
         EXPECT_EQ(rule->inUse, 20);
-        click(dialog, kAllFiles);
+        click(dialog, IDC_QUOTA_ALL_FILES);
         EXPECT_EQ(rule->inUse, 300);
-        EXPECT_EQ(controlText(dialog, kInUse), "300 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "300 ");
     });
 }
 
@@ -49,10 +50,10 @@ TEST_F(SettingsChoicesTest, OwnedFilesCountTheAccounts)
 {
     QuotaRule* const rule = newRule(alice);
     whileOpen(rule, kAdd, [rule](HWND dialog) {
-        click(dialog, kAllFiles);
-        click(dialog, kOwnedFiles);
+        click(dialog, IDC_QUOTA_ALL_FILES);
+        click(dialog, IDC_QUOTA_OWNED_FILES);
         EXPECT_EQ(rule->inUse, 20);
-        EXPECT_EQ(controlText(dialog, kInUse), "20 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "20 ");
     });
 }
 
@@ -61,7 +62,7 @@ TEST_F(SettingsChoicesTest, OwnedFilesCountNothingWhenTheyWereNotMeasured)
     QuotaRule* const rule = newRule(alice);
     rule->inUse = 77;
     whileOpen(rule, kAdd, [rule](HWND dialog) {
-        click(dialog, kOwnedFiles);
+        click(dialog, IDC_QUOTA_OWNED_FILES);
         EXPECT_EQ(rule->inUse, 0);
     });
 }
@@ -85,7 +86,7 @@ TEST_F(SettingsChoicesTest, AButtonThatOnlyTellsOfTheKeyboardChoosesNothing)
     QuotaRule* const unchecked = newRule(alice);
     unchecked->inUse = 77;
     whileOpen(unchecked, kAdd, [](HWND dialog) {
-        for (const int button : {kNoFiles, kOwnedFiles, kAllFiles}) {
+        for (const int button : {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES}) {
             SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
                          reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
         }
@@ -96,9 +97,9 @@ TEST_F(SettingsChoicesTest, AButtonThatOnlyTellsOfTheKeyboardChoosesNothing)
 TEST_F(SettingsChoicesTest, ExcludeEachOther)
 {
     whileOpen(newRule(alice), kAdd, [](HWND dialog) {
-        for (const int chosen : {kNoFiles, kOwnedFiles, kAllFiles}) {
+        for (const int chosen : {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES}) {
             click(dialog, chosen);
-            for (const int each : {kNoFiles, kOwnedFiles, kAllFiles}) {
+            for (const int each : {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES}) {
                 EXPECT_EQ(isChecked(dialog, each), each == chosen);
             }
         }
@@ -110,7 +111,7 @@ TEST_F(SettingsChoicesTest, AnyNotificationOfARadioButtonCounts)
     QuotaRule* const rule = newRule();
     rule->inUse = 5;
     constexpr WORD kAnyCode = 99;
-    for (const int button : {kNoFiles, kOwnedFiles, kAllFiles}) {
+    for (const int button : {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES}) {
         whileOpen(rule, kAdd, [=](HWND dialog) {
             rule->inUse = 5;
             SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, kAnyCode), 0);
@@ -123,10 +124,10 @@ TEST_F(SettingsChoicesTest, StoreIsNotAskedAgain)
 {
     whileOpen(newRule(alice), kAdd, [this](HWND dialog) {
         store.takeCalls();
-        click(dialog, kAllFiles);
-        click(dialog, kNoFiles);
-        click(dialog, kOwnedFiles);
-        click(dialog, kAllowBelow);
+        click(dialog, IDC_QUOTA_ALL_FILES);
+        click(dialog, IDC_QUOTA_NO_FILES);
+        click(dialog, IDC_QUOTA_OWNED_FILES);
+        click(dialog, IDC_QUOTA_ALLOW_BELOW);
         EXPECT_THAT(store.calls(), IsEmpty());
     });
 }
@@ -135,15 +136,15 @@ TEST_F(SettingsChoicesTest, NewMembersFollowMembers)
 {
     groupHas(store, {alice});
     whileOpen(newRule(store.account("everybody")), kAdd, [](HWND dialog) {
-        click(dialog, kGroupMembers);
-        EXPECT_TRUE(isChecked(dialog, kGroupMembers));
-        EXPECT_TRUE(isEnabled(dialog, kNewMembers));
-        click(dialog, kNewMembers);
-        EXPECT_TRUE(isChecked(dialog, kNewMembers));
-        click(dialog, kGroupMembers);
-        EXPECT_FALSE(isEnabled(dialog, kNewMembers));
-        click(dialog, kGroupMembers);
-        EXPECT_TRUE(isEnabled(dialog, kNewMembers));
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_GROUP_MEMBERS));
+        EXPECT_TRUE(isEnabled(dialog, IDC_QUOTA_NEW_MEMBERS));
+        click(dialog, IDC_QUOTA_NEW_MEMBERS);
+        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_NEW_MEMBERS));
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+        EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_NEW_MEMBERS));
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+        EXPECT_TRUE(isEnabled(dialog, IDC_QUOTA_NEW_MEMBERS));
     });
 }
 
@@ -151,7 +152,7 @@ TEST_F(SettingsChoicesTest, ChangesStayAfterCancel)
 {
     QuotaRule* const rule = newRule(alice);
     const intptr_t result = whileOpen(rule, kAdd, [](HWND dialog) {
-        click(dialog, kAllFiles);
+        click(dialog, IDC_QUOTA_ALL_FILES);
         typeLimits(dialog, L"7K", L"5K");
     });
     EXPECT_EQ(result, 0);

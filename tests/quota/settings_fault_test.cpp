@@ -1,8 +1,11 @@
 // Faults of the store inside the Quota Settings dialog.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/list_host.h"
 
 #include <gmock/gmock.h>
+
+#include <optional>
 
 using namespace quota_settings;
 using testing::ElementsAre;
@@ -36,6 +39,27 @@ protected:
         EXPECT_EQ(edited->hardLimit, 20 * kMiB);
         EXPECT_EQ(edited->softLimit, 10 * kMiB);
     }
+
+    /// Chooses the members, does more, and presses OK, which faults; then presses it again. The lines of the second time
+    /// are left in the store.
+    void okTwice(const DialogScript::Act& more, const std::vector<std::string>& linesOfTheFault,
+                 std::optional<int64_t> hardLimit = std::nullopt)
+    {
+        DialogScript script;
+        script
+            .onDialog("OK with a fault",
+                      [&](HWND dialog) {
+                          click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+                          more(dialog);
+                          SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+                          EXPECT_EQ(store.lines(), linesOfTheFault);
+                          EXPECT_EQ(rule->hardLimit, hardLimit.value_or(rule->hardLimit)) << "taken already";
+                          store.takeCalls();
+                      })
+            .onDialog("OK", pressOk);
+        EXPECT_EQ(script.run([this] { return editQuotaListEntry(nullptr, rule, kAdd); }),
+                  reinterpret_cast<intptr_t>(rule));
+    }
 };
 
 std::string faultOfTest(const testing::TestParamInfo<Fault>& info)
@@ -52,11 +76,11 @@ TEST_P(SettingsFaultTest, MeasuringTheFolderIsSilent)
     raise("getRealSize");
     QuotaRule* const anyone = newRule();
     whileOpen(anyone, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kObjectSize), "0 ");
-        EXPECT_EQ(controlText(dialog, kInUse), "0 ");
-        EXPECT_EQ(controlText(dialog, kHardLimit), "102400K");
-        EXPECT_EQ(controlText(dialog, kSoftLimit), "97280K");
-        EXPECT_TRUE(isChecked(dialog, kAllFiles));
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "0 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "0 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "102400K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "97280K");
+        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_ALL_FILES));
     });
     EXPECT_EQ(anyone->inUse, 0);
     EXPECT_THAT(store.lines(), IsEmpty());
@@ -72,13 +96,13 @@ TEST_P(SettingsFaultTest, MeasuringTheAccountIsSilent)
         rule->inUse = QUOTA_IN_USE_UNKNOWN;
         raise(function);
         whileOpen(rule, kAdd, [](HWND dialog) {
-            EXPECT_EQ(controlText(dialog, kObjectSize), "3072K");
-            EXPECT_EQ(controlText(dialog, kInUse), "-1 ");
-            EXPECT_FALSE(isChecked(dialog, kOwnedFiles));
-            EXPECT_TRUE(isEnabled(dialog, kGroupMembers)) << "the steps that follow are done";
+            EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "3072K");
+            EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "-1 ");
+            EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_OWNED_FILES));
+            EXPECT_TRUE(isEnabled(dialog, IDC_QUOTA_GROUP_MEMBERS)) << "the steps that follow are done";
             // What the account owns is not known.
-            click(dialog, kOwnedFiles);
-            EXPECT_EQ(controlText(dialog, kInUse), "0 ");
+            click(dialog, IDC_QUOTA_OWNED_FILES);
+            EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "0 ");
         });
         EXPECT_THAT(store.lines(), IsEmpty()) << function;
     }
@@ -89,8 +113,8 @@ TEST_P(SettingsFaultTest, ReleasingTheMeasuredAccountIsSilent)
 {
     raise("freeSidList");
     whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kInUse), "2000 ");
-        EXPECT_TRUE(isChecked(dialog, kOwnedFiles));
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "2000 ");
+        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_OWNED_FILES));
     });
     EXPECT_EQ(rule->inUse, 2000);
     EXPECT_THAT(store.lines(), IsEmpty());
@@ -103,9 +127,9 @@ TEST_P(SettingsFaultTest, FindingTheMembersIsSilent)
     {
         raise(function, nth);
         whileOpen(rule, kAdd, [](HWND dialog) {
-            EXPECT_EQ(controlText(dialog, kCredentials), "staff");
-            EXPECT_FALSE(isEnabled(dialog, kGroupMembers));
-            EXPECT_FALSE(isEnabled(dialog, kNewMembers));
+            EXPECT_EQ(controlText(dialog, IDC_QUOTA_CREDENTIALS), "staff");
+            EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_GROUP_MEMBERS));
+            EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_NEW_MEMBERS));
         });
         EXPECT_THAT(store.lines(), IsEmpty()) << function;
     }
@@ -120,8 +144,8 @@ TEST_P(SettingsFaultTest, NamingTheAccountIsLogged)
     intptr_t result = 0;
     result = untilOk(rule, kAdd, [this](HWND dialog) {
         EXPECT_THAT(store.lines(), ElementsAre(kCrashLine));
-        EXPECT_EQ(controlText(dialog, kAppliedTo), "C:\\data") << "what was done before stays";
-        EXPECT_EQ(controlText(dialog, kHardLimit), "") << "what follows is not done";
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_APPLIED_TO), "C:\\data") << "what was done before stays";
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "") << "what follows is not done";
         typeLimits(dialog, L"20M", L"10M");
     });
     EXPECT_EQ(result, reinterpret_cast<intptr_t>(rule)) << "the dialog knows its record";
@@ -140,59 +164,36 @@ TEST_P(SettingsFaultTest, NamingTheAccountIsLoggedWhenEditing)
 
 TEST_P(SettingsFaultTest, CopyingAMemberIsLoggedAndOkCanBePressedAgain)
 {
-    DialogScript script;
-    script
-        .onDialog("OK with a fault",
-                  [this](HWND dialog) {
-                      click(dialog, kGroupMembers);
-                      typeLimits(dialog, L"20M", L"10M");
-                      raise("sidDup", 2);
-                      SendMessageW(dialog, WM_COMMAND, IDOK, 0);
-                      EXPECT_THAT(store.lines(), ElementsAre(kCrashLine));
-                      EXPECT_EQ(rule->hardLimit, 20 * kMiB);
-                  })
-        .onDialog("OK", pressOk);
-    EXPECT_EQ(script.run([this] { return editQuotaListEntry(nullptr, rule, kAdd); }),
-              reinterpret_cast<intptr_t>(rule));
-    EXPECT_THAT(store.lines(), ElementsAre(kCrashLine));
+    okTwice(
+        [this](HWND dialog) {
+            typeLimits(dialog, L"20M", L"10M");
+            raise("sidDup", 2);
+        },
+        {kCrashLine}, 20 * kMiB);
+    EXPECT_THAT(store.lines(), IsEmpty());
     EXPECT_THAT(chainTexts(rule), ElementsAre("staff C:\\data", "ann C:\\data", "bob C:\\data"));
 }
 
 TEST_P(SettingsFaultTest, TrackingIsLoggedAndOkCanBePressedAgain)
 {
-    DialogScript script;
-    script
-        .onDialog("OK with a fault",
-                  [this](HWND dialog) {
-                      click(dialog, kGroupMembers);
-                      click(dialog, kNewMembers);
-                      raise("addToTrackList");
-                      SendMessageW(dialog, WM_COMMAND, IDOK, 0);
-                      EXPECT_THAT(store.lines(), ElementsAre(kTrackingLine, kCrashLine));
-                      store.takeCalls();
-                  })
-        .onDialog("OK", pressOk);
-    EXPECT_EQ(script.run([this] { return editQuotaListEntry(nullptr, rule, kAdd); }),
-              reinterpret_cast<intptr_t>(rule));
+    okTwice(
+        [this](HWND dialog) {
+            click(dialog, IDC_QUOTA_NEW_MEMBERS);
+            raise("addToTrackList");
+        },
+        {kTrackingLine, kCrashLine});
     EXPECT_THAT(store.lines(), ElementsAre(kTrackingLine));
     EXPECT_THAT(chainTexts(rule), ElementsAre("staff C:\\data", "ann C:\\data", "bob C:\\data"));
 }
 
 TEST_P(SettingsFaultTest, ALineThatFaultsIsLogged)
 {
-    DialogScript script;
-    script
-        .onDialog("OK with a fault",
-                  [this](HWND dialog) {
-                      click(dialog, kGroupMembers);
-                      click(dialog, kNewMembers);
-                      raise("ODS");
-                      SendMessageW(dialog, WM_COMMAND, IDOK, 0);
-                      EXPECT_THAT(store.lines(), ElementsAre(kTrackingLine, kCrashLine));
-                  })
-        .onDialog("OK", pressOk);
-    EXPECT_EQ(script.run([this] { return editQuotaListEntry(nullptr, rule, kAdd); }),
-              reinterpret_cast<intptr_t>(rule));
+    okTwice(
+        [this](HWND dialog) {
+            click(dialog, IDC_QUOTA_NEW_MEMBERS);
+            raise("ODS");
+        },
+        {kTrackingLine, kCrashLine});
 }
 
 TEST_P(SettingsFaultTest, ACrashLineThatFaultsIsSurvived)

@@ -1,5 +1,7 @@
 // How the Quota Settings dialog is opened and closed.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/list_host.h"
 
@@ -35,11 +37,6 @@ INT_PTR WINAPI failToOpen(HINSTANCE, LPCDLGTEMPLATEW, HWND, DLGPROC, LPARAM)
     return -1;
 }
 
-HRSRC WINAPI findNothing(HMODULE, LPCWSTR, LPCWSTR)
-{
-    return nullptr;
-}
-
 HMODULE WINAPI knowNoModule(LPCWSTR)
 {
     return nullptr;
@@ -59,7 +56,10 @@ TEST_F(SettingsFrameTest, OpensTheTemplateOfTheMode)
     QuotaRule* const rule = newRule();
     const ImportPatch open(ImportPatch::corvane(), "DialogBoxIndirectParamW", openNothing);
     ASSERT_EQ(open.count(), 1);
-    for (const auto& [mode, number] : {std::pair(1, 148), std::pair(0, 141), std::pair(-1, 148)}) {
+    for (const auto& [mode, number] :
+         {std::pair(1, IDD_QUOTA_SETTINGS_ADD), std::pair(0, IDD_QUOTA_SETTINGS_EDIT),
+          std::pair(-1, IDD_QUOTA_SETTINGS_ADD)})
+    {
         opened = {};
         EXPECT_EQ(editQuotaListEntry(host.window(), rule, mode), 4711) << "the end code is passed through";
         EXPECT_EQ(opened.instance, nullptr);
@@ -92,8 +92,7 @@ TEST_F(SettingsFrameTest, NeedsNoOwner)
 
 TEST_F(SettingsFrameTest, GivesMinusOneWithoutATemplate)
 {
-    const ImportPatch find(ImportPatch::corvane(), "FindResourceW", findNothing);
-    ASSERT_EQ(find.count(), 1);
+    const HiddenDialog all;
     EXPECT_EQ(editQuotaListEntry(nullptr, newRule(), kAdd), -1);
     EXPECT_EQ(editQuotaListEntry(nullptr, newRule(), kEdit), -1);
     EXPECT_THAT(store.calls(), IsEmpty());
@@ -129,7 +128,8 @@ TEST_F(SettingsFrameTest, EnterPressesOkAndEscapeCancel)
     {
         DialogScript script;
         script.onDialog("key", [pressed = key](HWND dialog) {
-            PostMessageW(GetDlgItem(dialog, kSoftLimit), WM_KEYDOWN, static_cast<WPARAM>(pressed), 0);
+            PostMessageW(GetDlgItem(dialog, IDC_QUOTA_SOFT_LIMIT), WM_KEYDOWN, static_cast<WPARAM>(pressed),
+                         0);
         });
         EXPECT_EQ(script.run([=] { return editQuotaListEntry(nullptr, rule, kAdd); }), result);
     }
@@ -139,7 +139,7 @@ TEST_F(SettingsFrameTest, LeavesOtherMessagesToTheDialog)
 {
     whileOpen(newRule(), kAdd, [](HWND dialog) {
         EXPECT_EQ(SendMessageW(dialog, WM_USER + 77, 1, 2), 0);
-        EXPECT_EQ(SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(kObjectSize, EN_CHANGE), 0), 0);
+        EXPECT_EQ(SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_QUOTA_OBJECT_SIZE, EN_CHANGE), 0), 0);
         // The answer to this one comes from the dialog's own handling alone.
         EXPECT_EQ(SendMessageW(dialog, DM_GETDEFID, 0, 0), MAKELRESULT(IDOK, DC_HASDEFID));
     });
@@ -184,7 +184,8 @@ TEST_F(SettingsFrameTest, OpensAgainAfterItWasClosed)
         rule->softLimit = 1;
         EXPECT_EQ(untilOk(rule, kAdd,
                           [=](HWND dialog) {
-                              EXPECT_EQ(controlText(dialog, kHardLimit), std::to_string(5000 + round) + " ");
+                              EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT),
+                                        std::to_string(5000 + round) + " ");
                           }),
                   reinterpret_cast<intptr_t>(rule));
     }

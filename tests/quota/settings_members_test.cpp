@@ -1,4 +1,5 @@
 // Copying a group's rule to its members.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/describe.h"
 #include "tests/support/list_host.h"
@@ -35,7 +36,7 @@ protected:
 TEST_F(SettingsMembersTest, ChainsARecordForEachMember)
 {
     const intptr_t result = untilOk(rule, kAdd, [](HWND dialog) {
-        click(dialog, kGroupMembers);
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
         typeLimits(dialog, L"8000", L"7000");
     });
     EXPECT_EQ(result, reinterpret_cast<intptr_t>(rule));
@@ -54,7 +55,7 @@ TEST_F(SettingsMembersTest, ChainsARecordForEachMember)
 TEST_F(SettingsMembersTest, GivesEachMemberACopyOfItsSid)
 {
     untilOk(rule, kAdd, [this](HWND dialog) {
-        click(dialog, kGroupMembers);
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
         store.takeCalls();
     });
     EXPECT_THAT(store.calls(),
@@ -81,8 +82,8 @@ TEST_F(SettingsMembersTest, AreAskedForUnderTheWaitCursor)
 TEST_F(SettingsMembersTest, TracksNewMembersWhenAsked)
 {
     untilOk(rule, kAdd, [this](HWND dialog) {
-        click(dialog, kGroupMembers);
-        click(dialog, kNewMembers);
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+        click(dialog, IDC_QUOTA_NEW_MEMBERS);
         store.takeCalls();
     });
     EXPECT_THAT(store.calls(),
@@ -94,8 +95,8 @@ TEST_F(SettingsMembersTest, TracksNewMembersWhenAsked)
 TEST_F(SettingsMembersTest, AccountsMembersForFilesChosen)
 {
     untilOk(rule, kAdd, [](HWND dialog) {
-        click(dialog, kAllFiles);
-        click(dialog, kGroupMembers);
+        click(dialog, IDC_QUOTA_ALL_FILES);
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
     });
     ASSERT_NE(rule->next, nullptr);
     EXPECT_EQ(rule->next->inUse, 1000);
@@ -110,10 +111,10 @@ TEST_F(SettingsMembersTest, MakesNoRecordsUnlessAsked)
 TEST_F(SettingsMembersTest, MakesAndTracksNothingWhenTheChoiceIsTakenBack)
 {
     untilOk(rule, kAdd, [](HWND dialog) {
-        click(dialog, kGroupMembers);
-        click(dialog, kNewMembers);
-        click(dialog, kGroupMembers);
-        EXPECT_TRUE(isChecked(dialog, kNewMembers));
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+        click(dialog, IDC_QUOTA_NEW_MEMBERS);
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_NEW_MEMBERS));
     });
     EXPECT_EQ(rule->next, nullptr);
     EXPECT_THAT(store.lines(), IsEmpty());
@@ -124,8 +125,8 @@ TEST_F(SettingsMembersTest, MakesNoRecordsWhenRefused)
     untilRefused(
         rule, kAdd,
         [this](HWND dialog) {
-            click(dialog, kGroupMembers);
-            click(dialog, kNewMembers);
+            click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+            click(dialog, IDC_QUOTA_NEW_MEMBERS);
             typeLimits(dialog, L"5", L"1");
             store.takeCalls();
         },
@@ -137,21 +138,21 @@ TEST_F(SettingsMembersTest, MakesNoRecordsWhenRefused)
 
 TEST_F(SettingsMembersTest, MakesNoRecordsWhenCancelled)
 {
-    whileOpen(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+    whileOpen(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
     EXPECT_EQ(rule->next, nullptr);
 }
 
 TEST_F(SettingsMembersTest, ForgetsTheMembersOfTheLastDialog)
 {
-    untilOk(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+    untilOk(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
     store.answer.enumerateGroupUsers = [](const wchar_t*, const wchar_t*, SidList* list) {
         return list;
     };
     QuotaRule* const other = newRule(ann);
     untilOk(other, kAdd, [](HWND dialog) {
-        EXPECT_FALSE(isEnabled(dialog, kGroupMembers));
+        EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_GROUP_MEMBERS));
         // Checked by a program, since a person cannot: there is no one to copy the rule to.
-        SendDlgItemMessageW(dialog, kGroupMembers, BM_SETCHECK, BST_CHECKED, 0);
+        SendDlgItemMessageW(dialog, IDC_QUOTA_GROUP_MEMBERS, BM_SETCHECK, BST_CHECKED, 0);
     });
     EXPECT_EQ(other->next, nullptr);
     EXPECT_EQ(store.openSidLists(), 0);
@@ -161,7 +162,7 @@ TEST_F(SettingsMembersTest, CopiesAThousandMembers)
 {
     std::vector<const void*> crowd(1000, ann);
     groupHas(store, crowd);
-    untilOk(rule, kAdd, [](HWND dialog) { click(dialog, kGroupMembers); });
+    untilOk(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
     EXPECT_EQ(chainTexts(rule).size(), 1001u);
     EXPECT_EQ(chainTexts(rule).back(), "ann C:\\data");
 }

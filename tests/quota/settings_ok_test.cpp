@@ -1,4 +1,5 @@
 // OK and Cancel of the Quota Settings dialog.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 
 #include <gmock/gmock.h>
@@ -41,12 +42,12 @@ protected:
             [&](HWND dialog) {
                 before(dialog);
                 typeLimits(dialog, hard, soft);
-                typedHard = controlText(dialog, kHardLimit);
-                typedSoft = controlText(dialog, kSoftLimit);
+                typedHard = controlText(dialog, IDC_QUOTA_HARD_LIMIT);
+                typedSoft = controlText(dialog, IDC_QUOTA_SOFT_LIMIT);
             },
             [&](HWND dialog) {
-                EXPECT_EQ(controlText(dialog, kHardLimit), typedHard);
-                EXPECT_EQ(controlText(dialog, kSoftLimit), typedSoft);
+                EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), typedHard);
+                EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), typedSoft);
                 EXPECT_EQ(rule->hardLimit, hardLimit);
                 EXPECT_EQ(rule->softLimit, softLimit);
             });
@@ -161,18 +162,18 @@ TEST_F(SettingsOkTest, AnyoneNeedsTheFoldersSize)
 TEST_F(SettingsOkTest, AnyoneNeedsTheFoldersSizeWhateverIsChosen)
 {
     folderHolds(store, 5000);
-    expectRefused(newRule(), kAdd, L"4999", L"1", 5250, 1, choose(kNoFiles));
+    expectRefused(newRule(), kAdd, L"4999", L"1", 5250, 1, choose(IDC_QUOTA_NO_FILES));
 }
 
 TEST_F(SettingsOkTest, HardLimitBelowTheFoldersSizeCanBeAllowed)
 {
     folderHolds(store, 5000);
-    expectAccepted(newRule(), kAdd, L"4999", L"1", 4999, 1, choose(kAllowBelow));
+    expectAccepted(newRule(), kAdd, L"4999", L"1", 4999, 1, choose(IDC_QUOTA_ALLOW_BELOW));
     expectAccepted(newRule(alice), kAdd, L"4999", L"1", 4999, 1, [](HWND dialog) {
-        click(dialog, kAllFiles);
-        click(dialog, kAllowBelow);
+        click(dialog, IDC_QUOTA_ALL_FILES);
+        click(dialog, IDC_QUOTA_ALLOW_BELOW);
     });
-    expectRefused(newRule(), kAdd, L"1000", L"1", 1024, 1, choose(kAllowBelow));
+    expectRefused(newRule(), kAdd, L"1000", L"1", 1024, 1, choose(IDC_QUOTA_ALLOW_BELOW));
 }
 
 TEST_F(SettingsOkTest, AnAccountNeedsItsOwnFiles)
@@ -187,15 +188,15 @@ TEST_F(SettingsOkTest, AnAccountNeedsAllFilesWhenChosen)
 {
     folderHolds(store, 50000);
     accountOwns(store, 3000);
-    expectRefused(newRule(alice), kAdd, L"49999", L"1", 52500, 1, choose(kAllFiles));
-    expectAccepted(newRule(alice), kAdd, L"50000", L"1", 50000, 1, choose(kAllFiles));
+    expectRefused(newRule(alice), kAdd, L"49999", L"1", 52500, 1, choose(IDC_QUOTA_ALL_FILES));
+    expectAccepted(newRule(alice), kAdd, L"50000", L"1", 50000, 1, choose(IDC_QUOTA_ALL_FILES));
 }
 
 TEST_F(SettingsOkTest, AnAccountNeedsNothingForNoFiles)
 {
     folderHolds(store, 50000);
     accountOwns(store, 3000);
-    expectAccepted(newRule(alice), kAdd, L"1024", L"1", 1024, 1, choose(kNoFiles));
+    expectAccepted(newRule(alice), kAdd, L"1024", L"1", 1024, 1, choose(IDC_QUOTA_NO_FILES));
 }
 
 TEST_F(SettingsOkTest, AnAccountThatWasMeasuredBeforeNeedsNothing)
@@ -234,7 +235,7 @@ TEST_F(SettingsOkTest, RefusalLeavesInUseAlone)
 {
     folderHolds(store, 5000);
     QuotaRule* const rule = newRule();
-    expectRefused(rule, kAdd, L"4999", L"1", 5250, 1, choose(kNoFiles));
+    expectRefused(rule, kAdd, L"4999", L"1", 5250, 1, choose(IDC_QUOTA_NO_FILES));
     EXPECT_EQ(rule->inUse, 0);
 }
 

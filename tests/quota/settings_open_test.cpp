@@ -1,4 +1,5 @@
 // What the Quota Settings dialog does when it opens.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 
 #include <gmock/gmock.h>
@@ -23,21 +24,21 @@ TEST_F(SettingsOpenTest, ShowsFolderAndAnyone)
 {
     whileOpen(newRule(), kAdd, [](HWND dialog) {
         EXPECT_EQ(windowText(dialog), "Quota Settings");
-        EXPECT_EQ(controlText(dialog, kAppliedTo), "C:\\data");
-        EXPECT_EQ(controlText(dialog, kCredentials), "Anyone");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_APPLIED_TO), "C:\\data");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_CREDENTIALS), "Anyone");
     });
 }
 
 TEST_F(SettingsOpenTest, ShowsTheAccountsName)
 {
     whileOpen(newRule(alice), kAdd,
-              [](HWND dialog) { EXPECT_EQ(controlText(dialog, kCredentials), "SALES\\alice"); });
+              [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_QUOTA_CREDENTIALS), "SALES\\alice"); });
 }
 
 TEST_F(SettingsOpenTest, ShowsAnEmptyNameForAnUnknownAccount)
 {
     whileOpen(newRule(store.unknownAccount()), kAdd,
-              [](HWND dialog) { EXPECT_EQ(controlText(dialog, kCredentials), ""); });
+              [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_QUOTA_CREDENTIALS), ""); });
 }
 
 TEST_F(SettingsOpenTest, AsksTheStoreForAnyone)
@@ -63,8 +64,8 @@ TEST_F(SettingsOpenTest, DoesNotMeasureAnAccountThatWasMeasuredBefore)
     QuotaRule* const rule = newRule(alice);
     rule->inUse = 0;
     whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kInUse), "0 ");
-        EXPECT_FALSE(isChecked(dialog, kOwnedFiles));
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "0 ");
+        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_OWNED_FILES));
     });
     EXPECT_THAT(store.calls(), ElementsAre("getAccountBySidW SALES\\alice 128", "getRealSize C:\\data",
                                            "getAccountBySidW SALES\\alice 128",
@@ -85,8 +86,8 @@ TEST_F(SettingsOpenTest, MeasuresAnAccountWhenEditingToo)
     accountOwns(store, 40);
     QuotaRule* const rule = newRule(alice);
     whileOpen(rule, kEdit, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kObjectSize), "100 ");
-        EXPECT_EQ(controlText(dialog, kInUse), "40 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "100 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "40 ");
     });
     EXPECT_EQ(rule->inUse, 40);
 }
@@ -96,12 +97,12 @@ TEST_F(SettingsOpenTest, CountsTheWholeFolderForAnyone)
     folderHolds(store, 3 * kMiB);
     QuotaRule* const rule = newRule();
     whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kObjectSize), "3072K");
-        EXPECT_EQ(controlText(dialog, kInUse), "3072K");
-        EXPECT_TRUE(isChecked(dialog, kAllFiles));
-        EXPECT_FALSE(isChecked(dialog, kOwnedFiles));
-        EXPECT_FALSE(isChecked(dialog, kNoFiles));
-        EXPECT_FALSE(isEnabled(dialog, kOwnedFiles));
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "3072K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "3072K");
+        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_ALL_FILES));
+        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_OWNED_FILES));
+        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_NO_FILES));
+        EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_OWNED_FILES));
     });
     EXPECT_EQ(rule->inUse, 3 * kMiB);
 }
@@ -112,12 +113,12 @@ TEST_F(SettingsOpenTest, CountsOwnedFilesForAnAccount)
     accountOwns(store, kMiB);
     QuotaRule* const rule = newRule(alice);
     whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kObjectSize), "3072K");
-        EXPECT_EQ(controlText(dialog, kInUse), "1048576 ");
-        EXPECT_TRUE(isChecked(dialog, kOwnedFiles));
-        EXPECT_FALSE(isChecked(dialog, kAllFiles));
-        EXPECT_FALSE(isChecked(dialog, kNoFiles));
-        EXPECT_TRUE(isEnabled(dialog, kOwnedFiles));
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "3072K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "1048576 ");
+        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_OWNED_FILES));
+        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_ALL_FILES));
+        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_NO_FILES));
+        EXPECT_TRUE(isEnabled(dialog, IDC_QUOTA_OWNED_FILES));
     });
     EXPECT_EQ(rule->inUse, kMiB);
 }
@@ -128,9 +129,9 @@ TEST_F(SettingsOpenTest, ChecksAllFilesForAnyoneThoughMeasuredBefore)
     QuotaRule* const rule = newRule();
     rule->inUse = 7;
     whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kInUse), "7 ");
-        EXPECT_TRUE(isChecked(dialog, kAllFiles));
-        EXPECT_FALSE(isEnabled(dialog, kOwnedFiles));
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "7 ");
+        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_ALL_FILES));
+        EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_OWNED_FILES));
     });
     EXPECT_EQ(rule->inUse, 7);
 }
@@ -141,8 +142,8 @@ TEST_F(SettingsOpenTest, TakesANegativeSizeAsZero)
         folderHolds(store, size);
         QuotaRule* const rule = newRule();
         whileOpen(rule, kAdd, [](HWND dialog) {
-            EXPECT_EQ(controlText(dialog, kObjectSize), "0 ");
-            EXPECT_EQ(controlText(dialog, kInUse), "0 ");
+            EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "0 ");
+            EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "0 ");
         });
         EXPECT_EQ(rule->inUse, 0);
     }
@@ -152,7 +153,7 @@ TEST_F(SettingsOpenTest, KeepsANegativeSizeByOwner)
 {
     accountOwns(store, -7);
     QuotaRule* const rule = newRule(alice);
-    whileOpen(rule, kAdd, [](HWND dialog) { EXPECT_EQ(controlText(dialog, kInUse), "-7 "); });
+    whileOpen(rule, kAdd, [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "-7 "); });
     EXPECT_EQ(rule->inUse, -7);
 }
 
@@ -161,8 +162,8 @@ TEST_F(SettingsOpenTest, ProposesLimitsFromTheFoldersSize)
     folderHolds(store, 3 * kMiB);
     QuotaRule* const rule = newRule();
     whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kHardLimit), "15360K");
-        EXPECT_EQ(controlText(dialog, kSoftLimit), "14592K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "15360K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "14592K");
     });
     EXPECT_EQ(rule->hardLimit, 15 * kMiB);
     EXPECT_EQ(rule->softLimit, 15 * kMiB - 15 * kMiB / 20);
@@ -172,8 +173,8 @@ TEST_F(SettingsOpenTest, ProposesAHundredMegabytesForAnEmptyFolder)
 {
     QuotaRule* const rule = newRule();
     whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kHardLimit), "102400K");
-        EXPECT_EQ(controlText(dialog, kSoftLimit), "97280K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "102400K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "97280K");
     });
     EXPECT_EQ(rule->hardLimit, 104857600);
     EXPECT_EQ(rule->softLimit, 99614720);
@@ -212,8 +213,8 @@ TEST_F(SettingsOpenTest, KeepsLimitsThatAreSet)
     rule->hardLimit = 1;
     rule->softLimit = 2;
     whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, kHardLimit), "1 ");
-        EXPECT_EQ(controlText(dialog, kSoftLimit), "2 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "1 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "2 ");
     });
     EXPECT_EQ(rule->hardLimit, 1);
     EXPECT_EQ(rule->softLimit, 2);
@@ -224,12 +225,14 @@ TEST_F(SettingsOpenTest, TakesAZeroLimitAsNotSet)
     QuotaRule* const rule = newRule();
     rule->hardLimit = 2000;
     rule->softLimit = 0;
-    whileOpen(rule, kEdit, [](HWND dialog) { EXPECT_EQ(controlText(dialog, kSoftLimit), "1900 "); });
+    whileOpen(rule, kEdit,
+              [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "1900 "); });
     EXPECT_EQ(rule->hardLimit, 2000);
     EXPECT_EQ(rule->softLimit, 1900);
     rule->hardLimit = 0;
     rule->softLimit = 5;
-    whileOpen(rule, kEdit, [](HWND dialog) { EXPECT_EQ(controlText(dialog, kHardLimit), "102400K"); });
+    whileOpen(rule, kEdit,
+              [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "102400K"); });
     EXPECT_EQ(rule->softLimit, 5);
 }
 
@@ -237,10 +240,10 @@ TEST_F(SettingsOpenTest, LeavesMembersOffWithoutAGroup)
 {
     for (QuotaRule* const rule : {newRule(), newRule(alice)}) {
         whileOpen(rule, kAdd, [](HWND dialog) {
-            EXPECT_FALSE(isEnabled(dialog, kGroupMembers));
-            EXPECT_FALSE(isEnabled(dialog, kNewMembers));
-            EXPECT_FALSE(isChecked(dialog, kGroupMembers));
-            EXPECT_FALSE(isChecked(dialog, kNewMembers));
+            EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_GROUP_MEMBERS));
+            EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_NEW_MEMBERS));
+            EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_GROUP_MEMBERS));
+            EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_NEW_MEMBERS));
         });
     }
 }
@@ -249,16 +252,17 @@ TEST_F(SettingsOpenTest, OffersMembersOfAGroup)
 {
     groupHas(store, {alice});
     whileOpen(newRule(store.account("SALES\\everybody")), kAdd, [](HWND dialog) {
-        EXPECT_TRUE(isEnabled(dialog, kGroupMembers));
-        EXPECT_FALSE(isEnabled(dialog, kNewMembers));
-        EXPECT_FALSE(isChecked(dialog, kGroupMembers));
+        EXPECT_TRUE(isEnabled(dialog, IDC_QUOTA_GROUP_MEMBERS));
+        EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_NEW_MEMBERS));
+        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_GROUP_MEMBERS));
     });
 }
 
 TEST_F(SettingsOpenTest, OffersNoMembersOfAnEmptyGroup)
 {
     groupHas(store, {});
-    whileOpen(newRule(alice), kAdd, [](HWND dialog) { EXPECT_FALSE(isEnabled(dialog, kGroupMembers)); });
+    whileOpen(newRule(alice), kAdd,
+              [](HWND dialog) { EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_GROUP_MEMBERS)); });
 }
 
 TEST_F(SettingsOpenTest, ReleasesTheMembersAtTheEnd)
@@ -283,7 +287,7 @@ TEST_F(SettingsOpenTest, PutsTheFocusOnTheFirstFieldToFill)
 {
     for (const int mode : {kAdd, kEdit}) {
         whileOpen(newRule(), mode,
-                  [](HWND dialog) { EXPECT_EQ(focusOf(dialog), GetDlgItem(dialog, kSoftLimit)); });
+                  [](HWND dialog) { EXPECT_EQ(focusOf(dialog), GetDlgItem(dialog, IDC_QUOTA_SOFT_LIMIT)); });
     }
 }
 
@@ -295,7 +299,7 @@ TEST_F(SettingsOpenTest, ShowsTheLongestSizes)
     rule->softLimit = 1;
     whileOpen(rule, kAdd, [](HWND dialog) {
         // After five divisions there is no letter left.
-        EXPECT_EQ(controlText(dialog, kObjectSize), "8191");
-        EXPECT_EQ(controlText(dialog, kHardLimit), "8191");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "8191");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "8191");
     });
 }

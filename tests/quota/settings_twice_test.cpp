@@ -1,4 +1,5 @@
 // Two windows of one thread, each with Quota Settings open.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/list_host.h"
 
@@ -46,8 +47,8 @@ protected:
 TEST_F(SettingsTwiceTest, EachKeepsItsOwnRecord)
 {
     openBoth([](HWND outerDialog, HWND innerDialog) {
-        EXPECT_EQ(controlText(outerDialog, kAppliedTo), "C:\\outer");
-        EXPECT_EQ(controlText(innerDialog, kAppliedTo), "C:\\inner");
+        EXPECT_EQ(controlText(outerDialog, IDC_QUOTA_APPLIED_TO), "C:\\outer");
+        EXPECT_EQ(controlText(innerDialog, IDC_QUOTA_APPLIED_TO), "C:\\inner");
         typeLimits(outerDialog, L"7000", L"6000");
         typeLimits(innerDialog, L"9000", L"8000");
     });
@@ -60,7 +61,7 @@ TEST_F(SettingsTwiceTest, EachKeepsItsOwnRecord)
 TEST_F(SettingsTwiceTest, AChoiceInOneLeavesTheOtherAlone)
 {
     openBoth([this](HWND outerDialog, HWND) {
-        SendMessageW(outerDialog, WM_COMMAND, MAKEWPARAM(kNoFiles, BN_CLICKED), 0);
+        SendMessageW(outerDialog, WM_COMMAND, MAKEWPARAM(IDC_QUOTA_NO_FILES, BN_CLICKED), 0);
         EXPECT_EQ(inner->inUse, 22);
     });
     EXPECT_EQ(outer->inUse, 0);

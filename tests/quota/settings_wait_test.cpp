@@ -1,4 +1,5 @@
 // What is seen while the Quota Settings dialog measures.
+#include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/leak_count.h"
@@ -94,8 +95,8 @@ TEST_F(SettingsWaitTest, AStoreThatTakesThreeSecondsIsSeenAtWork)
     whileOpen(rule, kAdd, [this](HWND dialog) {
         EXPECT_FALSE(IsWindow(seen.at(0))) << "gone before the dialog is seen";
         EXPECT_EQ(windowOfAnotherThread(), nullptr);
-        EXPECT_EQ(controlText(dialog, kObjectSize), "3072K");
-        EXPECT_EQ(controlText(dialog, kHardLimit), "15360K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "3072K");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "15360K");
     });
     EXPECT_EQ(seen.size(), 1u);
     EXPECT_THAT(store.calls(),
@@ -128,7 +129,7 @@ TEST_F(SettingsWaitTest, AFaultTakesItAway)
     whileOpen(newRule(), kEdit, [this](HWND dialog) {
         EXPECT_FALSE(IsWindow(seen.at(0)));
         EXPECT_EQ(windowOfAnotherThread(), nullptr);
-        EXPECT_EQ(controlText(dialog, kObjectSize), "0 ");
+        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "0 ");
     });
     EXPECT_THAT(store.lines(), IsEmpty());
 }

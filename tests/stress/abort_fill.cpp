@@ -78,7 +78,6 @@ protected:
     void round();
     void search(HWND dialog);
     void act(HWND dialog);
-    void pump(unsigned messages);
     void end(HWND dialog, HWND owner);
     HMODULE load();
     long blocksOfAnUnloading();
@@ -116,20 +115,6 @@ void AbortFill::search(HWND dialog)
         break;
     }
     click(dialog, IDOK);
-}
-
-void AbortFill::pump(unsigned messages)
-{
-    const unsigned wait = upTo(2);
-    for (unsigned i = 0; i < messages; ++i) {
-        MSG message;
-        if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            DispatchMessageW(&message);
-        }
-        if (i % 16 == 0) {
-            Sleep(wait);
-        }
-    }
 }
 
 /// What a person does to a list that fills.
@@ -184,7 +169,7 @@ void AbortFill::end(HWND dialog, HWND owner)
         break;
     case 4:
         DestroyWindow(GetDlgItem(dialog, IDC_CHOOSER_LIST));
-        pump(upTo(10));
+        pump(upTo(10), upTo(2));
         SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         break;
     case 5: {
@@ -238,12 +223,12 @@ void AbortFill::round()
             search(dialog);
         }
         for (unsigned acts = upTo(3); acts > 0; --acts) {
-            pump(upTo(40));
+            pump(upTo(40), upTo(2));
             if (IsWindow(dialog)) {
                 act(dialog);
             }
         }
-        pump(upTo(60));
+        pump(upTo(60), upTo(2));
         end(dialog, owner);
     });
     void* const chosen = script.run([&] { return choose(owner, upTo(1) == 0 ? m_owners : nullptr); });

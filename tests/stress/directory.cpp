@@ -1,12 +1,12 @@
 #include "tests/stress/directory.h"
 
+#include "tests/support/directory_objects.h"
 #include "tests/support/import_patch.h"
 
 #include <gtest/gtest.h>
 
 #include <oleauto.h>
 
-#include <iads.h>
 #include <lmcons.h>
 
 #include <atomic>
@@ -21,40 +21,15 @@ void (*pauseHere)() = [] {
 };
 std::atomic<long> references = 0;
 
-/// The calls that nobody makes here.
+/// Tells of itself what is alive.
 template <class Interface>
-class Dispatch : public Interface {
+class Counted : public ComObject<Interface> {
 public:
-    Dispatch() { ++references; }
-    virtual ~Dispatch() { --references; }
-    HRESULT WINAPI QueryInterface(REFIID, void** object) override
-    {
-        *object = this;
-        AddRef();
-        return S_OK;
-    }
-    ULONG WINAPI AddRef() override { return ++m_references; }
-    ULONG WINAPI Release() override
-    {
-        const ULONG left = --m_references;
-        if (left == 0) {
-            delete this;
-        }
-        return left;
-    }
-    HRESULT WINAPI GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-    HRESULT WINAPI Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
-    {
-        return E_NOTIMPL;
-    }
-
-private:
-    std::atomic<ULONG> m_references = 1;
+    Counted() { ++references; }
+    ~Counted() override { --references; }
 };
 
-class Object : public Dispatch<IADs> {
+class Object : public DirectoryEntry<Counted<IADs>> {
 public:
     explicit Object(int number)
         : m_number(number)
@@ -63,11 +38,6 @@ public:
     HRESULT WINAPI get_Name(BSTR* name) override
     {
         *name = SysAllocString((L"object" + std::to_wstring(m_number)).c_str());
-        return S_OK;
-    }
-    HRESULT WINAPI get_Class(BSTR* name) override
-    {
-        *name = SysAllocString(L"User");
         return S_OK;
     }
     HRESULT WINAPI Get(BSTR, VARIANT* value) override
@@ -82,34 +52,14 @@ public:
         std::memcpy(value->parray->pvData, sid, sizeof sid);
         return S_OK;
     }
-    HRESULT WINAPI get_GUID(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_ADsPath(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_Parent(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_Schema(BSTR*) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetInfo() override { return E_NOTIMPL; }
-    HRESULT WINAPI SetInfo() override { return E_NOTIMPL; }
-    HRESULT WINAPI Put(BSTR, VARIANT) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetEx(BSTR, VARIANT*) override { return E_NOTIMPL; }
-    HRESULT WINAPI PutEx(LONG, BSTR, VARIANT) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetInfoEx(VARIANT, LONG) override { return E_NOTIMPL; }
 
 private:
     int m_number;
 };
 
-class Container : public Dispatch<IADsContainer> {
+class Container : public DirectoryContainer<Counted<IADsContainer>> {
 public:
     HRESULT WINAPI put_Filter(VARIANT) override { return S_OK; }
-    HRESULT WINAPI get_Count(long*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get__NewEnum(IUnknown**) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_Filter(VARIANT*) override { return E_NOTIMPL; }
-    HRESULT WINAPI get_Hints(VARIANT*) override { return E_NOTIMPL; }
-    HRESULT WINAPI put_Hints(VARIANT) override { return E_NOTIMPL; }
-    HRESULT WINAPI GetObject(BSTR, BSTR, IDispatch**) override { return E_NOTIMPL; }
-    HRESULT WINAPI Create(BSTR, BSTR, IDispatch**) override { return E_NOTIMPL; }
-    HRESULT WINAPI Delete(BSTR, BSTR) override { return E_NOTIMPL; }
-    HRESULT WINAPI CopyHere(BSTR, BSTR, IDispatch**) override { return E_NOTIMPL; }
-    HRESULT WINAPI MoveHere(BSTR, BSTR, IDispatch**) override { return E_NOTIMPL; }
 };
 
 /// Only handed back to the functions here.

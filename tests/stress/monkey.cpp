@@ -19,16 +19,6 @@ constexpr UINT kAct = WM_APP;
 constexpr UINT_PTR kTimer = 1;
 constexpr int kTooLong = 20000; // acts without any dialog to act on
 
-HWND frontDialog()
-{
-    for (const HWND dialog : DialogScript::dialogs()) {
-        if (IsWindowEnabled(dialog)) {
-            return dialog;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 Monkey::Monkey(std::uint32_t seed)
@@ -84,7 +74,7 @@ void Monkey::act()
     ++m_acts;
     stress::alive(m_last.c_str());
     next(); // before the act, which may open a dialog and come back only when that is closed
-    const HWND front = frontDialog();
+    const HWND front = DialogScript::front();
     if (front == nullptr) {
         if (++m_nothing > kTooLong) {
             ADD_FAILURE() << "no dialog can be used after: " << m_last;
@@ -138,7 +128,7 @@ void Monkey::actIn(HWND front)
 
 void Monkey::actOnDialog(HWND front)
 {
-    const int what = below(40);
+    const int what = below(90); // keys mostly: what ends a dialog is rare, or none would stay open for long
     m_last = "act " + std::to_string(what) + " on " + windowText(front);
     switch (what) {
     case 0:
@@ -188,7 +178,7 @@ void Monkey::actOnDialog(HWND front)
 void Monkey::actOnButton(HWND button)
 {
     const int id = GetDlgCtrlID(button);
-    if ((id == IDOK || id == IDCANCEL) && below(4) != 0) {
+    if ((id == IDOK || id == IDCANCEL) && below(10) != 0) {
         return; // or no dialog would stay open for long
     }
     below(2) == 0 ? void(PostMessageW(button, BM_CLICK, 0, 0)) : void(SendMessageW(button, BM_CLICK, 0, 0));

@@ -13,6 +13,7 @@ namespace {
 
 long long counted = 300;
 std::uint32_t seeded = 0;
+std::string_view onlyNamed;
 std::atomic<unsigned> progress = 0;
 char last[300] = "start";
 
@@ -43,6 +44,11 @@ std::uint32_t seed()
     return seeded;
 }
 
+bool wanted(std::string_view name)
+{
+    return name.find(onlyNamed) != std::string_view::npos;
+}
+
 void alive(const char* doing)
 {
     std::snprintf(last, sizeof last, "%s", doing);
@@ -58,6 +64,9 @@ int main(int argc, char** argv)
         argc > 2 ? static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 10)) : GetTickCount();
     if (argc > 1) {
         stress::counted = std::strtoll(argv[1], nullptr, 10);
+    }
+    if (argc > 3) {
+        stress::onlyNamed = argv[3];
     }
     std::printf("seed %u, count %lld\n", stress::seeded, stress::counted);
     std::fflush(stdout);

@@ -59,6 +59,9 @@ std::string describe(const SidList* accounts)
     if (accounts == nullptr) {
         return "null";
     }
+    if (std::string number = RecordingStore::listNumber(accounts); !number.empty()) {
+        return number;
+    }
     std::string text = "[";
     for (int i = 0; i < accounts->count; ++i) {
         text += (i == 0 ? "" : ", ") + describe(static_cast<const void*>(accounts->sids[i]));

@@ -9,7 +9,7 @@
 /// The controls of a dialog, in their order.
 std::vector<HWND> controlsOf(HWND dialog);
 
-/// "label", "edit", "password", "list", "group", "radio", "check", "button", "default button"; the class of others.
+/// "label", "picture", "edit", "password", "list", "group", "radio", "check", "button", "default button"; the class of others.
 std::string kindOf(HWND control);
 
 /// What a control is: "edit 1002 read-only", "label \"In Use:\"", "button 2 \"Cancel\" disabled".
@@ -38,8 +38,6 @@ bool isWithin(const RECT& inner, const RECT& outer);
 /// Only a group box may lie over others, and then over the whole of each.
 void expectNoOverlap(HWND dialog);
 void expectNothingCutOff(HWND dialog);
-/// Seven units on each side.
-void expectMargins(HWND dialog);
 /// MS Sans Serif of 8 points, in each control as well.
 void expectUsualFont(HWND dialog);
 /// A window of its own with a caption, a close box and the frame of modal dialogs.

@@ -6,6 +6,8 @@
 
 #include <utility>
 
+#include <algorithm>
+
 namespace {
 
 constexpr UINT kTickMilliseconds = 10;
@@ -22,16 +24,6 @@ BOOL CALLBACK collectDialog(HWND window, LPARAM dialogs)
     return TRUE;
 }
 
-HWND frontDialog()
-{
-    for (const HWND dialog : DialogScript::dialogs()) {
-        if (IsWindowEnabled(dialog)) {
-            return dialog;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 std::vector<HWND> DialogScript::dialogs()
@@ -39,6 +31,13 @@ std::vector<HWND> DialogScript::dialogs()
     std::vector<HWND> found;
     EnumThreadWindows(GetCurrentThreadId(), collectDialog, reinterpret_cast<LPARAM>(&found));
     return found;
+}
+
+HWND DialogScript::front()
+{
+    const std::vector<HWND> all = dialogs();
+    const auto found = std::find_if(all.begin(), all.end(), IsWindowEnabled);
+    return found == all.end() ? nullptr : *found;
 }
 
 DialogScript& DialogScript::step(std::string what, Try tryIt)
@@ -82,7 +81,7 @@ void DialogScript::tick()
         giveUp();
         return;
     }
-    const HWND front = frontDialog();
+    const HWND front = DialogScript::front();
     if (front == nullptr || m_next == m_steps.size()) {
         return;
     }

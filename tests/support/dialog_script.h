@@ -45,6 +45,9 @@ public:
     /// All dialogs of this thread that can be seen, those in front first.
     static std::vector<HWND> dialogs();
 
+    /// The one of them that is not blocked by another, null when there is none.
+    static HWND front();
+
 private:
     struct Step {
         std::string what;

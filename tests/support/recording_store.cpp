@@ -2,7 +2,7 @@
 
 #include "tests/support/describe.h"
 #include "tests/support/rule_memory.h"
-#include "tests/support/stack_overflow.h"
+#include "tests/support/store_sids.h"
 #include "tests/support/store_table.h"
 #include "tests/support/text.h"
 
@@ -20,10 +20,6 @@
 #include <stdexcept>
 
 struct RecordingStore::State {
-    struct Account {
-        std::string name;
-        std::vector<unsigned char> sid;
-    };
     struct Rule {
         std::wstring path;
         const void* sid;
@@ -39,9 +35,9 @@ struct RecordingStore::State {
     mutable std::mutex mutex;
     std::vector<std::string> calls;
     std::vector<Plan> plans;
-    std::vector<std::unique_ptr<Account>> accounts;
+    std::string raised;
     std::vector<Rule> rules;
-    std::set<const void*> sidLists;
+    StoreSids sids;
     std::set<const void*> pathLists;
 };
 
@@ -50,181 +46,60 @@ namespace {
 RecordingStore* current = nullptr;
 RecordingStore::State* currentState = nullptr;
 
-constexpr const char* kFunctionNames[] = {
-#define STORE_NAME(result, name, parameters, arguments) #name,
-    STORE_FUNCTIONS(STORE_NAME)
-#undef STORE_NAME
-        "ODS",
-};
-
 /// Writes a call down.
 /// @return what it is to raise.
-Fault note(const char* function, std::string line)
+template <class Describe>
+Fault noted(const char* function, const Describe& describe)
 {
+    std::string line = current->writing ? describe() : std::string();
     const std::lock_guard lock(currentState->mutex);
-    currentState->calls.push_back(std::move(line));
+    if (current->writing) {
+        currentState->calls.push_back(std::move(line));
+    }
     Fault fault = Fault::None;
     for (auto& plan : currentState->plans) {
-        if (plan.function == function && plan.left > 0 && --plan.left == 0) {
+        const bool counts = plan.function.empty() || plan.function == function;
+        if (counts && plan.left > 0 && --plan.left == 0) {
             fault = plan.fault;
         }
     }
     if (fault == Fault::None && current->faultFor) {
         fault = current->faultFor(function);
     }
+    if (fault != Fault::None) {
+        currentState->raised = function;
+    }
     return fault;
 }
 
-int* volatile nowhere = nullptr;
-volatile int many = 7;
-volatile int zero = 0;
-volatile int sink = 0;
-
-constexpr DWORD kForeignCode = 0xE0000001; // of no language runtime at all
-constexpr DWORD kOtherCppCode = 0xE06D7363;
-constexpr DWORD kManagedCode = 0xE0434352;
-constexpr DWORD kHeapCorruptionCode = 0xC0000374;
-
-/// Like a thrown object of the runtime that comes with the system's own compiler: the object, and where in its
-/// module its type is described. It has no type that anybody could catch.
-void raiseOtherCppException()
+Fault notedText(const char* function, const char* space, const char* text)
 {
-    static const int object = 0;
-    static const int types = 0;
-    static int description[4] = {};
-    const auto module = reinterpret_cast<ULONG_PTR>(GetModuleHandleW(nullptr));
-    description[3] = static_cast<int>(reinterpret_cast<ULONG_PTR>(&types) - module);
-    constexpr ULONG_PTR kVersion = 0x19930520;
-    const ULONG_PTR parameters[] = {kVersion, reinterpret_cast<ULONG_PTR>(&object),
-                                    reinterpret_cast<ULONG_PTR>(description), module};
-    RaiseException(kOtherCppCode, EXCEPTION_NONCONTINUABLE, 4, parameters);
-}
-
-void raiseManagedException()
-{
-    constexpr ULONG_PTR kFailure = 0x80131500;
-    const ULONG_PTR parameters[] = {kFailure, 0, 0, 0, 0};
-    RaiseException(kManagedCode, EXCEPTION_NONCONTINUABLE, 5, parameters);
-}
-
-// Holds nothing, since processor faults run no destructors.
-void raiseNow(Fault fault)
-{
-    switch (fault) {
-    case Fault::None:
-        break;
-    case Fault::AccessViolation:
-        *nowhere = 1;
-        break;
-    case Fault::DivideByZero:
-        sink = many / zero;
-        break;
-    case Fault::CppException:
-        throw std::runtime_error("raised by the recording store");
-    case Fault::ForeignException:
-        RaiseException(kForeignCode, 0, 0, nullptr);
-        break;
-    case Fault::OtherCppException:
-        raiseOtherCppException();
-        break;
-    case Fault::ManagedException:
-        raiseManagedException();
-        break;
-    case Fault::Breakpoint:
-        __debugbreak();
-        break;
-    case Fault::HeapCorruption:
-        RaiseException(kHeapCorruptionCode, EXCEPTION_NONCONTINUABLE, 0, nullptr);
-        break;
-    case Fault::StackOverflow:
-        overflowStack();
-        break;
-    }
+    return noted(function, [&] { return std::string(function) + space + text; });
 }
 
 #define STORE_RECORD(result, name, parameters, arguments)                                                    \
     template <class... Arguments>                                                                            \
-    Fault m_note##name(const Arguments&... given)                                                            \
+    Fault noted_##name(const Arguments&... given)                                                            \
     {                                                                                                        \
-        return note(#name, describeCall(#name, given...));                                                   \
+        return noted(#name, [&] { return describeCall(#name, given...); });                                  \
     }                                                                                                        \
-    result m_record##name parameters                                                                         \
+    result call_##name parameters                                                                            \
     {                                                                                                        \
-        raiseNow(m_note##name arguments);                                                                    \
+        raiseNow(noted_##name arguments);                                                                    \
         return current->answer.name ? current->answer.name arguments : noAnswer<result>();                   \
     }
 STORE_FUNCTIONS(STORE_RECORD)
 #undef STORE_RECORD
 
-void recordLine(const char* line)
-{
-    raiseNow(note("ODS", std::string("ODS ") + line));
-}
-
 constexpr StoreTable kTable = {
-#define STORE_ENTRY(result, name, parameters, arguments) m_record##name,
+#define STORE_ENTRY(result, name, parameters, arguments) call_##name,
     STORE_FUNCTIONS(STORE_ENTRY)
 #undef STORE_ENTRY
-        recordLine,
-};
-
-void* copySid(const void* sid)
-{
-    if (sid == nullptr || !IsValidSid(const_cast<void*>(sid))) {
-        return nullptr;
-    }
-    const DWORD size = GetLengthSid(const_cast<void*>(sid));
-    void* const copy = std::malloc(size);
-    std::memcpy(copy, sid, size);
-    return copy;
+        [](const char* line){raiseNow(notedText("ODS", " ", line));
+} // namespace
+,
 }
-
-SidList* growSidList(SidList* list)
-{
-    const auto count = list == nullptr ? 0 : static_cast<size_t>(list->count);
-    // Moved each time, so that a pointer used after a call that grows the list does not go unnoticed.
-    auto* const grown = static_cast<SidList*>(std::malloc(sizeof(SidList) + count * sizeof(void*)));
-    grown->count = static_cast<int32_t>(count) + 1;
-    if (list != nullptr) {
-        std::memcpy(grown->sids, list->sids, count * sizeof(void*));
-        std::memset(list->sids, 0xDD, count * sizeof(void*));
-        std::free(list);
-        currentState->sidLists.erase(list);
-    }
-    currentState->sidLists.insert(grown);
-    return grown;
-}
-
-SidList* appendSid(SidList* list, void* sid)
-{
-    SidList* const grown = growSidList(list);
-    grown->sids[grown->count - 1] = sid;
-    return grown;
-}
-
-SidList* emptySidList()
-{
-    auto* const list = static_cast<SidList*>(std::malloc(sizeof(SidList)));
-    list->count = 0;
-    list->sids[0] = nullptr;
-    currentState->sidLists.insert(list);
-    return list;
-}
-
-void releaseSidList(SidList* list)
-{
-    if (list == nullptr) {
-        return;
-    }
-    if (currentState->sidLists.erase(list) == 0) {
-        ADD_FAILURE() << "freeSidList with a list that is not the store's, or no longer";
-        return;
-    }
-    for (int i = 0; i < list->count; ++i) {
-        std::free(list->sids[i]);
-    }
-    std::free(list);
-}
+;
 
 PathList* appendPath(PathList* list, const wchar_t* folder)
 {
@@ -293,33 +168,6 @@ int compareSids(const void* a, const void* b)
 
 } // namespace
 
-const char* faultName(Fault fault)
-{
-    switch (fault) {
-    case Fault::AccessViolation:
-        return "AccessViolation";
-    case Fault::DivideByZero:
-        return "DivideByZero";
-    case Fault::CppException:
-        return "CppException";
-    case Fault::ForeignException:
-        return "ForeignException";
-    case Fault::OtherCppException:
-        return "OtherCppException";
-    case Fault::ManagedException:
-        return "ManagedException";
-    case Fault::Breakpoint:
-        return "Breakpoint";
-    case Fault::HeapCorruption:
-        return "HeapCorruption";
-    case Fault::StackOverflow:
-        return "StackOverflow";
-    case Fault::None:
-        break;
-    }
-    return "None";
-}
-
 RecordingStore::RecordingStore()
     : m_state(std::make_unique<State>())
 {
@@ -368,16 +216,22 @@ void RecordingStore::answerAsUsual()
         return list;
     };
     answer.enumerateGroups = answer.enumerateUsers;
-    answer.createEmptySidList = emptySidList;
-    answer.appendToSidList = appendSid;
-    answer.appendToSidList2 = [](SidList* destination, SidList* source) {
-        for (int i = 0; source != nullptr && i < source->count; ++i) {
-            destination = appendSid(destination, copySid(source->sids[i]));
-        }
-        return destination;
+    StoreSids& sids = m_state->sids;
+    answer.createEmptySidList = [&sids] {
+        return sids.emptyList();
     };
-    answer.freeSidList = releaseSidList;
-    answer.sidDup = copySid;
+    answer.appendToSidList = [&sids](SidList* list, void* sid) {
+        return sids.append(list, sid);
+    };
+    answer.appendToSidList2 = [&sids](SidList* destination, SidList* source) {
+        return sids.appendAll(destination, source);
+    };
+    answer.freeSidList = [&sids](SidList* list) {
+        sids.releaseList(list);
+    };
+    answer.sidDup = [&sids](const void* sid) {
+        return sids.copy(sid);
+    };
     answer.sidcmp = compareSids;
     answer.getAccountBySidW = accountName;
     answer.getTextualSidW = textualSid;
@@ -385,22 +239,7 @@ void RecordingStore::answerAsUsual()
 
 void* RecordingStore::account(std::string_view name)
 {
-    SID_IDENTIFIER_AUTHORITY authority = SECURITY_NT_AUTHORITY;
-    PSID sid = nullptr;
-    constexpr DWORD kFirstRid = 1001;
-    if (!AllocateAndInitializeSid(&authority, 5, SECURITY_NT_NON_UNIQUE, 1, 2, 3,
-                                  kFirstRid + static_cast<DWORD>(m_state->accounts.size()), 0, 0, 0, &sid))
-    {
-        throw std::runtime_error("no SID");
-    }
-    const auto* const bytes = static_cast<const unsigned char*>(sid);
-    auto made = std::make_unique<State::Account>();
-    made->name = name;
-    made->sid.assign(bytes, bytes + GetLengthSid(sid));
-    FreeSid(sid);
-    void* const address = made->sid.data();
-    m_state->accounts.push_back(std::move(made));
-    return address;
+    return m_state->sids.account(name);
 }
 
 void* RecordingStore::unknownAccount()
@@ -429,21 +268,39 @@ void RecordingStore::put(const wchar_t* path, const void* sid, int64_t hardLimit
 
 SidList* RecordingStore::makeSidList(const std::vector<const void*>& sids)
 {
-    SidList* list = emptySidList();
+    StoreSids& ours = currentState->sids;
+    SidList* list = ours.emptyList();
     for (const void* const sid : sids) {
-        list = appendSid(list, copySid(sid));
+        list = ours.append(list, ours.copy(sid));
     }
     return list;
 }
 
+SidList* RecordingStore::callersSidList(const std::vector<void*>& sids)
+{
+    return m_state->sids.callersList(sids);
+}
+
+void RecordingStore::release(void* sid)
+{
+    currentState->sids.release(sid);
+}
+
+void RecordingStore::note(const char* function, const std::string& arguments)
+{
+    raiseNow(notedText(function, arguments.empty() ? "" : " ", arguments.c_str()));
+}
+
 void RecordingStore::raise(std::string_view function, Fault fault, int nth)
 {
-    if (std::find(std::begin(kFunctionNames), std::end(kFunctionNames), function) == std::end(kFunctionNames))
-    {
-        throw std::invalid_argument("the store has no function " + std::string(function));
-    }
     const std::lock_guard lock(m_state->mutex);
     m_state->plans.push_back({std::string(function), fault, nth});
+}
+
+std::string RecordingStore::takeRaised()
+{
+    const std::lock_guard lock(m_state->mutex);
+    return std::exchange(m_state->raised, {});
 }
 
 std::vector<std::string> RecordingStore::calls() const
@@ -470,9 +327,26 @@ std::vector<std::string> RecordingStore::lines() const
     return lines;
 }
 
+int RecordingStore::count(std::string_view start) const
+{
+    const std::vector<std::string> all = calls();
+    return static_cast<int>(std::count_if(
+        all.begin(), all.end(), [start](const std::string& call) { return call.starts_with(start); }));
+}
+
+void RecordingStore::tellListsByNumber()
+{
+    m_state->sids.tellByNumber();
+}
+
 int RecordingStore::openSidLists() const
 {
-    return static_cast<int>(m_state->sidLists.size());
+    return m_state->sids.openLists();
+}
+
+int RecordingStore::openSids() const
+{
+    return m_state->sids.open();
 }
 
 int RecordingStore::openPathLists() const
@@ -482,13 +356,10 @@ int RecordingStore::openPathLists() const
 
 std::string RecordingStore::nameOf(const void* sid)
 {
-    if (currentState == nullptr || !IsValidSid(const_cast<void*>(sid))) {
-        return {};
-    }
-    for (const auto& account : currentState->accounts) {
-        if (EqualSid(const_cast<void*>(sid), account->sid.data())) {
-            return account->name;
-        }
-    }
-    return {};
+    return currentState == nullptr ? std::string() : currentState->sids.nameOf(sid);
+}
+
+std::string RecordingStore::listNumber(const SidList* list)
+{
+    return currentState == nullptr ? std::string() : currentState->sids.numberOf(list);
 }

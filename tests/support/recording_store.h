@@ -2,6 +2,7 @@
 #pragma once
 
 #include "corvane_types.h"
+#include "tests/support/fault.h"
 #include "tests/support/store_functions.h"
 
 #include <functional>
@@ -10,29 +11,6 @@
 #include <string_view>
 #include <vector>
 
-/// What a store call can be made to raise.
-enum class Fault {
-    None,
-    AccessViolation,
-    DivideByZero,
-    CppException,
-    ForeignException,
-    OtherCppException, ///< of another maker's language runtime
-    ManagedException,
-    Breakpoint,
-    HeapCorruption, ///< as the system reports it
-    StackOverflow,
-};
-
-/// All kinds but None, for tests that go through them.
-inline constexpr Fault kEveryFault[] = {
-    Fault::AccessViolation,  Fault::DivideByZero,      Fault::CppException,
-    Fault::ForeignException, Fault::OtherCppException, Fault::ManagedException,
-    Fault::Breakpoint,       Fault::HeapCorruption,    Fault::StackOverflow};
-
-/// Shown by the names of tests that go through the kinds.
-const char* faultName(Fault fault);
-
 /// The answer to each function, if it is not the usual one.
 struct StoreAnswers {
 #define STORE_ANSWER(result, name, parameters, arguments) std::function<result parameters> name;
@@ -40,7 +18,8 @@ struct StoreAnswers {
 #undef STORE_ANSWER
 };
 
-/// The store that corvane.dll calls while this object lives; there is one at a time.
+/// The store that the code under test calls while this object lives; there is one at a time. AccountStore and
+/// PolicyStore are such stores that keep accounts and policy lists.
 ///
 /// The usual answers: folders have no rules and no size; SIDs and the lists of SIDs and paths are real ones; the
 /// accounts that the test made known have names, and all others have none; groups have no members.
@@ -72,12 +51,29 @@ public:
     /// A list of SIDs for an answer: copies of the given ones, for freeSidList to release.
     static SidList* makeSidList(const std::vector<const void*>& sids);
 
-    /// Plans a fault for the nth call of a function, counted from here on. A fault that is not raised before
-    /// the store's end fails the test.
+    /// A list of the caller's own with just these SIDs: it fails the test when it is made to grow or released. Lasts as
+    /// long as the store.
+    SidList* callersSidList(const std::vector<void*>& sids);
+
+    /// Releases a SID as the code under test would.
+    static void release(void* sid);
+
+    /// Writes down what something beside the store was asked for, in one sequence with the store's calls, and raises
+    /// what is planned for it.
+    static void note(const char* function, const std::string& arguments);
+
+    /// Plans a fault for the nth call of a function, or of all with an empty name, counted from here on. A fault that
+    /// is not raised before the store's end fails the test.
     void raise(std::string_view function, Fault fault, int nth = 1);
+
+    /// The function that raised the last fault, empty when none did since the last time.
+    std::string takeRaised();
 
     /// Asked at each call for what it is to raise, beside what is planned; one thread at a time.
     std::function<Fault(const char* function)> faultFor;
+
+    /// Whether calls are written down. To describe each of very many takes its time.
+    bool writing = true;
 
     /// The calls so far, each as "name argument argument". Debug lines stand among them as "ODS text".
     std::vector<std::string> calls() const;
@@ -85,15 +81,28 @@ public:
     /// The calls since the last time, leaving the record empty.
     std::vector<std::string> takeCalls();
 
+    /// How many of the calls start so.
+    int count(std::string_view start) const;
+
     /// The debug lines alone.
     std::vector<std::string> lines() const;
+
+    /// From now on the calls tell lists of SIDs by the numbers in which they were made, "L1", and the caller's own as
+    /// "presets".
+    void tellListsByNumber();
 
     /// Lists of SIDs, and of paths, that were made and not yet released.
     int openSidLists() const;
     int openPathLists() const;
 
+    /// SIDs that the store gave, alone and in lists, less those that came back in lists or by release.
+    int openSids() const;
+
     /// The name that the test gave to a SID or to the account that it is a copy of; empty when there is none.
     static std::string nameOf(const void* sid);
+
+    /// What the calls tell of a list when they tell it by number, empty when they do not.
+    static std::string listNumber(const SidList* list);
 
     struct State;
 

@@ -57,6 +57,19 @@ HWND focusOf(HWND dialog)
     return GetFocus();
 }
 
+void pump(unsigned looks, unsigned pause)
+{
+    MSG message;
+    for (unsigned i = 0; i < looks; ++i) {
+        if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            DispatchMessageW(&message);
+        }
+        if (i % 16 == 0) {
+            Sleep(pause);
+        }
+    }
+}
+
 void type(HWND dialog, int id, const wchar_t* text)
 {
     SendMessageW(control(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));

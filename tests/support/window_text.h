@@ -16,6 +16,9 @@ bool isChecked(HWND dialog, int id);
 /// window takes the keyboard from the others: the dialog is then brought to the front again first.
 HWND focusOf(HWND dialog);
 
+/// Lets the windows of this thread work: so many looks for a message, and a pause of so many milliseconds at every 16th.
+void pump(unsigned looks, unsigned pause);
+
 /// Replaces the text of a field.
 void type(HWND dialog, int id, const wchar_t* text);
 

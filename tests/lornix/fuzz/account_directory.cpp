@@ -9,9 +9,9 @@ using namespace lornix;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const AccountDirectory directory(std::string_view(reinterpret_cast<const char*>(data), size));
-    require(directory.condition() != Condition::kForeign || directory.size() == 0,
+    require(directory.condition != Condition::kForeign || directory.size() == 0,
             "accounts of a foreign file");
-    require(std::ranges::is_sorted(directory.flaws().first, {}, &Flaw::line), "the flaws by line");
+    require(std::ranges::is_sorted(directory.flaws.first, {}, &Flaw::line), "the flaws by line");
     const std::u16string* first = directory.firstServer();
     require((first == nullptr) == (directory.domainSid() == nullptr), "a domain without a server");
     std::vector<std::u16string> servers{u""};

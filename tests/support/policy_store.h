@@ -27,11 +27,9 @@ private:
 };
 
 /// A recording store whose policy lists hold what the test puts in and what the editors make of it.
-class PolicyStore {
+class PolicyStore : public RecordingStore {
 public:
     PolicyStore();
-
-    RecordingStore recording;
 
     StoredTexts scripts;
     StoredTexts excludes;

@@ -1,4 +1,4 @@
-#include "tests/policies/policy_store.h"
+#include "tests/support/policy_store.h"
 
 #include <windows.h>
 
@@ -81,7 +81,6 @@ PolicyStore::PolicyStore()
 
 void PolicyStore::answerForNotifications()
 {
-    StoreAnswers& answer = recording.answer;
     answer.getNotificationsCount = [this] {
         return scripts.count();
     };
@@ -115,7 +114,6 @@ void PolicyStore::answerForNotifications()
 
 void PolicyStore::answerForTexts()
 {
-    StoreAnswers& answer = recording.answer;
     const auto get = [](StoredTexts& texts) {
         return [&texts](uint32_t index) {
             return texts.get(index);
@@ -152,7 +150,6 @@ void PolicyStore::answerForTexts()
 
 void PolicyStore::answerForMasks()
 {
-    StoreAnswers& answer = recording.answer;
     answer.getExcludeExtsPath = [this](uint32_t index) {
         return masks.get(index);
     };

@@ -1,0 +1,16 @@
+// Manage backup tools: what the tests of it have in common.
+#pragma once
+
+#include "corvane.h"
+#include "res/resource.h"
+#include "tests/policies/editor_visit.h"
+
+#include <gtest/gtest.h>
+
+inline constexpr char kEntry[] = "Backup Processes";
+
+class BackupToolsTest : public testing::Test {
+protected:
+    PolicyStore store;
+    EditorVisit visit{store};
+};

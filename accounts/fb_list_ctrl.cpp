@@ -59,6 +59,17 @@ int CFBListCtrl::insertWholeRow(int index, int image, std::initializer_list<cons
     return row;
 }
 
+int CFBListCtrl::findRowByText(int startRow, const wchar_t* wanted, int column) const
+{
+    const int rows = wanted != nullptr ? rowCount() : 0;
+    for (int row = startRow; row < rows; ++row) {
+        if (text(row, column) == wanted) {
+            return row;
+        }
+    }
+    return -1;
+}
+
 void CFBListCtrl::setCell(int row, int column, const wchar_t* text) const
 {
     LVITEMW item{};

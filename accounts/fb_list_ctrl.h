@@ -30,6 +30,13 @@ public:
     /// The filter of a column as last read; empty when there is none.
     const wchar_t* filter(int column) const;
 
+    /// @param texts  of the columns.
+    /// @return the row's index, -1 when the list refuses it.
+    int insertWholeRow(int index, int image, std::initializer_list<const wchar_t*> texts, LPARAM data) const;
+
+    /// @return the first row from a start on whose cell is exactly the text, or -1.
+    int findRowByText(int startRow, const wchar_t* text, int column) const;
+
     /// In the order in which they were hidden.
     SavedRows& hiddenRows() { return m_hidden; }
 
@@ -52,10 +59,6 @@ public:
 
 protected:
     TakenWindow& takenWindow() { return m_window; }
-
-    /// @param texts  of the columns.
-    /// @return the row's index, -1 when the list refuses it.
-    int insertWholeRow(int index, int image, std::initializer_list<const wchar_t*> texts, LPARAM data) const;
 
 private:
     LRESULT call(UINT message, WPARAM wParam, LPARAM lParam) const;

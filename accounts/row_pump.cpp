@@ -1,7 +1,7 @@
 #include "accounts/row_pump.h"
 
 #include "accounts/account_data.h"
-#include "accounts/sid_ctrl.h"
+#include "accounts/fb_list_ctrl.h"
 #include "frame/crash_guard.h"
 #include "frame/dialog_items.h"
 #include "frame/domain_servers.h"
@@ -210,7 +210,9 @@ void RowPump::takeRow(RowBatch::Entry& entry)
     }
     // Let go before the insertion, which may fault after the list has taken it: then it may leak, but is never freed twice.
     void* const data = entry.data.release();
-    if (m_list.insertAccountRow(entry.index, entry.image, account, fullName, type, data) == -1) {
+    if (m_list.insertWholeRow(entry.index, entry.image, {account, fullName, type},
+                              reinterpret_cast<LPARAM>(data)) == -1)
+    {
         freeAccount(data);
     }
 }

@@ -6,13 +6,13 @@
 #include <memory>
 #include <string>
 
-class CSidCtrl;
+class CFBListCtrl;
 
 /// Puts the rows of a fill into the list, on the list's thread. It takes them in batches, so that the dialog takes input
 /// and paints in between.
 class RowPump {
 public:
-    explicit RowPump(CSidCtrl& list)
+    explicit RowPump(CFBListCtrl& list)
         : m_list(list)
     {
     }
@@ -50,7 +50,7 @@ private:
     void onFillEnd();
     void enableDialog() const;
 
-    CSidCtrl& m_list;
+    CFBListCtrl& m_list;
     std::shared_ptr<AccountFill> m_fill; ///< null when no fill runs
     RowBatch m_batch;                    ///< taken from the fill, and in the list up to m_next
     std::size_t m_next = 0;

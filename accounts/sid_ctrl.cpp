@@ -96,17 +96,6 @@ int CSidCtrl::insertAccountRow(int index, int image, const wchar_t* account, con
     return insertWholeRow(index, image, {account, fullName, type}, reinterpret_cast<LPARAM>(data));
 }
 
-int CSidCtrl::findRowByText(int startRow, const wchar_t* wanted, int column) const
-{
-    const int rows = wanted != nullptr ? rowCount() : 0;
-    for (int row = startRow; row < rows; ++row) {
-        if (text(row, column) == wanted) {
-            return row;
-        }
-    }
-    return -1;
-}
-
 int CSidCtrl::selectSid(const void* sid) const
 {
     int found = 0;

@@ -43,9 +43,6 @@ public:
     int insertAccountRow(int index, int image, const wchar_t* account, const wchar_t* fullName,
                          const wchar_t* type, void* data) const;
 
-    /// @return the first row from a start on whose cell is exactly the text, or -1.
-    int findRowByText(int startRow, const wchar_t* text, int column) const;
-
     /// Puts the selection mark on the row of an account; what is selected and what shows stays as it is.
     /// @return 1 when there is such a row, else 0.
     int selectSid(const void* sid) const;

@@ -1,32 +1,38 @@
-/* The smallest panel: the rules of one folder, and buttons to add, edit and drop one.
- *
- *   smallest FOLDER
- */
+/* The smallest panel: the rules of one folder, to be added, edited, dropped and stored.    smallest FOLDER */
 #include <corvane.h>
+#include <lornix_host.h>
 
 #include <commctrl.h>
 
-#include <stdlib.h>
+enum { LIST = 100, ADD, EDIT, DROP, APPLY };
 
-enum { LIST = 100, ADD, EDIT, DROP };
+static PathList folders; /* what the page shows: it has room for one folder */
 
-static PathList* folders; /* what the page shows */
-
-static void layOut(HWND window)
+/* Adding has turned backslashes into slashes, and the list would take the same folder for another one. */
+static void turnBack(wchar_t* path)
 {
-    RECT area;
-    int button;
-    GetClientRect(window, &area);
-    MoveWindow(GetDlgItem(window, LIST), 8, 8, area.right - 16, area.bottom - 52, TRUE);
-    for (button = ADD; button <= DROP; button++) {
-        MoveWindow(GetDlgItem(window, button), 8 + (button - ADD) * 108, area.bottom - 36, 100, 28, TRUE);
+    for (; *path != L'\0'; path++) {
+        *path = *path == L'/' ? L'\\' : *path;
     }
 }
 
-static void make(HWND window, const wchar_t* kind, const wchar_t* text, DWORD style, int id)
+static void apply(HWND window)
 {
-    CreateWindowExW(0, kind, text, WS_CHILD | WS_VISIBLE | WS_TABSTOP | style, 0, 0, 0, 0, window,
-                    (HMENU)(INT_PTR)id, GetModuleHandleW(NULL), NULL);
+    QuotaRule* const chain = getDataModified(window, LIST); /* the list's: only lent */
+    QuotaRule* rule;
+    for (rule = chain; rule != NULL; rule = rule->next) {
+        turnBack(rule->path);
+    }
+    if (!lornixStoreRules(&folders, chain)) {
+        MessageBoxW(window, lornixLastError(), L"Smallest panel", MB_OK | MB_ICONERROR);
+    }
+}
+
+static void make(HWND window, int id, const wchar_t* kind, const wchar_t* text, DWORD style)
+{
+    const int left = id == LIST ? 8 : 8 + (id - ADD) * 108;
+    CreateWindowExW(0, kind, text, WS_CHILD | WS_VISIBLE | WS_TABSTOP | style, left, id == LIST ? 8 : 248,
+                    id == LIST ? 724 : 100, id == LIST ? 232 : 28, window, (HMENU)(INT_PTR)id, NULL, NULL);
 }
 
 static LRESULT CALLBACK panel(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -34,26 +40,23 @@ static LRESULT CALLBACK panel(HWND window, UINT message, WPARAM wParam, LPARAM l
     const NMHDR* note = (const NMHDR*)lParam;
     switch (message) {
     case WM_CREATE:
-        make(window, WC_LISTVIEWW, L"", LVS_REPORT | LVS_SHOWSELALWAYS | WS_BORDER, LIST);
-        make(window, L"BUTTON", L"Add...", 0, ADD);
-        make(window, L"BUTTON", L"Edit...", WS_DISABLED, EDIT);
-        make(window, L"BUTTON", L"Drop", WS_DISABLED, DROP);
-        initializeListCtrl(window, LIST, folders); /* the columns, and the rules that are stored */
-        return 0;
-    case WM_SIZE:
-        layOut(window);
+        make(window, LIST, WC_LISTVIEWW, L"", LVS_REPORT | LVS_SHOWSELALWAYS | WS_BORDER);
+        make(window, ADD, L"BUTTON", L"Add...", 0);
+        make(window, EDIT, L"BUTTON", L"Edit...", WS_DISABLED);
+        make(window, DROP, L"BUTTON", L"Drop", WS_DISABLED);
+        make(window, APPLY, L"BUTTON", L"Apply", 0);
+        initializeListCtrl(window, LIST, &folders); /* the columns, and the rules that are stored */
         return 0;
     case WM_COMMAND:
-        switch (LOWORD(wParam)) {
-        case ADD:
-            addToListCtrl(window, LIST, NULL, folders); /* null: for anyone; or an account's SID */
-            break;
-        case EDIT:
+        if (LOWORD(wParam) == ADD) {
+            addToListCtrl(window, LIST, NULL, &folders); /* null: for anyone; or an account's SID */
+            turnBack(folders.paths[0]);
+        } else if (LOWORD(wParam) == EDIT) {
             editFromListCtrl(window, LIST);
-            break;
-        case DROP:
+        } else if (LOWORD(wParam) == DROP) {
             dropFromListCtrl(window, LIST);
-            break;
+        } else if (LOWORD(wParam) == APPLY) {
+            apply(window);
         }
         return 0;
     case WM_NOTIFY:
@@ -77,22 +80,20 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE before, LPWSTR folder, int sho
     MSG message;
     (void)before;
     InitCommonControlsEx(&controls);
-    folders = malloc(sizeof *folders); /* has room for one folder */
-    folders->count = 1;
-    folders->paths[0] = folder;
+    folders.count = 1;
+    folders.paths[0] = folder;
     kind.lpfnWndProc = panel;
     kind.hInstance = instance;
     kind.hCursor = LoadCursorW(NULL, (const wchar_t*)IDC_ARROW);
     kind.hbrBackground = (HBRUSH)(COLOR_BTNFACE + 1);
     kind.lpszClassName = L"smallest";
     RegisterClassW(&kind);
-    ShowWindow(CreateWindowExW(0, kind.lpszClassName, L"Smallest panel", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
-                               CW_USEDEFAULT, 760, 320, NULL, NULL, instance, NULL),
+    ShowWindow(CreateWindowExW(0, kind.lpszClassName, L"Smallest panel", WS_CAPTION | WS_SYSMENU,
+                               CW_USEDEFAULT, CW_USEDEFAULT, 760, 320, NULL, NULL, instance, NULL),
                show);
     while (GetMessageW(&message, NULL, 0, 0) > 0) {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
-    free(folders);
-    return 0; /* storing the chain that getDataModified gives is the panel's act: see quota_report.cpp */
+    return 0;
 }

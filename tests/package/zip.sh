@@ -34,6 +34,38 @@ run() {
 is() { [ "$2" = "$3" ] || wrong "$1: \"$3\" and not \"$2\""; }
 windows() { printf 'Z:%s' "${1//\//\\}"; }
 
+# What a person would do in the smallest panel, without a look at the desktop that other tests share.
+cat >"$out/drop_and_apply.c" <<'C'
+#include <windows.h>
+int main(void)
+{
+    HWND panel = FindWindowA("smallest", NULL);
+    SendMessageA(GetDlgItem(panel, 100), WM_KEYDOWN, VK_DOWN, 0); /* the list: its first row */
+    SendMessageA(panel, WM_COMMAND, 103, 0); /* Drop */
+    SendMessageA(panel, WM_COMMAND, 104, 0); /* Apply */
+    return panel == NULL;
+}
+C
+x86_64-w64-mingw32-gcc "$out/drop_and_apply.c" -o "$out/drop_and_apply.exe"
+
+# shows_the_rule WHAT PROGRAM FOLDER [PROGRAM]: the smallest panel shows one rule, has the other program do something to
+# it, and goes when it is told to.
+shows_the_rule() {
+    local rules='' i panel
+    wine "$2" "$3" </dev/null >/dev/null 2>&1 &
+    panel=$!
+    for ((i = 0; i < 300; i++)); do
+        rules=$(printf 'count\tSmallest panel\t100\n' | wine "$build/tests/system/peek.exe" 2>/dev/null | tr -d '\r' | head -n 1) || true
+        [ "$rules" != 1 ] || break
+        kill -0 $panel 2>/dev/null || break
+        sleep 0.1
+    done
+    is "$1" 1 "$rules"
+    [ -z "${4:-}" ] || run "$4"
+    wine taskkill /im smallest.exe >/dev/null 2>&1 </dev/null || wrong "$1: it cannot be told to go"
+    wait $panel || wrong "$1: it ended with $?"
+}
+
 for compiler in clang gcc; do
     built=$out/$compiler
     if ! { cmake -G Ninja -S "$out/examples" -B "$built" -D CMAKE_PREFIX_PATH="$package" -D CMAKE_BUILD_TYPE=Release \
@@ -57,21 +89,22 @@ for compiler in clang gcc; do
     LORNIX_DATA=$(windows "$out/data $compiler")
     is "$compiler, loaded at run time" '1 rules' \
         "$(run "$out/alone/load_at_run_time.exe" "$(windows "$package/bin/corvane.dll")" "$folder")"
-    # The smallest panel shows the rule, and goes when it is told to.
-    wine "$built/smallest.exe" "$folder" </dev/null >/dev/null 2>&1 &
-    panel=$!
-    rules=
-    for ((i = 0; i < 300; i++)); do
-        rules=$(printf 'count\tSmallest panel\t100\n' | wine "$build/tests/system/peek.exe" 2>/dev/null | tr -d '\r' | head -n 1) || true
-        [ "$rules" != 1 ] || break
-        kill -0 $panel 2>/dev/null || break
-        sleep 0.1
-    done
-    is "$compiler, the smallest panel" 1 "$rules"
-    wine taskkill /im smallest.exe >/dev/null 2>&1 </dev/null || wrong "$compiler: the smallest panel cannot be told to go"
-    wait $panel || wrong "$compiler: the smallest panel ended with $?"
+    shows_the_rule "$compiler, the smallest panel" "$built/smallest.exe" "$folder"
     unset LORNIX_DATA
 done
+
+# The lines of the page for those without CMake, as they stand there.
+mapfile -t lines < <(sed -nE 's/^    ((x86_64-w64-mingw32-gcc|clang) .*)/\1/p' "$package/docs/package.md")
+[ ${#lines[@]} = 2 ] || wrong "package.md has ${#lines[@]} lines without CMake that can be tried here"
+for line in "${lines[@]}"; do
+    rm -f "$package/bin/smallest.exe"
+    line=${line/#clang /clang-19 } # by the name that it has here
+    (cd "$package" && eval "$line") || { wrong "does not build: $line"; continue; }
+    LORNIX_DATA=$(windows "$out/data gcc") shows_the_rule "$line" "$package/bin/smallest.exe" "$folder"
+done
+cp -r "$out/data gcc" "$out/data dropped"
+LORNIX_DATA=$(windows "$out/data dropped") shows_the_rule 'dropping and applying' "$package/bin/smallest.exe" "$folder" "$out/drop_and_apply.exe"
+is 'what is stored then' '' "$(run "$out/clang/quota_report.exe" "$(windows "$out/data dropped")" "$folder")"
 
 # The sample panel as a project of its own.
 if ! { cmake -G Ninja -S "$out/examples/panel" -B "$out/panel" -D CMAKE_PREFIX_PATH="$package" -D CMAKE_BUILD_TYPE=Release \

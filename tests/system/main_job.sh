@@ -16,6 +16,7 @@ expect 'the rules of an empty data folder' 'No rules are stored.' "$(dump)"
 
 step 'add two folders'
 host_start "${options[@]}"
+shot empty
 add_folder "$tree\\Projects"
 add_folder "$tree\\Users"
 wait_status '0 rules in 2 folders'
@@ -27,9 +28,16 @@ shot no-rules
 
 step 'add a rule on the one that was added last'
 wait_shows "New rules are for $tree\\Users." text "$panel" IDC_FOLDER_HINT
-add_rule 20M 10M
+click "$panel" IDC_ADD_FOR_ANYONE
+wait_window "$settings"
+fill "$settings" IDC_QUOTA_HARD_LIMIT 20M
+fill "$settings" IDC_QUOTA_SOFT_LIMIT 10M
+shot quota-settings-first
+click "$settings" IDOK
+wait_gone "$settings"
 wait_rules "Anyone|20480K|10240K|$users |$(printf '%02d' $((users * 100 / 20971520)))%|$tree\\Users"
 wait_unsaved
+shot first-rule
 # Adding by dialog and id tells the store at once; by list object that is left to Apply.
 times_known() { tr -d '\r' 2>/dev/null <"$data/rules.txt" | grep -c '^folder.*\\Users$'; }
 [[ " ${options[*]} " = *' --list-object '* ]] && known=0 || known=1

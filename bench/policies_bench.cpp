@@ -8,6 +8,7 @@
 #include "bench/support/options.h"
 #include "bench/support/table.h"
 #include "corvane.h"
+#include "res/resource.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/store_table.h"
 
@@ -34,18 +35,12 @@ const wchar_t* entryAt(uint32_t index)
 /// A store that costs next to nothing: it forwards to the table alone.
 StoreTable thinStore()
 {
-    StoreTable table{};
-    table.ODS = [](const char*) {
-    };
+    StoreTable table = emptyTable();
     const auto load = [] {
         return 1;
     };
-    const auto nothing = [] {
-    };
     table.loadNotifications = table.loadExcludes = table.loadExcludeExts = table.loadMgrAccounts =
         table.loadBackupTools = load;
-    table.freeNotifications = table.freeExcludes = table.freeExcludeExts = table.freeMgrAccounts =
-        table.freeBackupTools = nothing;
     table.getNotificationsCount = [] {
         return static_cast<uint32_t>(entries.size());
     };
@@ -56,9 +51,6 @@ StoreTable thinStore()
     };
     table.getINAttr = [](uint32_t index, uint32_t attribute) {
         return attribute == 1 ? static_cast<int32_t>(index % 4) : static_cast<int32_t>(index);
-    };
-    table.getExcludeExtsSid = [](uint32_t) -> const void* {
-        return nullptr;
     };
     return table;
 }
@@ -71,11 +63,12 @@ struct Editor {
     bool sorted;
 };
 
-const Editor kEditors[] = {{"notifications", editNotifications, 142, 1015, false},
-                           {"exception files", editExcludes, 146, 1011, false},
-                           {"blocked extensions", editExcludeExts, 156, 1011, false},
-                           {"administrative accounts", editMgrAccounts, 149, 1011, false},
-                           {"backup tools", editBackupTools, 152, 1011, true}};
+const Editor kEditors[] = {
+    {"notifications", editNotifications, IDD_NOTIFICATIONS, IDC_NOTIFICATIONS_LIST, false},
+    {"exception files", editExcludes, IDD_EXCLUDES, IDC_POLICY_LIST, false},
+    {"blocked extensions", editExcludeExts, IDD_BLOCKED_EXTENSIONS, IDC_POLICY_LIST, false},
+    {"administrative accounts", editMgrAccounts, IDD_ADMINISTRATIVE_ACCOUNTS, IDC_POLICY_LIST, false},
+    {"backup tools", editBackupTools, IDD_BACKUP_TOOLS, IDC_POLICY_LIST, true}};
 
 /// What a list shows, read after one opening to be given to the bare control, and to compare the two.
 struct Row {
@@ -174,7 +167,7 @@ Time openBare(const Editor& editor, const Content& content, const std::vector<si
             LoadIconW(host, MAKEINTRESOURCEW(icon));
         }
         fillBare(GetDlgItem(dialog, editor.listId), content, order);
-        for (const int button : {1008, 1006}) {
+        for (const int button : {IDC_POLICY_EDIT, IDC_POLICY_REMOVE}) {
             EnableWindow(GetDlgItem(dialog, button), FALSE);
         }
     };

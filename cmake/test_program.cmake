@@ -45,7 +45,7 @@ function(run_test_program target)
     endif()
     add_test(NAME ${name} COMMAND ${target} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY})
     # A dialog that hangs is ended by its script long before this.
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 300 COST ${arg_COST} LABELS "${labels}")
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}" TIMEOUT 600 COST ${arg_COST} LABELS "${labels}")
   endforeach()
 endfunction()
 

@@ -27,8 +27,9 @@ constexpr int kBadCommandLine = 2;
 std::vector<std::wstring> programArguments()
 {
     int count = 0;
-    const host::Owned<wchar_t*, LocalFree> words(CommandLineToArgvW(GetCommandLineW(), &count));
-    return {words.get() + 1, words.get() + count};
+    wchar_t** words = CommandLineToArgvW(GetCommandLineW(), &count);
+    const host::Owned<void, LocalFree> block(static_cast<void*>(words));
+    return {words + 1, words + count};
 }
 
 /// A program asked to print is run by a script, which reads no boxes.

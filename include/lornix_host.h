@@ -100,7 +100,8 @@ LORNIX_API const wchar_t* lornixLastError(void);
 /** What could not be done since this function was called last, by all calls of the store together: for after a call
  * of corvane, which calls the store several times, so that a failure is not covered by the success that follows.
  * @return the lines that lornixLastError told meanwhile, the oldest first, each once; after the first hundred a line
- *         that says that there were more. An empty text when all was done. Valid until the next call of this function.
+ *         that says that there were more. A damaged file is told once for each change of it. An empty text when all was
+ *         done. Valid until the next call of this function.
  */
 LORNIX_API const wchar_t* lornixTakeErrors(void);
 

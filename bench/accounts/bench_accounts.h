@@ -3,18 +3,18 @@
 
 #include <string>
 
-/// Which road a fill takes to its accounts.
-enum class Road { kStore, kDirectory };
+/// Where a fill has its accounts from.
+enum class Source { kStore, kDirectory };
 
-/// Serves as many users on a road, and nothing on the other. Names stand in no order; every tenth begins with "b",
+/// Serves as many users from a source, and nothing from the other. Names stand in no order; every tenth begins with "b",
 /// every thousandth with "bq", the others with "a".
-void serveAccounts(int users, Road road);
+void serveAccounts(int users, Source source);
 
 /// Users that the directory has.
 extern int directoryUsers;
 
-/// The search base for a road.
-const wchar_t* searchBase(Road road);
+/// The search base for a source.
+const wchar_t* searchBase(Source source);
 
 /// Name and full name of the account with a number, as a fill finds them.
 std::wstring accountName(int number);

@@ -1,7 +1,8 @@
-// The store's functions, part of this program.
+// What the store answers.
 #include "bench/support/account_sid.h"
 #include "bench_accounts.h"
 #include "corvane_types.h"
+#include "tests/support/store_table.h"
 
 #include <bit>
 #include <cstddef>
@@ -21,56 +22,6 @@ SidList* makeList(int count)
     auto* list = static_cast<SidList*>(std::malloc(offsetof(SidList, sids) + room * sizeof(void*)));
     list->count = count;
     return list;
-}
-
-} // namespace
-
-void serveAccounts(int users, Road road)
-{
-    servedUsers = road == Road::kStore ? users : 0;
-    directoryUsers = road == Road::kDirectory ? users : 0;
-    // Written beforehand: to format a text costs more than to hand it out.
-    for (int number = static_cast<int>(fullNames.size()); number < users; ++number) {
-        fullNames.push_back(accountFullName(number));
-    }
-}
-
-const wchar_t* searchBase(Road road)
-{
-    return road == Road::kStore ? L"SERVER" : L"WinNT://CORP";
-}
-
-std::wstring accountName(int number)
-{
-    const wchar_t* start = number % 1000 == 0 ? L"bq" : number % 10 == 0 ? L"b" : L"a";
-    wchar_t name[32];
-    const auto scattered = static_cast<unsigned>(number) * 2654435761u;
-    swprintf(name, 32, L"%ls%08x", start, scattered);
-    return name;
-}
-
-std::wstring accountFullName(int number)
-{
-    return L"CORP\\" + accountName(number);
-}
-
-const wchar_t* servedFullName(int number)
-{
-    return fullNames[static_cast<std::size_t>(number)].c_str();
-}
-
-extern "C" {
-
-void ODS(const char*, ...) {}
-
-void* sidDup(const void* sid)
-{
-    return AccountSid::copy(sid);
-}
-
-int sidcmp(const void* a, const void* b)
-{
-    return AccountSid::compare(a, b);
 }
 
 wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int)
@@ -105,12 +56,12 @@ SidList* appendToSidList(SidList* list, void* sid)
 SidList* appendToSidList2(SidList* destination, SidList* source)
 {
     for (int i = 0; source != nullptr && i < source->count; ++i) {
-        destination = appendToSidList(destination, sidDup(source->sids[i]));
+        destination = appendToSidList(destination, AccountSid::copy(source->sids[i]));
     }
     return destination;
 }
 
-// The machine's own accounts are asked for last on either road, and are all that there is on the store's.
+// The machine's own accounts are asked for last with either source, and are all that there is on the store's.
 SidList* enumerateUsers(const wchar_t* server, SidList* list)
 {
     if (server != nullptr) {
@@ -130,24 +81,55 @@ SidList* enumerateGroups(const wchar_t*, SidList* list)
     return list != nullptr ? list : createEmptySidList();
 }
 
-wchar_t* getDomainServer()
+StoreTable accountStore()
 {
-    return nullptr;
+    StoreTable table = emptyTable();
+    table.sidDup = AccountSid::copy;
+    table.sidcmp = AccountSid::compare;
+    table.getAccountBySidW = getAccountBySidW;
+    table.createEmptySidList = createEmptySidList;
+    table.freeSidList = freeSidList;
+    table.appendToSidList = appendToSidList;
+    table.appendToSidList2 = appendToSidList2;
+    table.enumerateUsers = enumerateUsers;
+    table.enumerateGroups = enumerateGroups;
+    return table;
 }
 
-wchar_t* getDomainServerByName(const wchar_t*)
+} // namespace
+
+void serveAccounts(int users, Source source)
 {
-    return nullptr;
+    static const StoreTable store = accountStore();
+    installStore(&store);
+    servedUsers = source == Source::kStore ? users : 0;
+    directoryUsers = source == Source::kDirectory ? users : 0;
+    // Written beforehand: to format a text costs more than to hand it out.
+    for (int number = static_cast<int>(fullNames.size()); number < users; ++number) {
+        fullNames.push_back(accountFullName(number));
+    }
 }
 
-void* getDomainSid()
+const wchar_t* searchBase(Source source)
 {
-    return nullptr;
+    return source == Source::kStore ? L"SERVER" : L"WinNT://CORP";
 }
 
-void* getSidByNameW(const wchar_t*)
+std::wstring accountName(int number)
 {
-    return nullptr;
+    const wchar_t* start = number % 1000 == 0 ? L"bq" : number % 10 == 0 ? L"b" : L"a";
+    wchar_t name[32];
+    const auto scattered = static_cast<unsigned>(number) * 2654435761u;
+    swprintf(name, 32, L"%ls%08x", start, scattered);
+    return name;
 }
 
-} // extern "C"
+std::wstring accountFullName(int number)
+{
+    return L"CORP\\" + accountName(number);
+}
+
+const wchar_t* servedFullName(int number)
+{
+    return fullNames[static_cast<std::size_t>(number)].c_str();
+}

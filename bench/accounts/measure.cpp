@@ -11,9 +11,9 @@ namespace {
 
 constexpr const char* kSort = "sort by account";
 
-const char* fillName(Road road)
+const char* fillName(Source source)
 {
-    return road == Road::kStore ? "fill from the store" : "fill from the directory";
+    return source == Source::kStore ? "fill from the store" : "fill from the directory";
 }
 
 void prepareColumns(HWND window)
@@ -35,9 +35,9 @@ int bareSorts = 0;
 } // namespace
 
 const Measure::Filter Measure::kFilters[] = {
-    {L"b", "filter, one in 10 stays", "filter, the others come back", Road::kStore},
-    {L"bq", "filter, one in 1,000 stays", "filter, the others come back (1,000)", Road::kDirectory},
-    {L"x", "filter, none stays", "filter, all come back", Road::kStore},
+    {L"b", "filter, one in 10 stays", "filter, the others come back", Source::kStore},
+    {L"bq", "filter, one in 1,000 stays", "filter, the others come back (1,000)", Source::kDirectory},
+    {L"x", "filter, none stays", "filter, all come back", Source::kStore},
 };
 
 bool Measure::run(int fewer, std::optional<double> rowByRow)
@@ -51,8 +51,8 @@ bool Measure::run(int fewer, std::optional<double> rowByRow)
         }
     }
     if (m_options.rowByRow && (fewer == 0 || endsInTime(rowByRow, static_cast<double>(m_users) / fewer))) {
-        rowByRowRound(Road::kStore);
-        rowByRowRound(Road::kDirectory);
+        rowByRowRound(Source::kStore);
+        rowByRowRound(Source::kDirectory);
     }
     return m_allSame;
 }
@@ -69,11 +69,11 @@ void Measure::same(const std::string& measure, const ListWindow& window)
 
 void Measure::corvaneRound()
 {
-    const auto fill = [&](const ListWindow& window, CSidCtrl& list, Road road) {
-        serveAccounts(m_users, road);
+    const auto fill = [&](const ListWindow& window, CSidCtrl& list, Source source) {
+        serveAccounts(m_users, source);
         list.attach(window.list());
-        m_corvane[fillName(road)].add(timed([&] {
-            list.startFill(searchBase(road));
+        m_corvane[fillName(source)].add(timed([&] {
+            list.startFill(searchBase(source));
             window.waitForFill();
         }));
         same("fill", window);
@@ -81,7 +81,7 @@ void Measure::corvaneRound()
     for (const Filter& filter : kFilters) {
         CSidCtrl list; // outlives its window, which releases the rows' identifiers through it
         ListWindow window;
-        fill(window, list, filter.road);
+        fill(window, list, filter.source);
         window.filters().type(0, filter.text);
         m_corvane[filter.narrow].add(timed([&] { list.applyFilter(0); }));
         same(filter.narrow, window);
@@ -91,7 +91,7 @@ void Measure::corvaneRound()
     }
     CSidCtrl list;
     const ListWindow window;
-    fill(window, list, Road::kDirectory);
+    fill(window, list, Source::kDirectory);
     m_corvane[kSort].add(timed([&] { list.onColumnClick(0); }));
     same("Z to A", window);
 }
@@ -138,28 +138,28 @@ void Measure::bareRound(bool bothWays)
     same("Z to A", window);
 }
 
-void Measure::rowByRowRound(Road road)
+void Measure::rowByRowRound(Source source)
 {
-    serveAccounts(m_users, road);
+    serveAccounts(m_users, source);
     const ListWindow window;
-    m_rowByRow[fillName(road)].add(timed([&] {
+    m_rowByRow[fillName(source)].add(timed([&] {
         prepareColumns(window.list());
-        fillRowByRow(window, road);
+        fillRowByRow(window, source);
     }));
     same("fill", window);
 }
 
 std::optional<double> Measure::rowByRow() const
 {
-    const auto found = m_rowByRow.find(fillName(Road::kStore));
+    const auto found = m_rowByRow.find(fillName(Source::kStore));
     return found != m_rowByRow.end() ? std::optional(found->second.median(Clock::kWall)) : std::nullopt;
 }
 
 std::vector<Comparison> Measure::comparisons() const
 {
     std::vector<Comparison> all;
-    for (const Road road : {Road::kStore, Road::kDirectory}) {
-        const char* const name = fillName(road);
+    for (const Source source : {Source::kStore, Source::kDirectory}) {
+        const char* const name = fillName(source);
         const auto slow = m_rowByRow.find(name);
         // Two threads do it.
         all.push_back({name, m_users, m_corvane.at(name), m_bare.at("fill"),

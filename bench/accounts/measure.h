@@ -37,7 +37,7 @@ private:
         const wchar_t* text;
         const char* narrow; ///< the measures
         const char* widen;
-        Road road; ///< of the fill before
+        Source source; ///< of the fill before
     };
     static const Filter kFilters[];
 
@@ -48,7 +48,7 @@ private:
     void bareRound(bool bothWays);
     void bareFilter(const Filter& filter, bool rebuilding);
     void bareFill(const ListWindow& window);
-    void rowByRowRound(Road road);
+    void rowByRowRound(Source source);
     void same(const std::string& measure, const ListWindow& window);
 
     int m_users;

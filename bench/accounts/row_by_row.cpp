@@ -28,7 +28,7 @@ private:
 
 struct Fill {
     HWND list;
-    Road road;
+    Source source;
 };
 
 unsigned __stdcall run(void* argument)
@@ -37,16 +37,16 @@ unsigned __stdcall run(void* argument)
     SendingSink sink(fill.list);
     FillContext context;
     context.sink = &sink;
-    context.host = searchBase(fill.road);
+    context.host = searchBase(fill.source);
     fillTree(&context);
     return 0;
 }
 
 } // namespace
 
-void fillRowByRow(const ListWindow& window, Road road)
+void fillRowByRow(const ListWindow& window, Source source)
 {
-    Fill fill{window.list(), road};
+    Fill fill{window.list(), source};
     auto* const thread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, run, &fill, 0, nullptr));
     window.waitFor(thread);
     CloseHandle(thread);

@@ -69,9 +69,9 @@ protected:
     Lines m_all;
 };
 
-class AbandonedOnRoad : public AbandonedFillTest, public testing::WithParamInterface<const wchar_t*> {};
+class AbandonedBySource : public AbandonedFillTest, public testing::WithParamInterface<const wchar_t*> {};
 
-TEST_P(AbandonedOnRoad, BeginsNoStepAnyMore)
+TEST_P(AbandonedBySource, BeginsNoStepAnyMore)
 {
     m_registry.set(GetParam());
     networkStatus = 0;
@@ -92,7 +92,7 @@ TEST_P(AbandonedOnRoad, BeginsNoStepAnyMore)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Roads, AbandonedOnRoad, testing::Values(L"N", L"Y"));
+INSTANTIATE_TEST_SUITE_P(Sources, AbandonedBySource, testing::Values(L"N", L"Y"));
 
 TEST_F(AbandonedFillTest, ClosesOnlyTheSessionsThatItHas)
 {
@@ -143,7 +143,7 @@ TEST_P(WindowGone, AtEachInsertion)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Roads, WindowGone, testing::Values(L"N", L"Y"));
+INSTANTIATE_TEST_SUITE_P(Sources, WindowGone, testing::Values(L"N", L"Y"));
 
 TEST_F(FillTest, WindowGoneAmongPresetOwnersEndsTheFillAtOnce)
 {

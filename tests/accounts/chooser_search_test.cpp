@@ -1,5 +1,6 @@
 // Searching for an account and picking it, from a person's view.
 #include "tests/accounts/chooser_test.h"
+#include "tests/support/hidden_dialog.h"
 
 #include <commctrl.h>
 
@@ -224,9 +225,7 @@ TEST_F(ChooserTest, CancelForgetsWhatWasChosenBefore)
     script = {};
     cancel();
     EXPECT_EQ(choose(), nullptr);
-    const ImportPatch noTemplate(
-        ImportPatch::corvane(), "FindResourceW",
-        +[](HMODULE, const wchar_t*, const wchar_t*) -> HRSRC { return nullptr; });
+    const HiddenDialog all;
     EXPECT_EQ(chooseSidFromUserInput(nullptr), nullptr);
 }
 

@@ -27,7 +27,7 @@ Lines begunWithBob(const Lines& then)
     return lines;
 }
 
-TEST_F(FillTest, StoreRoadCallByCall)
+TEST_F(FillTest, StoreCallByCall)
 {
     m_context.host = L"S1";
     m_context.presetOwners = makePresets({2});
@@ -79,7 +79,7 @@ TEST_F(FillTest, StoreRoadCallByCall)
     expectNothingHeld();
 }
 
-TEST_F(FillTest, DirectoryRoadCallByCall)
+TEST_F(FillTest, DirectoryCallByCall)
 {
     m_context.presetOwners = makePresets({2});
     m_context.counters[0] = 3;

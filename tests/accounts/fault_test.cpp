@@ -8,11 +8,11 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 
-enum class Road { kDirectory, kStore };
+enum class Source { kDirectory, kStore };
 
 struct FaultCase {
     const char* name;
-    Road road;
+    Source source;
     const char* function; ///< whose call faults
     int call;             ///< which of its calls, from 1
     const char* line;     ///< null: the step has no guard of its own
@@ -20,9 +20,9 @@ struct FaultCase {
 
 class FaultTest : public FillTest {
 protected:
-    void choose(Road road)
+    void choose(Source source)
     {
-        m_context.host = road == Road::kDirectory ? nullptr : L"S1";
+        m_context.host = source == Source::kDirectory ? nullptr : L"S1";
         m_context.presetOwners = makePresets({2});
     }
 
@@ -65,7 +65,7 @@ TEST_P(StepFault, WritesItsLineAndGoesOn)
 {
     for (const bool throws : {false, true}) {
         SCOPED_TRACE(throws ? "language exception" : "processor fault");
-        choose(GetParam().road);
+        choose(GetParam().source);
         m_kind = throws ? Fault::CppException : Fault::AccessViolation;
         const bool ended = fillWithFault(GetParam().function, GetParam().call);
         EXPECT_EQ(ended, GetParam().line != nullptr);
@@ -75,78 +75,78 @@ TEST_P(StepFault, WritesItsLineAndGoesOn)
         } else {
             EXPECT_THAT(guardLines(), ElementsAre());
         }
-        m_context.host = ended || GetParam().road == Road::kDirectory ? m_context.host : nullptr;
+        m_context.host = ended || GetParam().source == Source::kDirectory ? m_context.host : nullptr;
         expectNothingOfOursHeld();
     }
 }
 
 constexpr FaultCase kSteps[] = {
-    // The directory's road. Calls of enumerateUsers and the like are counted over the whole fill.
-    {"DirectoryUsers", Road::kDirectory, "ADsGetObject", 1, "DoList(Users) => sigsegv\n"},
-    {"DirectoryUserSid", Road::kDirectory, "Get", 1, "DoList(Users) => sigsegv\n"},
-    {"DirectoryUserRow", Road::kDirectory, "insert", 4, "DoList(Users) => sigsegv\n"},
-    {"DirectoryUserMembership", Road::kDirectory, "sidcmp", 1, "DoList(Users) => sigsegv\n"},
-    {"DirectoryUserAppend", Road::kDirectory, "appendToSidList", 1, "DoList(Users) => sigsegv\n"},
-    {"DirectoryUsersMerge", Road::kDirectory, "appendToSidList2", 2,
+    // From the directory. Calls of enumerateUsers and the like are counted over the whole fill.
+    {"DirectoryUsers", Source::kDirectory, "ADsGetObject", 1, "DoList(Users) => sigsegv\n"},
+    {"DirectoryUserSid", Source::kDirectory, "Get", 1, "DoList(Users) => sigsegv\n"},
+    {"DirectoryUserRow", Source::kDirectory, "insert", 4, "DoList(Users) => sigsegv\n"},
+    {"DirectoryUserMembership", Source::kDirectory, "sidcmp", 1, "DoList(Users) => sigsegv\n"},
+    {"DirectoryUserAppend", Source::kDirectory, "appendToSidList", 1, "DoList(Users) => sigsegv\n"},
+    {"DirectoryUsersMerge", Source::kDirectory, "appendToSidList2", 2,
      "DoList(Users) made list with => sigsegv at freeSidList\n"},
-    {"DirectoryUsersFree", Road::kDirectory, "freeSidList", 1,
+    {"DirectoryUsersFree", Source::kDirectory, "freeSidList", 1,
      "DoList(Users) made list with => sigsegv at freeSidList\n"},
-    {"LocalUsers", Road::kDirectory, "enumerateUsers", 1, "enumerateUsers => sigsegv\n"},
-    {"LocalUsersName", Road::kDirectory, "getAccountBySidW", 2,
+    {"LocalUsers", Source::kDirectory, "enumerateUsers", 1, "enumerateUsers => sigsegv\n"},
+    {"LocalUsersName", Source::kDirectory, "getAccountBySidW", 2,
      "enumerateUsers made list with => sigsegv at insertion in tree\n"},
-    {"LocalUsersMembership", Road::kDirectory, "sidcmp", 2,
+    {"LocalUsersMembership", Source::kDirectory, "sidcmp", 2,
      "enumerateUsers made list with => sigsegv at insertion in tree\n"},
-    {"LocalUsersRow", Road::kDirectory, "insert", 5,
+    {"LocalUsersRow", Source::kDirectory, "insert", 5,
      "enumerateUsers made list with => sigsegv at insertion in tree\n"},
-    {"LocalUsersMerge", Road::kDirectory, "appendToSidList2", 3,
+    {"LocalUsersMerge", Source::kDirectory, "appendToSidList2", 3,
      "enumerateUsers made list with => sigsegv at freeSidList\n"},
-    {"LocalUsersFree", Road::kDirectory, "freeSidList", 2,
+    {"LocalUsersFree", Source::kDirectory, "freeSidList", 2,
      "enumerateUsers made list with => sigsegv at freeSidList\n"},
-    {"DirectoryGroups", Road::kDirectory, "ADsEnumerateNext", 2, "DoList(Groups) => sigsegv\n"},
-    {"DirectoryGroupsMerge", Road::kDirectory, "appendToSidList2", 4,
+    {"DirectoryGroups", Source::kDirectory, "ADsEnumerateNext", 2, "DoList(Groups) => sigsegv\n"},
+    {"DirectoryGroupsMerge", Source::kDirectory, "appendToSidList2", 4,
      "DoList(Groups) made list with => sigsegv at freeSidList\n"},
-    {"DirectoryGroupsFree", Road::kDirectory, "freeSidList", 3,
+    {"DirectoryGroupsFree", Source::kDirectory, "freeSidList", 3,
      "DoList(Groups) made list with => sigsegv at freeSidList\n"},
-    {"LocalGroups", Road::kDirectory, "enumerateGroups", 1, "enumerateGroups => sigsegv\n"},
-    {"LocalGroupsRow", Road::kDirectory, "insert", 7,
+    {"LocalGroups", Source::kDirectory, "enumerateGroups", 1, "enumerateGroups => sigsegv\n"},
+    {"LocalGroupsRow", Source::kDirectory, "insert", 7,
      "enumerateGroups made list with => sigsegv at insertion in tree\n"},
-    {"LocalGroupsMerge", Road::kDirectory, "appendToSidList2", 5,
+    {"LocalGroupsMerge", Source::kDirectory, "appendToSidList2", 5,
      "enumerateGroups made list with => sigsegv at freeSidList\n"},
-    {"LocalGroupsFree", Road::kDirectory, "freeSidList", 4,
+    {"LocalGroupsFree", Source::kDirectory, "freeSidList", 4,
      "enumerateGroups made list with => sigsegv at freeSidList\n"},
-    {"DirectoryTotalFree", Road::kDirectory, "freeSidList", 5, "Total list => sigsegv at freeSidList\n"},
-    // The store's road.
-    {"FirstSession", Road::kStore, "NetUseAdd", 1, "EstablishNullSession => sigsegv\n"},
-    {"SecondSession", Road::kStore, "NetUseAdd", 2, "EstablishNullSession => sigsegv\n"},
-    {"DomainUsers", Road::kStore, "enumerateUsers", 1, "enumerateUsers(domain) => sigsegv\n"},
-    {"DomainUsers2", Road::kStore, "enumerateUsers", 2, "enumerateUsers(domain) => sigsegv\n"},
-    {"StoreLocalUsers", Road::kStore, "enumerateUsers", 3, "enumerateUsers(local) => sigsegv\n"},
-    {"UsersName", Road::kStore, "getAccountBySidW", 2, "Adding users => sigsegv in tree insertion\n"},
-    {"UsersRow", Road::kStore, "insert", 5, "Adding users => sigsegv in tree insertion\n"},
-    {"UsersFree", Road::kStore, "freeSidList", 1, "enumerateUsers => sigsegv at freeSidList\n"},
-    {"DomainGroups", Road::kStore, "enumerateGroups", 1, "enumerateGroups(domain) => sigsegv\n"},
-    {"DomainGroups2", Road::kStore, "enumerateGroups", 2, "enumerateGroups(domain) => sigsegv\n"},
-    {"StoreLocalGroups", Road::kStore, "enumerateGroups", 3, "enumerateGroups(local) => sigsegv\n"},
-    {"FirstDisconnect", Road::kStore, "NetUseDel", 1, "EstablishNullSession (disconnect) => sigsegv\n"},
-    {"SecondDisconnect", Road::kStore, "NetUseDel", 2, "EstablishNullSession (disconnect) => sigsegv\n"},
-    {"GroupsRow", Road::kStore, "insert", 7, "enumerateGroups => sigsegv at insertion in tree\n"},
-    {"GroupsFree", Road::kStore, "freeSidList", 2, "enumerateGroups => sigsegv at freeSidList\n"},
+    {"DirectoryTotalFree", Source::kDirectory, "freeSidList", 5, "Total list => sigsegv at freeSidList\n"},
+    // From the store.
+    {"FirstSession", Source::kStore, "NetUseAdd", 1, "EstablishNullSession => sigsegv\n"},
+    {"SecondSession", Source::kStore, "NetUseAdd", 2, "EstablishNullSession => sigsegv\n"},
+    {"DomainUsers", Source::kStore, "enumerateUsers", 1, "enumerateUsers(domain) => sigsegv\n"},
+    {"DomainUsers2", Source::kStore, "enumerateUsers", 2, "enumerateUsers(domain) => sigsegv\n"},
+    {"StoreLocalUsers", Source::kStore, "enumerateUsers", 3, "enumerateUsers(local) => sigsegv\n"},
+    {"UsersName", Source::kStore, "getAccountBySidW", 2, "Adding users => sigsegv in tree insertion\n"},
+    {"UsersRow", Source::kStore, "insert", 5, "Adding users => sigsegv in tree insertion\n"},
+    {"UsersFree", Source::kStore, "freeSidList", 1, "enumerateUsers => sigsegv at freeSidList\n"},
+    {"DomainGroups", Source::kStore, "enumerateGroups", 1, "enumerateGroups(domain) => sigsegv\n"},
+    {"DomainGroups2", Source::kStore, "enumerateGroups", 2, "enumerateGroups(domain) => sigsegv\n"},
+    {"StoreLocalGroups", Source::kStore, "enumerateGroups", 3, "enumerateGroups(local) => sigsegv\n"},
+    {"FirstDisconnect", Source::kStore, "NetUseDel", 1, "EstablishNullSession (disconnect) => sigsegv\n"},
+    {"SecondDisconnect", Source::kStore, "NetUseDel", 2, "EstablishNullSession (disconnect) => sigsegv\n"},
+    {"GroupsRow", Source::kStore, "insert", 7, "enumerateGroups => sigsegv at insertion in tree\n"},
+    {"GroupsFree", Source::kStore, "freeSidList", 2, "enumerateGroups => sigsegv at freeSidList\n"},
     // Steps that only the guard around the whole fill sees.
-    {"FirstRow", Road::kDirectory, "insert", 1, nullptr},
-    {"PresetName", Road::kStore, "getAccountBySidW", 1, nullptr},
-    {"PresetCopy", Road::kStore, "sidDup", 1, nullptr},
-    {"PresetMerge", Road::kStore, "appendToSidList2", 1, nullptr},
-    {"EmptyList", Road::kStore, "createEmptySidList", 1, nullptr},
-    {"DomainServer", Road::kDirectory, "getDomainServer", 1, nullptr},
-    {"HostLine", Road::kDirectory, "ODS", 1, nullptr},
-    {"Com", Road::kDirectory, "CoInitialize", 1, nullptr},
-    {"Counting", Road::kDirectory, "rowCount", 2, nullptr},
-    {"Removal", Road::kDirectory, "removeFirstInserted", 1, nullptr},
-    {"SecondServer", Road::kStore, "getDomainServerByName", 1, nullptr},
-    {"ServersLine", Road::kStore, "ODS", 1, nullptr},
-    {"UsersLine", Road::kStore, "ODS", 2, nullptr},
-    {"GroupsLine", Road::kStore, "ODS", 3, nullptr},
-    {"StoreRemoval", Road::kStore, "removeFirstInserted", 1, nullptr},
+    {"FirstRow", Source::kDirectory, "insert", 1, nullptr},
+    {"PresetName", Source::kStore, "getAccountBySidW", 1, nullptr},
+    {"PresetCopy", Source::kStore, "sidDup", 1, nullptr},
+    {"PresetMerge", Source::kStore, "appendToSidList2", 1, nullptr},
+    {"EmptyList", Source::kStore, "createEmptySidList", 1, nullptr},
+    {"DomainServer", Source::kDirectory, "getDomainServer", 1, nullptr},
+    {"HostLine", Source::kDirectory, "ODS", 1, nullptr},
+    {"Com", Source::kDirectory, "CoInitialize", 1, nullptr},
+    {"Counting", Source::kDirectory, "rowCount", 2, nullptr},
+    {"Removal", Source::kDirectory, "removeFirstInserted", 1, nullptr},
+    {"SecondServer", Source::kStore, "getDomainServerByName", 1, nullptr},
+    {"ServersLine", Source::kStore, "ODS", 1, nullptr},
+    {"UsersLine", Source::kStore, "ODS", 2, nullptr},
+    {"GroupsLine", Source::kStore, "ODS", 3, nullptr},
+    {"StoreRemoval", Source::kStore, "removeFirstInserted", 1, nullptr},
 };
 
 INSTANTIATE_TEST_SUITE_P(Steps, StepFault, testing::ValuesIn(kSteps),
@@ -154,28 +154,28 @@ INSTANTIATE_TEST_SUITE_P(Steps, StepFault, testing::ValuesIn(kSteps),
 
 TEST_F(FaultTest, OneFaultCostsOneStep)
 {
-    choose(Road::kDirectory);
+    choose(Source::kDirectory);
     fillWithFault("ADsGetObject", 1);
     EXPECT_EQ(rows().size(), 6u); // all but the directory's user
     EXPECT_EQ(store.count("appendToSidList2 L1 null"), 0);
 
-    choose(Road::kStore);
+    choose(Source::kStore);
     fillWithFault("NetUseAdd", 1);
     EXPECT_EQ(store.count("NetUseAdd"), 1); // the second server is passed over
     EXPECT_EQ(rows().size(), 8u);
 
-    choose(Road::kStore);
+    choose(Source::kStore);
     fillWithFault("enumerateUsers", 2);
     EXPECT_THAT(store.lines(), Contains("Users = 4\n")); // the first server's stay in the total
 }
 
 TEST_F(FaultTest, TheListOfABrokenWalkIsFreedUnlessTheStoreHadIt)
 {
-    choose(Road::kDirectory);
+    choose(Source::kDirectory);
     fillWithFault("Get", 1);
     EXPECT_EQ(store.count("freeSidList L2"), 1);
 
-    choose(Road::kDirectory);
+    choose(Source::kDirectory);
     store.tellListsByNumber();
     fillWithFault("appendToSidList", 1);
     EXPECT_EQ(store.count("appendToSidList L2 31"), 1);
@@ -184,7 +184,7 @@ TEST_F(FaultTest, TheListOfABrokenWalkIsFreedUnlessTheStoreHadIt)
 
 TEST_F(FaultTest, AFaultInTheRowsOfUsersGoesOnWithGroups)
 {
-    choose(Road::kStore);
+    choose(Source::kStore);
     fillWithFault("insert", 5);
     EXPECT_THAT(rows(), ElementsAre("Please wait until data fetched...|||null", "Anyone|Anyone|System|ONE",
                                     "bob|NORTH\\bob|File owner|2", "ann|NORTH\\ann|User|1",
@@ -194,14 +194,14 @@ TEST_F(FaultTest, AFaultInTheRowsOfUsersGoesOnWithGroups)
 
 TEST_F(FaultTest, TheDebugChannelItselfMayBeBroken)
 {
-    choose(Road::kDirectory);
+    choose(Source::kDirectory);
     m_context.host = L"WinNT://NORTH";
     // The first fault is a line inside the walk; the guard then writes its own, to the same channel.
     EXPECT_TRUE(fillWithFault("ODS", 1));
     EXPECT_THAT(guardLines(), ElementsAre("DoList(Users) => sigsegv\n"));
 }
 
-class EveryCall : public FaultTest, public testing::WithParamInterface<Road> {};
+class EveryCall : public FaultTest, public testing::WithParamInterface<Source> {};
 
 /// Whatever call faults: the fill ends, or its caller's guard sees it, and nothing of it is left.
 TEST_P(EveryCall, MayFault)
@@ -220,12 +220,12 @@ TEST_P(EveryCall, MayFault)
         EXPECT_EQ(guardLines().size(), ended ? 1u : 0u);
         EXPECT_TRUE(m_sink->removed || !ended);
         if (!ended) {
-            m_context.host = GetParam() == Road::kStore ? nullptr : m_context.host;
+            m_context.host = GetParam() == Source::kStore ? nullptr : m_context.host;
         }
         expectNothingOfOursHeld();
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Roads, EveryCall, testing::Values(Road::kDirectory, Road::kStore));
+INSTANTIATE_TEST_SUITE_P(Sources, EveryCall, testing::Values(Source::kDirectory, Source::kStore));
 
 } // namespace

@@ -1,7 +1,8 @@
 // Manage Administrative Accounts, with the account chooser as its entry dialog.
 #include "corvane.h"
+#include "res/resource.h"
 #include "tests/policies/editor_visit.h"
-#include "tests/support/hidden_chooser.h"
+#include "tests/support/hidden_dialog.h"
 
 #include <gmock/gmock.h>
 
@@ -164,7 +165,7 @@ TEST_F(AdministrativeAccountsTest, AChooserThatCannotBeShownHasChosenNothing)
     visit.add()
         .chooseByName(L"jane")
         .list([this](HWND dialog, const ListView& list) {
-            const HiddenChooser hidden;
+            const HiddenDialog chooser(IDD_CHOOSER);
             ownCalls();
             click(dialog, IDC_POLICY_ADD);
             EXPECT_THAT(ownCalls(), IsEmpty()) << "not the account that was chosen last";

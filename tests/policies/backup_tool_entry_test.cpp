@@ -2,6 +2,7 @@
 #include "tests/policies/backup_tools_test.h"
 
 #include "tests/policies/file_dialogs.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/low_string.h"
 #include "tests/support/text.h"
@@ -143,11 +144,7 @@ TEST_F(BackupToolEntryTest, ADialogThatSomebodyElseEndsGivesNoText)
 
 TEST_F(BackupToolEntryTest, GivesMinusOneWhenItCannotBeShown)
 {
-    const auto none = [](HMODULE, LPCWSTR, LPCWSTR) -> HRSRC {
-        return nullptr;
-    };
-    const ImportPatch resources(ImportPatch::corvane(), "FindResourceW",
-                                static_cast<HRSRC(WINAPI*)(HMODULE, LPCWSTR, LPCWSTR)>(none));
+    const HiddenDialog all;
     EXPECT_EQ(editBackupToolListEntry(nullptr, nullptr), -1);
 }
 
@@ -205,13 +202,7 @@ TEST_F(BackupToolEntryTest, BrowsesTheRunningProcesses)
 
 TEST_F(BackupToolEntryTest, AProcessChooserThatCannotBeShownChoosesNothing)
 {
-    static HRSRC(WINAPI * find)(HMODULE, LPCWSTR, LPCWSTR) = nullptr;
-    const auto entryOnly = [](HMODULE module, LPCWSTR name, LPCWSTR kind) {
-        return name == MAKEINTRESOURCEW(IDD_PROCESS_CHOOSER) ? nullptr : find(module, name, kind);
-    };
-    const ImportPatch resources(ImportPatch::corvane(), "FindResourceW",
-                                static_cast<HRSRC(WINAPI*)(HMODULE, LPCWSTR, LPCWSTR)>(entryOnly));
-    find = resources.original<HRSRC WINAPI(HMODULE, LPCWSTR, LPCWSTR)>();
+    const HiddenDialog chooser(IDD_PROCESS_CHOOSER);
     script.onDialog("browse", [](HWND entry) {
         click(entry, IDC_ENTRY_BROWSE_RUNNING);
         EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "kept.exe");

@@ -2,7 +2,7 @@
 #include "corvane.h"
 #include "res/resource.h"
 #include "tests/policies/editor_visit.h"
-#include "tests/support/hidden_chooser.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/text.h"
 
@@ -208,7 +208,7 @@ TEST_F(BlockedExtensionsTest, AChooserThatCannotBeShownLeavesTheAccount)
         .edit(1)
         .entry(kEntry,
                [](HWND entry) {
-                   const HiddenChooser hidden;
+                   const HiddenDialog chooser(IDD_CHOOSER);
                    const std::string before = controlText(entry, IDC_ENTRY_ACCOUNT);
                    click(entry, IDC_ENTRY_BROWSE);
                    EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), before)

@@ -2,6 +2,7 @@
 #include "corvane.h"
 #include "res/resource.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 
 #include <gmock/gmock.h>
@@ -192,13 +193,7 @@ TEST_F(NotificationsTest, ACancelledEntryChangesNothing)
 
 TEST_F(NotificationsTest, AnEntryDialogThatCannotBeShownIsACancelledOne)
 {
-    static HRSRC(WINAPI * find)(HMODULE, LPCWSTR, LPCWSTR) = nullptr;
-    const auto allButTheEntry = [](HMODULE module, LPCWSTR name, LPCWSTR kind) {
-        return name == MAKEINTRESOURCEW(IDD_NOTIFICATION_ENTRY) ? nullptr : find(module, name, kind);
-    };
-    const ImportPatch resources(ImportPatch::corvane(), "FindResourceW",
-                                static_cast<HRSRC(WINAPI*)(HMODULE, LPCWSTR, LPCWSTR)>(allButTheEntry));
-    find = resources.original<HRSRC WINAPI(HMODULE, LPCWSTR, LPCWSTR)>();
+    const HiddenDialog entry(IDD_NOTIFICATION_ENTRY);
     store.putNotification(L"a", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     visit
         .list([this](HWND dialog, const ListView& list) {

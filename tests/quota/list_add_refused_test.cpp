@@ -3,6 +3,7 @@
 
 #include "res/resource.h"
 #include "tests/support/describe.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/rule_memory.h"
 #include "tests/support/text.h"
@@ -23,11 +24,6 @@ constexpr char kAlreadyUsed[] =
     "Limit you've specified is already used. Please change user/group or specify other folder.";
 constexpr char kNoResources[] = "Not enough resources. Please try to re-run Vantrel Control Panel, and close "
                                 "unnecessary programs.";
-
-HRSRC WINAPI findNothing(HMODULE, LPCWSTR, LPCWSTR)
-{
-    return nullptr;
-}
 
 } // namespace
 
@@ -181,8 +177,7 @@ TEST_F(ListAddTest, WithoutFoldersNothingIsDone)
 
 TEST_F(ListAddTest, ADialogThatCannotBeShownCountsAsCancelled)
 {
-    const ImportPatch find(ImportPatch::corvane(), "FindResourceW", findNothing);
-    ASSERT_EQ(find.count(), 1);
+    const HiddenDialog all;
     EXPECT_EQ(addToListCtrl2(host.object(), nullptr, Paths{L"C:\\a", L"C:\\b"}), 0);
     EXPECT_EQ(host.rowCount(), 0);
     EXPECT_EQ(chain(), nullptr);
@@ -320,7 +315,7 @@ TEST_F(ListAddTest, ShowsTheWaitCursorWhileMeasuringSeveralFolders)
 
 TEST_F(ListAddTest, AnUnshownDialogIsDumpedAsNothing)
 {
-    const ImportPatch find(ImportPatch::corvane(), "FindResourceW", findNothing);
+    const HiddenDialog all;
     addToListCtrl2(host.object(), nullptr, Paths{L"C:\\a"});
     EXPECT_THAT(store.calls(), ElementsAre("debug {Anyone C:\\a}", "debug null", "debug null"));
 }

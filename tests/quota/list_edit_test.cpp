@@ -2,6 +2,7 @@
 #include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 #include "tests/support/faulting_call.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/list_host.h"
 #include "tests/support/paths.h"
@@ -13,11 +14,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-HRSRC WINAPI findNothing(HMODULE, LPCWSTR, LPCWSTR)
-{
-    return nullptr;
-}
 
 struct ListEditTest : testing::Test {
     RecordingStore store;
@@ -136,8 +132,7 @@ TEST_F(ListEditTest, OnlyTheFirstSelectedRowIsLookedAt)
 TEST_F(ListEditTest, ADialogThatCannotBeShownGivesFalse)
 {
     host.selectOnly({1});
-    const ImportPatch find(ImportPatch::corvane(), "FindResourceW", findNothing);
-    ASSERT_EQ(find.count(), 1);
+    const HiddenDialog all;
     EXPECT_EQ(editFromListCtrl2(host.object()), 0);
     EXPECT_EQ(host.row(1), "alice|4096 |3072 |1000 |24%|C:\\b");
     EXPECT_THAT(store.calls(), IsEmpty());

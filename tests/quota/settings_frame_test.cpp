@@ -1,6 +1,7 @@
 // How the Quota Settings dialog is opened and closed.
 #include "res/resource.h"
 #include "tests/quota/quota_settings.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/list_host.h"
 
@@ -34,11 +35,6 @@ INT_PTR WINAPI openNothing(HINSTANCE instance, LPCDLGTEMPLATEW dialogTemplate, H
 INT_PTR WINAPI failToOpen(HINSTANCE, LPCDLGTEMPLATEW, HWND, DLGPROC, LPARAM)
 {
     return -1;
-}
-
-HRSRC WINAPI findNothing(HMODULE, LPCWSTR, LPCWSTR)
-{
-    return nullptr;
 }
 
 HMODULE WINAPI knowNoModule(LPCWSTR)
@@ -96,8 +92,7 @@ TEST_F(SettingsFrameTest, NeedsNoOwner)
 
 TEST_F(SettingsFrameTest, GivesMinusOneWithoutATemplate)
 {
-    const ImportPatch find(ImportPatch::corvane(), "FindResourceW", findNothing);
-    ASSERT_EQ(find.count(), 1);
+    const HiddenDialog all;
     EXPECT_EQ(editQuotaListEntry(nullptr, newRule(), kAdd), -1);
     EXPECT_EQ(editQuotaListEntry(nullptr, newRule(), kEdit), -1);
     EXPECT_THAT(store.calls(), IsEmpty());

@@ -2,6 +2,7 @@
 #include "corvane.h"
 #include "res/resource.h"
 #include "tests/support/dialog_script.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/nothing_left.h"
 #include "tests/support/owner_window.h"
@@ -183,10 +184,7 @@ TEST_F(AboutTest, AFaultOnOkLeavesTheDialogOpen)
 
 TEST_F(AboutTest, ShowsNothingWithoutItsTemplate)
 {
-    const ImportPatch noTemplate(
-        ImportPatch::corvane(), "FindResourceW",
-        +[](HMODULE, const wchar_t*, const wchar_t*) -> HRSRC { return nullptr; });
-    ASSERT_EQ(noTemplate.count(), 1);
+    const HiddenDialog all;
     showAboutDialog(nullptr);
     EXPECT_THAT(bitmaps, IsEmpty());
 }

@@ -18,6 +18,21 @@ struct StoreTable {
     void (*ODS)(const char* line); ///< formatted
 };
 
+/// A table whose functions give 0, to put others into.
+inline StoreTable emptyTable()
+{
+    StoreTable table{};
+#define STORE_NOTHING(result, name, parameters, arguments)                                                   \
+    table.name = [](auto...) {                                                                               \
+        return noAnswer<result>();                                                                           \
+    };
+    STORE_FUNCTIONS(STORE_NOTHING)
+#undef STORE_NOTHING
+    table.ODS = [](const char*) {
+    };
+    return table;
+}
+
 #ifdef LORNIX_BUILDING
 #define STORE_TABLE_API __declspec(dllexport)
 #else

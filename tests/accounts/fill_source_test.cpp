@@ -82,7 +82,7 @@ TEST_P(SearchBase, Decides)
               GetParam().directory ? 0 : 1);
     EXPECT_THAT(store.calls(), Not(Contains("getDomainServer")));
     EXPECT_EQ(store.count("ODS wcHost"), 0);
-    // The caller's own text stays on the directory's road; the store's road ends with none.
+    // The caller's own text stays on the way to the directory; the store's ends with none.
     EXPECT_EQ(m_context.host, GetParam().directory ? GetParam().host : nullptr);
     expectNothingHeld();
 }

@@ -5,6 +5,7 @@
 #include "bench/support/time.h"
 #include "bench_store.h"
 #include "measure.h"
+#include "res/resource.h"
 #include "row_text.h"
 
 #include <commctrl.h>
@@ -14,7 +15,6 @@
 
 namespace {
 
-constexpr int kSettingsMembers = 1006; // in the Quota Settings dialog
 constexpr int kButtons[] = {101, 102};
 constexpr int kListId = 100;
 
@@ -30,7 +30,7 @@ Time accepted; ///< when OK was pressed
 void CALLBACK acceptSettings(HWND, UINT, UINT_PTR, DWORD)
 {
     HWND dialog = GetActiveWindow();
-    HWND box = dialog != nullptr ? GetDlgItem(dialog, kSettingsMembers) : nullptr;
+    HWND box = dialog != nullptr ? GetDlgItem(dialog, IDC_QUOTA_GROUP_MEMBERS) : nullptr;
     if (box != nullptr) {
         SendMessageW(box, BM_CLICK, 0, 0);
         accepted = now();

@@ -24,7 +24,8 @@
  * Records     A row of the quota list carries its record as item data, and a dialog gives its record as end code,
  *             in 32 bits. On today's Windows records lie above 4 GiB, and the 32-bit value is then a stand-in that
  *             is no valid address: take records from the chain that getDataModified gives, never from the item
- *             data. Only where a record lies below 4 GiB, as in a host that is not aware of large addresses, is the
+ *             data. It stands for its record while a row of a list carries it that these functions have had to do
+ *             with, and for some thousand other records after that; a row that comes back later has no record. Only where a record lies below 4 GiB, as in a host that is not aware of large addresses, is the
  *             value its address.
  */
 #ifndef CORVANE_H

@@ -54,6 +54,12 @@ private:
 };
 thread_local Worker* Worker::current = nullptr;
 
+/// Of what some runtimes do not bear for long, a quarter.
+long long fewRounds()
+{
+    return (stress::count() + 3) / 4;
+}
+
 void post(HWND dialog, int id)
 {
     PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(id), 0);
@@ -95,7 +101,7 @@ void workOnAList(std::uint32_t seed, const std::wstring& folder)
     CListCtrl* const list = host.object();
     const Worker worker([&](HWND dialog) { post(dialog, random() % 3 == 0 ? IDCANCEL : IDOK); });
     initializeListCtrl2(list, nullptr);
-    for (long long round = 0; round < stress::count() && !testing::Test::HasFailure(); ++round) {
+    for (long long round = 0; round < fewRounds() && !testing::Test::HasFailure(); ++round) {
         stress::alive("a list on a thread of its own");
         fillUpListCtrl2(Paths{folder + L"a", folder + L"b"}, list);
         sortListCtrl2(list, static_cast<int>(random() % 6));
@@ -132,6 +138,39 @@ TEST_F(Apart, TwoThreadsEachWithAListAndDialogs)
         thread.join();
     }
     EXPECT_EQ(m_store.openSidLists(), 0);
+}
+
+// What the runtime itself makes of three threads with dialogs: the same template, none of the library's code.
+TEST_F(Apart, ThreeThreadsWithDialogsOfNobody)
+{
+    const auto nobody = [](HWND dialog, UINT message, WPARAM, LPARAM) -> INT_PTR {
+        if (message == WM_INITDIALOG) {
+            for (const int id : {IDC_QUOTA_APPLIED_TO, IDC_QUOTA_HARD_LIMIT, IDC_QUOTA_SOFT_LIMIT}) {
+                SetDlgItemTextW(dialog, id, L"C:\\some\\folder");
+            }
+            SetTimer(dialog, 1, 10, nullptr);
+        }
+        return message == WM_TIMER ? EndDialog(dialog, IDOK) : FALSE;
+    };
+    const HMODULE library = GetModuleHandleW(L"corvane");
+    const auto* const page = static_cast<LPCDLGTEMPLATEW>(LockResource(
+        LoadResource(library, FindResourceW(library, MAKEINTRESOURCEW(IDD_QUOTA_SETTINGS_ADD), RT_DIALOG))));
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([=] {
+            for (long long round = 0; round < fewRounds(); ++round) {
+                stress::alive("a dialog of nobody");
+                EXPECT_EQ(DialogBoxIndirectParamW(nullptr, page, nullptr, nobody, 0), IDOK);
+                ListHost host;
+                for (int row = 0; row < 60; ++row) {
+                    host.addRow(row, {L"a", L"b", L"c"});
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
 }
 
 // Documented: the account chooser keeps its last choice for all. What a call gives is its own dialog's all the same: a

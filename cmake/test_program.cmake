@@ -12,6 +12,15 @@ function(tests_of label)
   endif()
 endfunction()
 
+# What is handed on is something in any case.
+macro(default_run)
+  foreach(what SHARDS COST)
+    if(NOT arg_${what})
+      set(arg_${what} 1)
+    endif()
+  endforeach()
+endmacro()
+
 # Usage: run_test_program(TARGET [SHARDS N] [COST SECONDS] [LABELS LABEL...] [EACH_ALONE] [WORKING_DIRECTORY DIR]) has the
 # tests of a program run, the long ones in several parts that may go side by side; those that cost more start earlier.
 # EACH_ALONE is for tests of what is remembered as long as a process lives. The name of the room is a label of them all.
@@ -87,6 +96,7 @@ endfunction()
 # Those of the first have the label low_heap.
 function(both_heaps name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "SHARDS;COST;DIRECTORY" "LIBRARIES")
+  default_run()
   heap_programs(${ARGV})
   foreach(program ${name} ${name}_high)
     set(label low_heap)

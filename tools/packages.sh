@@ -2,7 +2,7 @@
 # Installs the Debian packages that the project builds and runs with, as far as they are missing.
 # Sourced behind tools/wine.sh.
 
-needed_packages="clang-19 lld-19 llvm-19 clang-format-19 clang-tidy-19 libclang-rt-19-dev libc++-19-dev g++ g++-mingw-w64-x86-64 cmake ninja-build
+needed_packages="clang-19 lld-19 llvm-19 clang-format-19 clang-tidy-19 libclang-rt-19-dev libc++-19-dev g++ g++-mingw-w64-x86-64 cmake ninja-build git
   googletest wine wine64 fonts-wine xvfb xdotool imagemagick"
 
 install_packages() {

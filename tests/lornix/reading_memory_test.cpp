@@ -33,6 +33,14 @@ void* operator new(std::size_t size)
     return block + kHead;
 }
 
+// Sorting asks for its room this way, and gives it back the usual one.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+try {
+    return operator new(size);
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
+
 void operator delete(void* what) noexcept
 {
     if (what != nullptr) {
@@ -40,6 +48,11 @@ void operator delete(void* what) noexcept
         held -= *reinterpret_cast<std::size_t*>(block);
         std::free(block);
     }
+}
+
+void operator delete(void* what, const std::nothrow_t&) noexcept
+{
+    operator delete(what);
 }
 
 void operator delete(void* what, std::size_t) noexcept

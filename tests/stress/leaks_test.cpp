@@ -53,11 +53,7 @@ struct Held {
     /// Which of the numbers are higher than others.
     std::bitset<6> above(const Held& other) const
     {
-        std::bitset<6> higher;
-        higher[0] = counted.heapBlocks > other.counted.heapBlocks;
-        higher[1] = counted.gdiObjects > other.counted.gdiObjects;
-        higher[2] = counted.windows > other.counted.windows;
-        higher[3] = counted.handles > other.counted.handles;
+        std::bitset<6> higher(counted.above(other.counted).to_ulong());
         higher[4] = modules > other.modules;
         higher[5] = threads > other.threads;
         return higher;

@@ -87,6 +87,16 @@ long openHandles()
 
 } // namespace
 
+std::bitset<4> LeakCount::above(const LeakCount& other) const
+{
+    std::bitset<4> higher;
+    higher[0] = heapBlocks > other.heapBlocks;
+    higher[1] = gdiObjects > other.gdiObjects;
+    higher[2] = windows > other.windows;
+    higher[3] = handles > other.handles;
+    return higher;
+}
+
 LeakCount LeakCount::now()
 {
     LeakCount count;

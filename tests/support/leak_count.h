@@ -1,6 +1,7 @@
 // What the process holds.
 #pragma once
 
+#include <bitset>
 #include <iosfwd>
 
 struct LeakCount {
@@ -10,6 +11,9 @@ struct LeakCount {
     long handles = 0;
 
     static LeakCount now();
+
+    /// Which of the numbers, in their order, are higher than others.
+    std::bitset<4> above(const LeakCount& other) const;
 
     friend bool operator==(const LeakCount&, const LeakCount&) = default;
     friend std::ostream& operator<<(std::ostream& out, const LeakCount& count);

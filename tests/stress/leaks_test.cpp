@@ -22,7 +22,7 @@
 namespace {
 
 constexpr long long kWarmUp = 20; // or as many as count
-constexpr int kSeries = 3;        // caches fill late; what leaks grows in each
+constexpr int kSeries = 8;        // caches fill late; what leaks grows in each
 
 DWORD modules()
 {

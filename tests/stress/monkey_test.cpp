@@ -71,7 +71,9 @@ std::vector<std::string> windowsLeft()
         GetCurrentThreadId(),
         [](HWND window, LPARAM list) -> BOOL {
             const std::string kind = className(window);
-            if (kind != "IME" && kind != "MSCTFIME UI") {
+            // Newer runtimes, freshly started, have a nameless window for a moment; the library makes none of its class.
+            const bool isNameless = kind == "Static" && windowText(window).empty();
+            if (kind != "IME" && kind != "MSCTFIME UI" && !isNameless) {
                 reinterpret_cast<std::vector<std::string>*>(list)->push_back(kind + ' ' + windowText(window));
             }
             return TRUE;

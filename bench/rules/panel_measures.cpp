@@ -7,6 +7,7 @@
 #include "measure.h"
 #include "res/resource.h"
 #include "row_text.h"
+#include "store/lornix.h"
 
 #include <commctrl.h>
 

@@ -3,6 +3,7 @@
 #include "tests/quota/quota_settings.h"
 #include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/library_template.h"
 #include "tests/support/list_host.h"
 
 #include <gmock/gmock.h>
@@ -42,12 +43,6 @@ HMODULE WINAPI knowNoModule(LPCWSTR)
     return nullptr;
 }
 
-const void* templateOf(int number)
-{
-    const HMODULE module = GetModuleHandleW(L"corvane");
-    return LockResource(LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(number), RT_DIALOG)));
-}
-
 } // namespace
 
 TEST_F(SettingsFrameTest, OpensTheTemplateOfTheMode)
@@ -64,7 +59,7 @@ TEST_F(SettingsFrameTest, OpensTheTemplateOfTheMode)
         EXPECT_EQ(editQuotaListEntry(host.window(), rule, mode), 4711) << "the end code is passed through";
         EXPECT_EQ(opened.instance, nullptr);
         EXPECT_NE(opened.dialogTemplate, nullptr);
-        EXPECT_EQ(opened.dialogTemplate, templateOf(number));
+        EXPECT_EQ(opened.dialogTemplate, libraryTemplate(number));
         EXPECT_EQ(opened.owner, host.window());
         EXPECT_EQ(opened.parameter, reinterpret_cast<LPARAM>(rule));
     }

@@ -1,8 +1,8 @@
 // The account list of a test: each call is written down among those of the store.
 #pragma once
 
-#include "accounts/account_sink.h"
 #include "account_store.h"
+#include "accounts/account_sink.h"
 #include "tests/support/describe.h"
 
 #include <cstdint>

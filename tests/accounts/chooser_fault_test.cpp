@@ -29,14 +29,10 @@ protected:
     }
 };
 
-std::string nameOfFault(const testing::TestParamInfo<Fault>& info)
-{
-    return faultName(info.param);
-}
-
 } // namespace
 
-INSTANTIATE_TEST_SUITE_P(Each, ChooserFaultTest, testing::ValuesIn(kEveryFault), nameOfFault);
+INSTANTIATE_TEST_SUITE_P(Each, ChooserFaultTest, testing::ValuesIn(kEveryFault),
+                         testing::PrintToStringParamName());
 
 TEST_P(ChooserFaultTest, OpeningSurvivesTheDomainSid)
 {

@@ -1,8 +1,7 @@
 // A list that faults while it is sorted.
-#include "tests/support/dialog_script.h"
+#include "tests/quota/rule_list_test.h"
+
 #include "tests/support/import_patch.h"
-#include "tests/support/list_host.h"
-#include "tests/support/recording_store.h"
 
 #include <commctrl.h>
 
@@ -49,25 +48,22 @@ int WINAPI noteBox(HWND owner, const char* text, const char* caption, UINT style
     return IDOK;
 }
 
-struct SortFaultTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-
+struct SortFaultTest : RuleListTest {
     void fill(const std::vector<std::wstring>& names)
     {
-        initializeListCtrl2(host.object(), nullptr);
+        prepare();
         LPARAM data = 0;
         for (const std::wstring& name : names) {
             host.addRow(++data, {name});
         }
-        sortListCtrl2(host.object(), 5); // so that the next column is a new one; all texts there are equal
+        sort(5); // so that the next column is a new one; all texts there are equal
         before = reinterpret_cast<WNDPROC>(
             SetWindowLongPtrW(host.list(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(faultOnFirstRow)));
     }
 
     std::vector<std::string> sorted()
     {
-        sortListCtrl2(host.object(), 0);
+        sort(0);
         SetWindowLongPtrW(host.list(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(before));
         return host.column(0);
     }
@@ -109,7 +105,7 @@ TEST_F(SortFaultTest, SortsWellAgainAfterwards)
         const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
         sorted();
     }
-    sortListCtrl2(host.object(), 5);
-    sortListCtrl2(host.object(), 0);
+    sort(5);
+    sort(0);
     EXPECT_THAT(host.column(0), ElementsAre("bob", "alice"));
 }

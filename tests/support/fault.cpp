@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <ostream>
 #include <stdexcept>
 
 namespace {
@@ -41,6 +42,11 @@ void raiseManagedException()
 }
 
 } // namespace
+
+std::ostream& operator<<(std::ostream& out, Fault fault)
+{
+    return out << faultName(fault);
+}
 
 void raiseNow(Fault fault)
 {

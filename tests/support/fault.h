@@ -1,6 +1,8 @@
 // What a call can be made to raise.
 #pragma once
 
+#include <iosfwd>
+
 enum class Fault {
     None,
     AccessViolation,
@@ -20,8 +22,10 @@ inline constexpr Fault kEveryFault[] = {
     Fault::ForeignException, Fault::OtherCppException, Fault::ManagedException,
     Fault::Breakpoint,       Fault::HeapCorruption,    Fault::StackOverflow};
 
-/// Shown by the names of tests that go through the kinds.
 const char* faultName(Fault fault);
+
+/// Shown by the names of tests that go through the kinds.
+std::ostream& operator<<(std::ostream& out, Fault fault);
 
 /// Raises it here. Nothing that must be released may be held by the callers up to the guard: processor faults run no
 /// destructors.

@@ -14,8 +14,7 @@ namespace {
 
 constexpr char kEntry[] = "Exclude file";
 
-class ExcludesTest : public testing::Test {
-protected:
+struct ExcludesTest : testing::Test {
     PolicyStore store;
     EditorVisit visit{store};
 };

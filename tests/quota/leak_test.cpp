@@ -187,7 +187,7 @@ TEST_F(LeakTest, AFailedFolderSize)
 {
     QuotaRule* const rule = newRule();
     expectNothingLeft([=, this] {
-        store->raise("getRealSize", Fault::CppException);
+        store->raise("getRealSize", Fault::kCppException);
         whileOpen(rule, kAdd);
     });
 }

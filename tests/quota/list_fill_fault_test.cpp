@@ -58,7 +58,7 @@ TEST_F(ListFillTest, AFaultLeavesNoDrawingObjectsBehind)
     const Paths paths{L"C:\\a"};
     const auto fillInVain = [&] {
         prepare();
-        store.raise("getTextualSidW", Fault::AccessViolation);
+        store.raise("getTextualSidW", Fault::kAccessViolation);
         EXPECT_NE(faultOf([&] { fill(paths); }), 0u);
     };
     fillInVain();
@@ -125,7 +125,7 @@ TEST_F(ListFillTest, AStackOverflowLeavesTheHostRoomToHandleIt)
         }
     });
     for (int round = 0; round < 2; ++round) { // the next overflow is raised, too
-        store.raise("getTextualSidW", Fault::StackOverflow);
+        store.raise("getTextualSidW", Fault::kStackOverflow);
         auto call = [&] {
             fill(paths);
         };

@@ -13,7 +13,7 @@ using testing::ElementsAre;
 namespace {
 
 WNDPROC before = nullptr;
-Fault fault = Fault::None;
+Fault fault = Fault::kNone;
 
 int* volatile nowhere = nullptr;
 
@@ -30,7 +30,7 @@ bool readsTextOfFirstRow(UINT message, WPARAM wParam, LPARAM lParam)
 LRESULT CALLBACK faultOnFirstRow(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (readsTextOfFirstRow(message, wParam, lParam)) {
-        if (fault == Fault::AccessViolation) {
+        if (fault == Fault::kAccessViolation) {
             *nowhere = 1;
         } else {
             RaiseException(0xE0000001, 0, 0, nullptr);
@@ -73,7 +73,7 @@ struct SortFaultTest : RuleListTest {
 
 TEST_F(SortFaultTest, ShowsABoxAndTakesTheRowsAsEqual)
 {
-    for (const Fault kind : {Fault::AccessViolation, Fault::ForeignException}) {
+    for (const Fault kind : {Fault::kAccessViolation, Fault::kForeignException}) {
         fault = kind;
         fill({L"alice", L"bob"});
         DialogScript script;
@@ -85,7 +85,7 @@ TEST_F(SortFaultTest, ShowsABoxAndTakesTheRowsAsEqual)
 
 TEST_F(SortFaultTest, ShowsABoxForEachComparisonWithTheRow)
 {
-    fault = Fault::AccessViolation;
+    fault = Fault::kAccessViolation;
     const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
     ASSERT_EQ(box.count(), 1);
     fill({L"alice", L"bob", L"cleo", L"dan", L"eve"});
@@ -99,7 +99,7 @@ TEST_F(SortFaultTest, ShowsABoxForEachComparisonWithTheRow)
 
 TEST_F(SortFaultTest, SortsWellAgainAfterwards)
 {
-    fault = Fault::AccessViolation;
+    fault = Fault::kAccessViolation;
     fill({L"alice", L"bob"});
     {
         const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);

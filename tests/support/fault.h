@@ -4,23 +4,23 @@
 #include <iosfwd>
 
 enum class Fault {
-    None,
-    AccessViolation,
-    DivideByZero,
-    CppException,
-    ForeignException,
-    OtherCppException, ///< of another maker's language runtime
-    ManagedException,
-    Breakpoint,
-    HeapCorruption, ///< as the system reports it
-    StackOverflow,
+    kNone,
+    kAccessViolation,
+    kDivideByZero,
+    kCppException,
+    kForeignException,
+    kOtherCppException, ///< of another maker's language runtime
+    kManagedException,
+    kBreakpoint,
+    kHeapCorruption, ///< as the system reports it
+    kStackOverflow,
 };
 
 /// All kinds but None, for tests that go through them.
 inline constexpr Fault kEveryFault[] = {
-    Fault::AccessViolation,  Fault::DivideByZero,      Fault::CppException,
-    Fault::ForeignException, Fault::OtherCppException, Fault::ManagedException,
-    Fault::Breakpoint,       Fault::HeapCorruption,    Fault::StackOverflow};
+    Fault::kAccessViolation,  Fault::kDivideByZero,      Fault::kCppException,
+    Fault::kForeignException, Fault::kOtherCppException, Fault::kManagedException,
+    Fault::kBreakpoint,       Fault::kHeapCorruption,    Fault::kStackOverflow};
 
 const char* faultName(Fault fault);
 

@@ -56,17 +56,17 @@ Fault noted(const char* function, const Describe& describe)
     if (current->writing) {
         currentState->calls.push_back(std::move(line));
     }
-    Fault fault = Fault::None;
+    Fault fault = Fault::kNone;
     for (auto& plan : currentState->plans) {
         const bool counts = plan.function.empty() || plan.function == function;
         if (counts && plan.left > 0 && --plan.left == 0) {
             fault = plan.fault;
         }
     }
-    if (fault == Fault::None && current->faultFor) {
+    if (fault == Fault::kNone && current->faultFor) {
         fault = current->faultFor(function);
     }
-    if (fault != Fault::None) {
+    if (fault != Fault::kNone) {
         currentState->raised = function;
     }
     return fault;

@@ -20,9 +20,9 @@ constexpr UINT kGoOn = WM_APP + 2;
 constexpr UINT_PTR kTimer = 0x5349;
 constexpr UINT_PTR kEndTimer = 0x534A; // a fill that could not be started ends by this one
 
-// Rows are put into the list in batches this far apart, and for this long at once; the dialog takes input and paints
-// in between. Together they stay below a tenth of a second.
-constexpr UINT kPauseMilliseconds = 20;
+// Rows are put into the list in batches this far apart, unless the fill is far ahead, and for this long at once; the dialog
+// takes input and paints in between. What takes less than a tenth of a second is taken for immediate.
+constexpr UINT kPauseMilliseconds = 80;
 constexpr ULONGLONG kTakeMilliseconds = 60;
 // With more rows ready and something else to do, the pause is only as long as the platform's shortest timer.
 constexpr UINT kShortPauseMilliseconds = USER_TIMER_MINIMUM;
@@ -66,8 +66,6 @@ bool RowPump::onMessage(UINT message, WPARAM wParam)
         m_goingOn = false;
         takeRowsNow();
     } else if (message == WM_TIMER && wParam == kTimer) {
-        KillTimer(m_list.handle(), kTimer);
-        m_timerSet = false;
         takeRowsNow();
     } else if (message == WM_TIMER && wParam == kEndTimer) {
         KillTimer(m_list.handle(), kEndTimer);
@@ -80,13 +78,13 @@ bool RowPump::onMessage(UINT message, WPARAM wParam)
 
 void RowPump::onNotice()
 {
-    if (!m_fill || m_timerSet || m_goingOn) {
+    if (!m_fill || m_goingOn) {
         return;
     }
     const ULONGLONG now = GetTickCount64();
-    if (m_fill->rows.ended() || now - m_lastTaken >= kPauseMilliseconds) {
+    if (m_fill->rows.ended() || m_fill->rows.rests() || now - m_lastTaken >= kPauseMilliseconds) {
         takeRowsNow();
-    } else {
+    } else if (!m_timerSet) {
         takeRowsLater(kPauseMilliseconds);
     }
 }
@@ -180,6 +178,7 @@ void RowPump::rowsChanged() const
 
 void RowPump::takeRowsNow()
 {
+    stopTimer();
     if (m_fill) {
         takeRows(GetTickCount64() + kTakeMilliseconds, INT_MAX);
     }
@@ -280,6 +279,11 @@ void RowPump::stop()
     m_fill.reset();
     m_batch = {};
     m_next = 0;
+    stopTimer();
+}
+
+void RowPump::stopTimer()
+{
     if (std::exchange(m_timerSet, false)) {
         KillTimer(m_list.handle(), kTimer);
     }

@@ -40,6 +40,7 @@ private:
     void goOn();
     void takeRowsLater(UINT milliseconds);
     void takeRowsNow();
+    void stopTimer();
     void takeRows(ULONGLONG until, int takes);
     bool nextBatch(int& takes);
     bool putIntoList(ULONGLONG until, int takes);

@@ -56,8 +56,11 @@ public:
 
     // ---- list ----
 
-    /// Takes all that waits.
+    /// Takes all that waits. A list that gets nothing has shown all: a fill that rests goes on.
     RowBatch take();
+
+    /// Whether the fill is so far ahead that nothing comes before the list has taken what waits, and then nothing.
+    bool rests();
 
     /// Whether nothing will come any more, beyond what waits.
     bool ended();
@@ -87,6 +90,7 @@ private:
     const UINT m_notice;
     bool m_noticed = false;
     bool m_owesNotice = false; ///< one could not be posted, or was of no use
+    bool m_rests = false;
     bool m_ended = false;
     bool m_waitsForTurn = false;
     std::optional<RowBatch::Servers> m_servers;

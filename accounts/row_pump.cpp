@@ -9,7 +9,6 @@
 #include "res/resource.h"
 #include "store/lornix.h"
 
-#include <climits>
 #include <utility>
 
 namespace {
@@ -82,7 +81,7 @@ void RowPump::onNotice()
         return;
     }
     const ULONGLONG now = GetTickCount64();
-    if (m_fill->rows.ended() || m_fill->rows.rests() || now - m_lastTaken >= kPauseMilliseconds) {
+    if (m_fill->rows.rests() || now - m_lastTaken >= kPauseMilliseconds) {
         takeRowsNow();
     } else if (!m_timerSet) {
         takeRowsLater(kPauseMilliseconds);
@@ -109,29 +108,25 @@ void RowPump::takeRowsLater(UINT milliseconds)
     }
 }
 
-/// Makes m_batch hold a row to put into the list.
-/// @param takes  how often rows may still be taken from the fill.
-/// @return false when none waits, or none may be taken any more.
-bool RowPump::nextBatch(int& takes)
+void RowPump::nextBatch()
 {
-    if (m_next == m_batch.entries.size()) {
-        m_next = 0;
-        m_batch = takes-- > 0 ? m_fill->rows.take() : RowBatch();
-        if (m_batch.servers) {
-            setLastDomainServers(m_batch.servers->first.c_str(), m_batch.servers->second.c_str());
-        }
+    m_next = 0;
+    m_batch = m_fill->rows.take();
+    if (m_batch.servers) {
+        setLastDomainServers(m_batch.servers->first.c_str(), m_batch.servers->second.c_str());
     }
-    return !m_batch.entries.empty();
 }
 
-/// @return whether rows are left for another time.
-bool RowPump::putIntoList(ULONGLONG until, int takes)
+/// Puts what is left of the batch into the list, or as much of it as may be until a time. The window may go.
+void RowPump::putIntoList(ULONGLONG until)
 {
+    if (m_next == m_batch.entries.size()) {
+        return;
+    }
     QuietRedrawOff off(m_list);
     const CFBListCtrl::Straight straight(m_list);
     const int shown = static_cast<int>(m_list.send(LVM_GETTOPINDEX) + m_list.send(LVM_GETCOUNTPERPAGE)) + 1;
     bool visible = false;
-    bool more = true;
     do {
         RowBatch::Entry& entry = m_batch.entries[m_next++];
         visible = visible || entry.removesFirst || entry.index <= shown;
@@ -140,32 +135,35 @@ bool RowPump::putIntoList(ULONGLONG until, int takes)
             logFillFault();
         }
         if (!m_fill) {
-            return false; // the window went
+            return; // the window went
         }
-        more = nextBatch(takes);
-    } while (more && (m_next % 16 != 0 || GetTickCount64() < until));
+    } while (m_next < m_batch.entries.size() && (m_next % 16 != 0 || GetTickCount64() < until));
     // Rows below the visible ones move the scroll bar only.
     visible ? off.restore() : off.restoreUnchanged();
     rowsChanged();
-    return more;
 }
 
-/// Puts waiting rows into the list until a time, or until none waits.
-/// @param takes  see nextBatch.
-void RowPump::takeRows(ULONGLONG until, int takes)
+/// Puts waiting rows into the list until a time.
+void RowPump::takeRows(ULONGLONG until)
 {
-    const bool more = nextBatch(takes) && putIntoList(until, takes);
+    if (m_next == m_batch.entries.size()) {
+        nextBatch();
+    }
+    putIntoList(until);
     if (!m_fill) {
         return;
     }
     m_lastTaken = GetTickCount64();
-    if (more) {
+    if (m_next < m_batch.entries.size()) {
         goOn();
     } else if (m_fill->rows.ended()) {
         onFillEnd();
-    } else if (!m_mayLeave && m_fill->rows.waitsForTurn()) {
-        m_mayLeave = true;
-        enableDialog();
+    } else {
+        m_fill->rows.allShown();
+        if (!m_mayLeave && m_fill->rows.waitsForTurn()) {
+            m_mayLeave = true;
+            enableDialog();
+        }
     }
 }
 
@@ -180,14 +178,18 @@ void RowPump::takeRowsNow()
 {
     stopTimer();
     if (m_fill) {
-        takeRows(GetTickCount64() + kTakeMilliseconds, INT_MAX);
+        takeRows(GetTickCount64() + kTakeMilliseconds);
     }
 }
 
 void RowPump::takeAllRows()
 {
+    constexpr ULONGLONG kForAsLongAsItTakes = ~0ull;
     if (m_fill) {
-        takeRows(~0ull, 1);
+        putIntoList(kForAsLongAsItTakes);
+    }
+    if (m_fill) {
+        takeRows(kForAsLongAsItTakes);
     }
 }
 

@@ -117,9 +117,6 @@ RowBatch RowQueue::take()
     RowBatch batch = std::exchange(m_waiting, {});
     if (!batch.entries.empty()) {
         batch.servers = std::exchange(m_servers, std::nullopt);
-    } else {
-        m_rests = false;
-        WakeAllConditionVariable(&m_taken);
     }
     return batch;
 }
@@ -133,7 +130,16 @@ bool RowQueue::ended()
 bool RowQueue::rests()
 {
     const std::lock_guard lock(m_lock);
-    return m_rests;
+    return m_rests || m_ended;
+}
+
+void RowQueue::allShown()
+{
+    const std::lock_guard lock(m_lock);
+    if (m_waiting.entries.empty()) {
+        m_rests = false;
+        WakeAllConditionVariable(&m_taken);
+    }
 }
 
 bool RowQueue::waitsForTurn()

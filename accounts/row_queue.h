@@ -56,11 +56,14 @@ public:
 
     // ---- list ----
 
-    /// Takes all that waits. A list that gets nothing has shown all: a fill that rests goes on.
+    /// Takes all that waits.
     RowBatch take();
 
-    /// Whether the fill is so far ahead that nothing comes before the list has taken what waits, and then nothing.
+    /// Whether nothing comes at present: the fill has ended, or is far ahead.
     bool rests();
+
+    /// What was taken shows: a fill that rests goes on.
+    void allShown();
 
     /// Whether nothing will come any more, beyond what waits.
     bool ended();

@@ -184,7 +184,7 @@ TEST_F(RowQueueTest, ALaterNoticeMakesUpForThoseThatCouldNotBePosted)
     posts.failing = false;
     waitForNotices(1);
     EXPECT_EQ(queue.take().entries.size(), 16384u);
-    EXPECT_TRUE(queue.take().entries.empty());
+    queue.allShown();
     worker.join();
     EXPECT_EQ(handedOver, 20000);
 }
@@ -244,13 +244,15 @@ TEST_F(RowQueueTest, AFillThatIsFarAheadRestsUntilTheListHasShownAll)
     EXPECT_TRUE(queue.rests()) << "the list puts them in";
     waitForNotices(1); // a list that has forgotten it is reminded
     EXPECT_EQ(handedOver, 16384);
-    EXPECT_TRUE(queue.take().entries.empty());
+    queue.allShown();
     while (!queue.rests()) {
         Sleep(1);
     }
     EXPECT_EQ(handedOver, 32768);
+    queue.allShown();
+    EXPECT_TRUE(queue.rests()) << "rows wait that the list has not seen yet";
     EXPECT_EQ(queue.take().entries.size(), 16384u);
-    EXPECT_TRUE(queue.take().entries.empty());
+    queue.allShown();
     worker.join();
     EXPECT_EQ(queue.take().entries.size(), 40000u - 2 * 16384u);
 }

@@ -10,9 +10,8 @@
 #include "store/lornix.h"
 
 #include <algorithm>
-#include <functional>
+#include <cwchar>
 #include <optional>
-#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -21,7 +20,7 @@ namespace {
 
 /// What the host has seen of the rules of a folder, so that it replaces nothing that it never saw: a mark of them, or
 /// nothing when they could not be read. Its user-interface thread alone loads and stores rules.
-using Mark = std::size_t;
+using Mark = std::uint64_t;
 using SeenRules = std::unordered_map<std::u16string, std::optional<Mark>>;
 
 SeenRules& seenRules()
@@ -37,7 +36,7 @@ SeenRules& seenRules()
 
 Mark markOf(std::string_view lines)
 {
-    return std::hash<std::string_view>()(lines);
+    return checksumOf(lines);
 }
 
 QuotaRule* loadRules(const wchar_t* folder)
@@ -61,45 +60,39 @@ QuotaRule* loadRules(const wchar_t* folder)
     });
 }
 
-/// A rule of the chain, which one it is, and the folder it belongs to.
-struct Row {
-    const QuotaRule* rule;
-    std::uint32_t number;
-    std::uint32_t group;
-};
-
 /// The rules of one folder that are to be stored.
 struct FolderGroup {
-    std::u16string folder;
+    const wchar_t* folder; ///< the host's
     std::u16string key;
-    std::span<const Row> rows;
+    std::string lines;
+};
+
+/// The account of a rule of the chain.
+struct Account {
+    std::uint64_t hash; ///< of both
+    const void* sid;
+    std::uint32_t group;
 };
 
 class Storing {
 public:
     /// @return false with a report when something in the arguments cannot be stored.
-    bool sort(const PathList& folders, const QuotaRule* chain);
+    bool take(const PathList& folders, const QuotaRule* chain);
 
     /// @return false with a report; what is stored is as it was.
     bool store(DataFolder data);
 
 private:
-    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
-
     bool takeFolders(const PathList& folders);
-    std::uint32_t groupOf(const QuotaRule& rule);
+    std::uint32_t groupOf(const wchar_t* path);
     bool isEachAccountOnce() const;
-    RuleBook bookAfter(const RuleBook& book) const;
-    bool mayBecome(const RuleBook& book, const RuleBook& next, bool& isChanged) const;
-    void noteSeen(const RuleBook& book) const;
+    bool change(RuleFile& file, const RuleBook& book, Patience& patience) const;
 
     std::vector<FolderGroup> m_groups;
-    std::unordered_map<std::u16string_view, std::uint32_t> m_groupsByKey;
-    std::vector<Row> m_rows; // in the order of the groups
-    std::wstring_view m_lastPath;
-    std::uint32_t m_lastGroup = kNone;
-    std::u16string m_key;   // of the path
-    std::size_t m_room = 0; // that the lines need, about
+    IndexTable m_groupsByKey;
+    std::vector<Account> m_accounts; ///< in the order of the chain
+    std::size_t m_size = 0;          ///< of all lines
+    std::u16string m_key;            ///< of the path looked at last
 };
 
 /// @param path  null for none.
@@ -122,121 +115,98 @@ const char* flawOf(const QuotaRule& rule)
     return flawOfLimits(rule.hardLimit, rule.softLimit);
 }
 
-std::uint32_t Storing::groupOf(const QuotaRule& rule)
+std::uint64_t hashOf(std::u16string_view key)
 {
-    // Rules of one folder mostly follow each other and spell it alike.
-    if (m_lastGroup == kNone || rule.path != m_lastPath) {
-        m_lastPath = rule.path;
-        assignFolderKey(m_key, fromWide(m_lastPath));
-        const auto found = m_groupsByKey.find(m_key);
-        m_lastGroup = found == m_groupsByKey.end() ? kNone : found->second;
-    }
-    return m_lastGroup;
+    return std::hash<std::u16string_view>()(key);
+}
+
+std::uint32_t Storing::groupOf(const wchar_t* path)
+{
+    m_key.resize(std::wcslen(path));
+    std::copy_n(path, m_key.size(), m_key.begin());
+    turnIntoFolderKey(m_key);
+    return m_groupsByKey.find(hashOf(m_key), [&](std::uint32_t group) { return m_groups[group].key == m_key; });
 }
 
 bool Storing::takeFolders(const PathList& folders)
 {
     wchar_t* const* paths = folders.paths;
-    m_groups.reserve(
-        static_cast<std::size_t>(std::max(folders.count, 0))); // none moves: others look at their keys
-    for (std::int32_t i = 0; i < folders.count; ++i) {
+    const auto count = static_cast<std::size_t>(std::max(folders.count, 0));
+    m_groups.reserve(count);
+    m_groupsByKey.reset(count);
+    for (std::size_t i = 0; i < count; ++i) {
         if (paths[i] == nullptr || *paths[i] == L'\0') {
             report(L"Nothing was stored: folder " + std::to_wstring(i + 1) + L" of the list has no name.");
             return false;
         }
-        FolderGroup& group = m_groups.emplace_back();
-        group.folder = fromWide(paths[i]);
-        assignFolderKey(group.key, group.folder);
-        if (!m_groupsByKey.try_emplace(group.key, static_cast<std::uint32_t>(m_groups.size() - 1)).second) {
-            m_groups.pop_back();
+        if (groupOf(paths[i]) == IndexTable::kNone) {
+            m_groupsByKey.enter(hashOf(m_key), static_cast<std::uint32_t>(m_groups.size()));
+            m_groups.push_back({paths[i], m_key, {}});
         }
     }
     return true;
 }
 
-bool Storing::sort(const PathList& folders, const QuotaRule* chain)
+bool Storing::take(const PathList& folders, const QuotaRule* chain)
 {
     if (!takeFolders(folders)) {
         return false;
     }
-    std::uint32_t number = 1;
-    for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next, ++number) {
-        const char* flaw = flawOf(*rule);
-        const std::uint32_t group = flaw == nullptr ? groupOf(*rule) : kNone;
-        if (group == kNone) {
-            const std::string reason = flaw == nullptr ? "its folder is not among those to be stored" : flaw;
-            return refuse(L"rule " + std::to_wstring(number), rule->path, {reason.begin(), reason.end()});
+    // Rules of one folder mostly follow each other and spell it alike.
+    const wchar_t* path = nullptr;
+    std::string escaped;
+    std::uint32_t group = IndexTable::kNone;
+    std::string run; // their lines
+    RuleLines lines(run);
+    const auto endRun = [&] {
+        if (!run.empty()) {
+            m_groups[group].lines += run;
+            m_size += run.size();
+            run.clear();
         }
-        m_rows.push_back({rule, number, group});
-        m_room += kUsualLine + m_lastPath.size();
-    }
-    const auto place = [](const Row& row) {
-        return std::pair(row.group, row.number);
     };
-    if (!std::ranges::is_sorted(m_rows, {}, place)) {
-        std::ranges::sort(m_rows, {}, place);
-    }
-    for (std::size_t first = 0, next = 0; first < m_rows.size(); first = next) {
-        const std::uint32_t group = m_rows[first].group;
-        while (next < m_rows.size() && m_rows[next].group == group) {
-            ++next;
+    for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next) {
+        const char* flaw = flawOf(*rule);
+        if (flaw == nullptr && (path == nullptr || std::wcscmp(path, rule->path) != 0)) {
+            endRun();
+            path = rule->path;
+            group = groupOf(path);
+            flaw = group == IndexTable::kNone ? "its folder is not among those to be stored" : nullptr;
+            escaped.clear();
+            appendEscaped(escaped, fromWide(path));
         }
-        m_groups[group].rows = std::span(m_rows).subspan(first, next - first);
+        if (flaw != nullptr) {
+            const std::string reason = flaw;
+            return refuse(L"rule " + std::to_wstring(m_accounts.size() + 1), rule->path,
+                          {reason.begin(), reason.end()});
+        }
+        if (m_size + run.size() <= kLargestFile) { // what is more is refused
+            lines.append(rule->hardLimit, rule->softLimit, rule->inUse, sidBytes(rule->sid), escaped);
+        }
+        constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15u;
+        m_accounts.push_back({std::hash<std::string_view>()(sidKey(rule->sid)) + group * kSpread, rule->sid, group});
     }
+    endRun();
     return isEachAccountOnce();
-}
-
-std::string_view accountOf(const Row& row)
-{
-    return sidKey(row.rule->sid);
 }
 
 bool Storing::isEachAccountOnce() const
 {
-    struct Account {
-        std::size_t hash;
-        const Row* row;
-        bool operator<(const Account& other) const
-        {
-            if (hash != other.hash) {
-                return hash < other.hash;
-            }
-            const int order = accountOf(*row).compare(accountOf(*other.row));
-            return order != 0 ? order < 0 : row->number < other.row->number;
-        }
-    };
-    std::vector<Account> accounts;
-    for (const FolderGroup& group : m_groups) {
-        accounts.clear();
-        for (const Row& row : group.rows) {
-            accounts.push_back({std::hash<std::string_view>()(accountOf(row)), &row});
-        }
-        std::sort(accounts.begin(), accounts.end());
-        const auto repeated = std::ranges::adjacent_find(accounts, [](const Account& a, const Account& b) {
-            return a.hash == b.hash && accountOf(*a.row) == accountOf(*b.row);
+    IndexTable seen;
+    seen.reset(m_accounts.size());
+    for (std::uint32_t i = 0; i < m_accounts.size(); ++i) {
+        const Account& mine = m_accounts[i];
+        const std::uint32_t same = seen.find(mine.hash, [&](std::uint32_t index) {
+            const Account& other = m_accounts[index];
+            return mine.hash == other.hash && mine.group == other.group && sidKey(mine.sid) == sidKey(other.sid);
         });
-        if (repeated != accounts.end()) {
-            return refuse(L"rules " + std::to_wstring(repeated[0].row->number) + L" and " +
-                              std::to_wstring(repeated[1].row->number),
-                          toWide(group.folder).c_str(), L"both are for one account");
+        if (same != IndexTable::kNone) {
+            return refuse(L"rules " + std::to_wstring(same + 1) + L" and " + std::to_wstring(i + 1),
+                          m_groups[mine.group].folder, L"both are for one account");
         }
+        seen.enter(mine.hash, i);
     }
     return true;
-}
-
-void write(std::span<const Row> rows, RuleLines& lines)
-{
-    std::wstring_view path;
-    std::string escaped;
-    for (const Row& row : rows) {
-        const QuotaRule& rule = *row.rule;
-        if (path != rule.path) {
-            path = rule.path;
-            escaped.clear();
-            appendEscaped(escaped, fromWide(path));
-        }
-        lines.append(rule.hardLimit, rule.softLimit, rule.inUse, sidBytes(rule.sid), escaped);
-    }
 }
 
 /// @return false with a report when a host would replace rules that it has not seen.
@@ -246,7 +216,7 @@ bool mayReplace(const FolderGroup& group, std::string_view before)
     if (seen == seenRules().end() || (seen->second && *seen->second == markOf(before))) {
         return true; // nobody asked for them, or they are as they were seen
     }
-    const std::wstring rules = L"The rules of " + quoted(toWide(group.folder));
+    const std::wstring rules = L"The rules of " + quoted(group.folder);
     report(!seen->second
                ? rules +
                      L" could not be read and are not replaced unseen. Read them again before changing them."
@@ -255,40 +225,24 @@ bool mayReplace(const FolderGroup& group, std::string_view before)
     return false;
 }
 
-RuleBook Storing::bookAfter(const RuleBook& book) const
+bool Storing::change(RuleFile& file, const RuleBook& book, Patience& patience) const
 {
     std::vector<RuleBook::Change> changes;
+    std::vector<std::u16string> folders;
     changes.reserve(m_groups.size());
-    for (const FolderGroup& group : m_groups) {
-        changes.push_back({group.key, group.folder, !group.rows.empty()});
-    }
-    return book.with(changes, m_room,
-                     [this](std::size_t change, RuleLines& lines) { write(m_groups[change].rows, lines); });
-}
-
-/// @param isChanged  receives whether there is anything to store.
-/// @return false with a report when rules of some folders must not be replaced.
-bool Storing::mayBecome(const RuleBook& book, const RuleBook& next, bool& isChanged) const
-{
+    folders.reserve(m_groups.size());
+    bool isChanged = book.condition != Condition::kGood; // what is damaged is mended
     bool mayAll = true;
-    isChanged = book.condition != Condition::kGood; // what is damaged is mended
     for (const FolderGroup& group : m_groups) {
         const RuleBook::Entry before = book.entryOf(group.key);
-        const RuleBook::Entry after = next.entryOf(group.key);
-        const bool isSame = before.lines == after.lines;
-        isChanged = isChanged || !isSame || before.isKnown != after.isKnown;
+        const bool isKnown = !group.lines.empty();
+        const bool isSame = before.lines == group.lines;
+        isChanged = isChanged || !isSame || before.isKnown != isKnown;
         mayAll = (isSame || mayReplace(group, before.lines)) && mayAll;
+        folders.push_back(isKnown && !before.isKnown ? fromWide(group.folder) : std::u16string());
+        changes.push_back({before, folders.back(), isKnown, group.lines});
     }
-    return mayAll;
-}
-
-void Storing::noteSeen(const RuleBook& book) const
-{
-    for (const FolderGroup& group : m_groups) {
-        if (const auto seen = seenRules().find(group.key); seen != seenRules().end()) {
-            seen->second = markOf(book.entryOf(group.key).lines);
-        }
-    }
+    return mayAll && (!isChanged || file.change([&](RuleBook& stored) { stored.change(changes); }, patience));
 }
 
 bool Storing::store(DataFolder data)
@@ -300,24 +254,19 @@ bool Storing::store(DataFolder data)
     RuleFile file(data);
     Patience patience;
     const RuleBook* book = file.read(patience);
-    if (m_rows.size() > static_cast<std::size_t>(kLargestFile) / kShortestLine) {
+    const bool isTooMuch = m_size > kLargestFile;
+    if (isTooMuch) {
         report(L"The rules are too many for one file.");
-        book = nullptr;
     }
-    if (book != nullptr) {
-        RuleBook next = bookAfter(*book);
-        bool isChanged = false;
-        if (!mayBecome(*book, next, isChanged)) {
-            book = nullptr;
-        } else if (isChanged) {
-            book = file.replace(std::move(next), patience);
-        }
-    }
-    if (book == nullptr) {
+    if (book == nullptr || isTooMuch || !change(file, *book, patience)) {
         report(L"Nothing was stored.");
         return false;
     }
-    noteSeen(*book);
+    for (const FolderGroup& group : m_groups) {
+        if (const auto seen = seenRules().find(group.key); seen != seenRules().end()) {
+            seen->second = markOf(group.lines);
+        }
+    }
     return true;
 }
 
@@ -338,6 +287,6 @@ int lornixStoreRules(const PathList* folders, const QuotaRule* chain)
             return 0;
         }
         Storing storing;
-        return storing.sort(*folders, chain) && storing.store(DataFolder::current()) ? 1 : 0;
+        return storing.take(*folders, chain) && storing.store(DataFolder::current()) ? 1 : 0;
     });
 }

@@ -42,7 +42,7 @@ bool track(const QuotaRule& rule)
     }
     KeptFile file{data, data.path(L"tracked-rules.txt"), L"The file with the tracked rules"};
     Patience patience;
-    const auto book =
+    auto book =
         readKept<TrackedBook>(file, patience, [](std::string_view text) { return TrackedBook(text); });
     if (!book) {
         return false;
@@ -50,6 +50,7 @@ bool track(const QuotaRule& rule)
     // A later rule for the same account and folder takes the place of the former.
     const std::u16string folder = fromWide(rule.path);
     const std::u16string key = folderKey(folder);
+    const RuleBook::Entry before = book->entryOf(key);
     std::vector<StoredRule> rules = book->rulesOf(key);
     StoredRule mine{rule.hardLimit, rule.softLimit, rule.inUse, Sid(sidBytes(rule.sid)), folder};
     const auto same = std::ranges::find_if(rules, [&](const StoredRule& each) {
@@ -60,16 +61,16 @@ bool track(const QuotaRule& rule)
     } else {
         *same = std::move(mine);
     }
-    const RuleBook::Change change{key, folder, false};
-    const std::size_t room = rules.size() * (kUsualLine + folder.size());
-    const RuleBook next = book->with({&change, 1}, room, [&](std::size_t, RuleLines& lines) {
-        for (const StoredRule& each : rules) {
-            std::string escaped;
-            appendEscaped(escaped, each.folder);
-            lines.append(each.hardLimit, each.softLimit, each.inUse, each.sid.bytes(), escaped);
-        }
-    });
-    return replaceKept(file, book->condition, next.text(), patience);
+    std::string text;
+    RuleLines lines(text);
+    for (const StoredRule& each : rules) {
+        std::string escaped;
+        appendEscaped(escaped, each.folder);
+        lines.append(each.hardLimit, each.softLimit, each.inUse, each.sid.bytes(), escaped);
+    }
+    const RuleBook::Change change{before, folder, false, text};
+    book->change({&change, 1});
+    return replaceKept(file, book->condition, book->text(), patience);
 }
 
 } // namespace

@@ -97,7 +97,7 @@ void appendNumber(std::string& line, std::int64_t number)
     char text[24];
     char* const end = std::to_chars(std::begin(text), std::end(text), number).ptr;
     *end = '\t';
-    line.append(std::begin(text), end + 1);
+    line.append(text, static_cast<std::size_t>(end + 1 - text));
 }
 
 std::string knownLineOf(std::u16string_view folder)
@@ -126,8 +126,15 @@ const char* flawOfLimits(std::int64_t hardLimit, std::int64_t softLimit)
                                    : nullptr;
 }
 
+void RuleLines::startFolder(std::u16string_view folder)
+{
+    m_end = '\t';
+    appendEscaped(m_end, folder);
+    m_end += kLineEnd;
+}
+
 void RuleLines::append(std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
-                       std::span<const std::uint8_t> sid, std::string_view escapedFolder)
+                       std::span<const std::uint8_t> sid)
 {
     if (m_limits.empty() || hardLimit != m_hardLimit || softLimit != m_softLimit) {
         m_hardLimit = hardLimit;
@@ -143,9 +150,7 @@ void RuleLines::append(std::int64_t hardLimit, std::int64_t softLimit, std::int6
     } else {
         m_accounts.append(m_lines, sid);
     }
-    m_lines += '\t';
-    m_lines += escapedFolder;
-    m_lines += "\r\n";
+    m_lines += m_end;
 }
 
 StoredRule takeRule(std::string_view& lines)

@@ -39,10 +39,12 @@ public:
     {
     }
 
-    /// @param sid            empty for anyone.
-    /// @param escapedFolder  as it stands in the line.
+    /// What is appended from now on are rules of a folder that is spelled so.
+    void startFolder(std::u16string_view folder);
+
+    /// @param sid  empty for anyone.
     void append(std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
-                std::span<const std::uint8_t> sid, std::string_view escapedFolder);
+                std::span<const std::uint8_t> sid);
 
 private:
     std::string& m_lines;
@@ -51,6 +53,7 @@ private:
     std::int64_t m_hardLimit = 0;
     std::int64_t m_softLimit = 0;
     std::string m_limits; ///< their text
+    std::string m_end;    ///< of each line
 };
 
 /// Takes the first rule off lines of a book. They are known to be good.

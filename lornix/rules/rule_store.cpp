@@ -3,7 +3,6 @@
 #include "lornix/rules/rule_chain.h"
 #include "lornix/rules/rule_file.h"
 #include "lornix/sid.h"
-#include "lornix/text/escaped_text.h"
 #include "lornix/text/folder_key.h"
 #include "lornix/text/wide_text.h"
 #include "lornix_host.h"
@@ -69,9 +68,9 @@ struct FolderGroup {
 
 /// The account of a rule of the chain.
 struct Account {
-    std::uint64_t hash; ///< of both
     const void* sid;
     std::uint32_t group;
+    std::uint32_t hash; ///< of both
 };
 
 class Storing {
@@ -84,7 +83,8 @@ public:
 
 private:
     bool takeFolders(const PathList& folders);
-    std::uint32_t groupOf(const wchar_t* path);
+    /// @param guess  a group that is tried first.
+    std::uint32_t groupOf(const wchar_t* path, std::uint32_t guess = IndexTable::kNone);
     bool isEachAccountOnce() const;
     bool change(RuleFile& file, const RuleBook& book, Patience& patience) const;
 
@@ -120,8 +120,17 @@ std::uint64_t hashOf(std::u16string_view key)
     return std::hash<std::u16string_view>()(key);
 }
 
-std::uint32_t Storing::groupOf(const wchar_t* path)
+std::uint32_t hashOf(std::string_view account, std::uint32_t group)
 {
+    constexpr std::uint32_t kSpread = 0x9E3779B9u;
+    return static_cast<std::uint32_t>(std::hash<std::string_view>()(account)) + group * kSpread;
+}
+
+std::uint32_t Storing::groupOf(const wchar_t* path, std::uint32_t guess)
+{
+    if (guess < m_groups.size() && std::wcscmp(m_groups[guess].folder, path) == 0) {
+        return guess;
+    }
     m_key.resize(std::wcslen(path));
     std::copy_n(path, m_key.size(), m_key.begin());
     turnIntoFolderKey(m_key);
@@ -154,7 +163,6 @@ bool Storing::take(const PathList& folders, const QuotaRule* chain)
     }
     // Rules of one folder mostly follow each other and spell it alike.
     const wchar_t* path = nullptr;
-    std::string escaped;
     std::uint32_t group = IndexTable::kNone;
     std::string run; // their lines
     RuleLines lines(run);
@@ -170,10 +178,9 @@ bool Storing::take(const PathList& folders, const QuotaRule* chain)
         if (flaw == nullptr && (path == nullptr || std::wcscmp(path, rule->path) != 0)) {
             endRun();
             path = rule->path;
-            group = groupOf(path);
+            group = groupOf(path, group + 1);
             flaw = group == IndexTable::kNone ? "its folder is not among those to be stored" : nullptr;
-            escaped.clear();
-            appendEscaped(escaped, fromWide(path));
+            lines.startFolder(fromWide(path));
         }
         if (flaw != nullptr) {
             const std::string reason = flaw;
@@ -181,10 +188,9 @@ bool Storing::take(const PathList& folders, const QuotaRule* chain)
                           {reason.begin(), reason.end()});
         }
         if (m_size + run.size() <= kLargestFile) { // what is more is refused
-            lines.append(rule->hardLimit, rule->softLimit, rule->inUse, sidBytes(rule->sid), escaped);
+            lines.append(rule->hardLimit, rule->softLimit, rule->inUse, sidBytes(rule->sid));
         }
-        constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15u;
-        m_accounts.push_back({std::hash<std::string_view>()(sidKey(rule->sid)) + group * kSpread, rule->sid, group});
+        m_accounts.push_back({rule->sid, group, hashOf(sidKey(rule->sid), group)});
     }
     endRun();
     return isEachAccountOnce();

@@ -3,7 +3,6 @@
 #include "lornix/last_error.h"
 #include "lornix/rules/rule_book.h"
 #include "lornix/sid.h"
-#include "lornix/text/escaped_text.h"
 #include "lornix/text/folder_key.h"
 #include "lornix/text/wide_text.h"
 #include "store/lornix.h"
@@ -64,9 +63,8 @@ bool track(const QuotaRule& rule)
     std::string text;
     RuleLines lines(text);
     for (const StoredRule& each : rules) {
-        std::string escaped;
-        appendEscaped(escaped, each.folder);
-        lines.append(each.hardLimit, each.softLimit, each.inUse, each.sid.bytes(), escaped);
+        lines.startFolder(each.folder);
+        lines.append(each.hardLimit, each.softLimit, each.inUse, each.sid.bytes());
     }
     const RuleBook::Change change{before, folder, false, text};
     book->change({&change, 1});

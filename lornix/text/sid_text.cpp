@@ -16,7 +16,7 @@ void appendNumber(std::string& line, Number number, int base = 10)
 {
     char digits[24];
     const auto end = std::to_chars(std::begin(digits), std::end(digits), number, base).ptr;
-    line.append(digits, end);
+    line.append(digits, static_cast<std::size_t>(end - digits));
 }
 
 void appendSubAuthorities(std::string& line, std::span<const std::uint8_t> rest)

@@ -49,6 +49,7 @@ RuleBook bookOf(std::u16string_view folder, const std::function<void(RuleLines&)
 {
     std::string rules;
     RuleLines lines(rules);
+    lines.startFolder(folder);
     write(lines);
     RuleBook book;
     const RuleBook::Change change = changeOf(book, folder, true, rules);
@@ -86,8 +87,9 @@ TEST(RuleBookTest, AnEmptyOneIsAFileToo)
 TEST(RuleBookTest, WhatIsWrittenReadsBack)
 {
     const RuleBook written = bookOf(u"D:\\A", [](RuleLines& lines) {
-        lines.append(5, 4, 3, parseSid("S-1-5-32-544")->bytes(), "D:\\A");
-        lines.append(INT64_MAX, INT64_MIN, -1, {}, "d:/a/");
+        lines.append(5, 4, 3, parseSid("S-1-5-32-544")->bytes());
+        lines.startFolder(u"d:/a/");
+        lines.append(INT64_MAX, INT64_MIN, -1, {});
     });
     const std::string& text = written.text();
     EXPECT_EQ(text, checked(kHead + kComment +
@@ -180,7 +182,7 @@ TEST(RuleBookTest, FileWithoutItsEndIsDamagedAtEveryLength)
 {
     const RuleBook written = bookOf(u"D:\\A\\B", [](RuleLines& lines) {
         for (int i = 0; i < 3; ++i) {
-            lines.append(5, 4, 3, {}, "D:\\A\\B");
+            lines.append(5, 4, 3, {});
         }
     });
     const std::string& whole = written.text();
@@ -196,7 +198,7 @@ TEST(RuleBookTest, FileWithoutItsEndIsDamagedAtEveryLength)
 TEST(RuleBookTest, AnyChangeOfOneByteIsNoticed)
 {
     const RuleBook written =
-        bookOf(u"D:\\A", [](RuleLines& lines) { lines.append(500, 400, 300, {}, "D:\\A"); });
+        bookOf(u"D:\\A", [](RuleLines& lines) { lines.append(500, 400, 300, {}); });
     const std::string& whole = written.text();
     for (std::size_t i = 0; i < whole.rfind("end"); ++i) {
         for (int bit = 0; bit < 8; ++bit) {

@@ -20,8 +20,11 @@ public:
     void reset(std::size_t room)
     {
         constexpr std::size_t kLeast = 16;
-        m_slots = {}; // gone before there are more
-        m_slots.assign(std::max(kLeast, std::bit_ceil(room * 2)), kNone);
+        const std::size_t count = std::max(kLeast, std::bit_ceil(room * 2));
+        if (m_slots.capacity() < count) {
+            m_slots = {}; // gone before there are more
+        }
+        m_slots.assign(count, kNone);
     }
 
     /// @param is  whether an index is the one that is looked for; its hash need not be this one.

@@ -1,5 +1,6 @@
 #include "lornix/rules/rule_book.h"
 
+#include "lornix/rules/rule_lines.h"
 #include "lornix/text/escaped_text.h"
 #include "lornix/text/folder_key.h"
 
@@ -14,7 +15,6 @@ namespace lornix {
 namespace {
 
 constexpr std::string_view kFolderWord = "folder";
-constexpr std::string_view kAnyone = "anyone";
 constexpr std::size_t kRoomForEnd = 64; // more than the last lines take
 
 bool readNumber(std::string_view word, std::int64_t& number)
@@ -92,14 +92,6 @@ std::uint64_t hashOf(std::u16string_view key)
     return std::hash<std::u16string_view>()(key);
 }
 
-void appendNumber(std::string& line, std::int64_t number)
-{
-    char text[24];
-    char* const end = std::to_chars(std::begin(text), std::end(text), number).ptr;
-    *end = '\t';
-    line.append(text, static_cast<std::size_t>(end + 1 - text));
-}
-
 std::string knownLineOf(std::u16string_view folder)
 {
     // Marked by a word, because a folder may be called "end" or start with "#".
@@ -124,33 +116,6 @@ const char* flawOfLimits(std::int64_t hardLimit, std::int64_t softLimit)
     return hardLimit <= 0          ? "its hard limit is 0 or less"
            : softLimit > hardLimit ? "its soft limit is above the hard one"
                                    : nullptr;
-}
-
-void RuleLines::startFolder(std::u16string_view folder)
-{
-    m_end = '\t';
-    appendEscaped(m_end, folder);
-    m_end += kLineEnd;
-}
-
-void RuleLines::append(std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
-                       std::span<const std::uint8_t> sid)
-{
-    if (m_limits.empty() || hardLimit != m_hardLimit || softLimit != m_softLimit) {
-        m_hardLimit = hardLimit;
-        m_softLimit = softLimit;
-        m_limits.clear();
-        appendNumber(m_limits, hardLimit);
-        appendNumber(m_limits, softLimit);
-    }
-    m_lines += m_limits;
-    appendNumber(m_lines, inUse);
-    if (sid.empty()) {
-        m_lines += kAnyone;
-    } else {
-        m_accounts.append(m_lines, sid);
-    }
-    m_lines += m_end;
 }
 
 StoredRule takeRule(std::string_view& lines)

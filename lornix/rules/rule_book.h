@@ -30,32 +30,6 @@ struct StoredRule {
 /// @return what keeps limits from being stored, or null.
 const char* flawOfLimits(std::int64_t hardLimit, std::int64_t softLimit);
 
-/// Writes the lines of rules, one after the other.
-class RuleLines {
-public:
-    /// @param lines  to append them to.
-    explicit RuleLines(std::string& lines)
-        : m_lines(lines)
-    {
-    }
-
-    /// What is appended from now on are rules of a folder that is spelled so.
-    void startFolder(std::u16string_view folder);
-
-    /// @param sid  empty for anyone.
-    void append(std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
-                std::span<const std::uint8_t> sid);
-
-private:
-    std::string& m_lines;
-    SidSpeller m_accounts;
-    // Many rules have the limits of the one before.
-    std::int64_t m_hardLimit = 0;
-    std::int64_t m_softLimit = 0;
-    std::string m_limits; ///< their text
-    std::string m_end;    ///< of each line
-};
-
 /// Takes the first rule off lines of a book. They are known to be good.
 StoredRule takeRule(std::string_view& lines);
 

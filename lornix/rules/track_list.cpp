@@ -2,6 +2,7 @@
 #include "lornix/disk/kept_file.h"
 #include "lornix/last_error.h"
 #include "lornix/rules/rule_book.h"
+#include "lornix/rules/rule_lines.h"
 #include "lornix/sid.h"
 #include "lornix/text/folder_key.h"
 #include "lornix/text/wide_text.h"
@@ -60,13 +61,12 @@ bool track(const QuotaRule& rule)
     } else {
         *same = std::move(mine);
     }
-    std::string text;
-    RuleLines lines(text);
+    RuleLines lines;
     for (const StoredRule& each : rules) {
         lines.startFolder(each.folder);
         lines.append(each.hardLimit, each.softLimit, each.inUse, each.sid.bytes());
     }
-    const RuleBook::Change change{before, folder, false, text};
+    const RuleBook::Change change{before, folder, false, lines.text()};
     book->change({&change, 1});
     return replaceKept(file, book->condition, book->text(), patience);
 }

@@ -1,4 +1,5 @@
 #include "lornix/rules/rule_book.h"
+#include "lornix/rules/rule_lines.h"
 #include "lornix/text/folder_key.h"
 
 #include <gtest/gtest.h>
@@ -47,12 +48,11 @@ RuleBook::Change changeOf(const RuleBook& book, std::u16string_view folder, bool
 /// A book with the rules of one folder.
 RuleBook bookOf(std::u16string_view folder, const std::function<void(RuleLines&)>& write)
 {
-    std::string rules;
-    RuleLines lines(rules);
+    RuleLines lines;
     lines.startFolder(folder);
     write(lines);
     RuleBook book;
-    const RuleBook::Change change = changeOf(book, folder, true, rules);
+    const RuleBook::Change change = changeOf(book, folder, true, lines.text());
     book.change({&change, 1});
     return book;
 }

@@ -264,8 +264,8 @@ DWORD readStamp(const std::wstring& path, FileStamp& stamp, Patience& patience)
 bool holdsText(const std::wstring& path, std::string_view text, Patience& patience, FileStamp& stamp)
 {
     Handle file;
-    if (openToRead(path, patience, file) != ERROR_SUCCESS || takeStampWithTail(file.get(), stamp) != ERROR_SUCCESS ||
-        stamp.size != text.size())
+    if (openToRead(path, patience, file) != ERROR_SUCCESS ||
+        takeStampWithTail(file.get(), stamp) != ERROR_SUCCESS || stamp.size != text.size())
     {
         return false;
     }

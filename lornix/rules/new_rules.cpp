@@ -57,7 +57,8 @@ std::uint32_t NewRules::groupOf(const wchar_t* folder, std::uint32_t guess)
     m_key.resize(std::wcslen(folder));
     std::copy_n(folder, m_key.size(), m_key.begin());
     turnIntoFolderKey(m_key);
-    return m_groupsByKey.find(hashOf(m_key), [&](std::uint32_t group) { return m_groups[group].key == m_key; });
+    return m_groupsByKey.find(hashOf(m_key),
+                              [&](std::uint32_t group) { return m_groups[group].key == m_key; });
 }
 
 bool NewRules::takeFolders(const PathList& folders)

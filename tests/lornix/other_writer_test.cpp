@@ -165,7 +165,8 @@ TEST_F(OtherWriterTest, AChangeOfOneByteIsSeenWhileTheClockOfTheDiskStandsStill)
     std::vector<Rule> rules = rulesForMany(kFolder, 7, 10);
     store({kFolder}, rules);
     const std::size_t limit = bytesOf(rulesFile()).find("\r\n7") + 2;
-    const HANDLE file = CreateFileW(rulesFile().c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE file =
+        CreateFileW(rulesFile().c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     DWORD done = 0;
     SetFilePointer(file, static_cast<LONG>(limit), nullptr, FILE_BEGIN);
     EXPECT_TRUE(WriteFile(file, "8", 1, &done, nullptr) && SetFileTime(file, nullptr, nullptr, &written));

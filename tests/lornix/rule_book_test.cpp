@@ -197,8 +197,7 @@ TEST(RuleBookTest, FileWithoutItsEndIsDamagedAtEveryLength)
 
 TEST(RuleBookTest, AnyChangeOfOneByteIsNoticed)
 {
-    const RuleBook written =
-        bookOf(u"D:\\A", [](RuleLines& lines) { lines.append(500, 400, 300, {}); });
+    const RuleBook written = bookOf(u"D:\\A", [](RuleLines& lines) { lines.append(500, 400, 300, {}); });
     const std::string& whole = written.text();
     for (std::size_t i = 0; i < whole.rfind("end"); ++i) {
         for (int bit = 0; bit < 8; ++bit) {
@@ -287,7 +286,8 @@ TEST(RuleBookTest, FoldersGrowAndShrinkWithoutTouchingTheOthers)
         book.change(changes);
         for (std::size_t folder = 0; folder < expected.size(); ++folder) {
             const std::string name = std::to_string(folder);
-            ASSERT_EQ(book.entryOf(std::u16string(name.begin(), name.end())).lines, expected[folder]) << round;
+            ASSERT_EQ(book.entryOf(std::u16string(name.begin(), name.end())).lines, expected[folder])
+                << round;
         }
         ASSERT_EQ(read(book.text()).text(), book.text()) << round;
     }

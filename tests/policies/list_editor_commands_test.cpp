@@ -78,7 +78,7 @@ TEST_P(ListEditorCommandsTest, TheIdCountsWhateverTheNotification)
         PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 5), 0);
     });
     EXPECT_EQ(visit.run(editor.open), 0);
-    EXPECT_EQ(store.calls(), editor.storing);
+    EXPECT_EQ(store.calls(), editor.storing());
 }
 
 TEST_P(ListEditorCommandsTest, EditsTheFirstOfSeveralSelectedRows)

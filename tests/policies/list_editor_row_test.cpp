@@ -125,7 +125,7 @@ TEST_P(ListEditorRowTest, KeysAddEditAndRemove)
             EXPECT_EQ(list.rowCount(), kEntries + 1);
             EXPECT_EQ(list.text(list.selected(), 0), "zz jane");
             list.selectOnly({4});
-            const std::string call = editor.removeCall + " " + std::to_string(list.data(4));
+            const std::string call = editor.call("remove") + " " + std::to_string(list.data(4));
             store.takeCalls();
             SendMessageW(list.list(), WM_KEYDOWN, VK_DELETE, 0);
             EXPECT_EQ(list.rowCount(), kEntries);
@@ -196,7 +196,7 @@ TEST_P(ListEditorRowTest, DestroyedFromOutsideItGivesTheListBack)
         DestroyWindow(dialog);
     });
     visit.run(editor.open);
-    EXPECT_THAT(store.calls(), ElementsAre(editor.free));
+    EXPECT_THAT(store.calls(), ElementsAre(editor.call("free")));
 }
 
 TEST_P(ListEditorRowTest, DestroyedUnderItsEntryDialogItGivesTheListBackAndAddsNothing)
@@ -210,7 +210,7 @@ TEST_P(ListEditorRowTest, DestroyedUnderItsEntryDialogItGivesTheListBackAndAddsN
     });
     visit.run(editor.open);
     const std::vector<std::string> calls = store.calls();
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.free), 1);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.call("free")), 1);
     EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
                             [](const std::string& call) { return call.starts_with("addTo"); }),
               0);
@@ -246,19 +246,19 @@ TEST_P(ListEditorRowTest, CommandsSentPastAnEntryDialogAreNotTaken)
     });
     EXPECT_EQ(visit.run(editor.open), 0);
     const std::vector<std::string> calls = store.calls();
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.free), 1);
-    EXPECT_EQ(calls.back(), editor.free);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.call("free")), 1);
+    EXPECT_EQ(calls.back(), editor.call("free"));
 }
 
 TEST_P(ListEditorRowTest, AFaultInThatIsTold)
 {
-    store.raise(editor.free, Fault::kAccessViolation);
+    store.raise(editor.call("free"), Fault::kAccessViolation);
     visit.list([this](HWND dialog, const ListView&) {
         store.takeCalls();
         DestroyWindow(dialog);
     });
     visit.run(editor.open);
-    EXPECT_THAT(store.calls(), ElementsAre(editor.free, std::string("ODS ") + editor.crashLine));
+    EXPECT_THAT(store.calls(), ElementsAre(editor.call("free"), std::string("ODS ") + editor.crashLine));
 }
 
 INSTANTIATE_TEST_SUITE_P(Editors, ListEditorRowTest, testing::ValuesIn(kEditors),

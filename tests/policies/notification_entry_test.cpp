@@ -28,15 +28,13 @@ struct NotificationEntryTest : testing::Test {
     void edit(const std::array<const wchar_t*, 6>& attributes, EditorVisit::OnEntry act)
     {
         const uint32_t index = store.putNotification(L"script", attributes);
-        EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
+        EditorVisit visit(store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
-            .entry(kEntry,
-                   [act](HWND entry) {
-                       act(entry);
-                       clickLater(entry, IDOK);
-                   })
-            .press(IDCANCEL);
-        EXPECT_EQ(visit.run(editNotifications), 0);
+            .entry([act](HWND entry) {
+                act(entry);
+                clickLater(entry, IDOK);
+            })
+            .cancel();
         edited = index;
     }
 
@@ -55,22 +53,20 @@ struct NotificationEntryTest : testing::Test {
 
 TEST_F(NotificationEntryTest, ANewOneIsForAnyoneOnceADay)
 {
-    EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
+    EditorVisit visit(store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST);
     visit.add()
-        .entry(kEntry,
-               [](HWND entry) {
-                   EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
-                   EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
-                   EXPECT_FALSE(isEnabled(entry, IDC_NOTIFY_ACCOUNT));
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_ACCOUNT), "");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), "");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_PASSWORD), "");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_MIN_INCREMENT), "0");
-               })
+        .entry([](HWND entry) {
+            EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
+            EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
+            EXPECT_FALSE(isEnabled(entry, IDC_NOTIFY_ACCOUNT));
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_ACCOUNT), "");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), "");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_PASSWORD), "");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_MIN_INCREMENT), "0");
+        })
         .press(IDCANCEL)
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+        .cancel();
 }
 
 TEST_F(NotificationEntryTest, EachForWhomHasItsButton)
@@ -224,17 +220,15 @@ TEST_F(NotificationEntryTest, PassingByWithTheTabKeyChoosesNothing)
     EXPECT_STREQ(attribute(2), L"5m");
     EXPECT_EQ(WindowsRadios::clicks(), 0);
 
-    EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
+    EditorVisit visit(store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST);
     visit.add()
-        .entry(kEntry,
-               [passBy](HWND entry) {
-                   passBy(entry);
-                   EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
-                   EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
-                   clickLater(entry, IDCANCEL);
-               })
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+        .entry([passBy](HWND entry) {
+            passBy(entry);
+            EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
+            EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
+            clickLater(entry, IDCANCEL);
+        })
+        .cancel();
     EXPECT_EQ(WindowsRadios::clicks(), 0);
 }
 

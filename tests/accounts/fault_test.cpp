@@ -3,12 +3,14 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
+
 namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
 
-enum class Source { kDirectory, kStore };
+enum class Source : std::uint8_t { kDirectory, kStore };
 
 struct FaultCase {
     const char* name;

@@ -29,7 +29,7 @@ protected:
     void enter(const wchar_t* text)
     {
         script.onDialog("enter", [text](HWND entry) {
-            EXPECT_EQ(windowText(entry), kEntry);
+            EXPECT_EQ(windowText(entry), kToolEntry);
             type(entry, IDC_ENTRY_TEXT, text);
             clickLater(entry, IDOK);
         });
@@ -298,7 +298,7 @@ TEST_F(BackupToolsTest, HandsHeapBlocksToTheStoreWhereverTheHeapIs)
         return 5u;
     };
     visit.add()
-        .enter(kEntry, L"C:\\high\\up.exe")
+        .enter(kToolEntry, L"C:\\high\\up.exe")
         .list([](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("up.exe"));
             EXPECT_THAT(list.allData(), ElementsAre(5));

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-inline constexpr char kEntry[] = "Backup Processes";
+inline constexpr char kToolEntry[] = "Backup Processes";
 
 class BackupToolsTest : public testing::Test {
 protected:

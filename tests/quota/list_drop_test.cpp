@@ -64,14 +64,14 @@ TEST_F(ListDropTest, TheHostIsToldOfEachDroppedRow)
     fill(6);
     host.selectOnly({1, 3, 4});
     std::vector<LPARAM> expected{host.data(1), host.data(3), host.data(4)};
-    std::vector<LPARAM> told;
+    std::vector<LPARAM> toHost;
     const MessageWatch watch(host.window(), [&](UINT message, WPARAM, LPARAM header) {
         if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(header)->code == LVN_DELETEITEM) {
-            told.push_back(reinterpret_cast<const NMLISTVIEW*>(header)->lParam);
+            toHost.push_back(reinterpret_cast<const NMLISTVIEW*>(header)->lParam);
         }
     });
     EXPECT_NE(dropFromListCtrl2(host.object()), 0);
-    EXPECT_THAT(told, testing::UnorderedElementsAreArray(expected));
+    EXPECT_THAT(toHost, testing::UnorderedElementsAreArray(expected));
 }
 
 TEST_F(ListDropTest, RowsThatGoMoveNoneThatGo)

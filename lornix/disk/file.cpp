@@ -113,8 +113,31 @@ DWORD takeStamp(HANDLE file, FileStamp& stamp)
     stamp.size = joined(found.nFileSizeHigh, found.nFileSizeLow);
     stamp.changed = joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime);
     stamp.id = joined(found.nFileIndexHigh, found.nFileIndexLow);
+    return ERROR_SUCCESS;
+}
+
+DWORD takeStampWithTail(HANDLE file, FileStamp& stamp)
+{
+    if (const DWORD error = takeStamp(file, stamp); error != ERROR_SUCCESS) {
+        return error;
+    }
     stamp.tail.resize(std::min<std::uint64_t>(kTail, stamp.size));
     return readAt(file, stamp.size - stamp.tail.size(), stamp.tail);
+}
+
+/// Sets the time of a file that was just written back by the smallest step: clocks of disks stand still for some
+/// milliseconds, and whatever is changed in it from now on has a later time.
+/// @return a stamp that no file has when the platform does not tell it.
+FileStamp markUnique(HANDLE file, std::string_view bytes)
+{
+    FileStamp stamp;
+    if (takeStamp(file, stamp) != ERROR_SUCCESS) {
+        return {};
+    }
+    --stamp.changed;
+    const FILETIME time{static_cast<DWORD>(stamp.changed), static_cast<DWORD>(stamp.changed >> 32)};
+    stamp.tail = bytes.substr(bytes.size() - std::min<std::size_t>(kTail, bytes.size()));
+    return SetFileTime(file, nullptr, nullptr, &time) ? stamp : FileStamp();
 }
 
 } // namespace
@@ -217,7 +240,7 @@ DWORD readFile(const std::wstring& path, std::string& bytes, Patience& patience,
         return error;
     }
     FileStamp now;
-    if (const DWORD error = takeStamp(file.get(), now); error != ERROR_SUCCESS) {
+    if (const DWORD error = takeStampWithTail(file.get(), now); error != ERROR_SUCCESS) {
         return error;
     }
     if (now.size > kLargestFile) {
@@ -235,14 +258,14 @@ DWORD readStamp(const std::wstring& path, FileStamp& stamp, Patience& patience)
 {
     Handle file;
     const DWORD error = openToRead(path, patience, file);
-    return error != ERROR_SUCCESS ? error : takeStamp(file.get(), stamp);
+    return error != ERROR_SUCCESS ? error : takeStampWithTail(file.get(), stamp);
 }
 
 bool holdsText(const std::wstring& path, std::string_view text, Patience& patience, FileStamp& stamp)
 {
     Handle file;
-    if (openToRead(path, patience, file) != ERROR_SUCCESS || takeStamp(file.get(), stamp) != ERROR_SUCCESS ||
-        stamp.size != text.size())
+    if (openToRead(path, patience, file) != ERROR_SUCCESS ||
+        takeStampWithTail(file.get(), stamp) != ERROR_SUCCESS || stamp.size != text.size())
     {
         return false;
     }
@@ -258,7 +281,8 @@ bool holdsText(const std::wstring& path, std::string_view text, Patience& patien
     return true;
 }
 
-DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security)
+DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security,
+                FileStamp* stamp)
 {
     if (bytes.size() > kLargestFile) {
         return ERROR_FILE_TOO_LARGE;
@@ -272,6 +296,9 @@ DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRI
             return GetLastError();
         }
         error = writeAll(file.get(), bytes);
+        if (stamp != nullptr && error == ERROR_SUCCESS) {
+            *stamp = markUnique(file.get(), bytes);
+        }
     }
     if (error != ERROR_SUCCESS) {
         DeleteFileW(longPath(path).c_str());
@@ -280,10 +307,10 @@ DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRI
 }
 
 DWORD replaceFile(const std::wstring& path, const std::wstring& temporary, std::string_view bytes,
-                  SECURITY_ATTRIBUTES* security, Patience& patience)
+                  SECURITY_ATTRIBUTES* security, Patience& patience, FileStamp* stamp)
 {
     DeleteFileW(longPath(temporary).c_str());
-    DWORD error = writeFile(temporary, bytes, security);
+    DWORD error = writeFile(temporary, bytes, security, stamp);
     if (error != ERROR_SUCCESS) {
         return error;
     }

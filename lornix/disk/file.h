@@ -74,12 +74,14 @@ bool holdsText(const std::wstring& path, std::string_view text, Patience& patien
 
 /// Makes a new file and sees to it that it is on the disk. On failure nothing of it is left.
 /// @param security  null for what the folder gives to its files.
-DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security);
+/// @param stamp     receives what was written, when it is not null. No later change leaves the file with that stamp.
+DWORD writeFile(const std::wstring& path, std::string_view bytes, SECURITY_ATTRIBUTES* security,
+                FileStamp* stamp = nullptr);
 
 /// Puts a text in the place of a file in one step: whoever reads sees the one or the other.
 /// @param temporary  name in the same folder; what stands there goes.
 DWORD replaceFile(const std::wstring& path, const std::wstring& temporary, std::string_view bytes,
-                  SECURITY_ATTRIBUTES* security, Patience& patience);
+                  SECURITY_ATTRIBUTES* security, Patience& patience, FileStamp* stamp = nullptr);
 
 DWORD removeFile(const std::wstring& path, Patience& patience);
 

@@ -123,7 +123,8 @@ std::unique_ptr<const StoreLock> openForChange(DataFolder& data, const std::wstr
     return lock;
 }
 
-bool replaceKept(KeptFile& file, Condition before, std::string_view text, Patience& patience)
+bool replaceKept(KeptFile& file, Condition before, std::string_view text, Patience& patience,
+                 FileStamp* stamp)
 {
     std::wstring aside;
     if (before != Condition::kGood) {
@@ -136,7 +137,7 @@ bool replaceKept(KeptFile& file, Condition before, std::string_view text, Patien
     }
     Protection protection(file.readers);
     const DWORD error = replaceFile(file.path, temporaryFor(file.path), text,
-                                    securityOf(file, file.readers, protection), patience);
+                                    securityOf(file, file.readers, protection), patience, stamp);
     if (error != ERROR_SUCCESS) {
         report(file.title + L" cannot be written to " + quoted(file.path) + L", which stays as it was: " +
                reasonOf(error));

@@ -65,7 +65,9 @@ std::unique_ptr<const StoreLock> openForChange(DataFolder& data, const std::wstr
 
 /// Puts a text in the place of a file. The caller holds the lock.
 /// @param before  what the file holds: a damaged one is set aside.
+/// @param stamp  receives what tells that the file is still this one, when it is not null.
 /// @return false with a report; the file is then as it was.
-bool replaceKept(KeptFile& file, Condition before, std::string_view text, Patience& patience);
+bool replaceKept(KeptFile& file, Condition before, std::string_view text, Patience& patience,
+                 FileStamp* stamp = nullptr);
 
 } // namespace lornix

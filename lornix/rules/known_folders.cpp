@@ -109,7 +109,7 @@ bool storeFolders(const PathList* list)
     if (isGiven && given->folders != before) {
         folders = merged(before, given->folders, own);
     }
-    if (before != folders && !file.replace(book->withKnown(folders), patience)) {
+    if (before != folders && !file.change([&](RuleBook& stored) { stored.changeKnown(folders); }, patience)) {
         return false;
     }
     if (isGiven) {

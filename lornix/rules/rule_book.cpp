@@ -1,19 +1,20 @@
 #include "lornix/rules/rule_book.h"
 
+#include "lornix/rules/rule_lines.h"
 #include "lornix/text/escaped_text.h"
 #include "lornix/text/folder_key.h"
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
+#include <cstring>
 #include <functional>
 #include <iterator>
+#include <utility>
 
 namespace lornix {
 namespace {
 
 constexpr std::string_view kFolderWord = "folder";
-constexpr std::string_view kAnyone = "anyone";
 constexpr std::size_t kRoomForEnd = 64; // more than the last lines take
 
 bool readNumber(std::string_view word, std::int64_t& number)
@@ -117,26 +118,6 @@ const char* flawOfLimits(std::int64_t hardLimit, std::int64_t softLimit)
                                    : nullptr;
 }
 
-void RuleLines::append(std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
-                       std::span<const std::uint8_t> sid, std::string_view escapedFolder)
-{
-    char numbers[3 * 24];
-    char* end = std::begin(numbers);
-    for (const std::int64_t number : {hardLimit, softLimit, inUse}) {
-        end = std::to_chars(end, std::end(numbers), number).ptr;
-        *end++ = '\t';
-    }
-    m_lines.append(std::begin(numbers), end);
-    if (sid.empty()) {
-        m_lines += kAnyone;
-    } else {
-        m_accounts.append(m_lines, sid);
-    }
-    m_lines += '\t';
-    m_lines += escapedFolder;
-    m_lines += "\r\n";
-}
-
 StoredRule takeRule(std::string_view& lines)
 {
     std::string_view line = takeLine(lines);
@@ -227,69 +208,47 @@ void RuleBook::gather(std::string_view file, const std::deque<Piece>& pieces)
 std::uint32_t RuleBook::find(std::u16string_view key, std::string_view lines) const
 {
     const std::uint64_t hash = hashOf(key);
-    for (std::size_t i = hash; !m_slots.empty(); ++i) {
-        const std::uint32_t index = m_slots[i & (m_slots.size() - 1)];
-        if (index == kNone) {
-            break;
-        }
+    return m_table.find(hash, [&](std::uint32_t index) {
         // Two folders may have one hash: the name counts.
         std::string_view own = lines.substr(m_blocks[index].start);
-        if (m_blocks[index].hash == hash && isFolder(folderOf(takeLine(own)), key)) {
-            return index;
-        }
-    }
-    return kNone;
+        return m_blocks[index].hash == hash && isFolder(folderOf(takeLine(own)), key);
+    });
 }
 
 void RuleBook::addBlock(const Block& block)
 {
     m_blocks.push_back(block);
-    if (m_blocks.size() * 2 > m_slots.size()) {
-        makeRoomFor(m_blocks.size());
+    if (m_blocks.size() > m_table.room()) {
+        enterAll();
     } else {
-        enter(static_cast<std::uint32_t>(m_blocks.size() - 1));
+        m_table.enter(block.hash, static_cast<std::uint32_t>(m_blocks.size() - 1));
     }
 }
 
-void RuleBook::enter(std::uint32_t index)
+void RuleBook::enterAll()
 {
-    std::size_t i = m_blocks[index].hash;
-    while (m_slots[i & (m_slots.size() - 1)] != kNone) {
-        ++i;
-    }
-    m_slots[i & (m_slots.size() - 1)] = index;
-}
-
-void RuleBook::makeRoomFor(std::size_t blocks)
-{
-    constexpr std::size_t kLeast = 16;
-    m_slots = {}; // gone before there are more
-    m_slots.assign(std::max(kLeast, std::bit_ceil(blocks * 2)), kNone);
+    m_table.reset(m_blocks.size());
     for (std::uint32_t index = 0; index < m_blocks.size(); ++index) {
-        enter(index);
+        m_table.enter(m_blocks[index].hash, index);
     }
 }
 
 void RuleBook::append(std::uint64_t hash, std::string_view known, std::string_view rules)
 {
-    const std::size_t start = m_text.size();
-    m_text += known;
-    m_text += rules;
-    addWritten(hash, start, start + known.size());
-}
-
-void RuleBook::addWritten(std::uint64_t hash, std::size_t start, std::size_t rules)
-{
-    if (m_text.size() != start) {
-        addBlock({hash, static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(rules - start),
-                  static_cast<std::uint32_t>(m_text.size() - rules)});
+    if (!known.empty() || !rules.empty()) {
+        addBlock({hash, static_cast<std::uint32_t>(m_text.size()), static_cast<std::uint32_t>(known.size()),
+                  static_cast<std::uint32_t>(rules.size())});
+        m_text += known;
+        m_text += rules;
     }
 }
 
 RuleBook::Entry RuleBook::entryOf(std::u16string_view key) const
 {
     const std::uint32_t index = find(key, m_text);
-    return index == kNone ? Entry() : Entry{ruleLines(m_blocks[index]), m_blocks[index].known != 0};
+    return index == kNone
+               ? Entry{hashOf(key)}
+               : Entry{m_blocks[index].hash, index, m_blocks[index].known != 0, ruleLines(m_blocks[index])};
 }
 
 std::vector<StoredRule> RuleBook::rulesOf(std::u16string_view key) const
@@ -313,61 +272,86 @@ std::vector<std::u16string> RuleBook::knownFolders() const
     return folders;
 }
 
-RuleBook RuleBook::with(std::span<const Change> changes, std::size_t room, const Write& write) const
+void RuleBook::makeRoomFor(std::size_t size)
 {
-    std::vector<std::size_t> changeOf(m_blocks.size(), changes.size());
-    std::vector<std::size_t> added;
-    std::size_t size = m_text.size() + room;
-    for (std::size_t i = 0; i < changes.size(); ++i) {
-        if (const std::uint32_t index = find(changes[i].key, m_text); index == kNone) {
-            added.push_back(i);
-        } else {
-            changeOf[index] = i;
-            size -= m_blocks[index].rules;
-        }
+    if (m_text.capacity() < size + kRoomForEnd) {
+        std::string larger; // an old one would get twice its room
+        larger.reserve(size + size / 8 + kRoomForEnd);
+        larger += m_text;
+        m_text = std::move(larger);
     }
-    RuleBook next(m_kind);
-    next.begin();
-    next.m_text.reserve(size + size / 8);
-    next.makeRoomFor(m_blocks.size() + added.size());
-    RuleLines lines(next.m_text);
-    const auto append = [&](std::size_t change, std::uint64_t hash, std::string_view known) {
-        const std::size_t start = next.m_text.size();
-        if (changes[change].isKnown) {
-            next.m_text += known.empty() ? knownLineOf(changes[change].folder) : known;
-        }
-        const std::size_t rules = next.m_text.size();
-        write(change, lines);
-        next.addWritten(hash, start, rules);
-    };
-    for (std::size_t i = 0; i < m_blocks.size(); ++i) {
-        const Block& block = m_blocks[i];
-        if (changeOf[i] == changes.size()) {
-            next.append(block.hash, knownLine(block), ruleLines(block));
-        } else {
-            append(changeOf[i], block.hash, knownLine(block));
-        }
-    }
-    for (const std::size_t change : added) {
-        append(change, hashOf(changes[change].key), {});
-    }
-    next.finish();
-    return next;
 }
 
-RuleBook RuleBook::withKnown(const std::vector<std::u16string>& folders) const
+void RuleBook::change(std::span<const Change> changes)
+{
+    std::deque<Block> next = m_blocks;
+    std::vector<bool> isChanged(m_blocks.size());
+    std::vector<std::uint32_t> blockOf;
+    std::vector<std::string> newlyKnown(changes.size());
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        const Change& change = changes[i];
+        if (change.before.block == kNone) {
+            blockOf.push_back(static_cast<std::uint32_t>(next.size()));
+            next.push_back({change.before.hash, 0, 0, 0});
+        } else {
+            blockOf.push_back(change.before.block);
+            isChanged[change.before.block] = true;
+        }
+        Block& block = next[blockOf.back()];
+        block.rules = static_cast<std::uint32_t>(change.rules.size());
+        if (!change.isKnown) {
+            block.known = 0;
+        } else if (block.known == 0) {
+            newlyKnown[i] = knownLineOf(change.folder);
+            block.known = static_cast<std::uint32_t>(newlyKnown[i].size());
+        }
+    }
+    auto size = static_cast<std::uint32_t>(m_head);
+    for (Block& block : next) {
+        block.start = size;
+        size += block.known + block.rules;
+    }
+    makeRoomFor(size);
+    m_text.resize(std::max<std::size_t>(m_text.size(), size));
+    // What stays of each block goes to its place in the same text: up from the last, down from the first, so that none
+    // comes to stand on another that is still to go.
+    const auto place = [&](std::size_t i) {
+        const Block& old = m_blocks[i];
+        const std::size_t stays = isChanged[i] ? std::min(old.known, next[i].known) : old.known + old.rules;
+        std::memmove(m_text.data() + next[i].start, m_text.data() + old.start, stays);
+    };
+    for (std::size_t i = m_blocks.size(); i-- > 0;) {
+        if (next[i].start > m_blocks[i].start) {
+            place(i);
+        }
+    }
+    for (std::size_t i = 0; i < m_blocks.size(); ++i) {
+        if (next[i].start < m_blocks[i].start) {
+            place(i);
+        }
+    }
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        const Block& block = next[blockOf[i]];
+        newlyKnown[i].copy(m_text.data() + block.start, std::string::npos);
+        changes[i].rules.copy(m_text.data() + block.start + block.known, std::string_view::npos);
+    }
+    std::erase_if(next, [](const Block& block) { return block.known == 0 && block.rules == 0; });
+    m_blocks = std::move(next);
+    enterAll();
+    m_text.resize(size);
+    finish();
+}
+
+void RuleBook::changeKnown(const std::vector<std::u16string>& folders)
 {
     RuleBook next(m_kind);
     next.begin();
     std::vector<bool> isDone(m_blocks.size());
     for (const std::u16string& folder : folders) {
-        const std::u16string key = folderKey(folder);
-        const std::uint32_t index = find(key, m_text);
-        const bool isHere = index != kNone;
-        next.append(hashOf(key), knownLineOf(folder),
-                    isHere ? ruleLines(m_blocks[index]) : std::string_view());
-        if (isHere) {
-            isDone[index] = true;
+        const Entry entry = entryOf(folderKey(folder));
+        next.append(entry.hash, knownLineOf(folder), entry.lines);
+        if (entry.block != kNone) {
+            isDone[entry.block] = true;
         }
     }
     for (std::size_t i = 0; i < m_blocks.size(); ++i) {
@@ -376,7 +360,8 @@ RuleBook RuleBook::withKnown(const std::vector<std::u16string>& folders) const
         }
     }
     next.finish();
-    return next;
+    static_cast<Finding&>(next) = std::move(*this);
+    *this = std::move(next);
 }
 
 } // namespace lornix

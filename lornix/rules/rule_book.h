@@ -1,12 +1,12 @@
 // What a file of rules holds: a rule a line, with its folder, and the folders that are known.
 #pragma once
 
+#include "lornix/rules/index_table.h"
 #include "lornix/text/framed_text.h"
 #include "lornix/text/sid_text.h"
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -30,29 +30,6 @@ struct StoredRule {
 /// @return what keeps limits from being stored, or null.
 const char* flawOfLimits(std::int64_t hardLimit, std::int64_t softLimit);
 
-/// Writes the lines of rules, one after the other.
-class RuleLines {
-public:
-    /// @param lines  to append them to.
-    explicit RuleLines(std::string& lines)
-        : m_lines(lines)
-    {
-    }
-
-    /// @param sid            empty for anyone.
-    /// @param escapedFolder  as it stands in the line.
-    void append(std::int64_t hardLimit, std::int64_t softLimit, std::int64_t inUse,
-                std::span<const std::uint8_t> sid, std::string_view escapedFolder);
-
-private:
-    std::string& m_lines;
-    SidSpeller m_accounts;
-};
-
-/// How long lines are beside their folder: mostly, and at least.
-inline constexpr std::size_t kUsualLine = 80;
-inline constexpr std::size_t kShortestLine = 14;
-
 /// Takes the first rule off lines of a book. They are known to be good.
 StoredRule takeRule(std::string_view& lines);
 
@@ -69,9 +46,14 @@ public:
     /// The text of a file that holds it.
     const std::string& text() const { return m_text; }
 
+    static constexpr std::uint32_t kNone = IndexTable::kNone;
+
+    /// What there is of a folder. Good until the book is changed.
     struct Entry {
-        std::string_view lines; ///< of the folder's rules
+        std::uint64_t hash; ///< of its key
+        std::uint32_t block = kNone;
         bool isKnown = false;
+        std::string_view lines{}; ///< of its rules
     };
     /// @param key  of a folder, see folderKey.
     Entry entryOf(std::u16string_view key) const;
@@ -82,19 +64,17 @@ public:
 
     /// A folder whose rules are replaced.
     struct Change {
-        std::u16string_view key;
+        Entry before;
         std::u16string_view folder; ///< as a folder that gets to be known is spelled
         bool isKnown;
+        std::string_view rules; ///< its new lines
     };
-    /// Writes the new rules of a change, of which it gets the index.
-    using Write = std::function<void(std::size_t, RuleLines&)>;
 
-    /// The book with the rules of some folders replaced. A key may stand there once.
-    /// @param room  how long the new lines are, about.
-    RuleBook with(std::span<const Change> changes, std::size_t room, const Write& write) const;
+    /// Replaces the rules of some folders. None may stand there twice.
+    void change(std::span<const Change> changes);
 
-    /// The book with other known folders. None may stand there twice.
-    RuleBook withKnown(const std::vector<std::u16string>& folders) const;
+    /// Replaces the known folders. None may stand there twice.
+    void changeKnown(const std::vector<std::u16string>& folders);
 
 private:
     /// The lines of a folder: the one that makes it known, if there is one, and its rules.
@@ -106,17 +86,13 @@ private:
     };
     struct Piece;
 
-    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
-
     /// @param lines  the text that the blocks are of.
     std::uint32_t find(std::u16string_view key, std::string_view lines) const;
     void append(std::uint64_t hash, std::string_view known, std::string_view rules);
-    /// Adds the block whose lines stand at the end of the text already.
-    void addWritten(std::uint64_t hash, std::size_t start, std::size_t rules);
     void addBlock(const Block& block);
-    void enter(std::uint32_t index);
-    void makeRoomFor(std::size_t blocks);
+    void enterAll();
     void gather(std::string_view file, const std::deque<Piece>& pieces);
+    void makeRoomFor(std::size_t size);
     void begin() { m_text.resize(m_head); }
     void finish() { appendEnd(m_text, m_kind); }
     std::string_view knownLine(const Block& block) const
@@ -132,7 +108,7 @@ private:
     std::size_t m_head = 0;     ///< length of what stands above the lines
     std::string m_text;         ///< the lines of all blocks, in their order, and what stands around them
     std::deque<Block> m_blocks; ///< which needs no room for two of them while it grows
-    std::vector<std::uint32_t> m_slots; ///< open hash table of indices of blocks
+    IndexTable m_table;         ///< of the blocks
 };
 
 } // namespace lornix

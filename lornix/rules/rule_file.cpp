@@ -70,13 +70,22 @@ const RuleBook* RuleFile::read(Patience& patience)
     return judge(m_file, remembered->stamp, book) ? &book : nullptr;
 }
 
-const RuleBook* RuleFile::replace(RuleBook book, Patience& patience)
+RuleBook RuleFile::take()
 {
-    if (!replaceKept(m_file, remembered->book.condition, book.text(), patience)) {
-        return nullptr;
+    RuleBook book = std::move(remembered->book);
+    remembered.reset();
+    return book;
+}
+
+bool RuleFile::replace(RuleBook book, Patience& patience)
+{
+    FileStamp stamp;
+    if (!replaceKept(m_file, book.condition, book.text(), patience, &stamp)) {
+        return false;
     }
-    remembered = Remembered{m_file.path, {}, false, std::move(book)};
-    return &remembered->book;
+    static_cast<Finding&>(book) = {};
+    remembered = Remembered{m_file.path, std::move(stamp), true, std::move(book)};
+    return true;
 }
 
 } // namespace lornix

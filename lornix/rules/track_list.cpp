@@ -2,8 +2,8 @@
 #include "lornix/disk/kept_file.h"
 #include "lornix/last_error.h"
 #include "lornix/rules/rule_book.h"
+#include "lornix/rules/rule_lines.h"
 #include "lornix/sid.h"
-#include "lornix/text/escaped_text.h"
 #include "lornix/text/folder_key.h"
 #include "lornix/text/wide_text.h"
 #include "store/lornix.h"
@@ -42,7 +42,7 @@ bool track(const QuotaRule& rule)
     }
     KeptFile file{data, data.path(L"tracked-rules.txt"), L"The file with the tracked rules"};
     Patience patience;
-    const auto book =
+    auto book =
         readKept<TrackedBook>(file, patience, [](std::string_view text) { return TrackedBook(text); });
     if (!book) {
         return false;
@@ -50,6 +50,7 @@ bool track(const QuotaRule& rule)
     // A later rule for the same account and folder takes the place of the former.
     const std::u16string folder = fromWide(rule.path);
     const std::u16string key = folderKey(folder);
+    const RuleBook::Entry before = book->entryOf(key);
     std::vector<StoredRule> rules = book->rulesOf(key);
     StoredRule mine{rule.hardLimit, rule.softLimit, rule.inUse, Sid(sidBytes(rule.sid)), folder};
     const auto same = std::ranges::find_if(rules, [&](const StoredRule& each) {
@@ -60,16 +61,14 @@ bool track(const QuotaRule& rule)
     } else {
         *same = std::move(mine);
     }
-    const RuleBook::Change change{key, folder, false};
-    const std::size_t room = rules.size() * (kUsualLine + folder.size());
-    const RuleBook next = book->with({&change, 1}, room, [&](std::size_t, RuleLines& lines) {
-        for (const StoredRule& each : rules) {
-            std::string escaped;
-            appendEscaped(escaped, each.folder);
-            lines.append(each.hardLimit, each.softLimit, each.inUse, each.sid.bytes(), escaped);
-        }
-    });
-    return replaceKept(file, book->condition, next.text(), patience);
+    RuleLines lines;
+    for (const StoredRule& each : rules) {
+        lines.startFolder(each.folder);
+        lines.append(each.hardLimit, each.softLimit, each.inUse, each.sid.bytes());
+    }
+    const RuleBook::Change change{before, folder, false, lines.text()};
+    book->change({&change, 1});
+    return replaceKept(file, book->condition, book->text(), patience);
 }
 
 } // namespace

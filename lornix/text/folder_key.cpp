@@ -17,19 +17,18 @@ char16_t folded(char16_t unit)
 
 std::u16string folderKey(std::u16string_view folder)
 {
-    std::u16string key;
-    assignFolderKey(key, folder);
+    std::u16string key(folder);
+    turnIntoFolderKey(key);
     return key;
 }
 
-void assignFolderKey(std::u16string& key, std::u16string_view folder)
+void turnIntoFolderKey(std::u16string& folder)
 {
-    key = folder;
-    for (char16_t& unit : key) {
+    for (char16_t& unit : folder) {
         unit = folded(unit);
     }
-    while (key.size() > 1 && key.back() == u'\\') {
-        key.pop_back();
+    while (folder.size() > 1 && folder.back() == u'\\') {
+        folder.pop_back();
     }
 }
 

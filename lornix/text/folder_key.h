@@ -11,8 +11,8 @@ namespace lornix {
 /// machine means the same on another.
 std::u16string folderKey(std::u16string_view folder);
 
-/// The same, into a text that is used again and again.
-void assignFolderKey(std::u16string& key, std::u16string_view folder);
+/// The same in place.
+void turnIntoFolderKey(std::u16string& folder);
 
 /// Whether a spelling of plain characters, each of a byte, has a key: without making it, for thousands of folders.
 bool hasFolderKey(std::string_view plain, std::u16string_view key);

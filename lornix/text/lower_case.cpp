@@ -52,11 +52,8 @@ constexpr Capitals kCapitals[] = {
 
 } // namespace
 
-char16_t lowerCase(char16_t unit)
+char16_t lowerCaseBeyondAscii(char16_t unit)
 {
-    if (unit < 0x80) {
-        return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-    }
     const auto* run =
         std::lower_bound(std::begin(kCapitals), std::end(kCapitals), unit,
                          [](const Capitals& each, char16_t value) { return each.last < value; });

@@ -12,22 +12,21 @@ constexpr std::size_t kMaxSubAuthorities = 15;
 constexpr std::uint64_t kMaxAuthority = 0xFFFFFFFFFFFFu;
 
 template <class Number>
-void appendNumber(std::string& line, Number number, int base = 10)
+char* putNumber(char* to, Number number, int base = 10)
 {
-    char digits[24];
-    const auto end = std::to_chars(std::begin(digits), std::end(digits), number, base).ptr;
-    line.append(digits, end);
+    return std::to_chars(to, to + 24, number, base).ptr;
 }
 
-void appendSubAuthorities(std::string& line, std::span<const std::uint8_t> rest)
+char* putSubAuthorities(char* to, std::span<const std::uint8_t> rest)
 {
     for (; rest.size() >= kNumberSize; rest = rest.subspan(kNumberSize)) {
         const std::uint32_t number =
             static_cast<std::uint32_t>(rest[0]) | static_cast<std::uint32_t>(rest[1]) << 8 |
             static_cast<std::uint32_t>(rest[2]) << 16 | static_cast<std::uint32_t>(rest[3]) << 24;
-        line += '-';
-        appendNumber(line, number);
+        *to++ = '-';
+        to = putNumber(to, number);
     }
+    return to;
 }
 
 /// Takes a number from the front, and the dash behind it if there is one; a number must follow a dash.
@@ -68,19 +67,17 @@ void appendSidText(std::string& line, std::span<const std::uint8_t> sid)
     for (const std::uint8_t byte : sid.subspan(2, 6)) {
         authority = authority << 8 | byte;
     }
-    line += "S-";
-    appendNumber(line, static_cast<unsigned>(sid[0]));
-    if (authority > 0xFFFFFFFFu) {
-        line += "-0x";
-        appendNumber(line, authority, 16);
-    } else {
-        line += '-';
-        appendNumber(line, authority);
+    const bool isLong = authority > 0xFFFFFFFFu;
+    char text[kMaxSidText] = "S-";
+    char* to = putNumber(text + 2, static_cast<unsigned>(sid[0]));
+    for (const char unit : std::string_view(isLong ? "-0x" : "-")) {
+        *to++ = unit;
     }
-    appendSubAuthorities(line, sid.subspan(kHeadSize));
+    to = putSubAuthorities(putNumber(to, authority, isLong ? 16 : 10), sid.subspan(kHeadSize));
+    line.append(text, static_cast<std::size_t>(to - text));
 }
 
-void SidSpeller::append(std::string& line, std::span<const std::uint8_t> sid)
+char* SidSpeller::put(char* to, std::span<const std::uint8_t> sid)
 {
     const auto start = sid.first(std::max(kHeadSize, sid.size() - kNumberSize));
     if (!std::ranges::equal(start, m_start)) {
@@ -88,8 +85,7 @@ void SidSpeller::append(std::string& line, std::span<const std::uint8_t> sid)
         m_text.clear();
         appendSidText(m_text, start);
     }
-    line += m_text;
-    appendSubAuthorities(line, sid.subspan(start.size()));
+    return putSubAuthorities(std::ranges::copy(m_text, to).out, sid.subspan(start.size()));
 }
 
 std::optional<Sid> parseSid(std::string_view text)

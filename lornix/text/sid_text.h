@@ -16,6 +16,9 @@ namespace lornix {
 /// The platform's limit: 8 bytes and 15 numbers of 4.
 inline constexpr std::size_t kMaxSidSize = 68;
 
+/// More than the text of any takes.
+inline constexpr std::size_t kMaxSidText = 200;
+
 /// A binary security identifier by value. Empty: no account.
 class Sid {
 public:
@@ -39,8 +42,9 @@ void appendSidText(std::string& line, std::span<const std::uint8_t> sid);
 /// put together anew.
 class SidSpeller {
 public:
-    /// As appendSidText does.
-    void append(std::string& line, std::span<const std::uint8_t> sid);
+    /// Writes the text of a valid identifier, at most kMaxSidText long.
+    /// @return its end.
+    char* put(char* to, std::span<const std::uint8_t> sid);
 
 private:
     std::vector<std::uint8_t> m_start; // of the identifier before, up to its last number

@@ -1,6 +1,8 @@
 // What others store meanwhile, and what could not be read, is not replaced by whoever has not seen it.
 #include "held_files.h"
 
+#include "tests/support/import_patch.h"
+
 #include <algorithm>
 
 namespace {
@@ -145,6 +147,56 @@ TEST_F(OtherWriterTest, EveryFolderInConflictIsTold)
     EXPECT_FALSE(reported(L"\"D:\\C\""));
     EXPECT_EQ(bytesOf(rulesFile()), theirs);
     store({L"D:\\C"}, {{L"D:\\C", 9}}); // nobody touched that one
+}
+
+FILETIME written{}; // when the store wrote last, by the clock of the disk
+
+BOOL WINAPI timedWrite(HANDLE file, const void* bytes, DWORD size, DWORD* done, OVERLAPPED* overlapped)
+{
+    const BOOL isDone = WriteFile(file, bytes, size, done, overlapped);
+    GetFileTime(file, nullptr, nullptr, &written);
+    return isDone;
+}
+
+TEST_F(OtherWriterTest, AChangeOfOneByteIsSeenWhileTheClockOfTheDiskStandsStill)
+{
+    const ImportPatch writing(storeModule(), "WriteFile", &timedWrite);
+    ASSERT_EQ(writing.count(), 1);
+    std::vector<Rule> rules = rulesForMany(kFolder, 7, 10);
+    store({kFolder}, rules);
+    const std::size_t limit = bytesOf(rulesFile()).find("\r\n7") + 2;
+    const HANDLE file =
+        CreateFileW(rulesFile().c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    DWORD done = 0;
+    SetFilePointer(file, static_cast<LONG>(limit), nullptr, FILE_BEGIN);
+    EXPECT_TRUE(WriteFile(file, "8", 1, &done, nullptr) && SetFileTime(file, nullptr, nullptr, &written));
+    CloseHandle(file);
+    rules.front().hardLimit = 8;
+    EXPECT_EQ(stored(kFolder), rules);
+    EXPECT_TRUE(reported(L"the checksum is another"));
+}
+
+std::size_t bytesRead = 0;
+
+BOOL WINAPI countedRead(HANDLE file, void* bytes, DWORD size, DWORD* read, OVERLAPPED* overlapped)
+{
+    bytesRead += size;
+    return ReadFile(file, bytes, size, read, overlapped);
+}
+
+TEST_F(OtherWriterTest, WhatWasStoredHereIsNotReadAgainUnlessItChanged)
+{
+    store({kFolder}, rulesForMany(kFolder, 7, 1000));
+    const ImportPatch reading(storeModule(), "ReadFile", &countedRead);
+    ASSERT_EQ(reading.count(), 1);
+    bytesRead = 0;
+    EXPECT_EQ(stored(kFolder).size(), 1000u);
+    store({kFolder}, rulesForMany(kFolder, 8, 1000));
+    EXPECT_LT(bytesRead, 1000u);
+    const std::string bytes = bytesOf(rulesFile());
+    writeBytes(rulesFile(), bytes); // by somebody else, as far as the store knows
+    EXPECT_EQ(stored(kFolder).size(), 1000u);
+    EXPECT_GE(bytesRead, bytes.size());
 }
 
 TEST_F(OtherWriterTest, WhoAsksForNothingReplacesWhatIsThere)

@@ -110,9 +110,9 @@ TEST(ReadingMemoryTest, RulesTakeLessThanEightTimesTheirFile)
     const Kind kinds[] = {
         {"rules as the store writes them, twenty to a folder",
          [](std::string& text, unsigned number) {
-             RuleLines(text).append(524288000, 419430400, 28540096,
-                                    parseSid("S-1-5-21-1004336348-1177238915-682003330-1105")->bytes(),
-                                    "D:\\Shares\\Department " + std::to_string(number / 20));
+             text += "524288000\t419430400\t28540096\tS-1-5-21-1004336348-1177238915-682003330-1105\t"
+                     "D:\\Shares\\Department " +
+                     std::to_string(number / 20) + "\r\n";
          }},
         {"one folder",
          [](std::string& text, unsigned) {

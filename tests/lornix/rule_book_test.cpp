@@ -1,9 +1,11 @@
 #include "lornix/rules/rule_book.h"
+#include "lornix/rules/rule_lines.h"
 #include "lornix/text/folder_key.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <random>
 #include <utility>
 
 namespace {
@@ -36,12 +38,23 @@ std::vector<StoredRule> rulesOf(const RuleBook& book, std::u16string_view folder
     return book.rulesOf(folderKey(folder));
 }
 
-/// A book with the rules of one folder replaced.
-RuleBook with(const RuleBook& book, std::u16string_view folder, const std::function<void(RuleLines&)>& write)
+/// A change of a folder's rules.
+RuleBook::Change changeOf(const RuleBook& book, std::u16string_view folder, bool isKnown,
+                          std::string_view rules)
 {
-    const std::u16string key = folderKey(folder);
-    const RuleBook::Change change{key, folder, true};
-    return book.with({&change, 1}, 0, [&](std::size_t, RuleLines& lines) { write(lines); });
+    return {book.entryOf(folderKey(folder)), folder, isKnown, rules};
+}
+
+/// A book with the rules of one folder.
+RuleBook bookOf(std::u16string_view folder, const std::function<void(RuleLines&)>& write)
+{
+    RuleLines lines;
+    lines.startFolder(folder);
+    write(lines);
+    RuleBook book;
+    const RuleBook::Change change = changeOf(book, folder, true, lines.text());
+    book.change({&change, 1});
+    return book;
 }
 
 std::vector<std::size_t> linesOf(const RuleBook& book)
@@ -73,9 +86,10 @@ TEST(RuleBookTest, AnEmptyOneIsAFileToo)
 
 TEST(RuleBookTest, WhatIsWrittenReadsBack)
 {
-    const RuleBook written = with(RuleBook(), u"D:\\A", [](RuleLines& lines) {
-        lines.append(5, 4, 3, parseSid("S-1-5-32-544")->bytes(), "D:\\A");
-        lines.append(INT64_MAX, INT64_MIN, -1, {}, "d:/a/");
+    const RuleBook written = bookOf(u"D:\\A", [](RuleLines& lines) {
+        lines.append(5, 4, 3, parseSid("S-1-5-32-544")->bytes());
+        lines.startFolder(u"d:/a/");
+        lines.append(INT64_MAX, INT64_MIN, -1, {});
     });
     const std::string& text = written.text();
     EXPECT_EQ(text, checked(kFirstLine + kComment +
@@ -166,9 +180,9 @@ TEST(RuleBookTest, ManyFlawsAreCountedAndNotKept)
 
 TEST(RuleBookTest, FileWithoutItsEndIsDamagedAtEveryLength)
 {
-    const RuleBook written = with(RuleBook(), u"D:\\A\\B", [](RuleLines& lines) {
+    const RuleBook written = bookOf(u"D:\\A\\B", [](RuleLines& lines) {
         for (int i = 0; i < 3; ++i) {
-            lines.append(5, 4, 3, {}, "D:\\A\\B");
+            lines.append(5, 4, 3, {});
         }
     });
     const std::string& whole = written.text();
@@ -183,8 +197,7 @@ TEST(RuleBookTest, FileWithoutItsEndIsDamagedAtEveryLength)
 
 TEST(RuleBookTest, AnyChangeOfOneByteIsNoticed)
 {
-    const RuleBook written =
-        with(RuleBook(), u"D:\\A", [](RuleLines& lines) { lines.append(500, 400, 300, {}, "D:\\A"); });
+    const RuleBook written = bookOf(u"D:\\A", [](RuleLines& lines) { lines.append(500, 400, 300, {}); });
     const std::string& whole = written.text();
     for (std::size_t i = 0; i < whole.rfind("end"); ++i) {
         for (int bit = 0; bit < 8; ++bit) {
@@ -229,26 +242,62 @@ TEST(RuleBookTest, ZeroBytesAreDamageAndNotTheEnd)
 
 TEST(RuleBookTest, OneFolderIsReplacedAndTheOthersStayAsTheyStand)
 {
-    const RuleBook book = readLines("folder D:\\B\nfolder D:\\A\n5  4 3 anyone D:\\A\n7 6 5 anyone D:\\B\n");
-    const RuleBook::Change changes[] = {{u"d:\\b", u"d:/b", true}, {u"d:\\c", u"D:\\C", true}};
-    const RuleBook next = book.with(changes, 0, [](std::size_t change, RuleLines& lines) {
-        change == 0 ? lines.append(8, 8, 8, {}, "d:/b") : lines.append(9, 8, 7, {}, "D:\\C");
-    });
-    EXPECT_EQ(next.text(), checked(kFirstLine + kComment +
+    RuleBook book = readLines("folder D:\\B\nfolder D:\\A\n5  4 3 anyone D:\\A\n7 6 5 anyone D:\\B\n");
+    const RuleBook::Change changes[] = {changeOf(book, u"d:/b", true, "8\t8\t8\tanyone\td:/b\r\n"),
+                                        changeOf(book, u"D:\\C", true, "9\t8\t7\tanyone\tD:\\C\r\n")};
+    book.change(changes);
+    EXPECT_EQ(book.text(), checked(kFirstLine + kComment +
                                    "folder D:\\B\n8\t8\t8\tanyone\td:/b\r\n"
                                    "folder D:\\A\n5  4 3 anyone D:\\A\n"
                                    "folder\tD:\\C\r\n9\t8\t7\tanyone\tD:\\C\r\n"));
-    const RuleBook::Change none{u"d:\\a", u"D:\\A", false};
-    const RuleBook fewer = next.with({&none, 1}, 0, [](std::size_t, RuleLines&) {});
-    EXPECT_EQ(fewer.knownFolders(), (std::vector<std::u16string>{u"D:\\B", u"D:\\C"}));
-    EXPECT_TRUE(rulesOf(fewer, u"D:\\A").empty());
-    EXPECT_EQ(rulesOf(fewer, u"D:\\C").size(), 1u);
+    const RuleBook::Change none = changeOf(book, u"D:\\A", false, {});
+    book.change({&none, 1});
+    EXPECT_EQ(book.knownFolders(), (std::vector<std::u16string>{u"D:\\B", u"D:\\C"}));
+    EXPECT_TRUE(rulesOf(book, u"D:\\A").empty());
+    EXPECT_EQ(rulesOf(book, u"D:\\C").size(), 1u);
+}
+
+/// The book stands in one text, in which everything is moved when something gets longer or shorter.
+TEST(RuleBookTest, FoldersGrowAndShrinkWithoutTouchingTheOthers)
+{
+    std::mt19937 random(1);
+    std::vector<std::string> expected(40); // the rules of each folder
+    RuleBook book;
+    for (int round = 0; round < 500; ++round) {
+        std::vector<std::size_t> chosen;
+        std::vector<std::u16string> names;
+        for (std::size_t folder = 0; folder < expected.size(); ++folder) {
+            if (random() % 4 == 0) {
+                const std::string name = std::to_string(folder);
+                chosen.push_back(folder);
+                names.emplace_back(name.begin(), name.end());
+                expected[folder].clear();
+                for (std::size_t rules = random() % 5; rules != 0; --rules) {
+                    const std::string limit = std::to_string(random() >> random() % 32);
+                    expected[folder] += limit + "1\t0\t0\tanyone\t" + name + "\r\n";
+                }
+            }
+        }
+        std::vector<RuleBook::Change> changes;
+        for (std::size_t i = 0; i < chosen.size(); ++i) {
+            const std::string& rules = expected[chosen[i]];
+            changes.push_back(changeOf(book, names[i], !rules.empty() && random() % 2 == 0, rules));
+        }
+        book.change(changes);
+        for (std::size_t folder = 0; folder < expected.size(); ++folder) {
+            const std::string name = std::to_string(folder);
+            ASSERT_EQ(book.entryOf(std::u16string(name.begin(), name.end())).lines, expected[folder])
+                << round;
+        }
+        ASSERT_EQ(read(book.text()).text(), book.text()) << round;
+    }
 }
 
 TEST(RuleBookTest, KnownFolders)
 {
     const std::vector<std::u16string> folders{u"D:\\A", u" end ", u"end", u"# D:\\B", u"\t"};
-    const RuleBook book = readLines("5 4 3 anyone D:\\C\n6 5 4 anyone d:/a\n").withKnown(folders);
+    RuleBook book = readLines("5 4 3 anyone D:\\C\n6 5 4 anyone d:/a\n");
+    book.changeKnown(folders);
     EXPECT_EQ(book.text(),
               checked(kFirstLine + kComment +
                       "folder\tD:\\A\r\n6 5 4 anyone d:/a\nfolder\t%u0020end%u0020\r\n"

@@ -43,13 +43,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 require(folderKey(rule.folder) == key, "a rule of another folder");
             }
             require(same(again.rulesOf(key), rules), "rules written and read again");
-            const RuleBook::Change change{key, folder, false};
-            const RuleBook without = book.with({&change, 1}, 0, [](std::size_t, RuleLines&) {});
+            RuleBook without = book;
+            const RuleBook::Change change{without.entryOf(key), folder, false, {}};
+            without.change({&change, 1});
             require(without.rulesOf(key).empty(), "rules that were taken out");
         }
-        const RuleBook forgotten = book.withKnown({});
-        require(forgotten.knownFolders().empty() && forgotten.withKnown(known).knownFolders() == known,
-                "known folders taken out and in again");
+        RuleBook forgotten = book;
+        forgotten.changeKnown({});
+        require(forgotten.knownFolders().empty(), "known folders taken out");
+        forgotten.changeKnown(known);
+        require(forgotten.knownFolders() == known, "known folders in again");
     }
     return 0;
 }

@@ -162,8 +162,8 @@ TEST_F(OtherWriterTest, AChangeOfOneByteIsSeenWhileTheClockOfTheDiskStandsStill)
 {
     const ImportPatch writing(storeModule(), "WriteFile", &timedWrite);
     ASSERT_EQ(writing.count(), 1);
-    std::vector<Rule> rules = rulesForMany(kFolder, 7, 10);
-    store({kFolder}, rules);
+    std::vector<Rule> rules = rulesForMany(kShared, 7, 10);
+    store({kShared}, rules);
     const std::size_t limit = bytesOf(rulesFile()).find("\r\n7") + 2;
     const HANDLE file =
         CreateFileW(rulesFile().c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -172,7 +172,7 @@ TEST_F(OtherWriterTest, AChangeOfOneByteIsSeenWhileTheClockOfTheDiskStandsStill)
     EXPECT_TRUE(WriteFile(file, "8", 1, &done, nullptr) && SetFileTime(file, nullptr, nullptr, &written));
     CloseHandle(file);
     rules.front().hardLimit = 8;
-    EXPECT_EQ(stored(kFolder), rules);
+    EXPECT_EQ(stored(kShared), rules);
     EXPECT_TRUE(reported(L"the checksum is another"));
 }
 
@@ -186,16 +186,16 @@ BOOL WINAPI countedRead(HANDLE file, void* bytes, DWORD size, DWORD* read, OVERL
 
 TEST_F(OtherWriterTest, WhatWasStoredHereIsNotReadAgainUnlessItChanged)
 {
-    store({kFolder}, rulesForMany(kFolder, 7, 1000));
+    store({kShared}, rulesForMany(kShared, 7, 1000));
     const ImportPatch reading(storeModule(), "ReadFile", &countedRead);
     ASSERT_EQ(reading.count(), 1);
     bytesRead = 0;
-    EXPECT_EQ(stored(kFolder).size(), 1000u);
-    store({kFolder}, rulesForMany(kFolder, 8, 1000));
+    EXPECT_EQ(stored(kShared).size(), 1000u);
+    store({kShared}, rulesForMany(kShared, 8, 1000));
     EXPECT_LT(bytesRead, 1000u);
     const std::string bytes = bytesOf(rulesFile());
     writeBytes(rulesFile(), bytes); // by somebody else, as far as the store knows
-    EXPECT_EQ(stored(kFolder).size(), 1000u);
+    EXPECT_EQ(stored(kShared).size(), 1000u);
     EXPECT_GE(bytesRead, bytes.size());
 }
 

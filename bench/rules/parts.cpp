@@ -6,6 +6,7 @@
 #include "bench_store.h"
 #include "measure.h"
 #include "side.h"
+#include "store/lornix.h"
 
 #include <cstdio>
 #include <cwchar>

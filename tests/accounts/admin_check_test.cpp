@@ -196,8 +196,7 @@ const std::vector<std::string> kWholeCheck = {"ImpersonateSelf",
                                               "AccessCheck",
                                               "RevertToSelf"};
 
-class AdminCheckTest : public testing::Test {
-protected:
+struct AdminCheckTest : testing::Test {
     AdminCheckTest()
     {
         failing.clear();

@@ -56,7 +56,7 @@ protected:
         return result;
     }
 
-    Fault m_kind = Fault::AccessViolation;
+    Fault m_kind = Fault::kAccessViolation;
 };
 
 class StepFault : public FaultTest, public testing::WithParamInterface<FaultCase> {};
@@ -66,7 +66,7 @@ TEST_P(StepFault, WritesItsLineAndGoesOn)
     for (const bool throws : {false, true}) {
         SCOPED_TRACE(throws ? "language exception" : "processor fault");
         choose(GetParam().source);
-        m_kind = throws ? Fault::CppException : Fault::AccessViolation;
+        m_kind = throws ? Fault::kCppException : Fault::kAccessViolation;
         const bool ended = fillWithFault(GetParam().function, GetParam().call);
         EXPECT_EQ(ended, GetParam().line != nullptr);
         if (GetParam().line != nullptr) {

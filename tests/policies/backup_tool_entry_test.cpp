@@ -19,8 +19,7 @@ using testing::IsEmpty;
 namespace {
 
 /// The exported entry dialog, with steps that work it.
-class BackupToolEntryTest : public testing::Test {
-protected:
+struct BackupToolEntryTest : testing::Test {
     intptr_t open(const wchar_t* name)
     {
         return script.run([name] { return editBackupToolListEntry(nullptr, name); });

@@ -117,7 +117,7 @@ TEST_F(BackupToolsTest, AFaultHalfwayShowsWhatWasReadBefore)
     for (const wchar_t* tool : {L"b.exe", L"a.exe", L"c.exe"}) {
         store.putTool(tool);
     }
-    store.raise("getBackupTools", Fault::AccessViolation, 3);
+    store.raise("getBackupTools", Fault::kAccessViolation, 3);
     visit
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("a.exe", "b.exe"));

@@ -9,8 +9,7 @@
 
 inline constexpr char kToolEntry[] = "Backup Processes";
 
-class BackupToolsTest : public testing::Test {
-protected:
+struct BackupToolsTest : testing::Test {
     PolicyStore store;
     EditorVisit visit{store};
 };

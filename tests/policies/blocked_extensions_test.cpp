@@ -17,8 +17,7 @@ namespace {
 
 constexpr char kMaskEntry[] = "Blocked extension";
 
-class BlockedExtensionsTest : public testing::Test {
-protected:
+struct BlockedExtensionsTest : testing::Test {
     BlockedExtensionsTest()
     {
         // What the chooser asks for a typed name.
@@ -282,7 +281,7 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfARowKeepsTheRowsBefor
     store.putMask(L"*.a", nullptr);
     store.putMask(L"*.b", jane);
     store.putMask(L"*.c", nullptr);
-    store.raise("getAccountBySidW", Fault::AccessViolation);
+    store.raise("getAccountBySidW", Fault::kAccessViolation);
     visit
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
@@ -296,7 +295,7 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfARowKeepsTheRowsBefor
 
 TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfANewRowIsTheEditors)
 {
-    store.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: in the entry dialog
+    store.raise("getAccountBySidW", Fault::kAccessViolation, 2); // 1: in the entry dialog
     visit.add();
     choose(L"jane");
     visit.enter(kMaskEntry, L"*.b")
@@ -311,7 +310,7 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfANewRowIsTheEditors)
 TEST_F(BlockedExtensionsTest, AFaultWhileTheEntryOpensIsItsOwn)
 {
     store.putMask(L"*.b", jane);
-    store.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: the row
+    store.raise("getAccountBySidW", Fault::kAccessViolation, 2); // 1: the row
     visit.edit(0)
         .entry(kMaskEntry,
                [this](HWND entry) {
@@ -327,7 +326,7 @@ TEST_F(BlockedExtensionsTest, AFaultWhileTheEntryOpensIsItsOwn)
 TEST_F(BlockedExtensionsTest, AFaultAfterChoosingKeepsTheChoice)
 {
     store.putMask(L"*.b", nullptr);
-    store.raise("getAccountBySidW", Fault::CppException);
+    store.raise("getAccountBySidW", Fault::kCppException);
     visit.edit(0);
     choose(L"jane");
     visit

@@ -22,8 +22,7 @@ namespace {
 
 constexpr int kManyEntries = 10000;
 
-class ListEditorTest : public testing::TestWithParam<EditorCase> {
-protected:
+struct ListEditorTest : testing::TestWithParam<EditorCase> {
     ListView list(HWND dialog) const { return {dialog, editor.listId}; }
 
     void put(const std::vector<const wchar_t*>& texts)

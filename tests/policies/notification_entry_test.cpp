@@ -21,8 +21,7 @@ constexpr int kRates[] = {IDC_NOTIFY_NO_LIMIT,         IDC_NOTIFY_PER_SECOND, ID
                           IDC_NOTIFY_PER_FIVE_MINUTES, IDC_NOTIFY_PER_HOUR,   IDC_NOTIFY_PER_DAY,
                           IDC_NOTIFY_PER_WEEK};
 
-class NotificationEntryTest : public testing::Test {
-protected:
+struct NotificationEntryTest : testing::Test {
     /// Opens the entry dialog on a notification with these attributes, acts in it and presses OK.
     void edit(const std::array<const wchar_t*, 6>& attributes, EditorVisit::OnEntry act)
     {

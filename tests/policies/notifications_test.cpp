@@ -13,8 +13,7 @@ using testing::IsEmpty;
 
 namespace {
 
-class NotificationsTest : public testing::Test {
-protected:
+struct NotificationsTest : testing::Test {
     PolicyStore store;
     EditorVisit visit{store, IDC_NOTIFICATIONS_LIST};
 };
@@ -271,7 +270,7 @@ TEST_F(NotificationsTest, AFaultWhileFillingKeepsTheRowsSoFar)
 {
     store.putNotification(L"one", {kNotSet, L"0", L"300", kNotSet, kNotSet, L"0"});
     store.putNotification(L"two", {kNotSet, L"0", L"300", kNotSet, kNotSet, L"0"});
-    store.raise("getNAttr", Fault::DivideByZero, 2);
+    store.raise("getNAttr", Fault::kDivideByZero, 2);
     visit
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("two|Anyone|5min||", "one|Anyone|5min|IUSR_VANTREL|0 "));

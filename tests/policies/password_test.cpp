@@ -122,8 +122,7 @@ bool corvaneHolds(std::wstring_view text)
 }
 
 /// Short ones stood in other memory than long ones.
-class PasswordTest : public testing::TestWithParam<size_t> {
-protected:
+struct PasswordTest : testing::TestWithParam<size_t> {
     /// Opens the notification that has the stored password, if any, types another one and ends the entry dialog.
     void visitEntry(bool stored, int button)
     {
@@ -174,7 +173,7 @@ TEST_P(PasswordTest, CancelLeavesTheStoresCopyAlone)
 
 TEST_P(PasswordTest, AFaultOfTheStoreLeavesNoCopyEither)
 {
-    store.raise("setNAttr", Fault::AccessViolation);
+    store.raise("setNAttr", Fault::kAccessViolation);
     visitEntry(true, IDOK);
     EXPECT_EQ(left(length, m_typed), 0);
     EXPECT_EQ(left(length, m_stored), 1);

@@ -40,9 +40,10 @@ private:
     void goOn();
     void takeRowsLater(UINT milliseconds);
     void takeRowsNow();
-    void takeRows(ULONGLONG until, int takes);
-    bool nextBatch(int& takes);
-    bool putIntoList(ULONGLONG until, int takes);
+    void stopTimer();
+    void takeRows(ULONGLONG until);
+    void nextBatch();
+    void putIntoList(ULONGLONG until);
     void takeRow(RowBatch::Entry& entry);
     bool isFirstInserted(const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
                          LPARAM data) const;

@@ -1,7 +1,8 @@
 // The account list beside the bare control, and beside a fill thread that sends each row by itself, in one process.
-//   accounts_bench [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times]
+//   accounts_bench [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times] [--memory]
 // Exit code 1 when the sides did not show the same.
 #include "measure.h"
+#include "parts.h"
 
 #include <cstdio>
 
@@ -21,6 +22,9 @@ int main(int count, char** arguments)
     int fewer = 0;
     std::optional<double> rowByRow;
     for (const int users : options.sizes) {
+        if (options.memory) {
+            printMemory(users);
+        }
         Measure measure(users, options);
         allSame = measure.run(fewer, rowByRow) && allSame;
         rowByRow = measure.rowByRow();

@@ -2,6 +2,7 @@
 
 #include "accounts/sid_ctrl.h"
 #include "bench/support/list_view.h"
+#include "parts.h"
 #include "row_by_row.h"
 
 #include <algorithm>
@@ -11,6 +12,12 @@ namespace {
 
 constexpr const char* kFirstRows = "first rows on screen, beside a whole fill";
 constexpr const char* kSort = "sort by account";
+
+const char* findingName(Source source)
+{
+    return source == Source::kStore ? "finding in the store alone, beside a whole fill"
+                                    : "finding in the directory alone, beside a whole fill";
+}
 
 const char* fillName(Source source)
 {
@@ -98,6 +105,10 @@ void Measure::corvaneRound()
     fill(window, list, Source::kDirectory);
     m_corvane[kSort].add(timed([&] { list.onColumnClick(0); }));
     same("Z to A", window);
+    for (const Source source : {Source::kStore, Source::kDirectory}) {
+        serveAccounts(m_users, source);
+        m_corvane[findingName(source)].add(timed([&] { findAccounts(source); }));
+    }
 }
 
 void Measure::bareFill(const ListWindow& window)
@@ -168,6 +179,10 @@ std::vector<Comparison> Measure::comparisons() const
         // Two threads do it.
         all.push_back({name, m_users, m_corvane.at(name), m_bare.at("fill"),
                        slow != m_rowByRow.end() ? std::optional(slow->second) : std::nullopt, Clock::kWall});
+    }
+    for (const Source source : {Source::kStore, Source::kDirectory}) {
+        all.push_back({findingName(source), m_users, m_corvane.at(findingName(source)), m_bare.at("fill"),
+                       std::nullopt, Clock::kWall});
     }
     all.push_back(
         {kFirstRows, m_users, m_corvane.at(kFirstRows), m_bare.at("fill"), std::nullopt, Clock::kWall});

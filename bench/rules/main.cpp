@@ -1,5 +1,5 @@
 // corvane's rule list beside the bare control and beside the straightforward way, in one process.
-//   rules_bench [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times]
+//   rules_bench [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times] [--memory]
 // Exit code 1 when the sides did not show the same.
 #include "bench/support/list_view.h"
 #include "bench/support/options.h"
@@ -7,6 +7,7 @@
 #include "bench_store.h"
 #include "measure.h"
 #include "panel_measures.h"
+#include "parts.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -112,9 +113,13 @@ int main(int count, char** arguments)
     HWND window = CreateWindowExW(0, L"Static", L"corvane bench", WS_POPUP | WS_VISIBLE, 0, 0, 800, 600,
                                   nullptr, nullptr, nullptr, nullptr);
 
+    if (options.memory) {
+        printMemory(window, options);
+    }
     Bench bench(window, options);
     std::vector<Comparison> comparisons = bench.run(true);
-    for (const auto& more : {bench.run(false), measurePanel(window, options)}) {
+    for (const auto& more : {bench.run(false), measureParts(window, options), measurePanel(window, options)})
+    {
         comparisons.insert(comparisons.end(), more.begin(), more.end());
     }
     printComparisons("rules", comparisons, options.times);

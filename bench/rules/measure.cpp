@@ -5,8 +5,6 @@
 
 #include <algorithm>
 
-namespace {
-
 void selectEverySecondRow(HWND list)
 {
     list_view::setRedraw(list, false);
@@ -16,8 +14,6 @@ void selectEverySecondRow(HWND list)
     }
     list_view::setRedraw(list, true);
 }
-
-} // namespace
 
 HWND createList(HWND window)
 {

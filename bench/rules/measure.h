@@ -11,12 +11,6 @@
 inline constexpr std::array kMeasures{"fill",         "re-fill, all duplicates", "sort by number",
                                       "sort by text", "getDataModified2",        "drop of every second row"};
 
-struct Workload {
-    int rules;
-    int folders;    ///< the rules are spread over them evenly
-    bool sameLimit; ///< all rules have one and the same limit
-};
-
 /// The folders of a workload; the list is valid as long as this object.
 class Folders {
 public:
@@ -40,6 +34,9 @@ using Tallies = std::array<Tally, kMeasures.size()>;
 
 /// An empty list, prepared for rules. @param window  its visible parent.
 HWND createList(HWND window);
+
+/// As before a drop.
+void selectEverySecondRow(HWND list);
 
 /// @param window  visible parent of the list.
 Life runLife(HWND window, Side& side, const PathList& folders);

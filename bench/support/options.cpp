@@ -40,7 +40,8 @@ bool readOption(std::string_view argument, int step, int largest, Options& optio
     }
     options.rowByRow = options.rowByRow && argument != "--no-row-by-row";
     options.times = options.times || argument == "--times";
-    return argument == "--no-row-by-row" || argument == "--times";
+    options.memory = options.memory || argument == "--memory";
+    return argument == "--no-row-by-row" || argument == "--times" || argument == "--memory";
 }
 
 } // namespace

@@ -4,6 +4,9 @@
 
 #include <windows.h>
 
+#include <string_view>
+#include <unordered_map>
+
 namespace host {
 
 RuleFacts factsOf(const QuotaRule& rule)
@@ -40,8 +43,14 @@ std::set<std::wstring> RuleChanges::folders() const
 
 RuleExcerpt::RuleExcerpt(const QuotaRule* chain, const std::set<std::wstring>& folders)
 {
+    // Many rules, few folders: each spelling of a folder is looked up once.
+    std::unordered_map<std::wstring_view, bool> wanted;
     for (const QuotaRule* rule = chain; rule != nullptr; rule = rule->next) {
-        if (folders.contains(folderKey(rule->path))) {
+        const auto [folder, isNew] = wanted.try_emplace(rule->path);
+        if (isNew) {
+            folder->second = folders.contains(folderKey(rule->path));
+        }
+        if (folder->second) {
             m_rules.push_back(*rule);
         }
     }

@@ -82,7 +82,7 @@ TEST_P(StepFault, WritesItsLineAndGoesOn)
     }
 }
 
-constexpr FaultCase kSteps[] = {
+constexpr FaultCase kFaults[] = {
     // From the directory. Calls of enumerateUsers and the like are counted over the whole fill.
     {"DirectoryUsers", Source::kDirectory, "ADsGetObject", 1, "DoList(Users) => sigsegv\n"},
     {"DirectoryUserSid", Source::kDirectory, "Get", 1, "DoList(Users) => sigsegv\n"},
@@ -151,7 +151,7 @@ constexpr FaultCase kSteps[] = {
     {"StoreRemoval", Source::kStore, "removeFirstInserted", 1, nullptr},
 };
 
-INSTANTIATE_TEST_SUITE_P(Steps, StepFault, testing::ValuesIn(kSteps),
+INSTANTIATE_TEST_SUITE_P(Steps, StepFault, testing::ValuesIn(kFaults),
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(FaultTest, OneFaultCostsOneStep)

@@ -28,7 +28,7 @@ struct BackupToolEntryTest : testing::Test {
     void enter(const wchar_t* text)
     {
         script.onDialog("enter", [text](HWND entry) {
-            EXPECT_EQ(windowText(entry), kEntry);
+            EXPECT_EQ(windowText(entry), kToolEntry);
             type(entry, IDC_ENTRY_TEXT, text);
             clickLater(entry, IDOK);
         });

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
-inline constexpr char kEntry[] = "Backup Processes";
+inline constexpr char kToolEntry[] = "Backup Processes";
 
 struct BackupToolsTest : testing::Test {
     PolicyStore store;
-    EditorVisit visit{store, editBackupTools, kEntry};
+    EditorVisit visit{store, editBackupTools, kToolEntry};
 };

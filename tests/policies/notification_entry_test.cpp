@@ -3,6 +3,7 @@
 #include "res/resource.h"
 #include "tests/policies/editor_visit.h"
 #include "tests/policies/file_dialogs.h"
+#include "tests/policies/notification_case.h"
 #include "tests/support/windows_radios.h"
 
 #include <gmock/gmock.h>
@@ -14,21 +15,18 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr char kEntry[] = "Notification script and options...";
 const std::vector<int> kForWhom = {IDC_NOTIFY_ANYONE, IDC_NOTIFY_ACCOUNT_ONLY, IDC_NOTIFY_USERS_OF_LIMIT,
                                    IDC_NOTIFY_USERS_NOT_OF_LIMIT}; // by the value that they stand for
 const std::vector<int> kRates = {IDC_NOTIFY_NO_LIMIT,         IDC_NOTIFY_PER_SECOND, IDC_NOTIFY_PER_MINUTE,
                                  IDC_NOTIFY_PER_FIVE_MINUTES, IDC_NOTIFY_PER_HOUR,   IDC_NOTIFY_PER_DAY,
                                  IDC_NOTIFY_PER_WEEK};
 
-constexpr const wchar_t* kNotSet = nullptr;
-
 struct NotificationEntryTest : testing::Test {
     /// Opens the entry dialog on a notification with these attributes, acts in it and presses OK.
     void edit(const std::array<const wchar_t*, 6>& attributes, EditorVisit::OnEntry act)
     {
         const uint32_t index = store.putNotification(L"script", attributes);
-        EditorVisit visit(store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST);
+        EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
             .entry([act](HWND entry) {
                 act(entry);
@@ -53,7 +51,7 @@ struct NotificationEntryTest : testing::Test {
 
 TEST_F(NotificationEntryTest, ANewOneIsForAnyoneOnceADay)
 {
-    EditorVisit visit(store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST);
+    EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
     visit.add()
         .entry([](HWND entry) {
             EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
@@ -220,7 +218,7 @@ TEST_F(NotificationEntryTest, PassingByWithTheTabKeyChoosesNothing)
     EXPECT_STREQ(attribute(2), L"5m");
     EXPECT_EQ(WindowsRadios::clicks(), 0);
 
-    EditorVisit visit(store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST);
+    EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
     visit.add()
         .entry([passBy](HWND entry) {
             passBy(entry);

@@ -2,6 +2,7 @@
 #include "corvane.h"
 #include "res/resource.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/policies/notification_case.h"
 #include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 
@@ -12,13 +13,9 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr char kEntry[] = "Notification script and options...";
-
-constexpr const wchar_t* kNotSet = nullptr;
-
 struct NotificationsTest : testing::Test {
     PolicyStore store;
-    EditorVisit visit{store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST};
+    EditorVisit visit{store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST};
 };
 
 std::vector<std::string> rendering(int index)

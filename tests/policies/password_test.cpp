@@ -2,6 +2,7 @@
 #include "corvane.h"
 #include "res/resource.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/policies/notification_case.h"
 #include "tests/support/import_patch.h"
 
 #include <gmock/gmock.h>
@@ -12,8 +13,6 @@
 #include <string>
 
 namespace {
-
-constexpr char kEntry[] = "Notification script and options...";
 
 /// A password that stands nowhere as such: it is put together when it is needed.
 std::wstring password(size_t length, wchar_t kind)
@@ -131,7 +130,7 @@ struct PasswordTest : testing::TestWithParam<size_t> {
         store.putNotification(L"script",
                               {nullptr, L"0", L"0", L"runner", stored ? old.c_str() : nullptr, L"0"});
         wipe(old);
-        EditorVisit visit(store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST);
+        EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
             .entry([&](HWND entry) {
                 std::wstring typed = password(length, m_typed);
@@ -183,7 +182,7 @@ TEST(PasswordOfNotificationTest, DoesNotStayInTheLibrarysBuffer)
     const wchar_t password[] = L"a very rare password";
     PolicyStore store;
     store.putNotification(L"script", {nullptr, L"0", L"0", L"runner", password, L"0"});
-    EditorVisit visit(store, editNotifications, kEntry, IDC_NOTIFICATIONS_LIST);
+    EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
     visit.edit(0).entry([](HWND entry) { clickLater(entry, IDOK); }).cancel();
     EXPECT_STREQ(store.attribute(0, 4), password);
     EXPECT_FALSE(corvaneHolds(password + 7)); // its beginning gives way to the next field's text anyhow

@@ -57,7 +57,7 @@ void* WINAPI allocate(HANDLE heap, DWORD flags, SIZE_T bytes)
     return block;
 }
 
-BOOL WINAPI freeBlock(HANDLE heap, DWORD flags, void* block)
+BOOL WINAPI releaseBlock(HANDLE heap, DWORD flags, void* block)
 {
     held->heapBlocks -= static_cast<int>(blocks.erase(block));
     const BOOL freed = kRealHeapFree(heap, flags, block);
@@ -105,7 +105,7 @@ HeldThings::HeldThings(HMODULE module)
     : m_load(module, "LoadLibraryW", &load)
     , m_free(module, "FreeLibrary", &release)
     , m_allocate(module, "HeapAlloc", &allocate)
-    , m_release(module, "HeapFree", &freeBlock)
+    , m_release(module, "HeapFree", &releaseBlock)
     , m_close(module, "CloseHandle", &closeHandle)
 {
     held = this;

@@ -39,12 +39,12 @@ LRESULT CALLBACK faultOnFirstRow(HWND window, UINT message, WPARAM wParam, LPARA
     return CallWindowProcW(before, window, message, wParam, lParam);
 }
 
-std::vector<std::string> boxes;
+std::vector<std::string> boxesOfSorting;
 
-int WINAPI noteBox(HWND owner, const char* text, const char* caption, UINT style)
+int WINAPI noteBoxOfSorting(HWND owner, const char* text, const char* caption, UINT style)
 {
-    boxes.push_back(std::string(caption) + ": " + text + ", " + std::to_string(style) + ", " +
-                    std::to_string(reinterpret_cast<UINT_PTR>(owner)));
+    boxesOfSorting.push_back(std::string(caption) + ": " + text + ", " + std::to_string(style) + ", " +
+                             std::to_string(reinterpret_cast<UINT_PTR>(owner)));
     return IDOK;
 }
 
@@ -86,15 +86,15 @@ TEST_F(SortFaultTest, ShowsABoxAndTakesTheRowsAsEqual)
 TEST_F(SortFaultTest, ShowsABoxForEachComparisonWithTheRow)
 {
     fault = Fault::kAccessViolation;
-    const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
+    const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBoxOfSorting);
     ASSERT_EQ(box.count(), 1);
     fill({L"alice", L"bob", L"cleo", L"dan", L"eve"});
-    boxes.clear();
+    boxesOfSorting.clear();
     sorted();
-    EXPECT_GE(boxes.size(), 1u);
-    EXPECT_LE(boxes.size(), 4u);
-    EXPECT_THAT(boxes, Each("Error: Sort failed unexpectedly, " + std::to_string(MB_OK) + ", " +
-                            std::to_string(reinterpret_cast<UINT_PTR>(host.header()))));
+    EXPECT_GE(boxesOfSorting.size(), 1u);
+    EXPECT_LE(boxesOfSorting.size(), 4u);
+    EXPECT_THAT(boxesOfSorting, Each("Error: Sort failed unexpectedly, " + std::to_string(MB_OK) + ", " +
+                                     std::to_string(reinterpret_cast<UINT_PTR>(host.header()))));
 }
 
 TEST_F(SortFaultTest, SortsWellAgainAfterwards)
@@ -102,7 +102,7 @@ TEST_F(SortFaultTest, SortsWellAgainAfterwards)
     fault = Fault::kAccessViolation;
     fill({L"alice", L"bob"});
     {
-        const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
+        const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBoxOfSorting);
         sorted();
     }
     sort(5);

@@ -7,7 +7,8 @@ if(MSVC)
   target_compile_definitions(corvane_warnings INTERFACE _CRT_SECURE_NO_WARNINGS)
   set(as_errors /WX)
 else()
-  target_compile_options(corvane_warnings INTERFACE -Wall -Wextra -Wshadow $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+  # Of files that are compiled as one, the names of one would shadow those of another.
+  target_compile_options(corvane_warnings INTERFACE -Wall -Wextra $<$<NOT:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>:-Wshadow> $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
     -Wconversion -Wsign-conversion -Wcast-qual -Wimplicit-fallthrough)
   if(WIN32 AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(corvane_warnings INTERFACE -fms-extensions)

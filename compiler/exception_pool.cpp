@@ -15,7 +15,7 @@ struct PoolRelease {
     PoolRelease& operator=(const PoolRelease&) = delete;
     ~PoolRelease() { __gnu_cxx::__freeres(); }
 };
-const PoolRelease atTheEnd;
+const PoolRelease kAtTheEnd;
 
 } // namespace
 #endif

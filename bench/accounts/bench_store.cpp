@@ -1,12 +1,8 @@
 // What the store answers.
 #include "bench/support/account_sid.h"
+#include "bench/support/sid_table.h"
 #include "bench_accounts.h"
-#include "corvane_types.h"
-#include "tests/support/store_table.h"
 
-#include <bit>
-#include <cstddef>
-#include <cstdlib>
 #include <cwchar>
 #include <vector>
 
@@ -15,50 +11,9 @@ namespace {
 int servedUsers = 0;
 std::vector<std::wstring> fullNames;
 
-// A list has room for the next power of two, so that a walk of many objects is not about copying lists.
-SidList* makeList(int count)
-{
-    const std::size_t room = std::bit_ceil(static_cast<unsigned>(count));
-    auto* list = static_cast<SidList*>(std::malloc(offsetof(SidList, sids) + room * sizeof(void*)));
-    list->count = count;
-    return list;
-}
-
 wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int)
 {
     return std::wcscpy(buffer, servedFullName(static_cast<int>(AccountSid::numberOf(sid))));
-}
-
-SidList* createEmptySidList()
-{
-    return makeList(0);
-}
-
-void freeSidList(SidList* list)
-{
-    for (int i = 0; list != nullptr && i < list->count; ++i) {
-        std::free(list->sids[i]);
-    }
-    std::free(list);
-}
-
-SidList* appendToSidList(SidList* list, void* sid)
-{
-    const auto count = static_cast<unsigned>(list->count);
-    if (std::has_single_bit(count)) {
-        list = static_cast<SidList*>(std::realloc(list, offsetof(SidList, sids) + count * 2 * sizeof(void*)));
-    }
-    list->sids[count] = sid;
-    ++list->count;
-    return list;
-}
-
-SidList* appendToSidList2(SidList* destination, SidList* source)
-{
-    for (int i = 0; source != nullptr && i < source->count; ++i) {
-        destination = appendToSidList(destination, AccountSid::copy(source->sids[i]));
-    }
-    return destination;
 }
 
 // The machine's own accounts are asked for last with either source, and are all that there is on the store's.
@@ -67,30 +22,19 @@ SidList* enumerateUsers(const wchar_t* server, SidList* list)
     if (server != nullptr) {
         return list;
     }
-    freeSidList(list);
-    list = makeList(servedUsers);
-    for (int i = 0; i < servedUsers; ++i) {
-        const AccountSid sid(static_cast<DWORD>(i));
-        list->sids[i] = AccountSid::copy(&sid);
-    }
-    return list;
+    releaseAccounts(list);
+    return listOfAccounts(0, servedUsers);
 }
 
 SidList* enumerateGroups(const wchar_t*, SidList* list)
 {
-    return list != nullptr ? list : createEmptySidList();
+    return list != nullptr ? list : listOfAccounts(0, 0);
 }
 
 StoreTable accountStore()
 {
-    StoreTable table = emptyTable();
-    table.sidDup = AccountSid::copy;
-    table.sidcmp = AccountSid::compare;
+    StoreTable table = sidTable();
     table.getAccountBySidW = getAccountBySidW;
-    table.createEmptySidList = createEmptySidList;
-    table.freeSidList = freeSidList;
-    table.appendToSidList = appendToSidList;
-    table.appendToSidList2 = appendToSidList2;
     table.enumerateUsers = enumerateUsers;
     table.enumerateGroups = enumerateGroups;
     return table;

@@ -8,6 +8,7 @@
 #include "lornix_host.h"
 #include "res/resource.h"
 #include "side.h"
+#include "store/lornix.h"
 
 #include <commctrl.h>
 

@@ -1,9 +1,8 @@
-// What a panel asks of the thin store beside what corvane does.
-#include "bench/rules/bench_store.h"
-
-#undef LORNIX_API
-#define LORNIX_API __declspec(dllexport)
+// What a panel asks of a store beside what corvane does.
+#define LORNIX_BUILDING
 #include "lornix_host.h"
+
+#include "bench/rules/bench_store.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -50,7 +49,7 @@ void lornixFreeFolders(PathList* folders)
 
 QuotaRule* lornixLoadRules(const wchar_t* folder)
 {
-    return getQuotaList(folder);
+    return benchStoreRules(folder);
 }
 
 // Each rule is read, as a store must.

@@ -3,6 +3,7 @@
 #include "frame/sort_key.h"
 #include "row_text.h"
 #include "side.h"
+#include "store/lornix.h"
 
 #include <array>
 #include <cwchar>

@@ -1,9 +1,7 @@
 #include "bench_store.h"
 
 #include "bench/support/account_sid.h"
-#include "store/owned.h"
-
-#include <windows.h>
+#include "bench/support/sid_table.h"
 
 #include <cwchar>
 #include <vector>
@@ -61,60 +59,44 @@ QuotaRule* makeRule(int index, const wchar_t* folder)
     return rule;
 }
 
+// Names are scattered over the alphabet, so that rows arrive in no order; no two accounts share one.
+wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int)
+{
+    const std::uint64_t name = accountOf(sid) * std::uint64_t{48271} % 1000003;
+    writeNumbered(buffer, L"EXAMPLE\\user", static_cast<std::uint32_t>(name), 7);
+    return buffer;
+}
+
+void getTextualSidW(const void* sid, wchar_t* buffer, int)
+{
+    writeNumbered(buffer, L"S-1-5-21-1-2-3-", kFirstAccount + accountOf(sid), 7);
+}
+
+StoreTable ruleStore()
+{
+    StoreTable table = sidTable();
+    table.getQuotaList = benchStoreRules;
+    table.getAccountBySidW = getAccountBySidW;
+    table.getTextualSidW = getTextualSidW;
+    table.enumerateGroupUsers = [](const wchar_t*, const wchar_t*, SidList* list) {
+        return servedMembers == 0 ? list : listOfAccounts(kFirstAccount, servedMembers);
+    };
+    return table;
+}
+
 } // namespace
 
 void benchStoreServe(int rules, int folders, bool sameLimit)
 {
+    static const StoreTable store = ruleStore();
+    installStore(&store);
     servedRules = rules;
     servedFolders = folders;
     servedSameLimit = sameLimit;
 }
 
-int benchStoreFolders()
-{
-    return servedFolders;
-}
-
-void benchStoreServeMembers(int members)
-{
-    servedMembers = members;
-}
-
-SidList* enumerateGroupUsers(const wchar_t*, const wchar_t*, SidList* list)
-{
-    if (servedMembers == 0) {
-        return list;
-    }
-    const auto count = static_cast<std::size_t>(servedMembers);
-    auto* members = static_cast<SidList*>(std::malloc(sizeof(SidList) + count * sizeof(void*)));
-    members->count = servedMembers;
-    for (int i = 0; i < servedMembers; ++i) {
-        const AccountSid sid(kFirstAccount + static_cast<DWORD>(i));
-        members->sids[i] = AccountSid::copy(&sid);
-    }
-    return members;
-}
-
-void freeSidList(SidList* list)
-{
-    for (int i = 0; list != nullptr && i < list->count; ++i) {
-        std::free(list->sids[i]);
-    }
-    std::free(list);
-}
-
-void benchStoreReleaseAll()
-{
-    for (QuotaRule* rule : given) {
-        std::free(rule->sid);
-        std::free(rule->path);
-        std::free(rule);
-    }
-    given.clear();
-}
-
 // Folders end in their number.
-QuotaRule* getQuotaList(const wchar_t* folder)
+QuotaRule* benchStoreRules(const wchar_t* folder)
 {
     const wchar_t* end = folder + std::wcslen(folder);
     int number = 0;
@@ -133,29 +115,22 @@ QuotaRule* getQuotaList(const wchar_t* folder)
     return first;
 }
 
-void* sidDup(const void* sid)
+int benchStoreFolders()
 {
-    return AccountSid::copy(sid);
+    return servedFolders;
 }
 
-int sidcmp(const void* a, const void* b)
+void benchStoreServeMembers(int members)
 {
-    return AccountSid::compare(a, b);
+    servedMembers = members;
 }
 
-// Names are scattered over the alphabet, so that rows arrive in no order; no two accounts share one.
-wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int)
+void benchStoreReleaseAll()
 {
-    const std::uint64_t name = accountOf(sid) * std::uint64_t{48271} % 1000003;
-    writeNumbered(buffer, L"EXAMPLE\\user", static_cast<std::uint32_t>(name), 7);
-    return buffer;
+    for (QuotaRule* rule : given) {
+        std::free(rule->sid);
+        std::free(rule->path);
+        std::free(rule);
+    }
+    given.clear();
 }
-
-void getTextualSidW(const void* sid, wchar_t* buffer, int)
-{
-    writeNumbered(buffer, L"S-1-5-21-1-2-3-", kFirstAccount + accountOf(sid), 7);
-}
-
-void debug(const QuotaRule*) {}
-
-void ODS(const char*, ...) {}

@@ -7,6 +7,7 @@
 #include "measure.h"
 #include "res/resource.h"
 #include "row_text.h"
+#include "store/lornix.h"
 
 #include <commctrl.h>
 
@@ -99,13 +100,13 @@ Comparison groupRule(HWND window, int members, int rounds)
 
 // ---- a parent that listens ----
 
-enum class Answer { corvane, bare };
+enum class Answer { kCorvane, kBare };
 
 /// What a panel does at every change of a row.
 LRESULT CALLBACK listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR answer)
 {
     if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lParam)->code == LVN_ITEMCHANGED) {
-        if (static_cast<Answer>(answer) == Answer::corvane) {
+        if (static_cast<Answer>(answer) == Answer::kCorvane) {
             checkForButtons(window, kListId, kButtons[0], kButtons[1], 0);
         } else {
             const BOOL any = SendDlgItemMessageW(window, kListId, LVM_GETSELECTEDCOUNT, 0, 0) > 0;
@@ -161,8 +162,8 @@ Comparison heardSelection(HWND window, int rows, int rounds)
     Tally corvane;
     Tally bare;
     for (int round = 0; round < rounds; ++round) {
-        corvane.add(HeardList(window, rows, Answer::corvane).selectAllThenOne());
-        bare.add(HeardList(window, rows, Answer::bare).selectAllThenOne());
+        corvane.add(HeardList(window, rows, Answer::kCorvane).selectAllThenOne());
+        bare.add(HeardList(window, rows, Answer::kBare).selectAllThenOne());
     }
     return {"select all, one click, parent listens", rows, corvane, bare};
 }

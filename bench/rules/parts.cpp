@@ -7,6 +7,7 @@
 #include "measure.h"
 #include "row_text.h"
 #include "side.h"
+#include "store/lornix.h"
 
 #include <climits>
 #include <cstdio>

@@ -1,8 +1,8 @@
 #include "bench/support/list_view.h"
-#include "bench_store.h"
 #include "frame/sort_key.h"
 #include "row_text.h"
 #include "side.h"
+#include "store/lornix.h"
 
 #include <cwchar>
 

@@ -1,8 +1,8 @@
 #include "row_text.h"
 
 #include "bench/support/list_view.h"
-#include "bench_store.h"
 #include "frame/size_text.h"
+#include "store/lornix.h"
 
 void RowText::writeNumbers(const QuotaRule& rule)
 {

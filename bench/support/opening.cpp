@@ -1,5 +1,7 @@
 #include "bench/support/opening.h"
 
+#include "tests/support/library_template.h"
+
 namespace {
 
 struct Opening {
@@ -59,8 +61,6 @@ void dialogReady()
 
 void openBareDialog(int templateId, const std::function<void(HWND dialog)>& start)
 {
-    HMODULE module = GetModuleHandleW(L"corvane");
-    const auto* loaded = static_cast<LPCDLGTEMPLATEW>(
-        LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(templateId), RT_DIALOG)));
-    DialogBoxIndirectParamW(nullptr, loaded, nullptr, bareProcedure, reinterpret_cast<LPARAM>(&start));
+    DialogBoxIndirectParamW(nullptr, libraryTemplate(templateId), nullptr, bareProcedure,
+                            reinterpret_cast<LPARAM>(&start));
 }

@@ -42,7 +42,7 @@ protected:
         int made = 0;
         store.faultFor = [&](const char*) {
             m_sink->windowGone = m_sink->windowGone || ++made == call;
-            return Fault::None;
+            return Fault::kNone;
         };
         EXPECT_TRUE(fill());
         store.faultFor = nullptr;
@@ -116,7 +116,7 @@ TEST_F(AbandonedFillTest, ClosesItsSessionsAfterAFaultOutsideOfItsSteps)
 {
     m_registry.set(L"Y");
     networkStatus = 0;
-    store.raise("ODS", Fault::AccessViolation, 2); // the number of users
+    store.raise("ODS", Fault::kAccessViolation, 2); // the number of users
     EXPECT_FALSE(fill());
     EXPECT_EQ(store.count("NetUseDel"), 2);
 }

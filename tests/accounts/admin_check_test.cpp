@@ -17,7 +17,7 @@ std::vector<std::string> calls;
 HANDLE threadToken;      // given out in place of the real one when set
 BOOL accessGranted = -1; // what AccessCheck writes; -1: asks the platform
 int blocks;
-int sids;
+int sidsHeld;
 struct {
     DWORD aclSize, mask, desired, privilegesSize, aceRevision, aclRevision;
     GENERIC_MAPPING mapping;
@@ -86,12 +86,12 @@ BOOL WINAPI allocateSid(PSID_IDENTIFIER_AUTHORITY authority, BYTE count, DWORD a
     if (fails("AllocateAndInitializeSid")) {
         return FALSE;
     }
-    ++sids;
+    ++sidsHeld;
     return realAllocateSid(authority, count, a, b, c, d, e, f, g, h, sid);
 }
 PVOID WINAPI freeSid(PSID sid)
 {
-    --sids;
+    --sidsHeld;
     return realFreeSid(sid);
 }
 HLOCAL WINAPI localAlloc(UINT flags, SIZE_T size)
@@ -196,8 +196,7 @@ const std::vector<std::string> kWholeCheck = {"ImpersonateSelf",
                                               "AccessCheck",
                                               "RevertToSelf"};
 
-class AdminCheckTest : public testing::Test {
-protected:
+struct AdminCheckTest : testing::Test {
     AdminCheckTest()
     {
         failing.clear();
@@ -205,7 +204,7 @@ protected:
         threadToken = nullptr;
         accessGranted = -1;
         blocks = 0;
-        sids = 0;
+        sidsHeld = 0;
         seen = {};
         realImpersonateSelf = m_imports.replace("ImpersonateSelf", impersonateSelf);
         realOpenThreadToken = m_imports.replace("OpenThreadToken", openThreadToken);
@@ -229,7 +228,7 @@ protected:
     static void expectNothingHeld()
     {
         EXPECT_EQ(blocks, 0);
-        EXPECT_EQ(sids, 0);
+        EXPECT_EQ(sidsHeld, 0);
     }
 
     RecordingStore store;

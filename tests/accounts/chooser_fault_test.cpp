@@ -29,14 +29,10 @@ protected:
     }
 };
 
-std::string nameOfFault(const testing::TestParamInfo<Fault>& info)
-{
-    return faultName(info.param);
-}
-
 } // namespace
 
-INSTANTIATE_TEST_SUITE_P(Each, ChooserFaultTest, testing::ValuesIn(kEveryFault), nameOfFault);
+INSTANTIATE_TEST_SUITE_P(Each, ChooserFaultTest, testing::ValuesIn(kEveryFault),
+                         testing::PrintToStringParamName());
 
 TEST_P(ChooserFaultTest, OpeningSurvivesTheDomainSid)
 {
@@ -159,14 +155,14 @@ TEST_P(ChooserFaultTest, AFillThatFaultsOutsideOfItsStepsEndsWithItsThreadsLine)
 }
 
 namespace {
-Fault enablingFault = Fault::None;
+Fault enablingFault = Fault::kNone;
 bool faultNext = false;
 
 BOOL WINAPI enableOrFault(HWND window, BOOL enabled)
 {
     if (enabled && faultNext && GetDlgCtrlID(window) == IDCANCEL) {
         faultNext = false;
-        if (enablingFault == Fault::CppException) {
+        if (enablingFault == Fault::kCppException) {
             throw std::runtime_error("raised by the test");
         }
         RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
@@ -206,11 +202,11 @@ public:
         : m_account(std::move(account))
         , m_way(way)
     {
-        s_present = this;
+        present = this;
         m_before = reinterpret_cast<WNDPROC>(
             SetWindowLongPtrW(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&procedure)));
     }
-    ~FailingList() { s_present = nullptr; }
+    ~FailingList() { present = nullptr; }
     FailingList(const FailingList&) = delete;
     FailingList& operator=(const FailingList&) = delete;
 
@@ -219,17 +215,16 @@ public:
 private:
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
-        if (message == LVM_INSERTITEMW && s_present->m_account == reinterpret_cast<LVITEMW*>(lParam)->pszText)
-        {
-            if (s_present->m_way == Way::kRefuses) {
+        if (message == LVM_INSERTITEMW && present->m_account == reinterpret_cast<LVITEMW*>(lParam)->pszText) {
+            if (present->m_way == Way::kRefuses) {
                 return -1;
             }
             RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
         }
-        return CallWindowProcW(s_present->m_before, window, message, wParam, lParam);
+        return CallWindowProcW(present->m_before, window, message, wParam, lParam);
     }
 
-    static inline FailingList* s_present = nullptr;
+    static inline FailingList* present = nullptr;
     std::wstring m_account;
     Way m_way;
     WNDPROC m_before;

@@ -83,8 +83,7 @@ private:
     std::atomic<int> m_waiting = 0;
 };
 
-class ChooserFixture : public testing::Test {
-protected:
+struct ChooserFixture : testing::Test {
     ChooserFixture();
     ~ChooserFixture() override;
 

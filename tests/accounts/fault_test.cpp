@@ -56,7 +56,7 @@ protected:
         return result;
     }
 
-    Fault m_kind = Fault::AccessViolation;
+    Fault m_kind = Fault::kAccessViolation;
 };
 
 class StepFault : public FaultTest, public testing::WithParamInterface<FaultCase> {};
@@ -66,7 +66,7 @@ TEST_P(StepFault, WritesItsLineAndGoesOn)
     for (const bool throws : {false, true}) {
         SCOPED_TRACE(throws ? "language exception" : "processor fault");
         choose(GetParam().source);
-        m_kind = throws ? Fault::CppException : Fault::AccessViolation;
+        m_kind = throws ? Fault::kCppException : Fault::kAccessViolation;
         const bool ended = fillWithFault(GetParam().function, GetParam().call);
         EXPECT_EQ(ended, GetParam().line != nullptr);
         if (GetParam().line != nullptr) {
@@ -80,7 +80,7 @@ TEST_P(StepFault, WritesItsLineAndGoesOn)
     }
 }
 
-constexpr FaultCase kSteps[] = {
+constexpr FaultCase kFaults[] = {
     // From the directory. Calls of enumerateUsers and the like are counted over the whole fill.
     {"DirectoryUsers", Source::kDirectory, "ADsGetObject", 1, "DoList(Users) => sigsegv\n"},
     {"DirectoryUserSid", Source::kDirectory, "Get", 1, "DoList(Users) => sigsegv\n"},
@@ -149,7 +149,7 @@ constexpr FaultCase kSteps[] = {
     {"StoreRemoval", Source::kStore, "removeFirstInserted", 1, nullptr},
 };
 
-INSTANTIATE_TEST_SUITE_P(Steps, StepFault, testing::ValuesIn(kSteps),
+INSTANTIATE_TEST_SUITE_P(Steps, StepFault, testing::ValuesIn(kFaults),
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(FaultTest, OneFaultCostsOneStep)

@@ -37,8 +37,7 @@ private:
 inline constexpr char kWait[] = "Please wait until data fetched...|||null";
 inline constexpr char kAnyone[] = "Anyone|Anyone|System|ONE";
 
-class FillTest : public testing::Test {
-protected:
+struct FillTest : testing::Test {
     static constexpr int kUser = 7;
     static constexpr int kGroup = 5;
 

@@ -16,8 +16,7 @@
 
 namespace {
 
-class LibraryUnloadTest : public testing::Test {
-protected:
+struct LibraryUnloadTest : testing::Test {
     LibraryUnloadTest()
     {
         store.answer.enumerateUsers = [this](const wchar_t*, SidList* list) {

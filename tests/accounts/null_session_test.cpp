@@ -29,7 +29,7 @@ std::optional<Added> added;
 std::optional<Deleted> deleted;
 NET_API_STATUS status;
 
-NET_API_STATUS WINAPI useAdd(LMSTR server, DWORD level, LPBYTE data, LPDWORD parameterError)
+NET_API_STATUS WINAPI addUse(LMSTR server, DWORD level, LPBYTE data, LPDWORD parameterError)
 {
     const auto& info = *reinterpret_cast<const USE_INFO_2*>(data);
     EXPECT_NE(info.ui2_password, nullptr);
@@ -43,7 +43,7 @@ NET_API_STATUS WINAPI useAdd(LMSTR server, DWORD level, LPBYTE data, LPDWORD par
     return status;
 }
 
-NET_API_STATUS WINAPI useDel(LMSTR server, LMSTR name, DWORD force)
+NET_API_STATUS WINAPI deleteUse(LMSTR server, LMSTR name, DWORD force)
 {
     deleted = {server == nullptr, name, force};
     return status;
@@ -56,8 +56,8 @@ protected:
         added.reset();
         deleted.reset();
         status = 0;
-        m_imports.replace("NetUseAdd", useAdd);
-        m_imports.replace("NetUseDel", useDel);
+        m_imports.replace("NetUseAdd", addUse);
+        m_imports.replace("NetUseDel", deleteUse);
         SetLastError(4711);
     }
 

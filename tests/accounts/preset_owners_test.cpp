@@ -12,8 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 
-class PresetOwnersTest : public testing::Test {
-protected:
+struct PresetOwnersTest : testing::Test {
     static SidList* longList(unsigned count)
     {
         std::vector<unsigned> numbers(count);

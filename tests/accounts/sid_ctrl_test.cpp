@@ -13,8 +13,7 @@ using testing::StartsWith;
 
 namespace {
 
-class SidCtrlTest : public testing::Test {
-protected:
+struct SidCtrlTest : testing::Test {
     SidCtrlTest()
     {
         parent =
@@ -120,7 +119,7 @@ TEST_F(SidCtrlTest, SelectingASidWithoutARowChangesNothing)
 TEST_F(SidCtrlTest, AFaultWhileSelectingASidIsLogged)
 {
     addRows();
-    store.raise("getAccountBySidW", Fault::AccessViolation);
+    store.raise("getAccountBySidW", Fault::kAccessViolation);
     EXPECT_EQ(list.selectSid(store.account("DOM\\adam")), 0);
     EXPECT_THAT(store.lines(), ElementsAre("No CU selected\n"));
 }

@@ -21,21 +21,21 @@ public:
     ComCalls()
     {
         open = 0;
-        EXPECT_EQ(enter.count(), 1);
-        EXPECT_EQ(leave.count(), 1);
+        EXPECT_EQ(m_enter.count(), 1);
+        EXPECT_EQ(m_leave.count(), 1);
     }
 
     static inline int open = 0; ///< apartments that were entered and not left
 
 private:
-    ImportPatch enter{ImportPatch::corvane(), "CoInitializeEx", +[](void* reserved, DWORD kind) -> HRESULT {
-                          ++open;
-                          return CoInitializeEx(reserved, kind);
-                      }};
-    ImportPatch leave{ImportPatch::corvane(), "CoUninitialize", +[]() -> void {
-                          --open;
-                          CoUninitialize();
-                      }};
+    ImportPatch m_enter{ImportPatch::corvane(), "CoInitializeEx", +[](void* reserved, DWORD kind) -> HRESULT {
+                            ++open;
+                            return CoInitializeEx(reserved, kind);
+                        }};
+    ImportPatch m_leave{ImportPatch::corvane(), "CoUninitialize", +[]() -> void {
+                            --open;
+                            CoUninitialize();
+                        }};
 };
 
 } // namespace

@@ -36,8 +36,8 @@ public:
         }
         used = 0;
         EXPECT_NE(start, nullptr);
-        EXPECT_GE(allocations.count(), 1);
-        EXPECT_GE(releases.count(), 1);
+        EXPECT_GE(m_allocations.count(), 1);
+        EXPECT_GE(m_releases.count(), 1);
     }
     ~HighBlocks()
     {
@@ -68,8 +68,8 @@ private:
         }
     }
 
-    ImportPatch allocations{ImportPatch::corvane(), "malloc", &allocate};
-    ImportPatch releases{ImportPatch::corvane(), "free", &release};
+    ImportPatch m_allocations{ImportPatch::corvane(), "malloc", &allocate};
+    ImportPatch m_releases{ImportPatch::corvane(), "free", &release};
 };
 
 } // namespace
@@ -219,7 +219,7 @@ TEST_F(ChooseFileTest, ADialogThatCannotOpenGivesNull)
 
 TEST_F(ChooseFileTest, StaysOpenAfterAFault)
 {
-    store.raise("ODS", Fault::AccessViolation);
+    store.raise("ODS", Fault::kAccessViolation);
     DialogScript script;
     script.onDialog("press OK", [](HWND dialog) { clickLater(dialog, IDOK); })
         .step("wait for the fault", [&](HWND) { return store.calls().size() == 1; })

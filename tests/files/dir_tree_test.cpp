@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 namespace {
 
-HMODULE self()
+HMODULE program()
 {
     return GetModuleHandleW(nullptr);
 }
@@ -158,10 +158,10 @@ TEST(FileSearchTest, AHandleAbove32IsASearchAndIsClosed)
     static UINT_PTR answer = 0;
     static std::vector<UINT_PTR> closed;
     const ImportPatch first(
-        self(), "FindFirstFileW",
+        program(), "FindFirstFileW",
         +[](const wchar_t*, WIN32_FIND_DATAW*) { return reinterpret_cast<HANDLE>(answer); });
     const ImportPatch close(
-        self(), "FindClose", +[](HANDLE search) -> BOOL {
+        program(), "FindClose", +[](HANDLE search) -> BOOL {
             closed.push_back(reinterpret_cast<UINT_PTR>(search));
             return TRUE;
         });
@@ -305,7 +305,7 @@ TEST_F(DirTreeTest, AFaultWhileListingLeavesTheTreeDrawing)
     ASSERT_TRUE(tree.display(nullptr, true));
     host.takeMessages();
     const ImportPatch icons(
-        self(), "SHGetFileInfoW", +[](const wchar_t*, DWORD, void*, UINT, UINT) -> DWORD_PTR { throw 1; });
+        program(), "SHGetFileInfoW", +[](const wchar_t*, DWORD, void*, UINT, UINT) -> DWORD_PTR { throw 1; });
     NMTREEVIEWW notification{};
     notification.itemNew.hItem = host.top(L"C:");
     notification.itemNew.state = TVIS_EXPANDED;

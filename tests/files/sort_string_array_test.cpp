@@ -92,8 +92,8 @@ std::vector<std::wstring> randomTexts(std::mt19937& random, size_t count, unsign
 }
 
 // A comparison that raises at a text, in either of its ways.
-enum class Raising { No, Throws, Faults };
-Raising raising = Raising::No;
+enum class Raising { kNo, kThrows, kFaults };
+Raising raising = Raising::kNo;
 int comparisons = 0;
 int* volatile nowhere = nullptr;
 
@@ -101,10 +101,10 @@ int compareRaising(const wchar_t* a, const wchar_t* b)
 {
     ++comparisons;
     for (const wchar_t* text : {a, b}) {
-        if (*text == L'!' && raising == Raising::Throws) {
+        if (*text == L'!' && raising == Raising::kThrows) {
             throw std::runtime_error("a damaged text");
         }
-        if (*text == L'!' && raising == Raising::Faults) {
+        if (*text == L'!' && raising == Raising::kFaults) {
             *nowhere = 1;
         }
     }
@@ -119,7 +119,7 @@ int compareRaising(const wchar_t* a, const wchar_t* b)
 
 int compareThrowing(const wchar_t* a, const wchar_t* b)
 {
-    const Raising before = std::exchange(raising, Raising::Throws);
+    const Raising before = std::exchange(raising, Raising::kThrows);
     try {
         const int result = compareRaising(a, b);
         raising = before;
@@ -201,14 +201,14 @@ TEST(SortStringArrayTest, SurvivesAComparisonThatRaises)
     const ImportPatch compare(GetModuleHandleW(nullptr), "_wcsicmp", &compareRaising);
     ASSERT_EQ(compare.count(), 1);
     const std::vector<std::string> texts{"c", "a", "!", "d", "b", "z"};
-    for (const Raising kind : {Raising::Throws, Raising::Faults}) {
+    for (const Raising kind : {Raising::kThrows, Raising::kFaults}) {
         RecordingStore store;
         raising = kind;
         EXPECT_THAT(sorted(texts), ElementsAre("a", "c", "!", "b", "d", "z"));
         // Two passes: the second one swaps nothing.
         EXPECT_THAT(store.lines(), ElementsAre("*** SIGSEGV ***: 1 of 4\n", "*** SIGSEGV ***: 2 of 4\n",
                                                "*** SIGSEGV ***: 1 of 4\n", "*** SIGSEGV ***: 2 of 4\n"));
-        raising = Raising::No;
+        raising = Raising::kNo;
     }
 }
 
@@ -225,9 +225,9 @@ TEST(SortStringArrayTest, RaisesLikeThePlainBubbleSort)
         std::vector<std::string> lines;
         const auto expected = bubbleSorted(texts, compareThrowing, &lines);
         RecordingStore store;
-        raising = Raising::Faults;
+        raising = Raising::kFaults;
         const auto result = sorted(texts);
-        raising = Raising::No;
+        raising = Raising::kNo;
         ASSERT_EQ(result, expected) << "round " << round;
         ASSERT_EQ(store.lines(), lines) << "round " << round;
     }
@@ -237,9 +237,9 @@ TEST(SortStringArrayTest, SurvivesADebugChannelThatFaults)
 {
     const ImportPatch compare(GetModuleHandleW(nullptr), "_wcsicmp", &compareRaising);
     RecordingStore store;
-    store.raise("ODS", Fault::AccessViolation);
-    raising = Raising::Faults;
+    store.raise("ODS", Fault::kAccessViolation);
+    raising = Raising::kFaults;
     EXPECT_THAT(sorted(std::vector<std::string>{"b", "!", "c", "a", "z"}),
                 ElementsAre("b", "!", "a", "c", "z"));
-    raising = Raising::No;
+    raising = Raising::kNo;
 }

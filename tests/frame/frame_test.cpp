@@ -14,8 +14,8 @@ using testing::ElementsAre;
 namespace {
 
 // One per process: tests run side by side.
-const std::wstring keyName = L"Software\\CorvaneTests\\Registry" + std::to_wstring(GetCurrentProcessId());
-const wchar_t* const kKey = keyName.c_str();
+const std::wstring kKeyName = L"Software\\CorvaneTests\\Registry" + std::to_wstring(GetCurrentProcessId());
+const wchar_t* const kKey = kKeyName.c_str();
 
 class RegistryTest : public testing::Test {
 protected:

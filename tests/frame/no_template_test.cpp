@@ -13,8 +13,7 @@ INT_PTR WINAPI readTemplate(HINSTANCE, LPCDLGTEMPLATEW dialogTemplate, HWND, DLG
     return static_cast<INT_PTR>(dialogTemplate->cdit) + 1;
 }
 
-class NoTemplateTest : public testing::Test {
-protected:
+struct NoTemplateTest : testing::Test {
     void SetUp() override { ASSERT_EQ(open.count(), 1); }
 
     RecordingStore store;

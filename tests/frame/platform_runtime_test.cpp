@@ -21,18 +21,18 @@ Function* ofRuntime(const char* name)
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(runtime, name)));
 }
 
-int (*const runtimeScan)(const wchar_t*, const wchar_t*,
-                         ...) = ofRuntime<int(const wchar_t*, const wchar_t*, ...)>("swscanf");
-int (*const runtimePrint)(wchar_t*, const wchar_t*,
-                          ...) = ofRuntime<int(wchar_t*, const wchar_t*, ...)>("swprintf");
-int (*const runtimePrintCut)(wchar_t*, size_t, const wchar_t*,
-                             ...) = ofRuntime<int(wchar_t*, size_t, const wchar_t*, ...)>("_snwprintf");
+int (*const kRuntimeScan)(const wchar_t*, const wchar_t*,
+                          ...) = ofRuntime<int(const wchar_t*, const wchar_t*, ...)>("swscanf");
+int (*const kRuntimePrint)(wchar_t*, const wchar_t*,
+                           ...) = ofRuntime<int(wchar_t*, const wchar_t*, ...)>("swprintf");
+int (*const kRuntimePrintCut)(wchar_t*, size_t, const wchar_t*,
+                              ...) = ofRuntime<int(wchar_t*, size_t, const wchar_t*, ...)>("_snwprintf");
 
 void expectSameScan(const std::wstring& text)
 {
     long long number = 0;
     wchar_t next = L'\0';
-    const int fields = runtimeScan(text.c_str(), L"%I64d%c", &number, &next);
+    const int fields = kRuntimeScan(text.c_str(), L"%I64d%c", &number, &next);
     const ScannedNumber scanned = scanNumber(text.c_str());
     ASSERT_EQ(scanned.found, fields >= 1) << testing::PrintToString(text);
     ASSERT_EQ(scanned.hasNext, fields == 2) << testing::PrintToString(text);
@@ -41,7 +41,7 @@ void expectSameScan(const std::wstring& text)
 
     long cell = -1;
     wchar_t unit = L'b';
-    runtimeScan(text.c_str(), L"%ld%c", &cell, &unit);
+    kRuntimeScan(text.c_str(), L"%ld%c", &cell, &unit);
     auto count = static_cast<unsigned long>(cell);
     switch (unit) {
     case L'G':
@@ -143,7 +143,7 @@ TEST(PlatformRuntime, SizeTexts)
             }
         }
         wchar_t expected[kSizeTextCapacity];
-        runtimePrint(expected, L"%I64d%c", static_cast<long long>(number), L" KMGT"[unit]);
+        kRuntimePrint(expected, L"%I64d%c", static_cast<long long>(number), L" KMGT"[unit]);
         wchar_t text[kSizeTextCapacity];
         formatSize(text, value);
         ASSERT_STREQ(text, expected) << value;
@@ -161,8 +161,8 @@ TEST(PlatformRuntime, PercentTexts)
             continue;
         }
         wchar_t expected[kPercentTextCapacity] = {};
-        runtimePrintCut(expected, kPercentTextCapacity - 1, L"%2.2d%%",
-                        static_cast<int>(hundredfold / hardLimit));
+        kRuntimePrintCut(expected, kPercentTextCapacity - 1, L"%2.2d%%",
+                         static_cast<int>(hundredfold / hardLimit));
         wchar_t text[kPercentTextCapacity];
         formatPercent(text, inUse, hardLimit);
         ASSERT_STREQ(text, expected) << inUse << " of " << hardLimit;

@@ -10,8 +10,7 @@ namespace {
 using Names = std::vector<std::wstring>;
 
 /// A folder list over a real box of many choices.
-class FolderListTest : public testing::Test {
-protected:
+struct FolderListTest : testing::Test {
     ~FolderListTest() override { DestroyWindow(box); }
 
     Names entries() const

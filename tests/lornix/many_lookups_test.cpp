@@ -13,7 +13,7 @@ namespace {
 
 using namespace store_test;
 
-constexpr const wchar_t* kServer = L"FAR";
+constexpr const wchar_t* kFarServer = L"FAR";
 constexpr NTSTATUS kSomeNotMapped = 0x107;
 constexpr NTSTATUS kNoneMapped = static_cast<NTSTATUS>(0xC0000073);
 constexpr NTSTATUS kRefused = static_cast<NTSTATUS>(0xC0000022);
@@ -149,7 +149,7 @@ BOOL WINAPI lookUpOneSid(const wchar_t*, PSID sid, wchar_t* name, DWORD*, wchar_
 BOOL WINAPI lookUpOneName(const wchar_t* server, const wchar_t* account, PSID sid, DWORD* sidSize, wchar_t*,
                           DWORD*, SID_NAME_USE* use)
 {
-    EXPECT_STREQ(server, kServer);
+    EXPECT_STREQ(server, kFarServer);
     ++platform.singleSids;
     *use = SidTypeUser;
     const int number = _wtoi(account + wcslen(L"user"));
@@ -169,7 +169,7 @@ NET_API_STATUS onePage(const std::vector<Value>& values, LPBYTE* buffer, DWORD* 
     return NERR_Success;
 }
 
-NET_API_STATUS WINAPI localMembers(const wchar_t*, const wchar_t*, DWORD, LPBYTE* buffer, DWORD, DWORD* count,
+NET_API_STATUS WINAPI membersBySid(const wchar_t*, const wchar_t*, DWORD, LPBYTE* buffer, DWORD, DWORD* count,
                                    DWORD*, DWORD_PTR*)
 {
     static std::vector<Block<void>> kept;
@@ -181,8 +181,8 @@ NET_API_STATUS WINAPI localMembers(const wchar_t*, const wchar_t*, DWORD, LPBYTE
     return onePage<LOCALGROUP_MEMBERS_INFO_0>(sids, buffer, count);
 }
 
-NET_API_STATUS WINAPI globalMembers(const wchar_t*, const wchar_t*, DWORD, LPBYTE* buffer, DWORD,
-                                    DWORD* count, DWORD*, DWORD_PTR*)
+NET_API_STATUS WINAPI membersByGroup(const wchar_t*, const wchar_t*, DWORD, LPBYTE* buffer, DWORD,
+                                     DWORD* count, DWORD*, DWORD_PTR*)
 {
     std::vector<wchar_t*> names;
     for (const std::wstring& name : platform.byName) {
@@ -204,7 +204,7 @@ protected:
         }
     }
 
-    static Sids members() { return Sids(enumerateGroupUsers(kServer, L"Staff", nullptr)); }
+    static Sids members() { return Sids(enumerateGroupUsers(kFarServer, L"Staff", nullptr)); }
 
     static Sids membersByNumber(int count)
     {
@@ -235,8 +235,8 @@ private:
         {m_store, "LsaOpenPolicy", &openPolicy},         {m_store, "LsaClose", &closePolicy},
         {m_store, "LsaFreeMemory", &freeAnswer},         {m_store, "LsaLookupSids", &lookUpSids},
         {m_store, "LsaLookupNames2", &lookUpNames},      {m_store, "LookupAccountSidW", &lookUpOneSid},
-        {m_store, "LookupAccountNameW", &lookUpOneName}, {m_store, "NetLocalGroupGetMembers", &localMembers},
-        {m_store, "NetGroupGetUsers", &globalMembers},   {m_store, "GetTickCount64", &laterTime}};
+        {m_store, "LookupAccountNameW", &lookUpOneName}, {m_store, "NetLocalGroupGetMembers", &membersBySid},
+        {m_store, "NetGroupGetUsers", &membersByGroup},  {m_store, "GetTickCount64", &laterTime}};
 };
 
 TEST_F(ManyLookupsTest, TheNamesOfAListAreAskedForTogether)

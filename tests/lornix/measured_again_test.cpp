@@ -229,13 +229,13 @@ std::size_t threadsSeen()
 
 constexpr std::size_t kLeastThreads = 4; // on one processor too: they mostly wait
 
-std::atomic<int> waits = 0;
+std::atomic<int> waitsForOthers = 0;
 
 /// The first files of each thread wait until the others are at work too, for ten seconds in all.
 BOOL WINAPI securityByOthers(const wchar_t* file, SECURITY_INFORMATION what, void* descriptor, DWORD size,
                              DWORD* needed)
 {
-    while (threadsSeen() < kLeastThreads && ++waits < 10000) {
+    while (threadsSeen() < kLeastThreads && ++waitsForOthers < 10000) {
         Sleep(1);
     }
     return securityByName(file, what, descriptor, size, needed);
@@ -245,7 +245,7 @@ TEST_F(ManyOwnersTest, AreReadBySeveralThreads)
 {
     const ImportPatch security(storeModule(), "GetFileSecurityW", &securityByOthers);
     threads.clear();
-    waits = 0;
+    waitsForOthers = 0;
     EXPECT_EQ(alices(), kManyFiles / 2);
     EXPECT_GE(threads.size(), kLeastThreads);
     EXPECT_STREQ(lornixLastError(), L"");

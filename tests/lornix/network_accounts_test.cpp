@@ -59,7 +59,7 @@ NET_API_STATUS WINAPI noLocalGroup(const wchar_t*, const wchar_t*, DWORD, LPBYTE
     return NERR_GroupNotFound;
 }
 
-NET_API_STATUS WINAPI globalMembers(const wchar_t*, const wchar_t*, DWORD level, LPBYTE* buffer, DWORD,
+NET_API_STATUS WINAPI membersByName(const wchar_t*, const wchar_t*, DWORD level, LPBYTE* buffer, DWORD,
                                     DWORD* count, DWORD* total, DWORD_PTR* resume)
 {
     EXPECT_EQ(level, 0u);
@@ -76,7 +76,7 @@ NET_API_STATUS WINAPI globalMembers(const wchar_t*, const wchar_t*, DWORD level,
 TEST_F(NetworkAccountsTest, MembersThatNobodyKnowsAreLeftOut)
 {
     const ImportPatch local(storeModule(), "NetLocalGroupGetMembers", &noLocalGroup);
-    const ImportPatch global(storeModule(), "NetGroupGetUsers", &globalMembers);
+    const ImportPatch global(storeModule(), "NetGroupGetUsers", &membersByName);
     const Sids members(enumerateGroupUsers(nullptr, L"Staff", nullptr));
     EXPECT_EQ(textsOf(members.get()), (std::vector<std::wstring>{L"S-1-5-18", L"S-1-1-0"}));
 }

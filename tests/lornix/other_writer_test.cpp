@@ -10,7 +10,7 @@ namespace {
 using namespace store_test;
 using Names = std::vector<std::wstring>;
 
-const std::wstring kFolder = L"D:\\Projects";
+const std::wstring kShared = L"D:\\Projects";
 
 class OtherWriterTest : public StoreTest {
 protected:
@@ -18,18 +18,18 @@ protected:
     static void failToRead()
     {
         const HeldFiles held;
-        EXPECT_EQ(getQuotaList(kFolder.c_str()), nullptr);
+        EXPECT_EQ(getQuotaList(kShared.c_str()), nullptr);
     }
 
     /// Refused, and nothing is changed.
     void expectRefused(const std::vector<Rule>& rules, const std::wstring& reason)
     {
         const std::string before = bytesOf(rulesFile());
-        EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf(rules).get()), 0);
-        EXPECT_TRUE(reported(L"\"" + kFolder + L"\" " + reason));
+        EXPECT_EQ(lornixStoreRules(foldersOf({kShared}).get(), chainOf(rules).get()), 0);
+        EXPECT_TRUE(reported(L"\"" + kShared + L"\" " + reason));
         EXPECT_TRUE(reported(L"Nothing was stored."));
         EXPECT_EQ(bytesOf(rulesFile()), before);
-        EXPECT_EQ(namesOf(Folders(lornixKnownFolders()).get()), Names{kFolder});
+        EXPECT_EQ(namesOf(Folders(lornixKnownFolders()).get()), Names{kShared});
     }
 
     static void appendAndStore(PathList* known, const wchar_t* folder)
@@ -41,10 +41,10 @@ protected:
     /// Shows a limit of 8 to this process, and then writes one of 7 behind its back.
     void seeOneRuleWhileAnotherComes()
     {
-        store({kFolder}, {{kFolder, 7}});
+        store({kShared}, {{kShared, 7}});
         const std::string theirs = bytesOf(rulesFile());
-        store({kFolder}, {{kFolder, 8}});
-        EXPECT_EQ(stored(kFolder).size(), 1u);
+        store({kShared}, {{kShared, 8}});
+        EXPECT_EQ(stored(kShared).size(), 1u);
         writeBytes(rulesFile(), theirs);
     }
 };
@@ -52,23 +52,23 @@ protected:
 TEST_F(OtherWriterTest, RulesThatChangedMeanwhileAreNotReplaced)
 {
     seeOneRuleWhileAnotherComes();
-    expectRefused({{kFolder, 9}}, L"were changed by somebody else");
+    expectRefused({{kShared, 9}}, L"were changed by somebody else");
     expectRefused({}, L"were changed by somebody else");
-    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 7}}));
-    store({kFolder}, {{kFolder, 9}});  // now that they were seen
-    store({kFolder}, {{kFolder, 10}}); // and what was stored is seen too
-    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 10}}));
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 7}}));
+    store({kShared}, {{kShared, 9}});  // now that they were seen
+    store({kShared}, {{kShared, 10}}); // and what was stored is seen too
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 10}}));
 }
 
 TEST_F(OtherWriterTest, RulesThatCameMeanwhileAreNotReplaced)
 {
-    store({kFolder}, {{kFolder, 7}});
+    store({kShared}, {{kShared, 7}});
     const std::string theirs = bytesOf(rulesFile());
     const auto file = rulesFile();
-    store({kFolder}, {});
-    EXPECT_TRUE(stored(kFolder).empty());
+    store({kShared}, {});
+    EXPECT_TRUE(stored(kShared).empty());
     writeBytes(file, theirs);
-    EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 0);
+    EXPECT_EQ(lornixStoreRules(foldersOf({kShared}).get(), chainOf({{kShared, 9}}).get()), 0);
     EXPECT_TRUE(reported(L"were changed by somebody else"));
     EXPECT_EQ(bytesOf(file), theirs);
 }
@@ -76,56 +76,56 @@ TEST_F(OtherWriterTest, RulesThatCameMeanwhileAreNotReplaced)
 TEST_F(OtherWriterTest, TheSameRulesAgainAreNoChange)
 {
     seeOneRuleWhileAnotherComes();
-    store({kFolder}, {{kFolder, 7}}); // what is there already
-    store({kFolder}, {{kFolder, 6}});
-    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 6}}));
+    store({kShared}, {{kShared, 7}}); // what is there already
+    store({kShared}, {{kShared, 6}});
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 6}}));
 }
 
 TEST_F(OtherWriterTest, RulesThatCouldNotBeReadAreNotReplaced)
 {
-    store({kFolder}, {{kFolder, 7}});
+    store({kShared}, {{kShared, 7}});
     failToRead();
     EXPECT_TRUE(reported(L"cannot be read"));
     expectRefused({}, L"could not be read and are not replaced unseen");
-    expectRefused({{kFolder, 9}}, L"could not be read and are not replaced unseen");
-    EXPECT_EQ(stored(kFolder).size(), 1u);
-    store({kFolder}, {});
-    EXPECT_TRUE(stored(kFolder).empty());
+    expectRefused({{kShared, 9}}, L"could not be read and are not replaced unseen");
+    EXPECT_EQ(stored(kShared).size(), 1u);
+    store({kShared}, {});
+    EXPECT_TRUE(stored(kShared).empty());
 }
 
 TEST_F(OtherWriterTest, OneFolderThatIsRefusedKeepsTheOthersAsTheyAre)
 {
     const std::wstring other = L"D:\\Other";
-    store({kFolder, other}, {{kFolder, 7}, {other, 1}});
+    store({kShared, other}, {{kShared, 7}, {other, 1}});
     const auto file = rulesFile();
     const std::string theirs = bytesOf(file);
-    store({kFolder}, {{kFolder, 8}});
-    EXPECT_EQ(stored(kFolder).size(), 1u);
+    store({kShared}, {{kShared, 8}});
+    EXPECT_EQ(stored(kShared).size(), 1u);
     writeBytes(file, theirs);
-    EXPECT_EQ(lornixStoreRules(foldersOf({other, kFolder}).get(), chainOf({{other, 2}, {kFolder, 9}}).get()),
+    EXPECT_EQ(lornixStoreRules(foldersOf({other, kShared}).get(), chainOf({{other, 2}, {kShared, 9}}).get()),
               0);
     EXPECT_EQ(stored(other), (std::vector<Rule>{{other, 1}}));
-    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 7}}));
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 7}}));
 }
 
 TEST_F(OtherWriterTest, WhatIsGoodInADamagedFileIsSeen)
 {
-    store({kFolder}, {{kFolder, 7}, {kFolder, 8, 1, 0, L"S-1-5-32-545"}});
+    store({kShared}, {{kShared, 7}, {kShared, 8, 1, 0, L"S-1-5-32-545"}});
     std::string text = bytesOf(rulesFile());
     writeBytes(rulesFile(), text.replace(text.find("8\t"), 1, "x"));
-    EXPECT_EQ(stored(kFolder).size(), 1u);
+    EXPECT_EQ(stored(kShared).size(), 1u);
     EXPECT_TRUE(reported(L"is damaged"));
-    EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 1);
-    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
+    EXPECT_EQ(lornixStoreRules(foldersOf({kShared}).get(), chainOf({{kShared, 9}}).get()), 1);
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 9}}));
 }
 
 TEST_F(OtherWriterTest, ForeignRulesAreSeenAsNone)
 {
-    store({kFolder}, {{kFolder, 7}});
+    store({kShared}, {{kShared, 7}});
     writeBytes(rulesFile(), "a shopping list");
-    EXPECT_TRUE(stored(kFolder).empty());
-    EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 1);
-    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
+    EXPECT_TRUE(stored(kShared).empty());
+    EXPECT_EQ(lornixStoreRules(foldersOf({kShared}).get(), chainOf({{kShared, 9}}).get()), 1);
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 9}}));
     EXPECT_EQ(bytesOf(setAside() / namesIn(setAside()).at(0)), "a shopping list");
 }
 
@@ -162,8 +162,8 @@ TEST_F(OtherWriterTest, AChangeOfOneByteIsSeenWhileTheClockOfTheDiskStandsStill)
 {
     const ImportPatch writing(storeModule(), "WriteFile", &timedWrite);
     ASSERT_EQ(writing.count(), 1);
-    std::vector<Rule> rules = rulesForMany(kFolder, 7, 10);
-    store({kFolder}, rules);
+    std::vector<Rule> rules = rulesForMany(kShared, 7, 10);
+    store({kShared}, rules);
     const std::size_t limit = bytesOf(rulesFile()).find("\r\n7") + 2;
     const HANDLE file =
         CreateFileW(rulesFile().c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -172,7 +172,7 @@ TEST_F(OtherWriterTest, AChangeOfOneByteIsSeenWhileTheClockOfTheDiskStandsStill)
     EXPECT_TRUE(WriteFile(file, "8", 1, &done, nullptr) && SetFileTime(file, nullptr, nullptr, &written));
     CloseHandle(file);
     rules.front().hardLimit = 8;
-    EXPECT_EQ(stored(kFolder), rules);
+    EXPECT_EQ(stored(kShared), rules);
     EXPECT_TRUE(reported(L"the checksum is another"));
 }
 
@@ -186,25 +186,25 @@ BOOL WINAPI countedRead(HANDLE file, void* bytes, DWORD size, DWORD* read, OVERL
 
 TEST_F(OtherWriterTest, WhatWasStoredHereIsNotReadAgainUnlessItChanged)
 {
-    store({kFolder}, rulesForMany(kFolder, 7, 1000));
+    store({kShared}, rulesForMany(kShared, 7, 1000));
     const ImportPatch reading(storeModule(), "ReadFile", &countedRead);
     ASSERT_EQ(reading.count(), 1);
     bytesRead = 0;
-    EXPECT_EQ(stored(kFolder).size(), 1000u);
-    store({kFolder}, rulesForMany(kFolder, 8, 1000));
+    EXPECT_EQ(stored(kShared).size(), 1000u);
+    store({kShared}, rulesForMany(kShared, 8, 1000));
     EXPECT_LT(bytesRead, 1000u);
     const std::string bytes = bytesOf(rulesFile());
     writeBytes(rulesFile(), bytes); // by somebody else, as far as the store knows
-    EXPECT_EQ(stored(kFolder).size(), 1000u);
+    EXPECT_EQ(stored(kShared).size(), 1000u);
     EXPECT_GE(bytesRead, bytes.size());
 }
 
 TEST_F(OtherWriterTest, WhoAsksForNothingReplacesWhatIsThere)
 {
-    store({kFolder}, {{kFolder, 7}});
+    store({kShared}, {{kShared, 7}});
     writeBytes(rulesFile(), "a shopping list");
-    EXPECT_EQ(lornixStoreRules(foldersOf({kFolder}).get(), chainOf({{kFolder, 9}}).get()), 1);
-    EXPECT_EQ(stored(kFolder), (std::vector<Rule>{{kFolder, 9}}));
+    EXPECT_EQ(lornixStoreRules(foldersOf({kShared}).get(), chainOf({{kShared, 9}}).get()), 1);
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 9}}));
 }
 
 TEST_F(OtherWriterTest, KnownFoldersThatCouldNotBeReadAreKept)
@@ -280,13 +280,13 @@ TEST_F(OtherWriterTest, FailuresAreKeptUntilTheyAreTaken)
 {
     lornixTakeErrors();
     EXPECT_STREQ(lornixTakeErrors(), L"");
-    store({kFolder}, {{kFolder, 7}});
+    store({kShared}, {{kShared, 7}});
     EXPECT_EQ(getQuotaList(L""), nullptr);
     const std::wstring first = lornixLastError();
     EXPECT_EQ(getQuotaList(L""), nullptr);
     failToRead();
     const std::wstring second = lornixLastError();
-    EXPECT_EQ(stored(kFolder).size(), 1u);
+    EXPECT_EQ(stored(kShared).size(), 1u);
     EXPECT_STREQ(lornixLastError(), L"");
     EXPECT_EQ(lornixTakeErrors(), first + L"\n" + second);
     EXPECT_STREQ(lornixTakeErrors(), L"");

@@ -48,8 +48,8 @@ TEST_F(OwnerTest, OwnFilesAreOwned)
 std::vector<std::wstring> asked;
 
 /// Files are owned by what their names start with, and "denied" is.
-BOOL WINAPI securityByName(const wchar_t* file, SECURITY_INFORMATION what, void* descriptor, DWORD size,
-                           DWORD* needed)
+BOOL WINAPI ownerByName(const wchar_t* file, SECURITY_INFORMATION what, void* descriptor, DWORD size,
+                        DWORD* needed)
 {
     EXPECT_EQ(what, static_cast<SECURITY_INFORMATION>(OWNER_SECURITY_INFORMATION));
     const std::wstring name = std::filesystem::path(file).filename().wstring();
@@ -93,7 +93,7 @@ TEST_F(OwnerTest, OnlyFilesOfTheListedAccountsCount)
     makeFile(in(L"n1"), 50000);
     makeFile(in(L"denied"), 600000);
     makeFile(in(L"a empty"), 0);
-    const ImportPatch security(storeModule(), "GetFileSecurityW", &securityByName);
+    const ImportPatch security(storeModule(), "GetFileSecurityW", &ownerByName);
     ASSERT_EQ(security.count(), 1);
     const std::wstring a = L"S-1-5-21-1-2-3-1001";
     const std::wstring b = L"S-1-5-21-1-2-3-1002";
@@ -129,7 +129,7 @@ TEST_F(OwnerTest, FilesThatVanishMeanwhileCountAs0)
 TEST_F(OwnerTest, ManyAccountsDoNotSlowTheWalk)
 {
     makeFile(in(L"a1"), 1);
-    const ImportPatch security(storeModule(), "GetFileSecurityW", &securityByName);
+    const ImportPatch security(storeModule(), "GetFileSecurityW", &ownerByName);
     std::vector<std::wstring> accounts;
     for (int i = 0; i < 3000; ++i) {
         accounts.push_back(L"S-1-5-21-1-2-3-" + std::to_wstring(i));
@@ -143,7 +143,7 @@ TEST_F(OwnerTest, ManyAccountsDoNotSlowTheWalk)
 TEST_F(OwnerTest, NobodyOwnsNothing)
 {
     makeFile(in(L"a1"), 1);
-    const ImportPatch security(storeModule(), "GetFileSecurityW", &securityByName);
+    const ImportPatch security(storeModule(), "GetFileSecurityW", &ownerByName);
     asked.clear();
     EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), nullptr), 0);
     EXPECT_EQ(getRealSizeByOwner(m_top.c_str(), Sids(createEmptySidList()).get()), 0);

@@ -176,8 +176,8 @@ BOOL WINAPI lookupAccountName(LPCWSTR name, LPCWSTR account, PSID sid, LPDWORD s
 /// So that names are looked up one by one, which is scripted above.
 NTSTATUS NTAPI refusePolicy(LSA_UNICODE_STRING*, LSA_OBJECT_ATTRIBUTES*, ACCESS_MASK, LSA_HANDLE*)
 {
-    constexpr NTSTATUS kRefused = static_cast<NTSTATUS>(0xC0000022);
-    return kRefused;
+    constexpr NTSTATUS kNoAccess = static_cast<NTSTATUS>(0xC0000022);
+    return kNoAccess;
 }
 
 class PlatformPagesTest : public StoreTest {

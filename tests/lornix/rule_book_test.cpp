@@ -12,7 +12,7 @@ namespace {
 
 using namespace lornix;
 
-const std::string kHead = "lornix rules 1\r\n";
+const std::string kFirstLine = "lornix rules 1\r\n";
 const std::string kComment = "# hard limit, soft limit, in use (bytes); account; folder\r\n";
 
 std::string checked(const std::string& lines)
@@ -30,7 +30,7 @@ RuleBook read(std::string_view text)
 /// What somebody wrote by hand.
 RuleBook readLines(const std::string& lines)
 {
-    return read(kHead + lines + "checksum -\nend\n");
+    return read(kFirstLine + lines + "checksum -\nend\n");
 }
 
 std::vector<StoredRule> rulesOf(const RuleBook& book, std::u16string_view folder)
@@ -79,7 +79,7 @@ void expectRule(const StoredRule& rule, std::int64_t hard, std::int64_t soft, st
 TEST(RuleBookTest, AnEmptyOneIsAFileToo)
 {
     const std::string text = RuleBook().text();
-    EXPECT_EQ(text, checked(kHead + kComment));
+    EXPECT_EQ(text, checked(kFirstLine + kComment));
     EXPECT_EQ(read(text).condition, Condition::kGood);
     EXPECT_TRUE(rulesOf(read(text), u"D:\\A").empty());
 }
@@ -92,7 +92,7 @@ TEST(RuleBookTest, WhatIsWrittenReadsBack)
         lines.append(INT64_MAX, INT64_MIN, -1, {});
     });
     const std::string& text = written.text();
-    EXPECT_EQ(text, checked(kHead + kComment +
+    EXPECT_EQ(text, checked(kFirstLine + kComment +
                             "folder\tD:\\A\r\n5\t4\t3\tS-1-5-32-544\tD:\\A\r\n"
                             "9223372036854775807\t-9223372036854775808\t-1\tanyone\td:/a/\r\n"));
     const RuleBook book = read(text);
@@ -227,7 +227,7 @@ TEST(RuleBookTest, NeitherBytesThatTradePlacesNorLengthsKeepTheChecksum)
 
 TEST(RuleBookTest, LinesBehindTheEndAreDamage)
 {
-    const RuleBook book = read(kHead + "checksum -\n5 4 3 anyone D:\\A\nend\n5 4 3 anyone D:\\A\nend\n");
+    const RuleBook book = read(kFirstLine + "checksum -\n5 4 3 anyone D:\\A\nend\n5 4 3 anyone D:\\A\nend\n");
     EXPECT_EQ(book.condition, Condition::kDamaged);
     EXPECT_TRUE(rulesOf(book, u"D:\\A").empty());
     EXPECT_EQ(linesOf(book), (std::vector<std::size_t>{3, 5, 6}));
@@ -235,7 +235,7 @@ TEST(RuleBookTest, LinesBehindTheEndAreDamage)
 
 TEST(RuleBookTest, ZeroBytesAreDamageAndNotTheEnd)
 {
-    const RuleBook book = read(kHead + "5 4 3 anyone D:\\A\n" + std::string(4096, '\0'));
+    const RuleBook book = read(kFirstLine + "5 4 3 anyone D:\\A\n" + std::string(4096, '\0'));
     EXPECT_EQ(book.condition, Condition::kDamaged);
     EXPECT_EQ(rulesOf(book, u"D:\\A").size(), 1u);
 }
@@ -246,7 +246,7 @@ TEST(RuleBookTest, OneFolderIsReplacedAndTheOthersStayAsTheyStand)
     const RuleBook::Change changes[] = {changeOf(book, u"d:/b", true, "8\t8\t8\tanyone\td:/b\r\n"),
                                         changeOf(book, u"D:\\C", true, "9\t8\t7\tanyone\tD:\\C\r\n")};
     book.change(changes);
-    EXPECT_EQ(book.text(), checked(kHead + kComment +
+    EXPECT_EQ(book.text(), checked(kFirstLine + kComment +
                                    "folder D:\\B\n8\t8\t8\tanyone\td:/b\r\n"
                                    "folder D:\\A\n5  4 3 anyone D:\\A\n"
                                    "folder\tD:\\C\r\n9\t8\t7\tanyone\tD:\\C\r\n"));
@@ -299,7 +299,7 @@ TEST(RuleBookTest, KnownFolders)
     RuleBook book = readLines("5 4 3 anyone D:\\C\n6 5 4 anyone d:/a\n");
     book.changeKnown(folders);
     EXPECT_EQ(book.text(),
-              checked(kHead + kComment +
+              checked(kFirstLine + kComment +
                       "folder\tD:\\A\r\n6 5 4 anyone d:/a\nfolder\t%u0020end%u0020\r\n"
                       "folder\tend\r\nfolder\t# D:\\B\r\nfolder\t%u0009\r\n5 4 3 anyone D:\\C\n"));
     EXPECT_EQ(read(book.text()).knownFolders(), folders);

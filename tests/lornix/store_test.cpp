@@ -43,22 +43,19 @@ std::wstring textOf(const void* sid)
 Chain chainOf(const std::vector<Rule>& rules)
 {
     Chain first;
-    QuotaRule* last = nullptr;
-    for (const Rule& rule : rules) {
+    for (auto rule = rules.rbegin(); rule != rules.rend(); ++rule) {
         auto* record = static_cast<QuotaRule*>(calloc(1, sizeof(QuotaRule)));
-        record->type = rule.sid.empty() ? QUOTA_RULE_FOR_ANYONE : QUOTA_RULE_FOR_ACCOUNT;
-        record->hardLimit = rule.hardLimit;
-        record->softLimit = rule.softLimit;
-        record->inUse = rule.inUse;
-        record->path = _wcsdup(rule.path.c_str());
-        record->sid = rule.sid.empty() ? nullptr : sidOf(rule.sid).release();
-        record->prev = last;
-        if (last == nullptr) {
-            first.reset(record);
-        } else {
-            last->next = record;
+        record->type = rule->sid.empty() ? QUOTA_RULE_FOR_ANYONE : QUOTA_RULE_FOR_ACCOUNT;
+        record->hardLimit = rule->hardLimit;
+        record->softLimit = rule->softLimit;
+        record->inUse = rule->inUse;
+        record->path = _wcsdup(rule->path.c_str());
+        record->sid = rule->sid.empty() ? nullptr : sidOf(rule->sid).release();
+        if (first) {
+            first->prev = record;
         }
-        last = record;
+        record->next = first.release();
+        first.reset(record);
     }
     return first;
 }

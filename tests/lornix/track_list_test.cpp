@@ -5,8 +5,8 @@ namespace {
 
 using namespace store_test;
 
-constexpr const wchar_t* kFolder = L"D:\\Projects";
-constexpr const wchar_t* kUsers = L"S-1-5-32-545";
+constexpr const wchar_t* kTracked = L"D:\\Projects";
+constexpr const wchar_t* kAccount = L"S-1-5-32-545";
 
 class TrackListTest : public StoreTest {
 protected:
@@ -24,7 +24,7 @@ protected:
 
 TEST_F(TrackListTest, RulesAreKeptInTheirOrder)
 {
-    track({kFolder, 5, 4, 3, kUsers});
+    track({kTracked, 5, 4, 3, kAccount});
     track({L"D:\\B\u00FCro", 6, -1, 0, L"S-1-5-32-544"});
     EXPECT_STREQ(lornixLastError(), L"");
     EXPECT_EQ(bytesOf(file()), linesOf("5\t4\t3\tS-1-5-32-545\tD:\\Projects\r\n"
@@ -33,30 +33,30 @@ TEST_F(TrackListTest, RulesAreKeptInTheirOrder)
 
 TEST_F(TrackListTest, ALaterRuleForTheSameGroupAndFolderTakesThePlace)
 {
-    track({kFolder, 5, 4, 3, kUsers});
-    track({kFolder, 6, 5, 4, L"S-1-5-32-544"});
-    track({L"d:/PROJECTS/", 7, 6, 5, kUsers});
+    track({kTracked, 5, 4, 3, kAccount});
+    track({kTracked, 6, 5, 4, L"S-1-5-32-544"});
+    track({L"d:/PROJECTS/", 7, 6, 5, kAccount});
     EXPECT_EQ(bytesOf(file()), linesOf("7\t6\t5\tS-1-5-32-545\td:/PROJECTS/\r\n"
                                        "6\t5\t4\tS-1-5-32-544\tD:\\Projects\r\n"));
 }
 
 TEST_F(TrackListTest, OnlyTheRuleItselfIsKeptOfAChain)
 {
-    addToTrackList(chainOf({{kFolder, 5, 4, 3, kUsers}, {kFolder, 6, 5, 4, L"S-1-5-32-544"}}).get());
+    addToTrackList(chainOf({{kTracked, 5, 4, 3, kAccount}, {kTracked, 6, 5, 4, L"S-1-5-32-544"}}).get());
     EXPECT_EQ(bytesOf(file()), linesOf("5\t4\t3\tS-1-5-32-545\tD:\\Projects\r\n"));
 }
 
 TEST_F(TrackListTest, RulesThatCannotBeKeptAreReported)
 {
-    track({kFolder, 5, 4, 3, kUsers});
+    track({kTracked, 5, 4, 3, kAccount});
     const std::string before = bytesOf(file());
     addToTrackList(nullptr);
     EXPECT_TRUE(reported(L"No rule was given"));
-    track({kFolder, 0, 0, 0, kUsers});
+    track({kTracked, 0, 0, 0, kAccount});
     EXPECT_TRUE(reported(L"no hard limit"));
-    track({kFolder, 5, 6, 0, kUsers});
+    track({kTracked, 5, 6, 0, kAccount});
     EXPECT_TRUE(reported(L"a soft limit above it"));
-    track({L"", 5, 4, 3, kUsers});
+    track({L"", 5, 4, 3, kAccount});
     EXPECT_TRUE(reported(L"no folder"));
     std::uint8_t invalid[16] = {9};
     QuotaRule rule{};

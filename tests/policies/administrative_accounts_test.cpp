@@ -13,8 +13,7 @@ namespace {
 
 constexpr char kChooser[] = "Choose subject";
 
-class AdministrativeAccountsTest : public testing::Test {
-protected:
+struct AdministrativeAccountsTest : testing::Test {
     AdministrativeAccountsTest()
     {
         store.answer.getSidByNameW = [this](const wchar_t* name) {

@@ -19,8 +19,7 @@ using testing::IsEmpty;
 namespace {
 
 /// The exported entry dialog, with steps that work it.
-class BackupToolEntryTest : public testing::Test {
-protected:
+struct BackupToolEntryTest : testing::Test {
     intptr_t open(const wchar_t* name)
     {
         return script.run([name] { return editBackupToolListEntry(nullptr, name); });
@@ -29,7 +28,7 @@ protected:
     void enter(const wchar_t* text)
     {
         script.onDialog("enter", [text](HWND entry) {
-            EXPECT_EQ(windowText(entry), kEntry);
+            EXPECT_EQ(windowText(entry), kToolEntry);
             type(entry, IDC_ENTRY_TEXT, text);
             clickLater(entry, IDOK);
         });
@@ -298,7 +297,7 @@ TEST_F(BackupToolsTest, HandsHeapBlocksToTheStoreWhereverTheHeapIs)
         return 5u;
     };
     visit.add()
-        .enter(kEntry, L"C:\\high\\up.exe")
+        .enter(kToolEntry, L"C:\\high\\up.exe")
         .list([](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("up.exe"));
             EXPECT_THAT(list.allData(), ElementsAre(5));

@@ -19,15 +19,15 @@ TEST_F(BackupToolsTest, AddsTheLastComponentAndStores)
 {
     store.putTool(L"nt.exe");
     visit.add()
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
-        .enter(kEntry, L"C:\\Tools\\bk.exe")
+        .entry(kToolEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
+        .enter(kToolEntry, L"C:\\Tools\\bk.exe")
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("addToBackupTools bk.exe"));
             EXPECT_THAT(list.rows(), ElementsAre("bk.exe", "nt.exe"));
             EXPECT_THAT(list.allData(), ElementsAre(1, 0));
         })
         .add()
-        .enter(kEntry, L"zz.exe") // a name without a backslash is kept whole, and finds its place
+        .enter(kToolEntry, L"zz.exe") // a name without a backslash is kept whole, and finds its place
         .list([](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("bk.exe", "nt.exe", "zz.exe"));
             EXPECT_THAT(list.allData(), ElementsAre(1, 0, 2));
@@ -48,8 +48,8 @@ TEST_F(BackupToolsTest, AnEditedRowMovesToItsPlaceWithItsIndex)
         store.putTool(tool);
     }
     visit.edit(0)
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "a.exe"); })
-        .enter(kEntry, L"x\\bb.exe")
+        .entry(kToolEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "a.exe"); })
+        .enter(kToolEntry, L"x\\bb.exe")
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("getBackupTools 0", "updateBackupTools 0 bb.exe"));
             EXPECT_THAT(list.rows(), ElementsAre("b.exe", "bb.exe", "c.exe"));
@@ -65,7 +65,7 @@ TEST_F(BackupToolsTest, AnEmptyNameIsAnEntry)
         .press(IDOK)
         .list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("")); })
         .add()
-        .enter(kEntry, L"C:\\Tools\\")
+        .enter(kToolEntry, L"C:\\Tools\\")
         .press(IDOK);
     visit.run(editBackupTools);
     EXPECT_THAT(store.tools.present(), ElementsAre(L"", L""));
@@ -74,9 +74,9 @@ TEST_F(BackupToolsTest, AnEmptyNameIsAnEntry)
 TEST_F(BackupToolsTest, DeletingARowLeavesTheOthersTheirIndexes)
 {
     visit.add()
-        .enter(kEntry, L"first.exe")
+        .enter(kToolEntry, L"first.exe")
         .add()
-        .enter(kEntry, L"second.exe")
+        .enter(kToolEntry, L"second.exe")
         .remove(0)
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("removeBackupTools 0"));
@@ -84,7 +84,7 @@ TEST_F(BackupToolsTest, DeletingARowLeavesTheOthersTheirIndexes)
             EXPECT_THAT(list.allData(), ElementsAre(1));
         })
         .edit(0)
-        .enter(kEntry, L"later.exe")
+        .enter(kToolEntry, L"later.exe")
         .list([this](HWND, const ListView&) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("getBackupTools 1", "updateBackupTools 1 later.exe"));
         })
@@ -117,7 +117,7 @@ TEST_F(BackupToolsTest, AFaultHalfwayShowsWhatWasReadBefore)
     for (const wchar_t* tool : {L"b.exe", L"a.exe", L"c.exe"}) {
         store.putTool(tool);
     }
-    store.raise("getBackupTools", Fault::AccessViolation, 3);
+    store.raise("getBackupTools", Fault::kAccessViolation, 3);
     visit
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("a.exe", "b.exe"));

@@ -7,10 +7,9 @@
 
 #include <gtest/gtest.h>
 
-inline constexpr char kEntry[] = "Backup Processes";
+inline constexpr char kToolEntry[] = "Backup Processes";
 
-class BackupToolsTest : public testing::Test {
-protected:
+struct BackupToolsTest : testing::Test {
     PolicyStore store;
     EditorVisit visit{store};
 };

@@ -15,10 +15,9 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr char kEntry[] = "Blocked extension";
+constexpr char kMaskEntry[] = "Blocked extension";
 
-class BlockedExtensionsTest : public testing::Test {
-protected:
+struct BlockedExtensionsTest : testing::Test {
     BlockedExtensionsTest()
     {
         // What the chooser asks for a typed name.
@@ -32,7 +31,7 @@ protected:
     /// "Browse..." and the name of an account there.
     void choose(const wchar_t* name)
     {
-        visit.entry(kEntry, [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); });
+        visit.entry(kMaskEntry, [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); });
         visit.chooseByName(name);
     }
 
@@ -83,13 +82,13 @@ TEST_F(BlockedExtensionsTest, ANewEntryIsForAllUntilAnAccountIsChosen)
         .edit(0) // leaves jane behind in the buffer
         .press(IDCANCEL)
         .add()
-        .entry(kEntry,
+        .entry(kMaskEntry,
                [](HWND entry) {
                    EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "");
                    EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)");
                    EXPECT_FALSE(isEnabled(entry, IDC_ENTRY_ACCOUNT));
                })
-        .enter(kEntry, L"*.iso")
+        .enter(kMaskEntry, L"*.iso")
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("addToExcludeExts *.iso null"));
             EXPECT_THAT(list.rows(), ElementsAre("*.iso|(All)", "*.mp3|jane"));
@@ -106,12 +105,12 @@ TEST_F(BlockedExtensionsTest, AddsForAChosenAccount)
     visit.add();
     choose(L"joe");
     visit
-        .entry(kEntry,
+        .entry(kMaskEntry,
                [](HWND entry) {
                    EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "joe");
                    EXPECT_FALSE(isEnabled(entry, IDC_ENTRY_ACCOUNT));
                })
-        .enter(kEntry, L"*.iso")
+        .enter(kMaskEntry, L"*.iso")
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("getAccountBySidW joe 128", "addToExcludeExts *.iso joe",
                                                 "getAccountBySidW joe 128"));
@@ -127,12 +126,12 @@ TEST_F(BlockedExtensionsTest, EditsMaskAndAccount)
     store.putMask(L"*.a", nullptr);
     store.putMask(L"*.b", jane);
     store.putMask(L"*.c", nullptr);
-    visit.edit(1).entry(kEntry, [](HWND entry) {
+    visit.edit(1).entry(kMaskEntry, [](HWND entry) {
         EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.b");
         EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane");
     });
     choose(L"joe");
-    visit.enter(kEntry, L"*.bb")
+    visit.enter(kMaskEntry, L"*.bb")
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(ownCalls(), ElementsAre("getExcludeExtsSid 1", "getExcludeExtsPath 1",
                                                 "getAccountBySidW jane 128", "getAccountBySidW joe 128",
@@ -149,7 +148,7 @@ TEST_F(BlockedExtensionsTest, AnyoneTurnsAnAccountBackIntoAll)
     store.putMask(L"*.b", jane);
     visit.edit(0);
     choose(L"Anyone");
-    visit.entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)"); })
+    visit.entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)"); })
         .press(IDOK)
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("*.b|(All)"));
@@ -167,10 +166,10 @@ TEST_F(BlockedExtensionsTest, AnEntryForAllIsShownAndKeptForAll)
     store.putMask(L"*.b", jane);
     visit
         .edit(0) // leaves jane behind in the buffer
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
+        .entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
         .press(IDOK)
         .edit(1)
-        .entry(kEntry,
+        .entry(kMaskEntry,
                [](HWND entry) {
                    EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.a");
                    EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)");
@@ -189,9 +188,9 @@ TEST_F(BlockedExtensionsTest, ACancelledChooserLeavesTheAccount)
 {
     store.putMask(L"*.b", jane);
     visit.edit(0)
-        .entry(kEntry, [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); })
+        .entry(kMaskEntry, [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); })
         .entry("Choose subject", [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
+        .entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
         .press(IDOK)
         .press(IDCANCEL);
     visit.run(editExcludeExts);
@@ -206,7 +205,7 @@ TEST_F(BlockedExtensionsTest, AChooserThatCannotBeShownLeavesTheAccount)
     choose(L"joe");
     visit.press(IDOK)
         .edit(1)
-        .entry(kEntry,
+        .entry(kMaskEntry,
                [](HWND entry) {
                    const HiddenDialog chooser(IDD_CHOOSER);
                    const std::string before = controlText(entry, IDC_ENTRY_ACCOUNT);
@@ -231,7 +230,7 @@ TEST_F(BlockedExtensionsTest, ACancelledEntryChangesNothingWhateverWasChosen)
             store.takeCalls();
         })
         .edit(0)
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
+        .entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
         .press(IDOK)
         .press(IDOK);
     visit.run(editExcludeExts);
@@ -243,7 +242,7 @@ TEST_F(BlockedExtensionsTest, AnAccountWithoutANameShowsNone)
     store.putMask(L"*.b", store.unknownAccount());
     visit.list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("*.b|")); })
         .edit(0)
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), ""); })
+        .entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), ""); })
         .press(IDOK)
         .press(IDCANCEL);
     visit.run(editExcludeExts);
@@ -272,7 +271,7 @@ TEST_F(BlockedExtensionsTest, TheLongestSidFits)
 
 TEST_F(BlockedExtensionsTest, MasksAreCutAt259Characters)
 {
-    visit.add().enter(kEntry, std::wstring(10000, L'?')).press(IDOK);
+    visit.add().enter(kMaskEntry, std::wstring(10000, L'?')).press(IDOK);
     visit.run(editExcludeExts);
     EXPECT_THAT(store.masks.present(), ElementsAre(std::wstring(259, L'?')));
 }
@@ -282,7 +281,7 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfARowKeepsTheRowsBefor
     store.putMask(L"*.a", nullptr);
     store.putMask(L"*.b", jane);
     store.putMask(L"*.c", nullptr);
-    store.raise("getAccountBySidW", Fault::AccessViolation);
+    store.raise("getAccountBySidW", Fault::kAccessViolation);
     visit
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
@@ -296,10 +295,10 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfARowKeepsTheRowsBefor
 
 TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfANewRowIsTheEditors)
 {
-    store.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: in the entry dialog
+    store.raise("getAccountBySidW", Fault::kAccessViolation, 2); // 1: in the entry dialog
     visit.add();
     choose(L"jane");
-    visit.enter(kEntry, L"*.b")
+    visit.enter(kMaskEntry, L"*.b")
         .list([this](HWND, const ListView&) {
             EXPECT_THAT(store.lines(), testing::Contains("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
         })
@@ -311,9 +310,9 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfANewRowIsTheEditors)
 TEST_F(BlockedExtensionsTest, AFaultWhileTheEntryOpensIsItsOwn)
 {
     store.putMask(L"*.b", jane);
-    store.raise("getAccountBySidW", Fault::AccessViolation, 2); // 1: the row
+    store.raise("getAccountBySidW", Fault::kAccessViolation, 2); // 1: the row
     visit.edit(0)
-        .entry(kEntry,
+        .entry(kMaskEntry,
                [this](HWND entry) {
                    EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
                    EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.b");
@@ -327,11 +326,11 @@ TEST_F(BlockedExtensionsTest, AFaultWhileTheEntryOpensIsItsOwn)
 TEST_F(BlockedExtensionsTest, AFaultAfterChoosingKeepsTheChoice)
 {
     store.putMask(L"*.b", nullptr);
-    store.raise("getAccountBySidW", Fault::CppException);
+    store.raise("getAccountBySidW", Fault::kCppException);
     visit.edit(0);
     choose(L"jane");
     visit
-        .entry(kEntry,
+        .entry(kMaskEntry,
                [this](HWND) {
                    EXPECT_THAT(store.lines(), testing::Contains("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
                })

@@ -2,6 +2,7 @@
 #include "corvane.h"
 #include "tests/policies/editor_visit.h"
 #include "tests/policies/file_dialogs.h"
+#include "tests/support/hidden_dialog.h"
 #include "tests/support/text.h"
 
 #include <gmock/gmock.h>
@@ -11,10 +12,9 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr char kEntry[] = "Exclude file";
+constexpr char kFileEntry[] = "Exclude file";
 
-class ExcludesTest : public testing::Test {
-protected:
+struct ExcludesTest : testing::Test {
     PolicyStore store;
     EditorVisit visit{store};
 };
@@ -25,8 +25,8 @@ TEST_F(ExcludesTest, AddsOnTopAndStores)
 {
     store.putExclude(L"C:\\old");
     visit.add()
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
-        .enter(kEntry, L"C:\\new")
+        .entry(kFileEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
+        .enter(kFileEntry, L"C:\\new")
         .list([this](HWND dialog, const ListView& list) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("addToExcludes C:\\new"));
             EXPECT_THAT(list.rows(), ElementsAre("C:\\new", "C:\\old"));
@@ -45,8 +45,8 @@ TEST_F(ExcludesTest, EditsInPlace)
     store.putExclude(L"C:\\b");
     store.putExclude(L"C:\\c");
     visit.edit(1)
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "C:\\b"); })
-        .enter(kEntry, L"D:\\b")
+        .entry(kFileEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "C:\\b"); })
+        .enter(kFileEntry, L"D:\\b")
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("getExcludes 1", "updateExcludes 1 D:\\b"));
             EXPECT_THAT(list.rows(), ElementsAre("C:\\c", "D:\\b", "C:\\a"));
@@ -66,7 +66,7 @@ TEST_F(ExcludesTest, ADoubleClickEdits)
             store.takeCalls();
             list.doubleClick();
         })
-        .enter(kEntry, L"C:\\b")
+        .enter(kFileEntry, L"C:\\b")
         .press(IDCANCEL);
     visit.run(editExcludes);
     EXPECT_THAT(store.calls(), ElementsAre("getExcludes 0", "updateExcludes 0 C:\\b", "freeExcludes"));
@@ -86,7 +86,7 @@ TEST_F(ExcludesTest, ARealDoubleClickEdits)
             SendMessageW(list.list(), WM_LBUTTONDOWN, MK_LBUTTON, at);
             PostMessageW(list.list(), WM_LBUTTONDBLCLK, MK_LBUTTON, at);
         })
-        .enter(kEntry, L"C:\\b")
+        .enter(kFileEntry, L"C:\\b")
         .press(IDCANCEL);
     visit.run(editExcludes);
     EXPECT_THAT(store.calls(), ElementsAre("getExcludes 0", "updateExcludes 0 C:\\b", "freeExcludes"));
@@ -95,7 +95,7 @@ TEST_F(ExcludesTest, ARealDoubleClickEdits)
 TEST_F(ExcludesTest, ACancelledEntryChangesNothing)
 {
     store.putExclude(L"C:\\a");
-    visit.leaveEntries(kEntry)
+    visit.leaveEntries(kFileEntry)
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("getExcludes 0"));
             EXPECT_THAT(list.rows(), ElementsAre("C:\\a"));
@@ -121,9 +121,9 @@ TEST_F(ExcludesTest, KeepsIndexesThroughRemovalsAndLaterEdits)
 {
     store.putExclude(L"zero");
     visit.add()
-        .enter(kEntry, L"one")
+        .enter(kFileEntry, L"one")
         .add()
-        .enter(kEntry, L"two")
+        .enter(kFileEntry, L"two")
         .remove(1) // "one"
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("removeExcludes 1"));
@@ -131,7 +131,7 @@ TEST_F(ExcludesTest, KeepsIndexesThroughRemovalsAndLaterEdits)
             EXPECT_THAT(list.allData(), ElementsAre(2, 0));
         })
         .edit(0)
-        .enter(kEntry, L"two again")
+        .enter(kFileEntry, L"two again")
         .list([this](HWND, const ListView&) {
             EXPECT_THAT(store.takeCalls(), ElementsAre("getExcludes 2", "updateExcludes 2 two again"));
         })
@@ -147,7 +147,7 @@ TEST_F(ExcludesTest, ARowWhoseEntryIsGoneOpensAnEmptyDialog)
     };
     visit.list([this](HWND, const ListView&) { store.excludes.remove(0); })
         .edit(0)
-        .entry(kEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
+        .entry(kFileEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
         .press(IDCANCEL)
         .press(IDCANCEL);
     visit.run(editExcludes);
@@ -156,7 +156,7 @@ TEST_F(ExcludesTest, ARowWhoseEntryIsGoneOpensAnEmptyDialog)
 TEST_F(ExcludesTest, CutsWhatIsTypedAt259Characters)
 {
     const auto enterLength = [this](size_t length) {
-        visit.add().enter(kEntry, std::wstring(length, L'x'));
+        visit.add().enter(kFileEntry, std::wstring(length, L'x'));
     };
     enterLength(259);
     enterLength(260);
@@ -172,7 +172,7 @@ TEST_F(ExcludesTest, AStoredTextIsShownWholeAndCutByOkAlone)
     const std::wstring stored = L"C:\\" + std::wstring(9997, L'y');
     store.putExclude(stored.c_str());
     visit.edit(0)
-        .entry(kEntry, [&](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), utf8(stored)); })
+        .entry(kFileEntry, [&](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), utf8(stored)); })
         .press(IDCANCEL)
         .list([&](HWND, const ListView& list) { EXPECT_EQ(list.cell(0, 0), stored); })
         .edit(0)
@@ -187,7 +187,7 @@ TEST_F(ExcludesTest, BrowsesForAnyName)
     FileDialogs files;
     files.answer = L"C:\\pages\\not there yet.sys";
     visit.add()
-        .entry(kEntry,
+        .entry(kFileEntry,
                [&](HWND entry) {
                    type(entry, IDC_ENTRY_TEXT, L"before");
                    click(entry, IDC_ENTRY_BROWSE);
@@ -215,13 +215,13 @@ TEST_F(ExcludesTest, AFaultWhileBrowsingLeavesTheEntryDialogOpen)
                            static_cast<BOOL(WINAPI*)(OPENFILENAMEW*)>(fault));
     ASSERT_EQ(save.count(), 1);
     visit.add()
-        .entry(kEntry, [](HWND entry) { click(entry, IDC_ENTRY_BROWSE); })
-        .entry(kEntry,
+        .entry(kFileEntry, [](HWND entry) { click(entry, IDC_ENTRY_BROWSE); })
+        .entry(kFileEntry,
                [this](HWND entry) {
                    EXPECT_THAT(store.takeCalls(), ElementsAre("ODS UI CRASH: eleDlg, MyDlgProc, 56\n"));
                    EXPECT_TRUE(isEnabled(entry, IDOK));
                })
-        .enter(kEntry, L"C:\\typed")
+        .enter(kFileEntry, L"C:\\typed")
         .press(IDOK);
     visit.run(editExcludes);
     EXPECT_THAT(store.excludes.present(), ElementsAre(L"C:\\typed"));
@@ -229,18 +229,9 @@ TEST_F(ExcludesTest, AFaultWhileBrowsingLeavesTheEntryDialogOpen)
 
 TEST_F(ExcludesTest, AnEntryDialogThatCannotBeShownIsACancelledOne)
 {
-    static int lookups = 0;
-    lookups = 0;
-    static HRSRC(WINAPI * find)(HMODULE, LPCWSTR, LPCWSTR) = nullptr;
-    const auto findFirstOnly = [](HMODULE module, LPCWSTR name, LPCWSTR kind) {
-        return lookups++ == 0 ? find(module, name, kind) : nullptr;
-    };
-    const ImportPatch resources(ImportPatch::corvane(), "FindResourceW",
-                                static_cast<HRSRC(WINAPI*)(HMODULE, LPCWSTR, LPCWSTR)>(findFirstOnly));
-    find = resources.original<HRSRC WINAPI(HMODULE, LPCWSTR, LPCWSTR)>();
+    const HiddenDialog entry(IDD_EXCLUDE_ENTRY);
     visit.add()
         .list([this](HWND, const ListView& list) {
-            EXPECT_EQ(lookups, 2);
             EXPECT_EQ(list.rowCount(), 0);
             EXPECT_THAT(store.takeCalls(), IsEmpty());
         })

@@ -19,29 +19,29 @@ BOOL WINAPI workstation(OSVERSIONINFOW* version)
 
 } // namespace
 
-FileDialogs* FileDialogs::m_current = nullptr;
+FileDialogs* FileDialogs::current = nullptr;
 
 FileDialogs::FileDialogs()
     : m_open(ImportPatch::corvane(), "GetOpenFileNameW", open)
     , m_save(ImportPatch::corvane(), "GetSaveFileNameW", save)
     , m_version(ImportPatch::corvane(), "GetVersionExW", workstation)
 {
-    m_current = this;
+    current = this;
 }
 
 FileDialogs::~FileDialogs()
 {
-    m_current = nullptr;
+    current = nullptr;
 }
 
 BOOL WINAPI FileDialogs::open(OPENFILENAMEW* request)
 {
-    return m_current->reply("open", request);
+    return current->reply("open", request);
 }
 
 BOOL WINAPI FileDialogs::save(OPENFILENAMEW* request)
 {
-    return m_current->reply("save", request);
+    return current->reply("save", request);
 }
 
 BOOL FileDialogs::reply(const char* kind, OPENFILENAMEW* request)

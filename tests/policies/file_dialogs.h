@@ -23,7 +23,7 @@ private:
     static BOOL WINAPI save(OPENFILENAMEW* request);
     BOOL reply(const char* kind, OPENFILENAMEW* request);
 
-    static FileDialogs* m_current;
+    static FileDialogs* current;
     ImportPatch m_open;
     ImportPatch m_save;
     ImportPatch m_version;

@@ -12,8 +12,7 @@ using testing::IsEmpty;
 
 namespace {
 
-class ListEditorCommandsTest : public testing::TestWithParam<EditorCase> {
-protected:
+struct ListEditorCommandsTest : testing::TestWithParam<EditorCase> {
     ListEditorCommandsTest()
     {
         for (const wchar_t* text : {L"aa", L"bb", L"cc", L"dd"}) {

@@ -20,8 +20,7 @@ struct StoreCall {
     int nth;
 };
 
-class ListEditorFaultTest : public testing::TestWithParam<EditorCase> {
-protected:
+struct ListEditorFaultTest : testing::TestWithParam<EditorCase> {
     /// One entry is added, one edited, one removed, and all is stored. What a fault takes away is left out: an
     /// entry dialog that did not open, a row that is not there.
     void visit(PolicyStore& store)
@@ -140,8 +139,8 @@ TEST_P(ListEditorFaultTest, AFaultInAnyStoreCallLeavesTheDialogAlive)
 TEST_P(ListEditorFaultTest, SurvivesADebugChannelThatFaultsToo)
 {
     PolicyStore store;
-    store.raise(editor.load, Fault::AccessViolation);
-    store.raise("ODS", Fault::AccessViolation);
+    store.raise(editor.load, Fault::kAccessViolation);
+    store.raise("ODS", Fault::kAccessViolation);
     visit(store);
     EXPECT_THAT(crashLines(store), ElementsAre(editor.crashLine));
 }

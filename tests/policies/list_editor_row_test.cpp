@@ -17,8 +17,7 @@ namespace {
 
 constexpr int kEntries = 60; // more than the list shows at once
 
-class ListEditorRowTest : public testing::TestWithParam<EditorCase> {
-protected:
+struct ListEditorRowTest : testing::TestWithParam<EditorCase> {
     ListEditorRowTest()
     {
         void* const jane = store.account("zz jane");
@@ -253,7 +252,7 @@ TEST_P(ListEditorRowTest, CommandsSentPastAnEntryDialogAreNotTaken)
 
 TEST_P(ListEditorRowTest, AFaultInThatIsTold)
 {
-    store.raise(editor.free, Fault::AccessViolation);
+    store.raise(editor.free, Fault::kAccessViolation);
     visit.list([this](HWND dialog, const ListView&) {
         store.takeCalls();
         DestroyWindow(dialog);

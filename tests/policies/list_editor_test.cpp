@@ -20,10 +20,9 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr int kEntries = 10000;
+constexpr int kManyEntries = 10000;
 
-class ListEditorTest : public testing::TestWithParam<EditorCase> {
-protected:
+struct ListEditorTest : testing::TestWithParam<EditorCase> {
     ListView list(HWND dialog) const { return {dialog, editor.listId}; }
 
     void put(const std::vector<const wchar_t*>& texts)
@@ -333,22 +332,22 @@ TEST_P(ListEditorTest, ShowsTextsOfAnyLengthWhole)
 
 TEST_P(ListEditorTest, ShowsTenThousandEntries)
 {
-    for (int i = 0; i < kEntries; ++i) {
-        editor.put(store, (L"entry " + std::to_wstring(i * 7919 % kEntries)).c_str());
+    for (int i = 0; i < kManyEntries; ++i) {
+        editor.put(store, (L"entry " + std::to_wstring(i * 7919 % kManyEntries)).c_str());
     }
     look([this](HWND dialog) {
         const ListView rows = list(dialog);
-        ASSERT_EQ(rows.rowCount(), kEntries);
+        ASSERT_EQ(rows.rowCount(), kManyEntries);
         std::vector<LPARAM> data = rows.allData();
         if (editor.sorted) {
-            for (int row = 1; row < kEntries; ++row) {
+            for (int row = 1; row < kManyEntries; ++row) {
                 ASSERT_LE(lstrcmpiW(rows.cell(row - 1, 0).c_str(), rows.cell(row, 0).c_str()), 0) << row;
             }
         } else {
-            EXPECT_EQ(data.front(), kEntries - 1);
+            EXPECT_EQ(data.front(), kManyEntries - 1);
         }
         std::sort(data.begin(), data.end());
-        for (int i = 0; i < kEntries; ++i) {
+        for (int i = 0; i < kManyEntries; ++i) {
             ASSERT_EQ(data[static_cast<size_t>(i)], i);
         }
         EXPECT_NE(GetWindowLongPtrW(rows.list(), GWL_STYLE) & WS_VISIBLE, 0) << "redrawing is still off";

@@ -3,6 +3,7 @@
 #include "res/resource.h"
 #include "tests/policies/editor_visit.h"
 #include "tests/policies/file_dialogs.h"
+#include "tests/policies/notification_case.h"
 #include "tests/support/windows_radios.h"
 
 #include <gmock/gmock.h>
@@ -14,24 +15,20 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr char kEntry[] = "Notification script and options...";
 constexpr int kForWhom[] = {IDC_NOTIFY_ANYONE, IDC_NOTIFY_ACCOUNT_ONLY, IDC_NOTIFY_USERS_OF_LIMIT,
                             IDC_NOTIFY_USERS_NOT_OF_LIMIT}; // by the value that they stand for
 constexpr int kRates[] = {IDC_NOTIFY_NO_LIMIT,         IDC_NOTIFY_PER_SECOND, IDC_NOTIFY_PER_MINUTE,
                           IDC_NOTIFY_PER_FIVE_MINUTES, IDC_NOTIFY_PER_HOUR,   IDC_NOTIFY_PER_DAY,
                           IDC_NOTIFY_PER_WEEK};
 
-constexpr const wchar_t* kNotSet = nullptr;
-
-class NotificationEntryTest : public testing::Test {
-protected:
+struct NotificationEntryTest : testing::Test {
     /// Opens the entry dialog on a notification with these attributes, acts in it and presses OK.
     void edit(const std::array<const wchar_t*, 6>& attributes, EditorVisit::OnEntry act)
     {
         const uint32_t index = store.putNotification(L"script", attributes);
         EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
-            .entry(kEntry,
+            .entry(kNotificationEntry,
                    [act](HWND entry) {
                        act(entry);
                        clickLater(entry, IDOK);
@@ -67,7 +64,7 @@ TEST_F(NotificationEntryTest, ANewOneIsForAnyoneOnceADay)
 {
     EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
     visit.add()
-        .entry(kEntry,
+        .entry(kNotificationEntry,
                [](HWND entry) {
                    EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
                    EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
@@ -243,7 +240,7 @@ TEST_F(NotificationEntryTest, PassingByWithTheTabKeyChoosesNothing)
 
     EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
     visit.add()
-        .entry(kEntry,
+        .entry(kNotificationEntry,
                [passBy](HWND entry) {
                    passBy(entry);
                    EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);

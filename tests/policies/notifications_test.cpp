@@ -2,6 +2,7 @@
 #include "corvane.h"
 #include "res/resource.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/policies/notification_case.h"
 #include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 
@@ -12,12 +13,7 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr char kEntry[] = "Notification script and options...";
-
-constexpr const wchar_t* kNotSet = nullptr;
-
-class NotificationsTest : public testing::Test {
-protected:
+struct NotificationsTest : testing::Test {
     PolicyStore store;
     EditorVisit visit{store, IDC_NOTIFICATIONS_LIST};
 };
@@ -98,7 +94,7 @@ TEST_F(NotificationsTest, AddsWithAllAttributesInOrder)
 {
     store.putNotification(L"old", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     visit.add()
-        .entry(kEntry,
+        .entry(kNotificationEntry,
                [](HWND entry) {
                    type(entry, IDC_ENTRY_TEXT, L"C:\\new.vbs");
                    click(entry, IDC_NOTIFY_ACCOUNT_ONLY);
@@ -148,7 +144,7 @@ TEST_F(NotificationsTest, EditsInPlace)
     store.putNotification(L"b", {L"jane", L"1", L"60", L"runner", L"pw", L"3k"});
     store.putNotification(L"c", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     visit.edit(1)
-        .entry(kEntry,
+        .entry(kNotificationEntry,
                [](HWND entry) {
                    EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "b");
                    EXPECT_EQ(controlText(entry, IDC_NOTIFY_ACCOUNT), "jane");
@@ -179,7 +175,7 @@ TEST_F(NotificationsTest, EditsInPlace)
 TEST_F(NotificationsTest, ACancelledEntryChangesNothing)
 {
     store.putNotification(L"a", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
-    visit.leaveEntries(kEntry)
+    visit.leaveEntries(kNotificationEntry)
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(store.takeCalls(),
                         ElementsAre("getNotifications 0", "getNAttr 0 0", "getNAttr 0 1", "getNAttr 0 2",
@@ -253,7 +249,7 @@ TEST_F(NotificationsTest, CutsEveryFieldAt259Characters)
     const std::wstring longText(10000, L'x');
     const std::wstring cut(259, L'x');
     visit.add()
-        .entry(kEntry,
+        .entry(kNotificationEntry,
                [&](HWND entry) {
                    for (const int field : {IDC_ENTRY_TEXT, IDC_NOTIFY_ACCOUNT, IDC_NOTIFY_RUN_AS,
                                            IDC_NOTIFY_PASSWORD, IDC_NOTIFY_MIN_INCREMENT})
@@ -274,7 +270,7 @@ TEST_F(NotificationsTest, AFaultWhileFillingKeepsTheRowsSoFar)
 {
     store.putNotification(L"one", {kNotSet, L"0", L"300", kNotSet, kNotSet, L"0"});
     store.putNotification(L"two", {kNotSet, L"0", L"300", kNotSet, kNotSet, L"0"});
-    store.raise("getNAttr", Fault::DivideByZero, 2);
+    store.raise("getNAttr", Fault::kDivideByZero, 2);
     visit
         .list([this](HWND, const ListView& list) {
             EXPECT_THAT(list.rows(), ElementsAre("two|Anyone|5min||", "one|Anyone|5min|IUSR_VANTREL|0 "));

@@ -2,6 +2,7 @@
 #include "corvane.h"
 #include "res/resource.h"
 #include "tests/policies/editor_visit.h"
+#include "tests/policies/notification_case.h"
 #include "tests/support/import_patch.h"
 
 #include <gmock/gmock.h>
@@ -12,8 +13,6 @@
 #include <string>
 
 namespace {
-
-constexpr char kEntry[] = "Notification script and options...";
 
 /// A password that stands nowhere as such: it is put together when it is needed.
 std::wstring password(size_t length, wchar_t kind)
@@ -123,8 +122,7 @@ bool corvaneHolds(std::wstring_view text)
 }
 
 /// Short ones stood in other memory than long ones.
-class PasswordTest : public testing::TestWithParam<size_t> {
-protected:
+struct PasswordTest : testing::TestWithParam<size_t> {
     /// Opens the notification that has the stored password, if any, types another one and ends the entry dialog.
     void visitEntry(bool stored, int button)
     {
@@ -134,7 +132,7 @@ protected:
         wipe(old);
         EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
-            .entry(kEntry,
+            .entry(kNotificationEntry,
                    [&](HWND entry) {
                        std::wstring typed = password(length, m_typed);
                        type(entry, IDC_NOTIFY_PASSWORD, typed.c_str());
@@ -175,7 +173,7 @@ TEST_P(PasswordTest, CancelLeavesTheStoresCopyAlone)
 
 TEST_P(PasswordTest, AFaultOfTheStoreLeavesNoCopyEither)
 {
-    store.raise("setNAttr", Fault::AccessViolation);
+    store.raise("setNAttr", Fault::kAccessViolation);
     visitEntry(true, IDOK);
     EXPECT_EQ(left(length, m_typed), 0);
     EXPECT_EQ(left(length, m_stored), 1);
@@ -187,7 +185,7 @@ TEST(PasswordOfNotificationTest, DoesNotStayInTheLibrarysBuffer)
     PolicyStore store;
     store.putNotification(L"script", {nullptr, L"0", L"0", L"runner", password, L"0"});
     EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
-    visit.edit(0).entry(kEntry, [](HWND entry) { clickLater(entry, IDOK); }).press(IDCANCEL);
+    visit.edit(0).entry(kNotificationEntry, [](HWND entry) { clickLater(entry, IDOK); }).press(IDCANCEL);
     EXPECT_EQ(visit.run(editNotifications), 0);
     EXPECT_STREQ(store.attribute(0, 4), password);
     EXPECT_FALSE(corvaneHolds(password + 7)); // its beginning gives way to the next field's text anyhow

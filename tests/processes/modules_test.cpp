@@ -13,7 +13,7 @@ using testing::IsEmpty;
 namespace {
 
 std::vector<DWORD> ids;
-std::vector<DWORD> sizesAsked;
+std::vector<DWORD> idSizesAsked;
 bool enumFails = false;
 std::map<DWORD, const wchar_t*> files; ///< by id; one with null has a module and no name
 std::vector<DWORD> accesses;
@@ -21,7 +21,7 @@ OSVERSIONINFOW version{};
 
 BOOL WINAPI enumProcesses(DWORD* buffer, DWORD size, DWORD* filled)
 {
-    sizesAsked.push_back(size);
+    idSizesAsked.push_back(size);
     if (enumFails) {
         SetLastError(1234);
         return FALSE;
@@ -79,7 +79,7 @@ BOOL WINAPI tellVersion(OSVERSIONINFOW* info)
 struct ModulesTest : testing::Test {
     ModulesTest()
     {
-        sizesAsked.clear();
+        idSizesAsked.clear();
         accesses.clear();
         enumFails = false;
         version.dwMajorVersion = 6;
@@ -143,14 +143,14 @@ TEST_F(ModulesTest, AsksAgainWithTwiceTheRoomWhenTheBufferIsFull)
 {
     ids.assign(200, 0);
     EXPECT_EQ(Enumeration::of(enumerateProcessModules).calls.size(), 200u);
-    EXPECT_THAT(sizesAsked, ElementsAre(256u, 512u, 1024u));
+    EXPECT_THAT(idSizesAsked, ElementsAre(256u, 512u, 1024u));
     expectNothingHeld();
 
     // A list that just fits may have been cut.
-    sizesAsked.clear();
+    idSizesAsked.clear();
     ids.assign(64, 0);
     EXPECT_EQ(Enumeration::of(enumerateProcessModules).calls.size(), 64u);
-    EXPECT_THAT(sizesAsked, ElementsAre(256u, 512u));
+    EXPECT_THAT(idSizesAsked, ElementsAre(256u, 512u));
 }
 
 TEST_F(ModulesTest, StopsWhenTheCallbackSaysSo)

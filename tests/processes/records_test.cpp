@@ -24,30 +24,30 @@ struct Record {
 static_assert(offsetof(Record, name) == 64 && offsetof(Record, id) == 76);
 
 std::vector<Record> records;
-std::vector<ULONG> sizesAsked;
+std::vector<ULONG> recordSizesAsked;
 ULONG sizeNeeded = 0;
-LONG status = 0;
+LONG recordStatus = 0;
 
 LONG WINAPI query(ULONG what, void* buffer, ULONG size, ULONG* /*needed*/)
 {
     EXPECT_EQ(what, 5u);
-    sizesAsked.push_back(size);
+    recordSizesAsked.push_back(size);
     if (size < sizeNeeded) {
         return static_cast<LONG>(0xC0000004);
     }
-    if (status < 0) {
-        return status;
+    if (recordStatus < 0) {
+        return recordStatus;
     }
     std::memcpy(buffer, records.data(), records.size() * sizeof(Record));
-    return status;
+    return recordStatus;
 }
 
 struct RecordsTest : testing::Test {
     RecordsTest()
     {
-        sizesAsked.clear();
+        recordSizesAsked.clear();
         sizeNeeded = 0;
-        status = 0;
+        recordStatus = 0;
         functions.put("ZwQuerySystemInformation", &query);
     }
     RunTimeFunctions functions{thisProgram()};
@@ -75,7 +75,7 @@ TEST_F(RecordsTest, TellsEachProcess)
     const Enumeration seen = Enumeration::of(enumerateProcessRecords, 0, L"ignored");
     EXPECT_EQ(seen.result, 1);
     EXPECT_THAT(seen.calls, ElementsAre("0 Idle", "77 smss.exe", "78 last.exe"));
-    EXPECT_THAT(sizesAsked, ElementsAre(32768u));
+    EXPECT_THAT(recordSizesAsked, ElementsAre(32768u));
     EXPECT_EQ(held.heapBlocks, 0);
     EXPECT_EQ(held.loaded, "");
 }
@@ -94,7 +94,7 @@ TEST_F(RecordsTest, AsksAgainWithTwiceTheRoom)
     put({{1, L"a"}});
     sizeNeeded = 100000;
     EXPECT_THAT(Enumeration::of(enumerateProcessRecords).calls, ElementsAre("1 a"));
-    EXPECT_THAT(sizesAsked, ElementsAre(32768u, 65536u, 131072u));
+    EXPECT_THAT(recordSizesAsked, ElementsAre(32768u, 65536u, 131072u));
     EXPECT_EQ(held.heapBlocks, 0);
 }
 
@@ -102,14 +102,14 @@ TEST_F(RecordsTest, FailsWithTheRawStatus)
 {
     put({{1, L"a"}});
     for (const DWORD failing : {0xC0000022u, 0x80000005u}) {
-        status = static_cast<LONG>(failing);
+        recordStatus = static_cast<LONG>(failing);
         const Enumeration seen = Enumeration::of(enumerateProcessRecords);
         EXPECT_EQ(seen.result, 0);
         EXPECT_EQ(seen.error, failing);
         EXPECT_THAT(seen.calls, IsEmpty());
         EXPECT_EQ(held.heapBlocks, 0);
     }
-    status = 0x40000000; // no failure: its top bit is clear
+    recordStatus = 0x40000000; // no failure: its top bit is clear
     EXPECT_EQ(Enumeration::of(enumerateProcessRecords).result, 1);
 }
 
@@ -137,7 +137,7 @@ TEST_F(RecordsTest, ComesToAnEndWhenNoRoomIsEverEnough)
     const Enumeration seen = Enumeration::of(enumerateProcessRecords);
     EXPECT_EQ(seen.result, 0);
     EXPECT_EQ(seen.error, 8u);
-    EXPECT_EQ(sizesAsked.back(), 0x80000000u);
+    EXPECT_EQ(recordSizesAsked.back(), 0x80000000u);
 }
 
 TEST_F(RecordsTest, NeedsTheFunction)

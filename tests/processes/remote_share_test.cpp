@@ -12,7 +12,7 @@ namespace {
 
 std::vector<std::string> asked;
 
-std::string orNull(const wchar_t* text)
+std::string textOrNull(const wchar_t* text)
 {
     return text != nullptr ? utf8(text) : "null";
 }
@@ -20,11 +20,11 @@ std::string orNull(const wchar_t* text)
 DWORD WINAPI connect(NETRESOURCEW* resource, const wchar_t* password, const wchar_t* user, DWORD flags)
 {
     EXPECT_EQ(resource->dwType, static_cast<DWORD>(RESOURCETYPE_ANY));
-    asked = {orNull(resource->lpLocalName),
-             orNull(resource->lpRemoteName),
-             orNull(resource->lpProvider),
-             orNull(password),
-             orNull(user),
+    asked = {textOrNull(resource->lpLocalName),
+             textOrNull(resource->lpRemoteName),
+             textOrNull(resource->lpProvider),
+             textOrNull(password),
+             textOrNull(user),
              std::to_string(flags)};
     return 1326;
 }

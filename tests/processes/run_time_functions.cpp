@@ -21,24 +21,24 @@ Function* real(const char* name, const wchar_t* library = L"kernel32.dll")
 }
 
 // Taken before anything is replaced.
-const auto realGetProcAddress = real<decltype(GetProcAddress)>("GetProcAddress");
-const auto realLoadLibrary = real<decltype(LoadLibraryW)>("LoadLibraryW");
-const auto realFreeLibrary = real<decltype(FreeLibrary)>("FreeLibrary");
-const auto realHeapAlloc = real<decltype(HeapAlloc)>("HeapAlloc");
-const auto realHeapFree = real<decltype(HeapFree)>("HeapFree");
-const auto realCloseHandle = real<decltype(CloseHandle)>("CloseHandle");
+const auto kRealGetProcAddress = real<decltype(GetProcAddress)>("GetProcAddress");
+const auto kRealLoadLibrary = real<decltype(LoadLibraryW)>("LoadLibraryW");
+const auto kRealFreeLibrary = real<decltype(FreeLibrary)>("FreeLibrary");
+const auto kRealHeapAlloc = real<decltype(HeapAlloc)>("HeapAlloc");
+const auto kRealHeapFree = real<decltype(HeapFree)>("HeapFree");
+const auto kRealCloseHandle = real<decltype(CloseHandle)>("CloseHandle");
 
 HMODULE WINAPI load(const wchar_t* name)
 {
     held->libraries++;
     held->loaded += utf8(name) + " ";
-    return realLoadLibrary(name);
+    return kRealLoadLibrary(name);
 }
 
 BOOL WINAPI release(HMODULE module)
 {
     held->libraries--;
-    const BOOL released = realFreeLibrary(module);
+    const BOOL released = kRealFreeLibrary(module);
     SetLastError(ERROR_MOD_NOT_FOUND); // as the platform may
     return released;
 }
@@ -51,16 +51,16 @@ void* WINAPI allocate(HANDLE heap, DWORD flags, SIZE_T bytes)
     if (held->failHeapAfter > 0) {
         held->failHeapAfter--;
     }
-    void* block = realHeapAlloc(heap, flags, bytes);
+    void* block = kRealHeapAlloc(heap, flags, bytes);
     blocks.insert(block);
     held->heapBlocks++;
     return block;
 }
 
-BOOL WINAPI freeBlock(HANDLE heap, DWORD flags, void* block)
+BOOL WINAPI releaseBlock(HANDLE heap, DWORD flags, void* block)
 {
     held->heapBlocks -= static_cast<int>(blocks.erase(block));
-    const BOOL freed = realHeapFree(heap, flags, block);
+    const BOOL freed = kRealHeapFree(heap, flags, block);
     SetLastError(ERROR_INVALID_PARAMETER); // as the platform may
     return freed;
 }
@@ -71,7 +71,7 @@ BOOL WINAPI closeHandle(HANDLE handle)
     held->closedNulls += handle == nullptr ? 1 : 0;
     // The handles of the tests are made up.
     SetLastError(ERROR_INVALID_HANDLE);
-    return reinterpret_cast<UINT_PTR>(handle) < 0x100000 ? realCloseHandle(handle) : FALSE;
+    return reinterpret_cast<UINT_PTR>(handle) < 0x100000 ? kRealCloseHandle(handle) : FALSE;
 }
 
 } // namespace
@@ -98,14 +98,14 @@ FARPROC WINAPI RunTimeFunctions::lookUp(HMODULE module, const char* name)
             }
         }
     }
-    return realGetProcAddress(module, name);
+    return kRealGetProcAddress(module, name);
 }
 
 HeldThings::HeldThings(HMODULE module)
     : m_load(module, "LoadLibraryW", &load)
     , m_free(module, "FreeLibrary", &release)
     , m_allocate(module, "HeapAlloc", &allocate)
-    , m_release(module, "HeapFree", &freeBlock)
+    , m_release(module, "HeapFree", &releaseBlock)
     , m_close(module, "CloseHandle", &closeHandle)
 {
     held = this;

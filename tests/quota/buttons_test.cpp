@@ -1,7 +1,7 @@
 // Enabling buttons, and the button helpers.
-#include "tests/support/list_host.h"
+#include "tests/quota/rule_list_test.h"
+
 #include "tests/support/message_watch.h"
-#include "tests/support/recording_store.h"
 
 #include <commctrl.h>
 
@@ -13,13 +13,10 @@ using testing::ElementsAre;
 
 namespace {
 
-struct ButtonsTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-
+struct ButtonsTest : RuleListTest {
     void SetUp() override
     {
-        initializeListCtrl2(host.object(), nullptr);
+        prepare();
         for (int id = 1; id <= 12; ++id) {
             host.addControl(id);
         }

@@ -1,7 +1,5 @@
 // In-place editing of a soft limit.
-#include "tests/support/list_host.h"
-#include "tests/support/paths.h"
-#include "tests/support/recording_store.h"
+#include "tests/quota/rule_list_test.h"
 
 #include <commctrl.h>
 
@@ -18,15 +16,12 @@ struct ReleasePages {
     void operator()(void* pages) const { VirtualFree(pages, 0, MEM_RELEASE); }
 };
 
-struct CellEditTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-
+struct CellEditTest : RuleListTest {
     void SetUp() override
     {
         store.put(L"C:\\b", nullptr, 5000, 4000, 0);
         store.put(L"C:\\a", nullptr, 3000, 2000, 0);
-        initializeListCtrl2(host.object(), Paths{L"C:\\b", L"C:\\a"});
+        prepare({L"C:\\b", L"C:\\a"});
         store.takeCalls();
     }
 

@@ -1,9 +1,7 @@
 // Records above 4 GiB, which do not fit into the 32 bits that carry them.
+#include "tests/quota/rule_list_test.h"
+
 #include "res/resource.h"
-#include "tests/quota/quota_settings.h"
-#include "tests/support/import_patch.h"
-#include "tests/support/list_host.h"
-#include "tests/support/paths.h"
 #include "tests/support/rule_memory.h"
 
 #include <commctrl.h>
@@ -26,34 +24,27 @@ QuotaRule* raised(const QuotaRule& rule)
     return copy;
 }
 
-struct HighAddressTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
+struct HighAddressTest : RuleListTest {
     void* const alice = store.account("alice");
 
     void SetUp() override
     {
         const auto usual = store.answer.getQuotaList;
         store.answer.getQuotaList = [usual](const wchar_t* folder) {
-            QuotaRule* first = nullptr;
-            QuotaRule* last = nullptr;
-            for (QuotaRule* rule = usual(folder); rule != nullptr; rule = rule->next) {
-                QuotaRule* const copy = raised(*rule);
-                copy->prev = last;
-                (last == nullptr ? first : last->next) = copy;
-                last = copy;
+            std::vector<QuotaRule*> copies;
+            for (const QuotaRule* rule = usual(folder); rule != nullptr; rule = rule->next) {
+                copies.push_back(raised(*rule));
             }
-            return first;
+            return RecordingStore::linked(copies);
         };
-        initializeListCtrl2(host.object(), nullptr);
+        prepare();
     }
 
     void fillThree()
     {
         store.put(L"C:\\c", nullptr, 4096, 3072, 30);
         store.put(L"C:\\c", alice, 8192, 3072, 20);
-        store.put(L"C:\\c", nullptr, 16384, 3072, 10);
-        fillUpListCtrl2(Paths{L"C:\\c"}, host.object());
+        show(L"C:\\c", nullptr, 16384, 3072, 10);
     }
 
     static bool isInUse(UINT_PTR address)
@@ -67,7 +58,7 @@ struct HighAddressTest : testing::Test {
     std::vector<QuotaRule*> records()
     {
         std::vector<QuotaRule*> all;
-        for (QuotaRule* rule = getDataModified2(host.object()); rule != nullptr; rule = rule->next) {
+        for (QuotaRule* rule = chain(); rule != nullptr; rule = rule->next) {
             all.push_back(rule);
         }
         return all;
@@ -92,8 +83,7 @@ TEST_F(HighAddressTest, ItemDataIsAStandInThatIsNoAddress)
 TEST_F(HighAddressTest, TheChainIsMadeOfTheRecordsThemselves)
 {
     fillThree();
-    EXPECT_THAT(chainTexts(getDataModified2(host.object())),
-                ElementsAre("Anyone C:\\c", "alice C:\\c", "Anyone C:\\c"));
+    EXPECT_THAT(chained(), ElementsAre("Anyone C:\\c", "alice C:\\c", "Anyone C:\\c"));
     for (const QuotaRule* const rule : records()) {
         EXPECT_TRUE(rule_memory::isAbove4GiB(rule));
     }
@@ -103,7 +93,7 @@ TEST_F(HighAddressTest, TheChainIsMadeOfTheRecordsThemselves)
 TEST_F(HighAddressTest, FillsNothingTwice)
 {
     fillThree();
-    fillUpListCtrl2(Paths{L"C:\\c"}, host.object());
+    fill({L"C:\\c"});
     EXPECT_EQ(host.rowCount(), 3);
 }
 
@@ -111,10 +101,7 @@ TEST_F(HighAddressTest, Edits)
 {
     fillThree();
     host.selectOnly({1});
-    DialogScript script;
-    script.onDialog("type", [](HWND dialog) { typeLimits(dialog, L"2000", L"1500"); })
-        .onDialog("OK", pressOk);
-    EXPECT_NE(script.run([this] { return editFromListCtrl2(host.object()); }), 0);
+    EXPECT_TRUE(edit(Visit().ok(limits(L"2000", L"1500"))));
     EXPECT_EQ(host.row(1), "alice|2000 |1500 |20 |01%|C:\\c");
     EXPECT_EQ(records().at(1)->hardLimit, 2000);
 }
@@ -122,18 +109,17 @@ TEST_F(HighAddressTest, Edits)
 TEST_F(HighAddressTest, Drops)
 {
     fillThree();
-    host.selectOnly({1});
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
-    EXPECT_THAT(chainTexts(getDataModified2(host.object())), ElementsAre("Anyone C:\\c", "Anyone C:\\c"));
+    EXPECT_TRUE(drop({1}));
+    EXPECT_THAT(chained(), ElementsAre("Anyone C:\\c", "Anyone C:\\c"));
     EXPECT_THAT(host.column(3), ElementsAre("10 ", "30 "));
 }
 
 TEST_F(HighAddressTest, Sorts)
 {
     fillThree();
-    sortListCtrl2(host.object(), 5);
-    sortListCtrl2(host.object(), 3);
-    sortListCtrl2(host.object(), 3);
+    sort(5);
+    sort(3);
+    sort(3);
     EXPECT_THAT(host.column(3), ElementsAre("30 ", "20 ", "10 "));
     EXPECT_EQ(records().at(0)->inUse, 30);
 }
@@ -158,61 +144,46 @@ TEST_F(HighAddressTest, AddsWithMembersEditsAndDrops)
     fillThree();
     void* const staff = store.account("staff");
     groupHas(store, {alice, store.account("bob")});
-    DialogScript script;
-    script
-        .onDialog("choose",
-                  [](HWND dialog) {
-                      click(dialog, IDC_QUOTA_GROUP_MEMBERS);
-                      typeLimits(dialog, L"10K", L"5K");
-                  })
-        .onDialog("OK", pressOk)
-        .onDialog("Cancel", pressCancel);
-    EXPECT_EQ(script.run([&, this] {
-        return addToListCtrl2(host.object(), staff, Paths{L"C:\\new", L"C:\\other"});
-    }),
-              0);
+    const auto choose = [](HWND dialog) {
+        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+        typeLimits(dialog, L"10K", L"5K");
+    };
+    EXPECT_FALSE(add(staff, {L"C:\\new", L"C:\\other"}, Visit().ok(choose).cancel()));
     EXPECT_THAT(host.rows(2), ElementsAre("bob|10240 ", "alice|10240 ", "staff|10240 ", "Anyone|16384 ",
                                           "alice|8192 ", "Anyone|4096 "));
     ASSERT_EQ(records().size(), 6u);
     for (const QuotaRule* const rule : records()) {
         EXPECT_TRUE(rule_memory::isAbove4GiB(rule));
     }
-    EXPECT_THAT(chainTexts(getDataModified2(host.object())),
-                ElementsAre("bob C:\\new", "alice C:\\new", "staff C:/new", "Anyone C:\\c", "alice C:\\c",
-                            "Anyone C:\\c"));
-    host.selectOnly({0, 2, 4});
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
-    EXPECT_THAT(chainTexts(getDataModified2(host.object())),
-                ElementsAre("alice C:\\new", "Anyone C:\\c", "Anyone C:\\c"));
+    EXPECT_THAT(chained(), ElementsAre("bob C:\\new", "alice C:\\new", "staff C:/new", "Anyone C:\\c",
+                                       "alice C:\\c", "Anyone C:\\c"));
+    EXPECT_TRUE(drop({0, 2, 4}));
+    EXPECT_THAT(chained(), ElementsAre("alice C:\\new", "Anyone C:\\c", "Anyone C:\\c"));
 }
 
 TEST_F(HighAddressTest, KnowsConflicts)
 {
     fillThree();
-    DialogScript script;
-    script.answerBox(
-        "Limit you've specified is already used. Please change user/group or specify other folder.",
-        kInformation);
-    EXPECT_NE(script.run([this] { return addToListCtrl2(host.object(), alice, Paths{L"c:/C"}); }), 0);
+    EXPECT_TRUE(add(alice, {L"c:/C"}, Visit().conflict()));
     EXPECT_EQ(host.rowCount(), 3);
 }
 
 TEST_F(HighAddressTest, TheDialogEndsWithTheStandIn)
 {
     QuotaRule* const rule = raised(*newRule());
-    const intptr_t result = untilOk(rule, kAdd, [](HWND) {});
+    const intptr_t result = untilOk(rule, kAdd);
     EXPECT_GT(result, 0);
     EXPECT_EQ(static_cast<UINT_PTR>(result) >> 32, 0u);
     EXPECT_NE(static_cast<DWORD>(result), static_cast<DWORD>(-1));
     EXPECT_FALSE(isInUse(static_cast<UINT_PTR>(result)));
-    EXPECT_EQ(untilOk(rule, kEdit, [](HWND) {}), result) << "the same record has the same stand-in";
+    EXPECT_EQ(untilOk(rule, kEdit), result) << "the same record has the same stand-in";
 }
 
 TEST_F(HighAddressTest, ALowRecordIsItsOwnValue)
 {
     QuotaRule* const rule = newRule();
     ASSERT_FALSE(rule_memory::isAbove4GiB(rule));
-    EXPECT_EQ(untilOk(rule, kAdd, [](HWND) {}), reinterpret_cast<intptr_t>(rule));
+    EXPECT_EQ(untilOk(rule, kAdd), reinterpret_cast<intptr_t>(rule));
 }
 
 TEST_F(HighAddressTest, ARecordBelow4GiBWithItsTopBitSetIsItsOwnValueToo)
@@ -220,24 +191,22 @@ TEST_F(HighAddressTest, ARecordBelow4GiBWithItsTopBitSetIsItsOwnValueToo)
     QuotaRule* const rule = rule_memory::between2And4GiB();
     *rule = *newRule();
     ASSERT_LT(static_cast<int>(reinterpret_cast<UINT_PTR>(rule)), 0);
-    EXPECT_EQ(untilOk(rule, kAdd, [](HWND) {}), reinterpret_cast<intptr_t>(rule));
+    EXPECT_EQ(untilOk(rule, kAdd), reinterpret_cast<intptr_t>(rule));
     store.answer.getQuotaList = [rule](const wchar_t*) {
         return rule;
     };
-    fillUpListCtrl2(Paths{L"C:\\data"}, host.object());
+    fill({L"C:\\data"});
     EXPECT_EQ(host.record(0), rule);
-    EXPECT_EQ(getDataModified2(host.object()), rule);
+    EXPECT_EQ(chain(), rule);
 }
 
 TEST_F(HighAddressTest, HighAndLowRecordsGoTogether)
 {
     store.answer.getQuotaList = [this](const wchar_t* folder) {
-        QuotaRule* const low = RecordingStore::makeRule(folder, alice, 100, 1, 0);
-        QuotaRule* const high = raised(*RecordingStore::makeRule(folder, nullptr, 100, 1, 0));
-        high->next = low;
-        return high;
+        return RecordingStore::linked({raised(*RecordingStore::makeRule(folder, nullptr, 100, 1, 0)),
+                                       RecordingStore::makeRule(folder, alice, 100, 1, 0)});
     };
-    fillUpListCtrl2(Paths{L"C:\\c"}, host.object());
+    fill({L"C:\\c"});
     EXPECT_FALSE(rule_memory::isAbove4GiB(records().at(0)));
     EXPECT_TRUE(rule_memory::isAbove4GiB(records().at(1)));
     EXPECT_EQ(host.record(0), records().at(0));
@@ -246,16 +215,10 @@ TEST_F(HighAddressTest, HighAndLowRecordsGoTogether)
 TEST_F(HighAddressTest, ThousandsHaveStandInsOfTheirOwn)
 {
     constexpr int kMany = 3000;
-    store.answer.getQuotaList = [](const wchar_t* folder) {
-        QuotaRule* first = nullptr;
-        for (int i = 0; i < kMany; ++i) {
-            QuotaRule* const rule = raised(*RecordingStore::makeRule(folder, nullptr, 100 + i, 1, 0));
-            rule->next = first;
-            first = rule;
-        }
-        return first;
-    };
-    fillUpListCtrl2(Paths{L"C:\\c"}, host.object());
+    for (int i = kMany; i > 0; --i) {
+        store.put(L"C:\\c", nullptr, 99 + i, 1, 0);
+    }
+    fill({L"C:\\c"});
     std::set<LPARAM> seen;
     for (int row = 0; row < kMany; ++row) {
         seen.insert(host.data(row));
@@ -309,6 +272,6 @@ TEST_F(HighAddressTest, ARowThatComesBackAfterThousandsOfOthersHasNoRecord)
     EXPECT_EQ(records().size(), 2u) << "of three rows";
     host.selectOnly({2});
     EXPECT_NE(editFromListCtrl2(host.object()), 0) << "nothing to edit";
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(drop());
     EXPECT_EQ(host.rowCount(), 2);
 }

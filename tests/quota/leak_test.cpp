@@ -52,24 +52,20 @@ TEST_F(LeakTest, OpeningAndCancelling)
     QuotaRule* const rule = newRule(staff);
     expectNothingLeft([=] {
         rule->inUse = QUOTA_IN_USE_UNKNOWN;
-        whileOpen(rule, kAdd, [](HWND dialog) {
-            click(dialog, IDC_QUOTA_GROUP_MEMBERS);
-            click(dialog, IDC_QUOTA_ALL_FILES);
-        });
+        whileOpen(rule, kAdd, clicks({IDC_QUOTA_GROUP_MEMBERS, IDC_QUOTA_ALL_FILES}));
     });
 }
 
 TEST_F(LeakTest, EditingToTheEnd)
 {
     QuotaRule* const rule = newRule(staff);
-    expectNothingLeft([=] { untilOk(rule, kEdit, [](HWND dialog) { typeLimits(dialog, L"9K", L"8K"); }); });
+    expectNothingLeft([=] { untilOk(rule, kEdit, limits(L"9K", L"8K")); });
 }
 
 TEST_F(LeakTest, RefusedAndCancelled)
 {
     QuotaRule* const rule = newRule();
-    expectNothingLeft(
-        [=] { untilRefused(rule, kAdd, [](HWND dialog) { typeLimits(dialog, L"9", L"8"); }, [](HWND) {}); });
+    expectNothingLeft([=] { untilRefused(rule, kAdd, limits(L"9", L"8"), clicks({})); });
 }
 
 TEST_F(LeakTest, MemberRecordsAreTheCallers)
@@ -77,7 +73,7 @@ TEST_F(LeakTest, MemberRecordsAreTheCallers)
     groupHas(*store, {ann, ann, ann});
     QuotaRule* const rule = newRule(staff);
     expectNothingLeft([=] {
-        untilOk(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
+        untilOk(rule, kAdd, clicks({IDC_QUOTA_GROUP_MEMBERS}));
         int members = 0;
         while (QuotaRule* const member = rule->next) {
             rule->next = member->next;
@@ -152,9 +148,8 @@ TEST_F(LeakTest, AddingAndDropping)
 {
     initializeListCtrl2(host->object(), nullptr);
     expectNothingLeft([this] {
-        DialogScript script;
-        script.onDialog("OK", pressOk);
-        EXPECT_NE(script.run([this] { return addToListCtrl2(host->object(), staff, Paths{L"C:\\a"}); }), 0);
+        EXPECT_NE(Visit().ok().run([this] { return addToListCtrl2(host->object(), staff, Paths{L"C:\\a"}); }),
+                  0);
         QuotaRule* const rule = getDataModified2(host->object());
         host->selectOnly({0});
         EXPECT_NE(dropFromListCtrl2(host->object()), 0);
@@ -166,9 +161,7 @@ TEST_F(LeakTest, AddingByNumber)
 {
     initializeListCtrl2(host->object(), nullptr);
     expectNothingLeft([this] {
-        DialogScript script;
-        script.onDialog("OK", pressOk);
-        EXPECT_NE(script.run([this] {
+        EXPECT_NE(Visit().ok().run([this] {
             return addToListCtrl(host->window(), ListHost::kListId, nullptr, Paths{L"C:\\a"});
         }),
                   0);
@@ -184,11 +177,9 @@ TEST_F(LeakTest, Conflicts)
     store->put(L"C:\\a", nullptr, 1000, 90, 0);
     initializeListCtrl2(host->object(), Paths{L"C:\\a"});
     expectNothingLeft([this] {
-        DialogScript script;
-        script.answerBox(
-            "Limit you've specified is already used. Please change user/group or specify other folder.",
-            kInformation);
-        EXPECT_NE(script.run([this] { return addToListCtrl2(host->object(), nullptr, Paths{L"C:\\a"}); }), 0);
+        EXPECT_NE(Visit().conflict().run(
+                      [this] { return addToListCtrl2(host->object(), nullptr, Paths{L"C:\\a"}); }),
+                  0);
     });
 }
 
@@ -196,7 +187,7 @@ TEST_F(LeakTest, AFailedFolderSize)
 {
     QuotaRule* const rule = newRule();
     expectNothingLeft([=, this] {
-        store->raise("getRealSize", Fault::CppException);
-        whileOpen(rule, kAdd, [](HWND) {});
+        store->raise("getRealSize", Fault::kCppException);
+        whileOpen(rule, kAdd);
     });
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::int64_t kMiB = 1048576;
+constexpr std::int64_t kOneMiB = 1048576;
 
 void expectLimits(Limits limits, std::int64_t hard, std::int64_t soft)
 {
@@ -35,27 +35,28 @@ LimitRules anyone(std::int64_t objectSize, bool allowBelow = false)
 
 TEST(LimitsForSeveralFolders, HundredAndNinetyFiveMegabytes)
 {
-    expectLimits(limitsForSeveralFolders(), 100 * kMiB, 95 * kMiB);
+    expectLimits(limitsForSeveralFolders(), 100 * kOneMiB, 95 * kOneMiB);
 }
 
 TEST(ProposeLimits, FiveTimesTheFolderAboveOneMegabyte)
 {
-    expectLimits(proposeLimits({-1, -1}, 3 * kMiB), 15 * kMiB, 15 * kMiB - 15 * kMiB / 20);
-    expectLimits(proposeLimits({-1, -1}, kMiB + 1), 5 * (kMiB + 1), 5 * (kMiB + 1) - 5 * (kMiB + 1) / 20);
+    expectLimits(proposeLimits({-1, -1}, 3 * kOneMiB), 15 * kOneMiB, 15 * kOneMiB - 15 * kOneMiB / 20);
+    expectLimits(proposeLimits({-1, -1}, kOneMiB + 1), 5 * (kOneMiB + 1),
+                 5 * (kOneMiB + 1) - 5 * (kOneMiB + 1) / 20);
 }
 
 TEST(ProposeLimits, HundredMegabytesForSmallFolders)
 {
     expectLimits(proposeLimits({-1, -1}, 0), 104857600, 99614720);
-    expectLimits(proposeLimits({-1, -1}, kMiB), 104857600, 99614720);
+    expectLimits(proposeLimits({-1, -1}, kOneMiB), 104857600, 99614720);
     expectLimits(proposeLimits({0, 0}, 0), 104857600, 99614720);
 }
 
 TEST(ProposeLimits, PresentLimitsStay)
 {
-    expectLimits(proposeLimits({5000, 4000}, 9 * kMiB), 5000, 4000);
-    expectLimits(proposeLimits({5000, -1}, 9 * kMiB), 5000, 4750);
-    expectLimits(proposeLimits({-1, 4000}, 9 * kMiB), 45 * kMiB, 4000);
+    expectLimits(proposeLimits({5000, 4000}, 9 * kOneMiB), 5000, 4000);
+    expectLimits(proposeLimits({5000, -1}, 9 * kOneMiB), 5000, 4750);
+    expectLimits(proposeLimits({-1, 4000}, 9 * kOneMiB), 45 * kOneMiB, 4000);
     expectLimits(proposeLimits({1, 0}, 0), 1, 1); // 5 % of 1 is nothing
     expectLimits(proposeLimits({100, 300}, 0), 100,
                  300); // only a typed soft limit is held against the hard one

@@ -6,7 +6,6 @@
 #include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/rule_memory.h"
-#include "tests/support/text.h"
 
 #include <commctrl.h>
 #include <malloc.h>
@@ -18,23 +17,14 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace {
-
-constexpr char kAlreadyUsed[] =
-    "Limit you've specified is already used. Please change user/group or specify other folder.";
-constexpr char kNoResources[] = "Not enough resources. Please try to re-run Vantrel Control Panel, and close "
-                                "unnecessary programs.";
-
-} // namespace
-
 TEST_F(ListAddTest, TheSameRuleIsRefused)
 {
-    addWithOk(alice, Paths{L"C:\\data"}, 1);
+    addWithOk(alice, {L"C:\\data"});
     store.takeCalls();
-    DialogScript script;
-    script.answerBox(kAlreadyUsed, kInformation);
-    EXPECT_NE(add(script, alice, Paths{L"C:\\data"}), 0);
-    EXPECT_EQ(script.boxOwner(), host.window()) << "the header's top-level window";
+    Visit visit;
+    visit.conflict();
+    EXPECT_TRUE(add(alice, {L"C:\\data"}, visit));
+    EXPECT_EQ(visit.boxOwner(), host.window()) << "the header's top-level window";
     EXPECT_EQ(host.rowCount(), 1);
     EXPECT_THAT(store.calls(),
                 ElementsAre("debug {alice C:\\data}", "sidcmp alice alice", "debug {alice C:/data}"));
@@ -42,11 +32,9 @@ TEST_F(ListAddTest, TheSameRuleIsRefused)
 
 TEST_F(ListAddTest, TheSameFolderInAnotherSpellingIsRefused)
 {
-    addWithOk(alice, Paths{L"C:\\Data\\Folder"}, 1);
+    addWithOk(alice, {L"C:\\Data\\Folder"});
     for (const wchar_t* const spelling : {L"c:/data/FOLDER", L"C:\\data\\folder", L"C:/DATA\\Folder"}) {
-        DialogScript script;
-        script.answerBox(kAlreadyUsed, kInformation);
-        EXPECT_NE(add(script, alice, Paths{spelling}), 0);
+        EXPECT_TRUE(add(alice, {spelling}, Visit().conflict()));
     }
     EXPECT_EQ(host.rowCount(), 1);
 }
@@ -54,9 +42,9 @@ TEST_F(ListAddTest, TheSameFolderInAnotherSpellingIsRefused)
 TEST_F(ListAddTest, SlashesAreRewrittenInPlaceWhenAccountsAreEqual)
 {
     const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
-    addWithOk(alice, Paths{L"C:\\one"}, 1);
+    addWithOk(alice, {L"C:\\one"});
     const Paths paths{L"C:\\two\\deep"};
-    addWithOk(alice, paths, 1);
+    addWithOk(alice, paths);
     EXPECT_EQ(paths[0], L"C:/two/deep");
     EXPECT_STREQ(host.record(1)->path, L"C:/one");
     EXPECT_STREQ(host.record(0)->path, L"C:/two/deep") << "copied afterwards";
@@ -66,75 +54,57 @@ TEST_F(ListAddTest, SlashesAreRewrittenInPlaceWhenAccountsAreEqual)
 
 TEST_F(ListAddTest, SlashesStayWhenAccountsDiffer)
 {
-    addWithOk(alice, Paths{L"C:\\data"}, 1);
+    addWithOk(alice, {L"C:\\data"});
     const Paths paths{L"C:\\data"};
-    EXPECT_NE(addWithOk(bob, paths, 1), 0);
+    EXPECT_TRUE(addWithOk(bob, paths));
     EXPECT_EQ(paths[0], L"C:\\data");
-    EXPECT_NE(addWithOk(nullptr, paths, 1), 0);
+    EXPECT_TRUE(addWithOk(nullptr, paths));
     EXPECT_EQ(paths[0], L"C:\\data");
     EXPECT_THAT(host.column(5), ElementsAre("C:\\data", "C:\\data", "C:\\data"));
-    EXPECT_THAT(chainTexts(chain()), ElementsAre("Anyone C:\\data", "bob C:\\data", "alice C:\\data"));
+    EXPECT_THAT(chained(), ElementsAre("Anyone C:\\data", "bob C:\\data", "alice C:\\data"));
 }
 
 TEST_F(ListAddTest, EveryConflictHasItsOwnBox)
 {
     store.put(L"C:\\data", nullptr, 2048, 1024, 0);
-    store.put(L"C:\\data", nullptr, 4096, 1024, 0);
-    fillUpListCtrl2(Paths{L"C:\\data"}, host.object());
-    DialogScript script;
-    script.answerBox(kAlreadyUsed, kInformation).answerBox(kAlreadyUsed, kInformation);
-    EXPECT_NE(add(script, nullptr, Paths{L"C:\\data"}), 0);
+    show(L"C:\\data", nullptr, 4096, 1024, 0);
+    EXPECT_TRUE(add(nullptr, {L"C:\\data"}, Visit().conflict().conflict()));
     EXPECT_EQ(host.rowCount(), 2);
 }
 
 TEST_F(ListAddTest, AConflictSkipsThatFolderAlone)
 {
-    addWithOk(nullptr, Paths{L"C:\\a"}, 1);
-    DialogScript script;
-    script.answerBox(kAlreadyUsed, kInformation).onDialog("OK", pressOk);
-    EXPECT_NE(add(script, nullptr, Paths{L"C:\\a", L"C:\\b"}), 0);
+    addWithOk(nullptr, {L"C:\\a"});
+    EXPECT_TRUE(add(nullptr, {L"C:\\a", L"C:\\b"}, Visit().conflict().ok()));
     EXPECT_THAT(host.column(5), ElementsAre("C:/b", "C:\\a"));
 }
 
 TEST_F(ListAddTest, AFolderGivenTwiceConflictsWithItself)
 {
-    DialogScript script;
-    script.onDialog("OK", pressOk).answerBox(kAlreadyUsed, kInformation);
-    EXPECT_NE(add(script, nullptr, Paths{L"C:\\a", L"C:\\A"}), 0);
+    EXPECT_TRUE(add(nullptr, {L"C:\\a", L"C:\\A"}, Visit().ok().conflict()));
     EXPECT_EQ(host.rowCount(), 1);
 }
 
 TEST_F(ListAddTest, LettersOfAllAlphabetsHaveTwoCases)
 {
-    DialogScript script;
-    script.onDialog("OK", pressOk)
-        .answerBox(kAlreadyUsed, kInformation)
-        .answerBox(kAlreadyUsed, kInformation);
-    EXPECT_NE(add(script, nullptr,
-                  Paths{L"C:\\\u00dcbung \u0416", L"c:/\u00fcbung \u0436", L"C:/\u00dcBUNG \u0416"}),
-              0);
+    EXPECT_TRUE(add(nullptr, {L"C:\\\u00dcbung \u0416", L"c:/\u00fcbung \u0436", L"C:/\u00dcBUNG \u0416"},
+                    Visit().ok().conflict().conflict()));
     EXPECT_EQ(host.rowCount(), 1);
 }
 
 TEST_F(ListAddTest, CancelTakesTheRowAway)
 {
-    store.put(L"C:\\old", bob, 2048, 1024, 0);
-    fillUpListCtrl2(Paths{L"C:\\old"}, host.object());
-    DialogScript script;
-    script.onDialog("Cancel", pressCancel);
-    EXPECT_EQ(add(script, nullptr, Paths{L"C:\\data"}), 0);
+    show(L"C:\\old", bob);
+    EXPECT_FALSE(add(nullptr, {L"C:\\data"}, Visit().cancel()));
     EXPECT_THAT(host.column(5), ElementsAre("C:\\old"));
-    EXPECT_THAT(chainTexts(chain()), ElementsAre("bob C:\\old")) << "mended when it is handed back";
+    EXPECT_THAT(chained(), ElementsAre("bob C:\\old")) << "mended when it is handed back";
 }
 
 TEST_F(ListAddTest, CancelEndsTheChain)
 {
-    store.put(L"C:\\old", bob, 2048, 1024, 0);
-    fillUpListCtrl2(Paths{L"C:\\old"}, host.object());
+    show(L"C:\\old", bob);
     store.takeCalls();
-    DialogScript script;
-    script.onDialog("Cancel", pressCancel);
-    add(script, nullptr, Paths{L"C:\\data"});
+    add(nullptr, {L"C:\\data"}, Visit().cancel());
     EXPECT_THAT(store.calls(),
                 ElementsAre("debug {bob C:\\old}", "sidcmp null bob", "debug {Anyone C:\\data}",
                             "getRealSize C:\\data", "debug null", "debug null"));
@@ -142,34 +112,26 @@ TEST_F(ListAddTest, CancelEndsTheChain)
 
 TEST_F(ListAddTest, CancelInABatchStartsANewChain)
 {
-    store.put(L"C:\\old", nullptr, 2048, 1024, 0);
-    fillUpListCtrl2(Paths{L"C:\\old"}, host.object());
-    DialogScript script;
-    script.onDialog("Cancel", pressCancel)
-        .onDialog("no conflict is seen any more", pressOk)
-        .onDialog("OK", pressOk);
-    EXPECT_EQ(add(script, nullptr, Paths{L"C:\\a", L"C:\\old", L"C:\\b"}), 0);
+    show(L"C:\\old", nullptr);
+    EXPECT_FALSE(add(nullptr, {L"C:\\a", L"C:\\old", L"C:\\b"}, Visit().cancel().ok().ok()));
     EXPECT_THAT(host.column(5), ElementsAre("C:/b", "C:\\old", "C:\\old"));
     EXPECT_EQ(store.calls().back(), "debug {Anyone C:/b, Anyone C:/old}");
-    EXPECT_THAT(chainTexts(chain()), ElementsAre("Anyone C:/b", "Anyone C:/old", "Anyone C:/old"));
+    EXPECT_THAT(chained(), ElementsAre("Anyone C:/b", "Anyone C:/old", "Anyone C:/old"));
 }
 
 TEST_F(ListAddTest, CancellingTheLastOfABatchGivesFalse)
 {
-    DialogScript script;
-    script.onDialog("OK", pressOk).onDialog("Cancel", pressCancel);
-    EXPECT_EQ(add(script, alice, Paths{L"C:\\a", L"C:\\b"}), 0);
+    EXPECT_FALSE(add(alice, {L"C:\\a", L"C:\\b"}, Visit().ok().cancel()));
     EXPECT_EQ(host.rowCount(), 1);
 }
 
 TEST_F(ListAddTest, WithoutFoldersNothingIsDone)
 {
-    store.put(L"C:\\old", bob, 2048, 1024, 0);
-    fillUpListCtrl2(Paths{L"C:\\old"}, host.object());
+    show(L"C:\\old", bob);
     store.takeCalls();
     EXPECT_NE(addToListCtrl2(host.object(), nullptr, nullptr), 0);
     EXPECT_THAT(store.calls(), IsEmpty());
-    EXPECT_NE(addToListCtrl2(host.object(), nullptr, Paths{}), 0);
+    EXPECT_TRUE(addWithOk(nullptr, {}));
     EXPECT_THAT(store.calls(), ElementsAre("debug {bob C:\\old}", "debug {bob C:\\old}"));
     EXPECT_THAT(host.column(5), ElementsAre("C:\\old"));
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("bob C:\\old"));
@@ -178,37 +140,29 @@ TEST_F(ListAddTest, WithoutFoldersNothingIsDone)
 TEST_F(ListAddTest, ADialogThatCannotBeShownCountsAsCancelled)
 {
     const HiddenDialog all;
-    EXPECT_EQ(addToListCtrl2(host.object(), nullptr, Paths{L"C:\\a", L"C:\\b"}), 0);
+    EXPECT_FALSE(add(nullptr, {L"C:\\a", L"C:\\b"}));
     EXPECT_EQ(host.rowCount(), 0);
     EXPECT_EQ(chain(), nullptr);
 }
 
 TEST_F(ListAddTest, TheListsWindowOwnsTheDialog)
 {
-    DialogScript script;
-    script
-        .onDialog("look",
-                  [this](HWND dialog) {
-                      EXPECT_EQ(GetWindow(dialog, GW_OWNER), host.window());
-                      EXPECT_FALSE(IsWindowEnabled(host.window()));
-                  })
-        .onDialog("OK", pressOk);
-    add(script, nullptr, Paths{L"C:\\a"});
+    add(nullptr, {L"C:\\a"}, Visit().ok([this](HWND dialog) {
+        EXPECT_EQ(GetWindow(dialog, GW_OWNER), host.window());
+        EXPECT_FALSE(IsWindowEnabled(host.window()));
+    }));
     EXPECT_TRUE(IsWindowEnabled(host.window()));
 }
 
 TEST_F(ListAddTest, AListWithoutAChildOwnsNothing)
 {
-    store.put(L"C:\\old", nullptr, 2048, 1024, 0);
-    fillUpListCtrl2(Paths{L"C:\\old"}, host.object());
+    show(L"C:\\old", nullptr);
     DestroyWindow(host.header());
     ASSERT_EQ(GetTopWindow(host.list()), nullptr);
-    DialogScript script;
-    script.answerBox(kAlreadyUsed, kInformation)
-        .onDialog("look", [](HWND dialog) { EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr); })
-        .onDialog("OK", pressOk);
-    EXPECT_NE(add(script, nullptr, Paths{L"C:\\old", L"C:\\new"}), 0);
-    EXPECT_EQ(script.boxOwner(), nullptr);
+    Visit visit;
+    visit.conflict().ok([](HWND dialog) { EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr); });
+    EXPECT_TRUE(add(nullptr, {L"C:\\old", L"C:\\new"}, visit));
+    EXPECT_EQ(visit.boxOwner(), nullptr);
     EXPECT_EQ(host.rowCount(), 2);
 }
 
@@ -247,13 +201,12 @@ int noteMinimize()
 
 TEST_F(ListAddTest, BoxesArePlainAndBelongToTheHeader)
 {
-    addWithOk(nullptr, Paths{L"C:\\a"}, 1);
+    addWithOk(nullptr, {L"C:\\a"});
     const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
     ASSERT_EQ(box.count(), 1);
     boxes.clear();
-    EXPECT_NE(addToListCtrl2(host.object(), nullptr, Paths{L"C:\\a"}), 0);
-    EXPECT_THAT(
-        boxes, ElementsAre(std::string("Information: ") + kAlreadyUsed + " (" + std::to_string(MB_OK) + ")"));
+    EXPECT_TRUE(add(nullptr, {L"C:\\a"}));
+    EXPECT_THAT(boxes, ElementsAre(std::string("Information: ") + kAlreadyUsed + " (0)"));
     EXPECT_EQ(boxOwner, host.header());
 }
 
@@ -261,13 +214,13 @@ TEST_F(ListAddTest, WithoutMemoryTheFolderIsSkipped)
 {
     const ImportPatch memory(ImportPatch::corvane(), "malloc", refuseRecords);
     ASSERT_EQ(memory.count(), 1);
-    DialogScript script;
-    script.answerBox(kNoResources, kInformation).answerBox(kNoResources, kInformation);
-    EXPECT_NE(add(script, nullptr, Paths{L"C:\\a", L"C:\\b"}), 0);
-    EXPECT_EQ(script.boxOwner(), host.window());
+    Visit visit;
+    visit.noResources().noResources();
+    EXPECT_TRUE(add(nullptr, {L"C:\\a", L"C:\\b"}, visit));
+    EXPECT_EQ(visit.boxOwner(), host.window());
     EXPECT_EQ(host.rowCount(), 0);
     EXPECT_THAT(store.calls(), Contains("debug null"));
-    EXPECT_THAT(store.calls(), testing::Not(Contains("getRealSize C:\\a")));
+    EXPECT_THAT(store.callsWith("getRealSize"), IsEmpty());
 }
 
 TEST_F(ListAddTest, UnusedHeapIsGivenBackAfterACheck)
@@ -278,7 +231,7 @@ TEST_F(ListAddTest, UnusedHeapIsGivenBackAfterACheck)
     ASSERT_EQ(minimize.count(), 1);
     heapCalls.clear();
     heapState = _HEAPOK;
-    addWithOk(nullptr, Paths{L"C:\\a", L"C:\\b"}, 2);
+    addWithOk(nullptr, {L"C:\\a", L"C:\\b"});
     EXPECT_THAT(heapCalls, ElementsAre("check", "minimize", "check", "minimize"));
     heapCalls.clear();
     const auto copy = store.answer.sidDup;
@@ -286,36 +239,33 @@ TEST_F(ListAddTest, UnusedHeapIsGivenBackAfterACheck)
         heapCalls.emplace_back("copy of the account");
         return copy(sid);
     };
-    addWithOk(alice, Paths{L"C:\\d"}, 1);
-    ASSERT_GE(heapCalls.size(), 3u);
-    EXPECT_EQ(heapCalls[0], "check");
-    EXPECT_EQ(heapCalls[1], "minimize");
-    EXPECT_EQ(heapCalls[2], "copy of the account");
+    addWithOk(alice, {L"C:\\d"});
+    heapCalls.resize(3);
+    EXPECT_THAT(heapCalls, ElementsAre("check", "minimize", "copy of the account"));
     store.answer.sidDup = copy;
     heapCalls.clear();
     heapState = _HEAPBADNODE;
-    addWithOk(nullptr, Paths{L"C:\\c"}, 1);
+    addWithOk(nullptr, {L"C:\\c"});
     EXPECT_THAT(heapCalls, ElementsAre("check"));
 }
 
 TEST_F(ListAddTest, ShowsTheWaitCursorWhileMeasuringSeveralFolders)
 {
-    const HCURSOR wait = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT));
     int measured = 0;
     store.answer.getRealSize = [&](const wchar_t*) -> int64_t {
-        EXPECT_EQ(GetCursor(), wait);
+        EXPECT_TRUE(showsWaitCursor());
         ++measured;
         return 0;
     };
-    SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW)));
-    addWithOk(nullptr, Paths{L"C:\\a", L"C:\\b"}, 2);
+    SetCursor(nullptr);
+    addWithOk(nullptr, {L"C:\\a", L"C:\\b"});
     EXPECT_EQ(measured, 4);
-    EXPECT_NE(GetCursor(), wait);
+    EXPECT_FALSE(showsWaitCursor());
 }
 
 TEST_F(ListAddTest, AnUnshownDialogIsDumpedAsNothing)
 {
     const HiddenDialog all;
-    addToListCtrl2(host.object(), nullptr, Paths{L"C:\\a"});
+    add(nullptr, {L"C:\\a"});
     EXPECT_THAT(store.calls(), ElementsAre("debug {Anyone C:\\a}", "debug null", "debug null"));
 }

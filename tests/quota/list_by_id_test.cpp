@@ -1,7 +1,5 @@
 // The list functions that take a dialog and a control number.
-#include "tests/quota/quota_settings.h"
-#include "tests/support/list_host.h"
-#include "tests/support/paths.h"
+#include "tests/quota/rule_list_test.h"
 
 #include <commctrl.h>
 
@@ -10,30 +8,20 @@
 using namespace quota_settings;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace {
 
-struct ListByIdTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-    void SetUp() override { initializeListCtrl(host.window(), ListHost::kListId, nullptr); }
+struct ListByIdTest : RuleListTest {
+    void SetUp() override { initializeListCtrl(host.window(), kList, nullptr); }
 
-    std::vector<std::string> callsAboutFolders() const
+    std::vector<std::string> callsAboutFolders() const { return store.callsWith("Path"); }
+
+    bool add(const PathList* paths, DialogScript& script, void* sid = nullptr)
     {
-        std::vector<std::string> calls;
-        for (const std::string& call : store.calls()) {
-            if (call.find("Path") != std::string::npos) {
-                calls.push_back(call);
-            }
-        }
-        return calls;
+        return script.run([&] { return addToListCtrl(host.window(), kList, sid, paths); }) != 0;
     }
 
-    unsigned char add(const PathList* paths, DialogScript& script, void* sid = nullptr)
-    {
-        return script.run([=, this] { return addToListCtrl(host.window(), ListHost::kListId, sid, paths); });
-    }
+    static constexpr int kList = ListHost::kListId;
 };
 
 } // namespace
@@ -42,39 +30,36 @@ TEST_F(ListByIdTest, Prepare)
 {
     EXPECT_EQ(Header_GetItemCount(host.header()), 6);
     store.put(L"C:\\a", nullptr, 2048, 1024, 0);
-    initializeListCtrl(host.window(), ListHost::kListId, Paths{L"C:\\a"});
-    EXPECT_EQ(countItems(host.window(), ListHost::kListId), 1);
+    initializeListCtrl(host.window(), kList, Paths{L"C:\\a"});
+    EXPECT_EQ(countItems(host.window(), kList), 1);
 }
 
 TEST_F(ListByIdTest, FillEditDropSortAndHandBack)
 {
     store.put(L"C:\\a", nullptr, 2048, 1024, 0);
     store.put(L"C:\\b", nullptr, 4096, 1024, 0);
-    fillUpListCtrl(Paths{L"C:\\a", L"C:\\b"}, host.window(), ListHost::kListId);
-    EXPECT_EQ(countItems(host.window(), ListHost::kListId), 2);
-    EXPECT_EQ(getDataModified(host.window(), ListHost::kListId), host.record(0));
+    fillUpListCtrl(Paths{L"C:\\a", L"C:\\b"}, host.window(), kList);
+    EXPECT_EQ(countItems(host.window(), kList), 2);
+    EXPECT_EQ(getDataModified(host.window(), kList), host.record(0));
 
-    sortListCtrl(host.window(), ListHost::kListId, 4);
-    sortListCtrl(host.window(), ListHost::kListId, 1);
+    sortListCtrl(host.window(), kList, 4);
+    sortListCtrl(host.window(), kList, 1);
     EXPECT_THAT(host.column(5), ElementsAre("C:\\a", "C:\\b"));
 
     host.selectOnly({1});
-    DialogScript script;
-    script.onDialog("type", [](HWND dialog) { typeLimits(dialog, L"9K", L"8K"); }).onDialog("OK", pressOk);
-    EXPECT_NE(script.run([this] { return editFromListCtrl(host.window(), ListHost::kListId); }), 0);
+    EXPECT_NE(Visit().ok(limits(L"9K", L"8K")).run([this] { return editFromListCtrl(host.window(), kList); }),
+              0);
     EXPECT_EQ(host.row(1), "Anyone|9216 |8192 |0 |00%|C:\\b");
 
-    EXPECT_NE(dropFromListCtrl(host.window(), ListHost::kListId), 0);
+    EXPECT_NE(dropFromListCtrl(host.window(), kList), 0);
     EXPECT_THAT(host.column(5), ElementsAre("C:\\a"));
-    EXPECT_EQ(dropFromListCtrl(host.window(), ListHost::kListId), 0);
+    EXPECT_EQ(dropFromListCtrl(host.window(), kList), 0);
     EXPECT_TRUE(IsWindow(host.list())) << "the control outlives the call";
 }
 
 TEST_F(ListByIdTest, AddingMakesTheFoldersKnown)
 {
-    DialogScript script;
-    script.onDialog("OK", pressOk).onDialog("OK", pressOk);
-    EXPECT_NE(add(Paths{L"C:\\a", L"C:\\b"}, script), 0);
+    EXPECT_TRUE(add(Paths{L"C:\\a", L"C:\\b"}, Visit().ok().ok()));
     EXPECT_THAT(callsAboutFolders(),
                 ElementsAre("getKnownPaths", "appendToPaths null C:\\a", "appendToPaths [C:\\a] C:/b",
                             "storeKnownPaths [C:\\a, C:/b]", "freePathList [C:\\a, C:/b]"))
@@ -89,9 +74,7 @@ TEST_F(ListByIdTest, AddingAppendsToTheKnownFolders)
     store.answer.getKnownPaths = [append] {
         return append(nullptr, L"C:\\known");
     };
-    DialogScript script;
-    script.onDialog("OK", pressOk);
-    add(Paths{L"C:\\a"}, script);
+    add(Paths{L"C:\\a"}, Visit().ok());
     EXPECT_THAT(callsAboutFolders(),
                 ElementsAre("getKnownPaths", "appendToPaths [C:\\known] C:\\a",
                             "storeKnownPaths [C:\\known, C:\\a]", "freePathList [C:\\known, C:\\a]"));
@@ -99,23 +82,15 @@ TEST_F(ListByIdTest, AddingAppendsToTheKnownFolders)
 
 TEST_F(ListByIdTest, CancellingOneFolderMakesNoneKnown)
 {
-    DialogScript script;
-    script.onDialog("OK", pressOk).onDialog("Cancel", pressCancel).onDialog("OK", pressOk);
-    EXPECT_EQ(add(Paths{L"C:\\a", L"C:\\b", L"C:\\c"}, script), 0);
+    EXPECT_FALSE(add(Paths{L"C:\\a", L"C:\\b", L"C:\\c"}, Visit().ok().cancel().ok()));
     EXPECT_THAT(callsAboutFolders(), IsEmpty());
 }
 
 TEST_F(ListByIdTest, AFolderThatIsPassedOverIsMadeKnownAllTheSame)
 {
-    DialogScript first;
-    first.onDialog("OK", pressOk);
-    add(Paths{L"C:\\a"}, first);
+    add(Paths{L"C:\\a"}, Visit().ok());
     store.takeCalls();
-    DialogScript second;
-    second.answerBox(
-        "Limit you've specified is already used. Please change user/group or specify other folder.",
-        "Information");
-    EXPECT_NE(add(Paths{L"C:\\a"}, second), 0);
+    EXPECT_TRUE(add(Paths{L"C:\\a"}, Visit().conflict()));
     EXPECT_THAT(callsAboutFolders(), ElementsAre("getKnownPaths", "appendToPaths null C:/a",
                                                  "storeKnownPaths [C:/a]", "freePathList [C:/a]"));
 }
@@ -129,15 +104,14 @@ TEST_F(ListByIdTest, AddingForNoFolderStoresTheKnownOnesAgain)
         store.answer.getKnownPaths = [append] {
             return append(nullptr, L"C:\\known");
         };
-        DialogScript script;
-        EXPECT_NE(add(none, script), 0);
+        EXPECT_NE(addToListCtrl(host.window(), kList, nullptr, none), 0);
         EXPECT_THAT(callsAboutFolders(),
                     ElementsAre("getKnownPaths", "storeKnownPaths [C:\\known]", "freePathList [C:\\known]"));
         store.takeCalls();
         store.answer.getKnownPaths = [] {
             return nullptr;
         };
-        EXPECT_NE(add(none, script), 0);
+        EXPECT_NE(addToListCtrl(host.window(), kList, nullptr, none), 0);
         EXPECT_THAT(callsAboutFolders(),
                     ElementsAre("getKnownPaths", "storeKnownPaths null", "freePathList null"));
         store.takeCalls();
@@ -147,9 +121,9 @@ TEST_F(ListByIdTest, AddingForNoFolderStoresTheKnownOnesAgain)
 TEST_F(ListByIdTest, NoFolderFillsNothing)
 {
     store.put(L"C:\\a", nullptr, 2048, 1024, 0);
-    fillUpListCtrl(Paths{L"C:\\a"}, host.window(), ListHost::kListId);
+    fillUpListCtrl(Paths{L"C:\\a"}, host.window(), kList);
     store.takeCalls();
-    fillUpListCtrl(nullptr, host.window(), ListHost::kListId);
+    fillUpListCtrl(nullptr, host.window(), kList);
     fillUpListCtrl2(nullptr, host.object());
     EXPECT_THAT(store.calls(), IsEmpty());
     EXPECT_THAT(host.column(5), ElementsAre("C:\\a"));
@@ -157,8 +131,6 @@ TEST_F(ListByIdTest, NoFolderFillsNothing)
 
 TEST_F(ListByIdTest, AnyoneCanBeOne)
 {
-    DialogScript script;
-    script.onDialog("OK", pressOk);
-    add(Paths{L"C:\\a"}, script, CORVANE_ANYONE);
+    add(Paths{L"C:\\a"}, Visit().ok(), CORVANE_ANYONE);
     EXPECT_THAT(host.column(0), ElementsAre("Anyone"));
 }

@@ -1,7 +1,6 @@
 // Preparing a list view for quota rules.
-#include "tests/support/list_host.h"
-#include "tests/support/paths.h"
-#include "tests/support/recording_store.h"
+#include "tests/quota/rule_list_test.h"
+
 #include "tests/support/text.h"
 
 #include <commctrl.h>
@@ -39,10 +38,7 @@ LRESULT CALLBACK listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
     return DefSubclassProc(window, message, wParam, lParam);
 }
 
-struct ListColumnsTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-
+struct ListColumnsTest : RuleListTest {
     DWORD extendedStyle() const
     {
         return static_cast<DWORD>(SendMessageW(host.list(), LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
@@ -57,14 +53,14 @@ TEST_F(ListColumnsTest, AreInsertedInThisOrder)
 {
     told.clear();
     SetWindowSubclass(host.list(), listen, 1, 0);
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     EXPECT_THAT(told, ElementsAre("delete all rows", "insert column 0 \"Credentials\" 100 right",
                                   "insert column 1 \"Quota Limit\" 50 right",
                                   "insert column 2 \"Soft Quota Limit\" 50 right",
                                   "insert column 3 \"In Use\" 50 right", "insert column 4 \"%%\" 40 right",
                                   "insert column 5 \"Defined in\" 100 right"));
     told.clear();
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     EXPECT_THAT(std::vector(told.begin(), told.begin() + 7),
                 ElementsAre("delete all rows", "delete column 0", "delete column 0", "delete column 0",
                             "delete column 0", "delete column 0", "delete column 0"));
@@ -73,7 +69,7 @@ TEST_F(ListColumnsTest, AreInsertedInThisOrder)
 
 TEST_F(ListColumnsTest, StandInTheHeader)
 {
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     EXPECT_THAT(host.columns(), ElementsAre(testing::StartsWith("Credentials 100"), "Quota Limit 50 right",
                                             "Soft Quota Limit 50 right", "In Use 50 right", "%% 40 right",
                                             "Defined in 100 right"));
@@ -88,7 +84,7 @@ TEST_F(ListColumnsTest, TakeThePlaceOfWhatWasThere)
         SendMessageW(host.list(), LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
     }
     host.addRow(0, {L"a"});
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     EXPECT_EQ(Header_GetItemCount(host.header()), 6);
     EXPECT_EQ(host.rowCount(), 0);
     EXPECT_THAT(store.calls(), IsEmpty());
@@ -97,13 +93,13 @@ TEST_F(ListColumnsTest, TakeThePlaceOfWhatWasThere)
 TEST_F(ListColumnsTest, ExtendedStylesAreAddedToThoseThatAreThere)
 {
     SendMessageW(host.list(), LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_CHECKBOXES | LVS_EX_ONECLICKACTIVATE);
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     EXPECT_EQ(extendedStyle(), kAdded | LVS_EX_CHECKBOXES | LVS_EX_ONECLICKACTIVATE);
 }
 
 TEST_F(ListColumnsTest, ExtendedStylesAreThese)
 {
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     EXPECT_EQ(extendedStyle(), kAdded);
 }
 
@@ -111,7 +107,7 @@ TEST_F(ListColumnsTest, FoldersAreFilledInAtOnce)
 {
     store.put(L"C:\\a", nullptr, 2048, 1024, 0);
     store.put(L"C:\\b", nullptr, 4096, 1024, 0);
-    initializeListCtrl2(host.object(), Paths{L"C:\\b", L"C:\\a"});
+    prepare({L"C:\\b", L"C:\\a"});
     EXPECT_THAT(store.calls(), ElementsAre("getQuotaList C:\\b", "getQuotaList C:\\a"));
     EXPECT_THAT(host.column(5), ElementsAre("C:\\a", "C:\\b"));
 }
@@ -119,9 +115,9 @@ TEST_F(ListColumnsTest, FoldersAreFilledInAtOnce)
 TEST_F(ListColumnsTest, PreparingAgainFillsAfresh)
 {
     store.put(L"C:\\a", nullptr, 2048, 1024, 0);
-    initializeListCtrl2(host.object(), Paths{L"C:\\a"});
-    initializeListCtrl2(host.object(), Paths{L"C:\\a"});
+    prepare({L"C:\\a"});
+    prepare({L"C:\\a"});
     EXPECT_EQ(host.rowCount(), 1);
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     EXPECT_EQ(host.rowCount(), 0);
 }

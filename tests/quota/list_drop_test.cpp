@@ -1,8 +1,7 @@
 // Dropping rows, and handing the chain back.
-#include "tests/support/list_host.h"
+#include "tests/quota/rule_list_test.h"
+
 #include "tests/support/message_watch.h"
-#include "tests/support/paths.h"
-#include "tests/support/recording_store.h"
 
 #include <commctrl.h>
 
@@ -13,24 +12,18 @@ using testing::IsEmpty;
 
 namespace {
 
-struct ListDropTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-
-    void fill(int rows)
+struct ListDropTest : RuleListTest {
+    /// Rows of the folders "0", "1", ... from top to bottom.
+    void fillRows(int rows)
     {
-        initializeListCtrl2(host.object(), nullptr);
         store.answer.getQuotaList = [rows](const wchar_t*) {
-            QuotaRule* first = nullptr;
-            for (int i = 0; i < rows; ++i) {
-                const std::wstring path(1, static_cast<wchar_t>(L'0' + i));
-                QuotaRule* const rule = RecordingStore::makeRule(path.c_str(), nullptr, 100, 90, 0);
-                rule->next = first;
-                first = rule;
+            std::vector<QuotaRule*> rules; // the last comes first, and so ends up at the bottom
+            for (int i = rows; i-- > 0;) {
+                rules.push_back(RecordingStore::makeRule(std::to_wstring(i).c_str(), nullptr, 100, 90, 0));
             }
-            return first; // the last comes first, and so ends up at the bottom
+            return RecordingStore::linked(rules);
         };
-        fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+        prepare({L"C:\\a"});
         store.takeCalls();
     }
 };
@@ -39,9 +32,8 @@ struct ListDropTest : testing::Test {
 
 TEST_F(ListDropTest, RowsOneAndThreeOfFive)
 {
-    fill(5);
-    host.selectOnly({1, 3});
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    fillRows(5);
+    EXPECT_TRUE(drop({1, 3}));
     EXPECT_THAT(host.column(5), ElementsAre("0", "2", "4"));
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("Anyone 0", "Anyone 2", "Anyone 4"));
     EXPECT_EQ(host.record(0)->next, host.record(1));
@@ -52,31 +44,30 @@ TEST_F(ListDropTest, RowsOneAndThreeOfFive)
 
 TEST_F(ListDropTest, NeighboursAndEnds)
 {
-    fill(6);
-    host.selectOnly({0, 2, 3, 5});
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    fillRows(6);
+    EXPECT_TRUE(drop({0, 2, 3, 5}));
     EXPECT_THAT(host.column(5), ElementsAre("1", "4"));
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("Anyone 1", "Anyone 4"));
 }
 
 TEST_F(ListDropTest, TheHostIsToldOfEachDroppedRow)
 {
-    fill(6);
+    fillRows(6);
     host.selectOnly({1, 3, 4});
-    std::vector<LPARAM> expected{host.data(1), host.data(3), host.data(4)};
+    const std::vector<LPARAM> expected{host.data(1), host.data(3), host.data(4)};
     std::vector<LPARAM> told;
     const MessageWatch watch(host.window(), [&](UINT message, WPARAM, LPARAM header) {
         if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(header)->code == LVN_DELETEITEM) {
             told.push_back(reinterpret_cast<const NMLISTVIEW*>(header)->lParam);
         }
     });
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(drop());
     EXPECT_THAT(told, testing::UnorderedElementsAreArray(expected));
 }
 
 TEST_F(ListDropTest, RowsThatGoMoveNoneThatGo)
 {
-    fill(6);
+    fillRows(6);
     host.selectOnly({1, 3, 4});
     std::vector<WPARAM> deleted;
     const MessageWatch watch(host.list(), [&](UINT message, WPARAM row, LPARAM) {
@@ -85,19 +76,18 @@ TEST_F(ListDropTest, RowsThatGoMoveNoneThatGo)
             EXPECT_EQ(host.selectedCount(), 0u);
         }
     });
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(drop());
     EXPECT_THAT(deleted, ElementsAre(4u, 3u, 1u));
 }
 
 TEST_F(ListDropTest, RecordsLeaveTheChainDownwards)
 {
-    fill(4);
+    fillRows(4);
     QuotaRule* const first = host.record(0);
     QuotaRule* const upper = host.record(1);
     QuotaRule* const lower = host.record(2);
     QuotaRule* const last = host.record(3);
-    host.selectOnly({1, 2});
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(drop({1, 2}));
     EXPECT_EQ(upper->prev, first);
     EXPECT_EQ(upper->next, lower);
     EXPECT_EQ(lower->prev, first);
@@ -108,10 +98,10 @@ TEST_F(ListDropTest, RecordsLeaveTheChainDownwards)
 
 TEST_F(ListDropTest, TheFocusStaysOnItsRow)
 {
-    fill(6);
+    fillRows(6);
     host.selectOnly({0, 1, 4});
     host.focus(3);
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(drop());
     EXPECT_EQ(host.focused(), 1);
     EXPECT_THAT(host.column(5), ElementsAre("2", "3", "5"));
     EXPECT_EQ(host.selectedCount(), 0u);
@@ -119,31 +109,30 @@ TEST_F(ListDropTest, TheFocusStaysOnItsRow)
 
 TEST_F(ListDropTest, AllRows)
 {
-    fill(3);
-    host.selectOnly({0, 1, 2});
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    fillRows(3);
+    EXPECT_TRUE(drop({0, 1, 2}));
     EXPECT_EQ(host.rowCount(), 0);
-    EXPECT_EQ(getDataModified2(host.object()), nullptr);
+    EXPECT_EQ(chain(), nullptr);
 }
 
 TEST_F(ListDropTest, AnEmptyListGivesFalse)
 {
-    initializeListCtrl2(host.object(), nullptr);
-    EXPECT_EQ(dropFromListCtrl2(host.object()), 0);
+    prepare();
+    EXPECT_FALSE(drop());
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
 TEST_F(ListDropTest, NoSelectionGivesFalse)
 {
-    fill(3);
-    EXPECT_EQ(dropFromListCtrl2(host.object()), 0);
+    fillRows(3);
+    EXPECT_FALSE(drop());
     EXPECT_EQ(host.rowCount(), 3);
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("Anyone 0", "Anyone 1", "Anyone 2"));
 }
 
 TEST_F(ListDropTest, WithoutAListNothingIsDropped)
 {
-    fill(3);
+    fillRows(3);
     host.selectOnly({1});
     constexpr int kButton = 77;
     host.addControl(kButton);
@@ -161,50 +150,36 @@ TEST_F(ListDropTest, WithoutAListNothingIsDropped)
 
 TEST_F(ListDropTest, AsksTheStoreNothing)
 {
-    fill(3);
-    host.selectOnly({1});
-    dropFromListCtrl2(host.object());
+    fillRows(3);
+    drop({1});
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
 TEST_F(ListDropTest, KeepsTheDroppedRecord)
 {
-    fill(3);
+    fillRows(3);
     QuotaRule* const dropped = host.record(1);
-    host.selectOnly({1});
-    dropFromListCtrl2(host.object());
+    drop({1});
     EXPECT_STREQ(dropped->path, L"1");
     EXPECT_EQ(dropped->hardLimit, 100);
 }
 
 TEST_F(ListDropTest, LeavesTheDroppedRuleFreeToBeFilledAgain)
 {
-    fill(3);
-    host.selectOnly({0, 1, 2});
-    dropFromListCtrl2(host.object());
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fillRows(3);
+    drop({0, 1, 2});
+    fill({L"C:\\a"});
     EXPECT_THAT(host.column(5), ElementsAre("0", "1", "2"));
 }
 
 TEST_F(ListDropTest, EverySecondOfAThousand)
 {
-    initializeListCtrl2(host.object(), nullptr);
-    store.answer.getQuotaList = [](const wchar_t*) {
-        QuotaRule* first = nullptr;
-        for (int i = 0; i < 1000; ++i) {
-            QuotaRule* const rule = RecordingStore::makeRule(std::to_wstring(i).c_str(), nullptr, 100, 90, 0);
-            rule->next = first;
-            first = rule;
-        }
-        return first;
-    };
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fillRows(1000);
     std::vector<int> odd;
     for (int i = 1; i < 1000; i += 2) {
         odd.push_back(i);
     }
-    host.selectOnly(odd);
-    EXPECT_NE(dropFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(drop(odd));
     ASSERT_EQ(host.rowCount(), 500);
     const auto chain = chainTexts(host.record(0));
     ASSERT_EQ(chain.size(), 500u);
@@ -216,19 +191,19 @@ TEST_F(ListDropTest, EverySecondOfAThousand)
 
 TEST_F(ListDropTest, TheChainOfAnEmptyListIsNull)
 {
-    initializeListCtrl2(host.object(), nullptr);
-    EXPECT_EQ(getDataModified2(host.object()), nullptr);
+    prepare();
+    EXPECT_EQ(chain(), nullptr);
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
 TEST_F(ListDropTest, TheChainIsHandedBackInRowOrderAndDumped)
 {
-    fill(3);
+    fillRows(3);
     for (int row = 0; row < 3; ++row) { // broken, as an outsider might
         host.record(row)->next = host.record(row);
         host.record(row)->prev = host.record(2);
     }
-    QuotaRule* const first = getDataModified2(host.object());
+    QuotaRule* const first = chain();
     EXPECT_EQ(first, host.record(0));
     EXPECT_THAT(chainTexts(first), ElementsAre("Anyone 0", "Anyone 1", "Anyone 2"));
     EXPECT_THAT(store.calls(), ElementsAre("debug {Anyone 0, Anyone 1, Anyone 2}"));
@@ -236,18 +211,18 @@ TEST_F(ListDropTest, TheChainIsHandedBackInRowOrderAndDumped)
 
 TEST_F(ListDropTest, TheChainFollowsTheSortedRows)
 {
-    fill(3);
-    sortListCtrl2(host.object(), 0);
-    sortListCtrl2(host.object(), 5); // numbers, small to large
-    sortListCtrl2(host.object(), 5); // and the other way round
+    fillRows(3);
+    sort(0);
+    sort(5); // numbers, small to large
+    sort(5); // and the other way round
     EXPECT_THAT(host.column(5), ElementsAre("2", "1", "0"));
-    EXPECT_THAT(chainTexts(getDataModified2(host.object())), ElementsAre("Anyone 2", "Anyone 1", "Anyone 0"));
+    EXPECT_THAT(chained(), ElementsAre("Anyone 2", "Anyone 1", "Anyone 0"));
 }
 
 TEST_F(ListDropTest, RowsAreCounted)
 {
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     EXPECT_EQ(countItems2(host.object()), 0);
-    fill(4);
+    fillRows(4);
     EXPECT_EQ(countItems2(host.object()), 4);
 }

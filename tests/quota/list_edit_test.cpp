@@ -1,11 +1,9 @@
 // Editing a rule of the quota list.
+#include "tests/quota/rule_list_test.h"
+
 #include "res/resource.h"
-#include "tests/quota/quota_settings.h"
 #include "tests/support/faulting_call.h"
 #include "tests/support/hidden_dialog.h"
-#include "tests/support/import_patch.h"
-#include "tests/support/list_host.h"
-#include "tests/support/paths.h"
 
 #include <gmock/gmock.h>
 
@@ -15,9 +13,7 @@ using testing::IsEmpty;
 
 namespace {
 
-struct ListEditTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
+struct ListEditTest : RuleListTest {
     void* const alice = store.account("alice");
 
     void SetUp() override
@@ -25,13 +21,8 @@ struct ListEditTest : testing::Test {
         store.put(L"C:\\c", nullptr, 4096, 3072, 100);
         store.put(L"C:\\b", alice, 4096, 3072, 1000);
         store.put(L"C:\\a", nullptr, 4096, 3072, 0);
-        initializeListCtrl2(host.object(), Paths{L"C:\\c", L"C:\\b", L"C:\\a"});
+        prepare({L"C:\\c", L"C:\\b", L"C:\\a"});
         store.takeCalls();
-    }
-
-    unsigned char edit(DialogScript& script)
-    {
-        return script.run([this] { return editFromListCtrl2(host.object()); });
     }
 };
 
@@ -41,10 +32,7 @@ TEST_F(ListEditTest, RewritesTheRow)
 {
     host.selectOnly({1});
     QuotaRule* const rule = host.record(1);
-    DialogScript script;
-    script.onDialog("type", [](HWND dialog) { typeLimits(dialog, L"2000", L"1500"); })
-        .onDialog("OK", pressOk);
-    EXPECT_NE(edit(script), 0);
+    EXPECT_TRUE(edit(Visit().ok(limits(L"2000", L"1500"))));
     EXPECT_THAT(host.rows(),
                 ElementsAre("Anyone|4096 |3072 |0 |00%|C:\\a", "alice|2000 |1500 |1000 |50%|C:\\b",
                             "Anyone|4096 |3072 |100 |02%|C:\\c"));
@@ -55,9 +43,7 @@ TEST_F(ListEditTest, RewritesTheRow)
 TEST_F(ListEditTest, AsksTheStoreInThisOrder)
 {
     host.selectOnly({1});
-    DialogScript script;
-    script.onDialog("OK", pressOk);
-    edit(script);
+    edit(Visit().ok());
     EXPECT_THAT(store.calls(), ElementsAre("getAccountBySidW alice 128", "getRealSize C:\\b",
                                            "debug {alice C:\\b, Anyone C:\\c}"));
 }
@@ -65,21 +51,13 @@ TEST_F(ListEditTest, AsksTheStoreInThisOrder)
 TEST_F(ListEditTest, ShowsTheTemplateForEditing)
 {
     host.selectOnly({0});
-    DialogScript script;
-    script
-        .onDialog("look",
-                  [](HWND dialog) { EXPECT_EQ(GetDlgItem(dialog, IDC_QUOTA_GROUP_MEMBERS), nullptr); })
-        .onDialog("OK", pressOk);
-    edit(script);
+    edit(Visit().ok([](HWND dialog) { EXPECT_EQ(GetDlgItem(dialog, IDC_QUOTA_GROUP_MEMBERS), nullptr); }));
 }
 
 TEST_F(ListEditTest, EditsTheFirstOfSeveral)
 {
     host.selectOnly({1, 2});
-    DialogScript script;
-    script.onDialog("type", [](HWND dialog) { typeLimits(dialog, L"2000", L"1500"); })
-        .onDialog("OK", pressOk);
-    EXPECT_NE(edit(script), 0);
+    EXPECT_TRUE(edit(Visit().ok(limits(L"2000", L"1500"))));
     EXPECT_THAT(host.column(1), ElementsAre("4096 ", "2000 ", "4096 "));
 }
 
@@ -88,10 +66,7 @@ TEST_F(ListEditTest, CancelGivesFalseAndLeavesTheRow)
     folderHolds(store, 77);
     host.selectOnly({0});
     host.record(0)->inUse = QUOTA_IN_USE_UNKNOWN;
-    DialogScript script;
-    script.onDialog("type", [](HWND dialog) { typeLimits(dialog, L"2000", L"1500"); })
-        .onDialog("Cancel", pressCancel);
-    EXPECT_EQ(edit(script), 0);
+    EXPECT_FALSE(edit(Visit().cancel(limits(L"2000", L"1500"))));
     EXPECT_EQ(host.row(0), "Anyone|4096 |3072 |0 |00%|C:\\a");
     EXPECT_EQ(host.record(0)->inUse, 77) << "measured all the same";
     EXPECT_THAT(store.calls(), ElementsAre("getRealSize C:\\a"));
@@ -99,14 +74,14 @@ TEST_F(ListEditTest, CancelGivesFalseAndLeavesTheRow)
 
 TEST_F(ListEditTest, AnEmptyListGivesFalse)
 {
-    initializeListCtrl2(host.object(), nullptr);
-    EXPECT_EQ(editFromListCtrl2(host.object()), 0);
+    prepare();
+    EXPECT_FALSE(edit());
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
 TEST_F(ListEditTest, NoSelectionGivesTrue)
 {
-    EXPECT_NE(editFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(edit());
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
@@ -114,18 +89,18 @@ TEST_F(ListEditTest, ARowWithoutARecordGivesTrue)
 {
     host.addRow(0, {L"stray"});
     host.selectOnly({3});
-    EXPECT_NE(editFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(edit());
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
 TEST_F(ListEditTest, OnlyTheFirstSelectedRowIsLookedAt)
 {
-    initializeListCtrl2(host.object(), nullptr);
+    prepare();
     host.addRow(0, {L"stray"});
-    fillUpListCtrl2(Paths{}, host.object());
+    fill({});
     host.addRow(reinterpret_cast<LPARAM>(newRule()), {L"rule"});
     host.selectOnly({0, 1});
-    EXPECT_NE(editFromListCtrl2(host.object()), 0);
+    EXPECT_TRUE(edit());
     EXPECT_THAT(store.calls(), IsEmpty());
 }
 
@@ -133,7 +108,7 @@ TEST_F(ListEditTest, ADialogThatCannotBeShownGivesFalse)
 {
     host.selectOnly({1});
     const HiddenDialog all;
-    EXPECT_EQ(editFromListCtrl2(host.object()), 0);
+    EXPECT_FALSE(edit());
     EXPECT_EQ(host.row(1), "alice|4096 |3072 |1000 |24%|C:\\b");
     EXPECT_THAT(store.calls(), IsEmpty());
 }
@@ -141,10 +116,7 @@ TEST_F(ListEditTest, ADialogThatCannotBeShownGivesFalse)
 TEST_F(ListEditTest, TheListsWindowOwnsTheDialog)
 {
     host.selectOnly({1});
-    DialogScript script;
-    script.onDialog("look", [this](HWND dialog) { EXPECT_EQ(GetWindow(dialog, GW_OWNER), host.window()); })
-        .onDialog("OK", pressOk);
-    edit(script);
+    edit(Visit().ok([this](HWND dialog) { EXPECT_EQ(GetWindow(dialog, GW_OWNER), host.window()); }));
 }
 
 TEST_F(ListEditTest, AListWithoutAChildFaults)
@@ -158,8 +130,6 @@ TEST_F(ListEditTest, AListWithoutAChildFaults)
 TEST_F(ListEditTest, ANewLimitShowsItsNewPercentage)
 {
     host.selectOnly({2});
-    DialogScript script;
-    script.onDialog("type", [](HWND dialog) { typeLimits(dialog, L"1024", L"0"); }).onDialog("OK", pressOk);
-    edit(script);
+    edit(Visit().ok(limits(L"1024", L"0")));
     EXPECT_EQ(host.row(2), "Anyone|1024 |0 |100 |09%|C:\\c");
 }

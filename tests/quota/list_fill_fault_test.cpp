@@ -17,7 +17,7 @@ TEST_F(ListFillTest, FaultsOnAHardLimitOfZero)
         return RecordingStore::makeRule(folder, nullptr, 0, 90, 5);
     };
     const Paths paths{L"C:\\a"};
-    EXPECT_EQ(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
+    EXPECT_EQ(faultOf([&] { fill(paths); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
 }
 
 TEST_F(ListFillTest, AFaultLeavesTheRowsThatWereGiven)
@@ -28,14 +28,14 @@ TEST_F(ListFillTest, AFaultLeavesTheRowsThatWereGiven)
     store.put(L"C:\\b", bob, 100, 93, 8);
     const Paths paths{L"C:\\a", L"C:\\b"};
     for (const Fault fault : kEveryFault) {
-        initializeListCtrl2(host.object(), nullptr);
+        prepare();
         EnableWindow(host.list(), FALSE);
         store.raise("getTextualSidW", fault, 4);
-        EXPECT_NE(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), 0u);
+        EXPECT_NE(faultOf([&] { fill(paths); }), 0u);
         EXPECT_THAT(host.rows(),
                     ElementsAre("SALES\\alice|100 |92 |7 |07%|C:\\b", "SALES\\bob|100 |91 |6 |06%|C:\\a",
                                 "SALES\\alice|100 |90 |5 |05%|C:\\a"))
-            << faultName(fault);
+            << fault;
         EXPECT_THAT(chainTexts(host.record(1)), ElementsAre("SALES\\bob C:\\a", "SALES\\alice C:\\a"));
         EXPECT_TRUE(IsWindowEnabled(host.list())) << "the first folder is done";
     }
@@ -47,7 +47,7 @@ TEST_F(ListFillTest, ARowWhosePercentageFaultsIsThereWithoutIt)
     store.put(L"C:\\a", bob, 0, 91, 6);
     store.put(L"C:\\a", alice, 100, 92, 7);
     const Paths paths{L"C:\\a"};
-    EXPECT_EQ(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
+    EXPECT_EQ(faultOf([&] { fill(paths); }), EXCEPTION_INT_DIVIDE_BY_ZERO);
     EXPECT_THAT(host.rows(),
                 ElementsAre("SALES\\bob|0 |91 |6 ||C:\\a", "SALES\\alice|100 |90 |5 |05%|C:\\a"));
 }
@@ -57,9 +57,9 @@ TEST_F(ListFillTest, AFaultLeavesNoDrawingObjectsBehind)
     store.put(L"C:\\a", alice, 100, 90, 0);
     const Paths paths{L"C:\\a"};
     const auto fillInVain = [&] {
-        initializeListCtrl2(host.object(), nullptr);
-        store.raise("getTextualSidW", Fault::AccessViolation);
-        EXPECT_NE(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), 0u);
+        prepare();
+        store.raise("getTextualSidW", Fault::kAccessViolation);
+        EXPECT_NE(faultOf([&] { fill(paths); }), 0u);
     };
     fillInVain();
     const long before = LeakCount::now().gdiObjects;
@@ -75,13 +75,12 @@ TEST_F(ListFillTest, StillWorksAfterAFault)
     const Paths paths{L"C:\\a"};
     for (const Fault fault : kEveryFault) {
         for (const char* const function : {"getQuotaList", "getTextualSidW", "getAccountBySidW"}) {
-            initializeListCtrl2(host.object(), nullptr);
+            prepare();
             store.raise(function, fault);
-            EXPECT_NE(faultOf([&] { fillUpListCtrl2(paths, host.object()); }), 0u)
+            EXPECT_NE(faultOf([&] { fill(paths); }), 0u)
                 << function << ": there is no guard around the list functions";
-            fillUpListCtrl2(paths, host.object());
-            EXPECT_EQ(host.rows().at(0), "SALES\\alice|100 |90 |0 |00%|C:\\a")
-                << function << faultName(fault);
+            fill(paths);
+            EXPECT_EQ(host.rows().at(0), "SALES\\alice|100 |90 |0 |00%|C:\\a") << function << fault;
         }
     }
 }
@@ -126,14 +125,14 @@ TEST_F(ListFillTest, AStackOverflowLeavesTheHostRoomToHandleIt)
         }
     });
     for (int round = 0; round < 2; ++round) { // the next overflow is raised, too
-        store.raise("getTextualSidW", Fault::StackOverflow);
+        store.raise("getTextualSidW", Fault::kStackOverflow);
         auto call = [&] {
-            fillUpListCtrl2(paths, host.object());
+            fill(paths);
         };
         EXPECT_EQ(faultOfReporting([](void* context) { (*static_cast<decltype(call)*>(context))(); }, &call),
                   EXCEPTION_STACK_OVERFLOW);
         EXPECT_TRUE(drawing);
     }
-    fillUpListCtrl2(paths, host.object());
+    fill(paths);
     EXPECT_EQ(host.rowCount(), 1);
 }

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 TEST_F(ListFillTest, PutsEachRuleOnTop)
@@ -15,7 +14,7 @@ TEST_F(ListFillTest, PutsEachRuleOnTop)
     store.put(L"C:\\a", nullptr, 104857600, 99614720, 3145728);
     store.put(L"C:\\a", alice, 1048576, 1048577, 52428);
     store.put(L"C:\\b", bob, int64_t{5} << 30, int64_t{2} << 40, 0);
-    fillUpListCtrl2(Paths{L"C:\\a", L"C:\\b"}, host.object());
+    fill({L"C:\\a", L"C:\\b"});
     EXPECT_THAT(host.rows(), ElementsAre("SALES\\bob|5120M|2048G|0 |00%|C:\\b",
                                          "SALES\\alice|1048576 |1024K|52428 |04%|C:\\a",
                                          "Anyone|102400K|97280K|3072K|03%|C:\\a"));
@@ -26,7 +25,7 @@ TEST_F(ListFillTest, AsksTheStoreInThisOrder)
     store.put(L"C:\\a", nullptr, 100, 90, 0);
     store.put(L"C:\\a", alice, 100, 91, 0);
     store.put(L"C:\\c", bob, 100, 92, 0);
-    fillUpListCtrl2(Paths{L"C:\\a", L"C:\\b", L"C:\\c"}, host.object());
+    fill({L"C:\\a", L"C:\\b", L"C:\\c"});
     EXPECT_THAT(store.calls(),
                 ElementsAre("getQuotaList C:\\a", "getTextualSidW SALES\\alice 128",
                             "getAccountBySidW SALES\\alice 128", "getQuotaList C:\\b", "getQuotaList C:\\c",
@@ -36,7 +35,7 @@ TEST_F(ListFillTest, AsksTheStoreInThisOrder)
 TEST_F(ListFillTest, ShowsTheTextualSidOfAnUnknownAccount)
 {
     store.put(L"C:\\a", store.unknownAccount(), 100, 90, 0);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_THAT(host.column(0), ElementsAre("S-1-5-21-1-2-3-1003"));
 }
 
@@ -46,13 +45,13 @@ TEST_F(ListFillTest, CutsANameThatFillsItsBuffer)
     store.answer.getAccountBySidW = [](const void*, wchar_t* buffer, int capacity) {
         return std::wmemset(buffer, L'n', static_cast<size_t>(capacity));
     };
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_EQ(host.column(0).at(0), std::string(127, 'n'));
     store.answer.getAccountBySidW = nullptr;
     store.answer.getTextualSidW = [](const void*, wchar_t* buffer, int capacity) {
         std::wmemset(buffer, L's', static_cast<size_t>(capacity));
     };
-    initializeListCtrl2(host.object(), Paths{L"C:\\a"});
+    prepare({L"C:\\a"});
     EXPECT_EQ(host.column(0).at(0), std::string(127, 's'));
 }
 
@@ -64,7 +63,7 @@ TEST_F(ListFillTest, TheStoresRecordsAreTheItemData)
     store.answer.getQuotaList = [&](const wchar_t* folder) {
         return given = usual(folder);
     };
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_NE(given, nullptr);
     EXPECT_EQ(host.record(0), given);
 }
@@ -75,7 +74,7 @@ TEST_F(ListFillTest, LinksTheRecordsInRowOrder)
         store.put(L"C:\\a", alice, 100 + i, 90, 0);
         store.put(L"C:\\b", bob, 100 + i, 90, 0);
     }
-    fillUpListCtrl2(Paths{L"C:\\a", L"C:\\b"}, host.object());
+    fill({L"C:\\a", L"C:\\b"});
     EXPECT_THAT(chainTexts(host.record(0)),
                 ElementsAre("SALES\\bob C:\\b", "SALES\\bob C:\\b", "SALES\\bob C:\\b", "SALES\\alice C:\\a",
                             "SALES\\alice C:\\a", "SALES\\alice C:\\a"));
@@ -89,19 +88,18 @@ TEST_F(ListFillTest, LinksTheRecordsThatWereThereBeforeAsWell)
 {
     store.put(L"C:\\a", alice, 100, 90, 0);
     store.put(L"C:\\b", bob, 100, 90, 0);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
-    fillUpListCtrl2(Paths{L"C:\\b"}, host.object());
+    fill({L"C:\\a"});
+    fill({L"C:\\b"});
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("SALES\\bob C:\\b", "SALES\\alice C:\\a"));
 }
 
 TEST_F(ListFillTest, AddsNothingTwice)
 {
     store.put(L"C:\\a", nullptr, 100, 90, 0);
-    store.put(L"C:\\a", alice, 100, 90, 0);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    show(L"C:\\a", alice, 100, 90, 0);
     QuotaRule* const first = host.record(0);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
-    fillUpListCtrl2(Paths{L"C:\\a", L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
+    fill({L"C:\\a", L"C:\\a"});
     EXPECT_EQ(host.rowCount(), 2);
     EXPECT_EQ(host.record(0), first);
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("SALES\\alice C:\\a", "Anyone C:\\a"));
@@ -110,8 +108,7 @@ TEST_F(ListFillTest, AddsNothingTwice)
 TEST_F(ListFillTest, AddsNothingTwiceOutOfOneChain)
 {
     store.put(L"C:\\a", alice, 100, 90, 0);
-    store.put(L"C:\\a", alice, 100, 90, 0);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    show(L"C:\\a", alice, 100, 90, 0);
     EXPECT_EQ(host.rowCount(), 1);
 }
 
@@ -121,8 +118,7 @@ TEST_F(ListFillTest, KnowsRulesByLimitsFolderAndAccount)
     store.put(L"C:\\a", alice, 101, 90, 0); // another hard limit
     store.put(L"C:\\a", alice, 100, 91, 0); // another soft limit
     store.put(L"C:\\a", bob, 100, 90, 0);   // another account
-    store.put(L"C:\\a", nullptr, 100, 90, 0);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    show(L"C:\\a", nullptr, 100, 90, 0);
     EXPECT_EQ(host.rowCount(), 5);
 }
 
@@ -131,15 +127,14 @@ TEST_F(ListFillTest, KnowsFoldersLetterByLetter)
     store.answer.getQuotaList = [](const wchar_t* folder) {
         return RecordingStore::makeRule(folder, nullptr, 100, 90, 0);
     };
-    fillUpListCtrl2(Paths{L"C:\\a", L"C:\\A", L"C:/a", L"C:\\a"}, host.object());
+    fill({L"C:\\a", L"C:\\A", L"C:/a", L"C:\\a"});
     EXPECT_THAT(host.column(5), ElementsAre("C:/a", "C:\\A", "C:\\a"));
 }
 
 TEST_F(ListFillTest, DoesNotKnowRulesByWhatIsInUse)
 {
     store.put(L"C:\\a", alice, 100, 90, 0);
-    store.put(L"C:\\a", alice, 100, 90, 55);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    show(L"C:\\a", alice, 100, 90, 55);
     EXPECT_THAT(host.column(3), ElementsAre("0 "));
 }
 
@@ -149,31 +144,29 @@ TEST_F(ListFillTest, ComparesAccountsLast)
     store.put(L"C:\\a", bob, 101, 90, 0);
     store.put(L"C:\\a", bob, 100, 91, 0);
     store.put(L"C:\\b", bob, 100, 90, 0);
-    fillUpListCtrl2(Paths{L"C:\\a", L"C:\\b"}, host.object());
-    for (const std::string& call : store.calls()) {
-        EXPECT_THAT(call, testing::Not(HasSubstr("sidcmp")));
-    }
+    fill({L"C:\\a", L"C:\\b"});
+    EXPECT_THAT(store.callsWith("sidcmp"), IsEmpty());
     store.put(L"C:\\b", alice, 100, 90, 0);
     store.takeCalls();
-    fillUpListCtrl2(Paths{L"C:\\b"}, host.object());
-    EXPECT_THAT(store.calls(), testing::Contains(HasSubstr("sidcmp")));
+    fill({L"C:\\b"});
+    EXPECT_THAT(store.callsWith("sidcmp"), testing::Not(IsEmpty()));
 }
 
 TEST_F(ListFillTest, EnablesTheList)
 {
     store.put(L"C:\\a", alice, 100, 90, 0);
     EnableWindow(host.list(), FALSE);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_TRUE(IsWindowEnabled(host.list()));
     EnableWindow(host.list(), FALSE);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_TRUE(IsWindowEnabled(host.list())) << "though there was nothing new";
 }
 
 TEST_F(ListFillTest, DoesNothingForAFolderWithoutRules)
 {
     EnableWindow(host.list(), FALSE);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_FALSE(IsWindowEnabled(host.list()));
     EXPECT_EQ(host.rowCount(), 0);
     EXPECT_THAT(store.calls(), ElementsAre("getQuotaList C:\\a"));
@@ -181,7 +174,7 @@ TEST_F(ListFillTest, DoesNothingForAFolderWithoutRules)
 
 TEST_F(ListFillTest, DoesNothingWithoutFolders)
 {
-    fillUpListCtrl2(Paths{}, host.object());
+    fill({});
     EXPECT_EQ(host.rowCount(), 0);
     EXPECT_THAT(store.calls(), IsEmpty());
 }
@@ -191,7 +184,7 @@ TEST_F(ListFillTest, LetsTheListBeDrawnAgain)
     store.put(L"C:\\a", alice, 100, 90, 0);
     ShowWindow(host.window(), SW_SHOWNA);
     ShowWindow(host.list(), SW_SHOWNA);
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_TRUE(IsWindowVisible(host.list()));
 }
 
@@ -230,9 +223,9 @@ TEST_F(ListFillTest, NoRowMovesAnother)
             moved += host.rowCount() - reinterpret_cast<const LVITEMW*>(item)->iItem;
         }
     });
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_EQ(moved, 0);
-    fillUpListCtrl2(Paths{L"C:\\b"}, host.object());
+    fill({L"C:\\b"});
     EXPECT_EQ(moved, 25) << "five times those that were there";
     EXPECT_THAT(host.column(1),
                 ElementsAre("104 ", "103 ", "102 ", "101 ", "100 ", "104 ", "103 ", "102 ", "101 ", "100 "));
@@ -256,7 +249,7 @@ TEST_F(ListFillTest, WithoutAListTheDesktopIsNotRepainted)
     const ImportPatch repaint(ImportPatch::corvane(), "InvalidateRect", noteRepaint);
     ASSERT_EQ(repaint.count(), 1);
     repainted.clear();
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    fill({L"C:\\a"});
     EXPECT_THAT(repainted, ElementsAre(host.list()));
     repainted.clear();
     fillUpListCtrl(Paths{L"C:\\a"}, host.window(), 500);
@@ -266,17 +259,11 @@ TEST_F(ListFillTest, WithoutAListTheDesktopIsNotRepainted)
 TEST_F(ListFillTest, FillsThousandsOfRules)
 {
     constexpr int kMany = 3000;
-    store.answer.getQuotaList = [this](const wchar_t* folder) {
-        QuotaRule* first = nullptr;
-        for (int i = kMany; i > 0; --i) {
-            QuotaRule* const rule = RecordingStore::makeRule(folder, i % 2 == 0 ? alice : bob, i, 1, 0);
-            rule->next = first;
-            first = rule;
-        }
-        return first;
-    };
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
-    fillUpListCtrl2(Paths{L"C:\\a"}, host.object());
+    for (int i = 1; i <= kMany; ++i) {
+        store.put(L"C:\\a", i % 2 == 0 ? alice : bob, i, 1, 0);
+    }
+    fill({L"C:\\a"});
+    fill({L"C:\\a"});
     ASSERT_EQ(host.rowCount(), kMany);
     EXPECT_EQ(host.row(0, 2), "SALES\\alice|3000 ");
     EXPECT_EQ(host.row(kMany - 1, 2), "SALES\\bob|1 ");

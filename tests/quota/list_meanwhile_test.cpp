@@ -1,10 +1,9 @@
 // What a host does to its list while a dialog on one of the rows is open; lists that sort by themselves; no list.
+#include "tests/quota/rule_list_test.h"
+
 #include "res/resource.h"
-#include "tests/quota/quota_settings.h"
-#include "tests/support/list_host.h"
 #include "tests/support/message_watch.h"
 #include "tests/support/owner_window.h"
-#include "tests/support/paths.h"
 #include "tests/support/rule_memory.h"
 
 #include <commctrl.h>
@@ -17,9 +16,7 @@ using testing::IsEmpty;
 
 namespace {
 
-struct ListMeanwhileTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
+struct ListMeanwhileTest : RuleListTest {
     void* const alice = store.account("alice");
     void* const bob = store.account("bob");
     void* const staff = store.account("staff");
@@ -29,67 +26,45 @@ struct ListMeanwhileTest : testing::Test {
         store.put(L"C:\\old", bob, 2048, 1024, 0);
         store.put(L"C:\\other", bob, 4096, 1024, 0);
         store.put(L"C:\\late", alice, 8192, 1024, 0);
-        initializeListCtrl2(host.object(), Paths{L"C:\\old", L"C:\\other"});
+        prepare({L"C:\\old", L"C:\\other"});
     }
 
     /// Adds for anyone on C:\new; does something to the list while the dialog is open.
-    unsigned char addWhile(const DialogScript::Act& meanwhile)
+    bool addWhile(const DialogScript::Act& meanwhile)
     {
-        DialogScript script;
-        script
-            .onDialog("meanwhile",
-                      [&](HWND dialog) {
-                          typeLimits(dialog, L"10K", L"5K");
-                          meanwhile(dialog);
-                      })
-            .onDialog("OK", pressOk);
-        return script.run([this] { return addToListCtrl2(host.object(), nullptr, Paths{L"C:\\new"}); });
+        return add(nullptr, {L"C:\\new"}, Visit().ok([&](HWND dialog) {
+            typeLimits(dialog, L"10K", L"5K");
+            meanwhile(dialog);
+        }));
     }
 
     /// The same with a group of two, copied to its members.
-    unsigned char addGroupWhile(const DialogScript::Act& meanwhile)
+    bool addGroupWhile(const DialogScript::Act& meanwhile)
     {
         groupHas(store, {alice, bob});
-        DialogScript script;
-        script
-            .onDialog("meanwhile",
-                      [&](HWND dialog) {
-                          click(dialog, IDC_QUOTA_GROUP_MEMBERS);
-                          meanwhile(dialog);
-                      })
-            .onDialog("OK", pressOk);
-        return script.run([this] { return addToListCtrl2(host.object(), staff, Paths{L"C:\\new"}); });
+        return add(staff, {L"C:\\new"}, Visit().ok([&](HWND dialog) {
+            click(dialog, IDC_QUOTA_GROUP_MEMBERS);
+            meanwhile(dialog);
+        }));
     }
 
-    unsigned char editWhile(const DialogScript::Act& meanwhile)
+    bool editWhile(const DialogScript::Act& meanwhile)
     {
-        DialogScript script;
-        script
-            .onDialog("meanwhile",
-                      [&](HWND dialog) {
-                          typeLimits(dialog, L"2000", L"1500");
-                          meanwhile(dialog);
-                      })
-            .onDialog("OK", pressOk);
-        return script.run([this] { return editFromListCtrl2(host.object()); });
+        return edit(Visit().ok([&](HWND dialog) {
+            typeLimits(dialog, L"2000", L"1500");
+            meanwhile(dialog);
+        }));
     }
 
     /// The last chain that went to the debug channel.
-    std::string lastDump() const
-    {
-        std::string dump;
-        for (const std::string& call : store.calls()) {
-            dump = call.starts_with("debug") ? call : dump;
-        }
-        return dump;
-    }
+    std::string lastDump() const { return store.callsWith("debug").back(); }
 };
 
 } // namespace
 
 TEST_F(ListMeanwhileTest, AnAddedRuleFindsItsRowAfterAFill)
 {
-    EXPECT_NE(addWhile([this](HWND) { fillUpListCtrl2(Paths{L"C:\\late"}, host.object()); }), 0);
+    EXPECT_TRUE(addWhile([this](HWND) { fill({L"C:\\late"}); }));
     EXPECT_THAT(host.rows(2), ElementsAre("alice|8192 ", "Anyone|10240 ", "bob|4096 ", "bob|2048 "));
     EXPECT_EQ(lastDump(), "debug {alice C:\\late, Anyone C:\\new, bob C:\\other, bob C:\\old}");
     EXPECT_THAT(chainTexts(host.record(0)),
@@ -98,12 +73,11 @@ TEST_F(ListMeanwhileTest, AnAddedRuleFindsItsRowAfterAFill)
 
 TEST_F(ListMeanwhileTest, AnAddedRuleFindsItsRowAfterASort)
 {
-    EXPECT_NE(addWhile([this](HWND) {
-                  sortListCtrl2(host.object(), 0);
-                  sortListCtrl2(host.object(), 0); // from A to Z
-                  sortListCtrl2(host.object(), 0); // from Z to A
-              }),
-              0);
+    EXPECT_TRUE(addWhile([this](HWND) {
+        sort(0);
+        sort(0); // from A to Z
+        sort(0); // from Z to A
+    }));
     EXPECT_THAT(host.rows(2), ElementsAre("bob|4096 ", "bob|2048 ", "Anyone|10240 "));
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("bob C:\\other", "bob C:\\old", "Anyone C:\\new"));
 }
@@ -111,7 +85,7 @@ TEST_F(ListMeanwhileTest, AnAddedRuleFindsItsRowAfterASort)
 TEST_F(ListMeanwhileTest, AGroupFindsItsRowAfterAFill)
 {
     const rule_memory::LibraryRecords readable(rule_memory::below4GiB);
-    EXPECT_NE(addGroupWhile([this](HWND) { fillUpListCtrl2(Paths{L"C:\\late"}, host.object()); }), 0);
+    EXPECT_TRUE(addGroupWhile([this](HWND) { fill({L"C:\\late"}); }));
     EXPECT_THAT(host.column(0), ElementsAre("bob", "alice", "alice", "staff", "bob", "bob"));
     EXPECT_THAT(host.column(4), ElementsAre("00%", "00%", "00%", "00%", "00%", "00%"));
     EXPECT_THAT(chainTexts(host.record(0)), ElementsAre("bob C:\\new", "alice C:\\new", "alice C:\\late",
@@ -120,50 +94,46 @@ TEST_F(ListMeanwhileTest, AGroupFindsItsRowAfterAFill)
 
 TEST_F(ListMeanwhileTest, ARowThatIsGoneIsNotWritten)
 {
-    EXPECT_NE(addGroupWhile([this](HWND) { ListView_DeleteItem(host.list(), 0); }), 0);
+    EXPECT_TRUE(addGroupWhile([this](HWND) { ListView_DeleteItem(host.list(), 0); }));
     EXPECT_THAT(host.rows(3), ElementsAre("bob|4096 |1024 ", "bob|2048 |1024 "));
     EXPECT_EQ(lastDump(), "debug {bob C:\\other, bob C:\\old}");
 }
 
 TEST_F(ListMeanwhileTest, ACancelTakesTheRightRowAway)
 {
-    DialogScript script;
-    script.onDialog("meanwhile", [this](HWND dialog) {
-        fillUpListCtrl2(Paths{L"C:\\late"}, host.object());
+    EXPECT_FALSE(add(nullptr, {L"C:\\new"}, Visit().act([this](HWND dialog) {
+        fill({L"C:\\late"});
         pressCancel(dialog);
-    });
-    EXPECT_EQ(script.run([this] { return addToListCtrl2(host.object(), nullptr, Paths{L"C:\\new"}); }), 0);
+    })));
     EXPECT_THAT(host.column(5), ElementsAre("C:\\late", "C:\\other", "C:\\old"));
 }
 
 TEST_F(ListMeanwhileTest, ACancelForARowThatIsGoneTakesNoneAway)
 {
-    DialogScript script;
-    script.onDialog("meanwhile", [this](HWND dialog) {
+    EXPECT_FALSE(add(nullptr, {L"C:\\new"}, Visit().act([this](HWND dialog) {
         ListView_DeleteItem(host.list(), 0);
         pressCancel(dialog);
-    });
-    EXPECT_EQ(script.run([this] { return addToListCtrl2(host.object(), nullptr, Paths{L"C:\\new"}); }), 0);
+    })));
     EXPECT_THAT(host.column(5), ElementsAre("C:\\other", "C:\\old"));
 }
 
 TEST_F(ListMeanwhileTest, AnEditedRuleFindsItsRowAfterAFill)
 {
     host.selectOnly({0});
-    EXPECT_NE(editWhile([this](HWND) { fillUpListCtrl2(Paths{L"C:\\late"}, host.object()); }), 0);
+    EXPECT_TRUE(editWhile([this](HWND) { fill({L"C:\\late"}); }));
     EXPECT_THAT(host.column(1), ElementsAre("8192 ", "2000 ", "2048 "));
 }
 
 TEST_F(ListMeanwhileTest, AnEditedRowThatIsGoneIsNotWritten)
 {
     host.selectOnly({0});
-    EXPECT_NE(editWhile([this](HWND) { ListView_DeleteItem(host.list(), 0); }), 0);
+    EXPECT_TRUE(editWhile([this](HWND) { ListView_DeleteItem(host.list(), 0); }));
     EXPECT_THAT(host.column(1), ElementsAre("2048 "));
 }
 
 TEST_F(ListMeanwhileTest, AListThatIsGoneIsNotWritten)
 {
-    EXPECT_NE(addGroupWhile([this](HWND) { DestroyWindow(host.list()); }), 0);
+    EXPECT_TRUE(addGroupWhile([this](HWND) { DestroyWindow(host.list()); }));
     EXPECT_EQ(lastDump(), "debug null");
 }
 
@@ -174,13 +144,10 @@ TEST_F(ListMeanwhileTest, AListWithAnOrderOfItsOwnIsChainedInThatOrder)
         ListHost sorted(style);
         initializeListCtrl2(sorted.object(), Paths{L"C:\\old"});
         groupHas(store, {alice, bob});
-        DialogScript script;
-        script.onDialog("choose", [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); })
-            .onDialog("OK", pressOk)
-            .onDialog("OK", pressOk);
-        EXPECT_NE(
-            script.run([&] { return addToListCtrl2(sorted.object(), staff, Paths{L"C:\\new", L"C:\\a"}); }),
-            0);
+        EXPECT_NE(Visit().ok(clicks({IDC_QUOTA_GROUP_MEMBERS})).ok().run([&] {
+            return addToListCtrl2(sorted.object(), staff, Paths{L"C:\\new", L"C:\\a"});
+        }),
+                  0);
         ASSERT_EQ(sorted.rowCount(), 5);
         for (int row = 0; row < 5; ++row) {
             EXPECT_EQ(sorted.record(row)->next, row == 4 ? nullptr : sorted.record(row + 1)) << row;
@@ -193,9 +160,8 @@ TEST_F(ListMeanwhileTest, ThereTooACancelStartsANewChain)
 {
     ListHost sorted(LVS_SORTASCENDING);
     initializeListCtrl2(sorted.object(), Paths{L"C:\\old"});
-    DialogScript script;
-    script.onDialog("Cancel", pressCancel).onDialog("OK", pressOk);
-    EXPECT_EQ(script.run([&] { return addToListCtrl2(sorted.object(), alice, Paths{L"C:\\a", L"C:\\b"}); }),
+    EXPECT_EQ(Visit().cancel().ok().run(
+                  [&] { return addToListCtrl2(sorted.object(), alice, Paths{L"C:\\a", L"C:\\b"}); }),
               0);
     EXPECT_EQ(lastDump(), "debug {alice C:\\b}");
     EXPECT_EQ(chainTexts(getDataModified2(sorted.object())).size(), 2u);
@@ -217,10 +183,7 @@ TEST_F(ListMeanwhileTest, MembersGoInWithRedrawingOff)
             ++drawn;
         }
     });
-    DialogScript script;
-    script.onDialog("choose", [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); })
-        .onDialog("OK", pressOk);
-    EXPECT_NE(script.run([this] { return addToListCtrl2(host.object(), staff, Paths{L"C:\\new"}); }), 0);
+    EXPECT_TRUE(add(staff, {L"C:\\new"}, Visit().ok(clicks({IDC_QUOTA_GROUP_MEMBERS}))));
     EXPECT_EQ(host.rowCount(), 53);
     EXPECT_EQ(drawn, 1) << "the group's own row, before its dialog";
     EXPECT_TRUE(drawing);
@@ -231,15 +194,12 @@ TEST_F(ListMeanwhileTest, WithoutAListNoStrangerIsDisabled)
     // What the platform calls the top window of no window at all.
     const OwnerWindow stranger;
     SetWindowPos(stranger.window(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
-    DialogScript script;
-    script
-        .onDialog("look",
-                  [&](HWND dialog) {
-                      EXPECT_TRUE(IsWindowEnabled(stranger.window()));
-                      EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
-                  })
-        .onDialog("OK", pressOk);
-    EXPECT_NE(script.run([this] { return addToListCtrl(host.window(), 500, nullptr, Paths{L"C:\\new"}); }),
+    const auto look = [&](HWND dialog) {
+        EXPECT_TRUE(IsWindowEnabled(stranger.window()));
+        EXPECT_EQ(GetWindow(dialog, GW_OWNER), nullptr);
+    };
+    EXPECT_NE(Visit().ok(look).run(
+                  [this] { return addToListCtrl(host.window(), 500, nullptr, Paths{L"C:\\new"}); }),
               0);
 }
 
@@ -249,12 +209,10 @@ TEST_F(ListMeanwhileTest, AnEditThatSomebodyElseEndsIsCancelled)
     host.selectOnly({0});
     const std::vector<std::string> before = host.rows();
     for (const INT_PTR code : {1, 2, 4711}) {
-        DialogScript script;
-        script.onDialog("end it", [=](HWND dialog) {
+        EXPECT_FALSE(edit(Visit().act([=](HWND dialog) {
             typeLimits(dialog, L"2000", L"1500");
             EndDialog(dialog, code);
-        });
-        EXPECT_EQ(script.run([this] { return editFromListCtrl2(host.object()); }), 0) << code;
+        }))) << code;
         EXPECT_EQ(host.rows(), before);
     }
 }
@@ -263,9 +221,7 @@ TEST_F(ListMeanwhileTest, AnAdditionThatSomebodyElseEndsIsCancelled)
 {
     const std::vector<std::string> before = host.rows();
     for (const INT_PTR code : {1, 2, 4711}) {
-        DialogScript script;
-        script.onDialog("end it", [=](HWND dialog) { EndDialog(dialog, code); });
-        EXPECT_EQ(script.run([this] { return addToListCtrl2(host.object(), alice, Paths{L"C:\\new"}); }), 0)
+        EXPECT_FALSE(add(alice, {L"C:\\new"}, Visit().act([=](HWND dialog) { EndDialog(dialog, code); })))
             << code;
         EXPECT_EQ(host.rows(), before);
     }

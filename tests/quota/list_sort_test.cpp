@@ -1,9 +1,6 @@
 // Sorting list views.
-#include "tests/support/dialog_script.h"
-#include "tests/support/faulting_call.h"
-#include "tests/support/import_patch.h"
-#include "tests/support/list_host.h"
-#include "tests/support/recording_store.h"
+#include "tests/quota/rule_list_test.h"
+
 #include "tests/support/text.h"
 
 #include <commctrl.h>
@@ -14,11 +11,8 @@ using testing::ElementsAre;
 
 namespace {
 
-struct ListSortTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-
-    void SetUp() override { initializeListCtrl2(host.object(), nullptr); }
+struct ListSortTest : RuleListTest {
+    void SetUp() override { prepare(); }
 
     /// Puts texts into a column, one a row; the item data counts from 1.
     void put(int column, const std::vector<std::wstring>& texts)
@@ -36,13 +30,13 @@ struct ListSortTest : testing::Test {
     {
         forgetColumn();
         put(kColumn, texts);
-        sortListCtrl2(host.object(), kColumn);
+        sort(kColumn);
         return host.column(kColumn);
     }
     std::vector<std::string> sortedTwice(const std::vector<std::wstring>& texts)
     {
         sortedOnce(texts);
-        sortListCtrl2(host.object(), kColumn);
+        sort(kColumn);
         return host.column(kColumn);
     }
 
@@ -50,7 +44,7 @@ struct ListSortTest : testing::Test {
     void forgetColumn()
     {
         SendMessageW(host.list(), LVM_DELETEALLITEMS, 0, 0);
-        sortListCtrl2(host.object(), kOther);
+        sort(kOther);
     }
 
     static constexpr int kColumn = 3;
@@ -74,7 +68,7 @@ TEST_F(ListSortTest, TextsDescendFirst)
 TEST_F(ListSortTest, AThirdCallTurnsTheOrderAgain)
 {
     sortedTwice({L"1 ", L"2 "});
-    sortListCtrl2(host.object(), kColumn);
+    sort(kColumn);
     EXPECT_THAT(host.column(kColumn), ElementsAre("1 ", "2 "));
 }
 
@@ -128,10 +122,10 @@ TEST_F(ListSortTest, AnotherColumnStartsAfresh)
 {
     sortedTwice({L"1 ", L"2 "});
     put(1, {L"20 ", L"10 "});
-    sortListCtrl2(host.object(), 1);
+    sort(1);
     EXPECT_THAT(host.column(1), ElementsAre("10 ", "20 "));
     put(kColumn, {L"20 ", L"10 "});
-    sortListCtrl2(host.object(), kColumn);
+    sort(kColumn);
     EXPECT_THAT(host.column(kColumn), ElementsAre("10 ", "20 "));
 }
 
@@ -158,7 +152,7 @@ TEST_F(ListSortTest, ItemDataMovesWithItsRow)
 
 TEST_F(ListSortTest, AnEmptyListIsSorted)
 {
-    sortListCtrl2(host.object(), kColumn);
+    sort(kColumn);
     EXPECT_EQ(host.rowCount(), 0);
     EXPECT_TRUE(store.calls().empty());
 }

@@ -41,6 +41,40 @@ void typeLimits(HWND dialog, const wchar_t* hard, const wchar_t* soft)
     type(dialog, IDC_QUOTA_SOFT_LIMIT, soft);
 }
 
+std::string sizes(HWND dialog)
+{
+    return controlText(dialog, IDC_QUOTA_OBJECT_SIZE) + '|' + controlText(dialog, IDC_QUOTA_IN_USE) + '|' +
+           controlText(dialog, IDC_QUOTA_HARD_LIMIT) + '|' + controlText(dialog, IDC_QUOTA_SOFT_LIMIT);
+}
+
+int countedFiles(HWND dialog)
+{
+    int checked = 0;
+    for (const int each : {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES}) {
+        if (isChecked(dialog, each)) {
+            EXPECT_EQ(checked, 0) << "two are checked";
+            checked = each;
+        }
+    }
+    return checked;
+}
+
+DialogScript::Act limits(const wchar_t* hard, const wchar_t* soft)
+{
+    return [=](HWND dialog) {
+        typeLimits(dialog, hard, soft);
+    };
+}
+
+DialogScript::Act clicks(std::vector<int> ids)
+{
+    return [ids = std::move(ids)](HWND dialog) {
+        for (const int id : ids) {
+            click(dialog, id);
+        }
+    };
+}
+
 void pressOk(HWND dialog)
 {
     clickLater(dialog, IDOK);
@@ -51,35 +85,73 @@ void pressCancel(HWND dialog)
     clickLater(dialog, IDCANCEL);
 }
 
-intptr_t whileOpen(QuotaRule* rule, int mode, DialogScript::Act act, HWND owner)
+Visit& Visit::press(const char* what, Act act, Act button)
 {
-    DialogScript script;
-    script.onDialog("look", std::move(act)).onDialog("Cancel", pressCancel);
-    return script.run([=] { return editQuotaListEntry(owner, rule, mode); });
+    if (act) {
+        onDialog("before " + std::string(what), std::move(act));
+    }
+    onDialog(what, std::move(button));
+    return *this;
 }
 
-intptr_t untilOk(QuotaRule* rule, int mode, DialogScript::Act act, HWND owner)
+Visit& Visit::ok(Act act)
 {
-    DialogScript script;
-    script.onDialog("type", std::move(act)).onDialog("OK", pressOk);
-    return script.run([=] { return editQuotaListEntry(owner, rule, mode); });
+    return press("OK", std::move(act), pressOk);
+}
+
+Visit& Visit::cancel(Act act)
+{
+    return press("Cancel", std::move(act), pressCancel);
+}
+
+Visit& Visit::act(Act act)
+{
+    onDialog("the end", std::move(act));
+    return *this;
+}
+
+Visit& Visit::refused()
+{
+    onDialog("OK", pressOk).answerBox(kInvalid, kInformation);
+    return *this;
+}
+
+Visit& Visit::conflict()
+{
+    answerBox(kAlreadyUsed, kInformation);
+    return *this;
+}
+
+Visit& Visit::noResources()
+{
+    answerBox(
+        "Not enough resources. Please try to re-run Vantrel Control Panel, and close unnecessary programs.",
+        kInformation);
+    return *this;
+}
+
+intptr_t Visit::open(QuotaRule* rule, int mode, HWND owner)
+{
+    return run([=] { return editQuotaListEntry(owner, rule, mode); });
+}
+
+intptr_t whileOpen(QuotaRule* rule, int mode, DialogScript::Act act, HWND owner)
+{
+    return Visit().cancel(std::move(act)).open(rule, mode, owner);
+}
+
+intptr_t untilOk(QuotaRule* rule, int mode, DialogScript::Act act)
+{
+    return Visit().ok(std::move(act)).open(rule, mode);
 }
 
 intptr_t untilRefused(QuotaRule* rule, int mode, DialogScript::Act act, DialogScript::Act look)
 {
-    DialogScript script;
     HWND dialog = nullptr;
-    script.onDialog("type", std::move(act))
-        .onDialog("OK",
-                  [&dialog](HWND front) {
-                      dialog = front;
-                      pressOk(front);
-                  })
-        .answerBox(kInvalid, kInformation)
-        .onDialog("look", std::move(look))
-        .onDialog("Cancel", pressCancel);
-    const intptr_t result = script.run([=] { return editQuotaListEntry(nullptr, rule, mode); });
-    EXPECT_EQ(script.boxOwner(), dialog);
+    Visit visit;
+    visit.onDialog("type", std::move(act)).onDialog("remember", [&dialog](HWND front) { dialog = front; });
+    const intptr_t result = visit.refused().cancel(std::move(look)).open(rule, mode);
+    EXPECT_EQ(visit.boxOwner(), dialog);
     return result;
 }
 

@@ -1,44 +1,19 @@
 // Filling beside the plain way to say it: a rule is shown when no row has the same limits, folder and account.
-#include "tests/support/list_host.h"
-#include "tests/support/recording_store.h"
+#include "tests/quota/rule_list_test.h"
+
+#include "tests/support/message_watch.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cwchar>
 #include <random>
 
 #include <commctrl.h>
 
 namespace {
 
-/// A path list on the stack, for up to eight folders.
-struct Folders {
-    explicit Folders(std::initializer_list<const wchar_t*> paths)
-    {
-        for (const wchar_t* path : paths) {
-            list.paths[list.count++] = const_cast<wchar_t*>(path);
-        }
-    }
-    const PathList* get() const { return reinterpret_cast<const PathList*>(&list); }
-    struct {
-        int32_t count = 0;
-        wchar_t* paths[8] = {};
-    } list;
-};
-
-struct RuleFillTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-
-    void SetUp() override { initializeListCtrl2(host.object(), nullptr); }
-
-    auto callsOf(std::string_view function) const
-    {
-        const auto calls = store.calls();
-        return std::count_if(calls.begin(), calls.end(),
-                             [&](const std::string& call) { return call.starts_with(function); });
-    }
+struct RuleFillTest : RuleListTest {
+    void SetUp() override { prepare(); }
 
     /// The records of all rows, from the top, form one chain.
     void expectChained()
@@ -81,8 +56,8 @@ TEST_F(RuleFillTest, RandomRulesWithRepetitions)
             }
         }
     }
-    const Folders paths{folders[0], folders[1], folders[2], folders[3]};
-    fillUpListCtrl2(paths.get(), host.object());
+    const Paths paths{folders[0], folders[1], folders[2], folders[3]};
+    fill(paths);
 
     ASSERT_EQ(static_cast<std::size_t>(host.rowCount()), expected.size());
     for (int row = 0; row < host.rowCount(); ++row) {
@@ -94,7 +69,7 @@ TEST_F(RuleFillTest, RandomRulesWithRepetitions)
     }
     expectChained();
 
-    fillUpListCtrl2(paths.get(), host.object());
+    fill(paths);
     EXPECT_EQ(static_cast<std::size_t>(host.rowCount()), expected.size());
     expectChained();
 }
@@ -106,9 +81,9 @@ TEST_F(RuleFillTest, AccountsAreComparedOnlyWhereLimitsAndFolderAgree)
     store.put(L"C:\\a", alice, 2048, 1024, 0);
     store.put(L"C:\\a", bob, 4096, 1024, 0);
     store.put(L"C:\\b", bob, 2048, 1024, 0);
-    const Folders paths{L"C:\\a", L"C:\\b"};
-    fillUpListCtrl2(paths.get(), host.object());
-    EXPECT_EQ(callsOf("sidcmp"), 0);
+    const Paths paths{L"C:\\a", L"C:\\b"};
+    fill(paths);
+    EXPECT_EQ(store.count("sidcmp"), 0);
     EXPECT_EQ(host.rowCount(), 3);
 }
 
@@ -117,10 +92,10 @@ TEST_F(RuleFillTest, AccountsAreComparedInTheOrderOfTheRows)
     for (const char* name : {"alice", "bob", "carol"}) {
         store.put(L"C:\\a", store.account(name), 2048, 1024, 0);
     }
-    const Folders paths{L"C:\\a"};
-    fillUpListCtrl2(paths.get(), host.object());
+    const Paths paths{L"C:\\a"};
+    fill(paths);
     store.takeCalls();
-    fillUpListCtrl2(paths.get(), host.object());
+    fill(paths);
     EXPECT_THAT(store.calls(),
                 testing::ElementsAre("getQuotaList C:\\a", "sidcmp carol alice", "sidcmp bob alice",
                                      "sidcmp alice alice", "sidcmp carol bob", "sidcmp bob bob",
@@ -130,19 +105,14 @@ TEST_F(RuleFillTest, AccountsAreComparedInTheOrderOfTheRows)
 TEST_F(RuleFillTest, AListThatShowsEverythingIsNotRedrawn)
 {
     store.put(L"C:\\a", nullptr, 2048, 1024, 0);
-    const Folders paths{L"C:\\a"};
+    const Paths paths{L"C:\\a"};
     int switched = 0;
-    const auto count = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
-                          DWORD_PTR counter) {
-        *reinterpret_cast<int*>(counter) += message == WM_SETREDRAW ? 1 : 0;
-        return DefSubclassProc(window, message, wParam, lParam);
-    };
-    SetWindowSubclass(host.list(), count, 1, reinterpret_cast<DWORD_PTR>(&switched));
-    fillUpListCtrl2(paths.get(), host.object());
+    const MessageWatch watch(
+        host.list(), [&](UINT message, WPARAM, LPARAM) { switched += message == WM_SETREDRAW ? 1 : 0; });
+    fill(paths);
     EXPECT_EQ(switched, 2);
-    fillUpListCtrl2(paths.get(), host.object());
+    fill(paths);
     EXPECT_EQ(switched, 2);
-    RemoveWindowSubclass(host.list(), count, 1);
 }
 
 TEST_F(RuleFillTest, ListThatSortsByItselfIsChainedInItsOwnOrder)
@@ -152,8 +122,8 @@ TEST_F(RuleFillTest, ListThatSortsByItselfIsChainedInItsOwnOrder)
     for (const char* name : {"bob", "carol", "alice"}) {
         store.put(L"C:\\a", store.account(name), 2048, 1024, 0);
     }
-    const Folders paths{L"C:\\a"};
-    fillUpListCtrl2(paths.get(), sorting.object());
+    const Paths paths{L"C:\\a"};
+    fillUpListCtrl2(paths, sorting.object());
     std::vector<std::string> names;
     for (const QuotaRule* rule = sorting.record(0); rule != nullptr; rule = rule->next) {
         names.push_back(RecordingStore::nameOf(rule->sid));

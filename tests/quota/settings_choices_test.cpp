@@ -10,8 +10,7 @@ using testing::IsEmpty;
 
 namespace {
 
-class SettingsChoicesTest : public testing::Test {
-protected:
+struct SettingsChoicesTest : testing::Test {
     RecordingStore store;
     void* const alice = store.account("SALES\\alice");
     void SetUp() override

@@ -3,6 +3,7 @@
 #include "tests/quota/quota_settings.h"
 #include "tests/support/hidden_dialog.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/library_template.h"
 #include "tests/support/list_host.h"
 
 #include <gmock/gmock.h>
@@ -12,8 +13,7 @@ using testing::IsEmpty;
 
 namespace {
 
-class SettingsFrameTest : public testing::Test {
-protected:
+struct SettingsFrameTest : testing::Test {
     RecordingStore store;
 };
 
@@ -42,12 +42,6 @@ HMODULE WINAPI knowNoModule(LPCWSTR)
     return nullptr;
 }
 
-const void* templateOf(int number)
-{
-    const HMODULE module = GetModuleHandleW(L"corvane");
-    return LockResource(LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(number), RT_DIALOG)));
-}
-
 } // namespace
 
 TEST_F(SettingsFrameTest, OpensTheTemplateOfTheMode)
@@ -64,7 +58,7 @@ TEST_F(SettingsFrameTest, OpensTheTemplateOfTheMode)
         EXPECT_EQ(editQuotaListEntry(host.window(), rule, mode), 4711) << "the end code is passed through";
         EXPECT_EQ(opened.instance, nullptr);
         EXPECT_NE(opened.dialogTemplate, nullptr);
-        EXPECT_EQ(opened.dialogTemplate, templateOf(number));
+        EXPECT_EQ(opened.dialogTemplate, libraryTemplate(number));
         EXPECT_EQ(opened.owner, host.window());
         EXPECT_EQ(opened.parameter, reinterpret_cast<LPARAM>(rule));
     }
@@ -114,9 +108,10 @@ TEST_F(SettingsFrameTest, GivesMinusOneWhenThePlatformFails)
 TEST_F(SettingsFrameTest, CloseBoxCancels)
 {
     for (const int mode : {kAdd, kEdit}) {
-        DialogScript script;
-        script.onDialog("close", [](HWND dialog) { PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0); });
-        EXPECT_EQ(script.run([=] { return editQuotaListEntry(nullptr, newRule(), mode); }), 0);
+        const auto close = [](HWND dialog) {
+            PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0);
+        };
+        EXPECT_EQ(Visit().act(close).open(newRule(), mode), 0);
     }
 }
 
@@ -126,12 +121,11 @@ TEST_F(SettingsFrameTest, EnterPressesOkAndEscapeCancel)
     for (const auto& [key, result] : {std::pair(VK_RETURN, reinterpret_cast<intptr_t>(rule)),
                                       std::pair(VK_ESCAPE, static_cast<intptr_t>(0))})
     {
-        DialogScript script;
-        script.onDialog("key", [pressed = key](HWND dialog) {
+        const auto press = [pressed = key](HWND dialog) {
             PostMessageW(GetDlgItem(dialog, IDC_QUOTA_SOFT_LIMIT), WM_KEYDOWN, static_cast<WPARAM>(pressed),
                          0);
-        });
-        EXPECT_EQ(script.run([=] { return editQuotaListEntry(nullptr, rule, kAdd); }), result);
+        };
+        EXPECT_EQ(Visit().act(press).open(rule, kAdd), result);
     }
 }
 
@@ -147,32 +141,29 @@ TEST_F(SettingsFrameTest, LeavesOtherMessagesToTheDialog)
 
 TEST_F(SettingsFrameTest, ShowsTheWaitCursorWhileMeasuring)
 {
-    const HCURSOR wait = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT));
-    const HCURSOR arrow = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
-    ASSERT_NE(wait, arrow);
     int measured = 0;
-    store.answer.getRealSize = [&](const wchar_t*) -> int64_t {
-        EXPECT_EQ(GetCursor(), wait);
+    const auto measure = [&measured] {
+        EXPECT_TRUE(showsWaitCursor());
         ++measured;
-        return 0;
+        return int64_t{0};
     };
-    store.answer.getRealSizeByOwner = [&](const wchar_t*, const SidList*) -> int64_t {
-        EXPECT_EQ(GetCursor(), wait);
-        ++measured;
-        return 0;
+    store.answer.getRealSize = [=](const wchar_t*) {
+        return measure();
     };
-    SetCursor(arrow);
-    whileOpen(newRule(store.account("alice")), kAdd, [&](HWND) { EXPECT_NE(GetCursor(), wait); });
+    store.answer.getRealSizeByOwner = [=](const wchar_t*, const SidList*) {
+        return measure();
+    };
+    SetCursor(nullptr);
+    whileOpen(newRule(store.account("alice")), kAdd, [](HWND) { EXPECT_FALSE(showsWaitCursor()); });
     EXPECT_EQ(measured, 2);
 }
 
 TEST_F(SettingsFrameTest, TakesTheWaitCursorAwayAfterAFault)
 {
-    const HCURSOR wait = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT));
     for (const Fault fault : kEveryFault) {
-        SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW)));
+        SetCursor(nullptr);
         store.raise("getRealSize", fault);
-        whileOpen(newRule(), kAdd, [&](HWND) { EXPECT_NE(GetCursor(), wait) << faultName(fault); });
+        whileOpen(newRule(), kAdd, [=](HWND) { EXPECT_FALSE(showsWaitCursor()) << fault; });
     }
 }
 

@@ -14,8 +14,7 @@ using testing::IsEmpty;
 
 namespace {
 
-class SettingsMembersTest : public testing::Test {
-protected:
+struct SettingsMembersTest : testing::Test {
     RecordingStore store;
     void* const staff = store.account("staff");
     void* const ann = store.account("ann");
@@ -67,15 +66,14 @@ TEST_F(SettingsMembersTest, GivesEachMemberACopyOfItsSid)
 
 TEST_F(SettingsMembersTest, AreAskedForUnderTheWaitCursor)
 {
-    HCURSOR const wait = LoadCursorW(nullptr, IDC_WAIT);
     int asked = 0;
-    store.answer.enumerateGroupUsers = [&asked, wait, answer = store.answer.enumerateGroupUsers](
+    store.answer.enumerateGroupUsers = [&asked, answer = store.answer.enumerateGroupUsers](
                                            const wchar_t* server, const wchar_t* group, SidList* list) {
         ++asked;
-        EXPECT_EQ(GetCursor(), wait);
+        EXPECT_TRUE(showsWaitCursor());
         return answer(server, group, list);
     };
-    whileOpen(rule, kAdd, [wait](HWND) { EXPECT_NE(GetCursor(), wait); });
+    whileOpen(rule, kAdd, [](HWND) { EXPECT_FALSE(showsWaitCursor()); });
     EXPECT_EQ(asked, 1);
 }
 
@@ -94,17 +92,14 @@ TEST_F(SettingsMembersTest, TracksNewMembersWhenAsked)
 
 TEST_F(SettingsMembersTest, AccountsMembersForFilesChosen)
 {
-    untilOk(rule, kAdd, [](HWND dialog) {
-        click(dialog, IDC_QUOTA_ALL_FILES);
-        click(dialog, IDC_QUOTA_GROUP_MEMBERS);
-    });
+    untilOk(rule, kAdd, clicks({IDC_QUOTA_ALL_FILES, IDC_QUOTA_GROUP_MEMBERS}));
     ASSERT_NE(rule->next, nullptr);
     EXPECT_EQ(rule->next->inUse, 1000);
 }
 
 TEST_F(SettingsMembersTest, MakesNoRecordsUnlessAsked)
 {
-    untilOk(rule, kAdd, [](HWND) {});
+    untilOk(rule, kAdd);
     EXPECT_EQ(rule->next, nullptr);
 }
 
@@ -138,13 +133,13 @@ TEST_F(SettingsMembersTest, MakesNoRecordsWhenRefused)
 
 TEST_F(SettingsMembersTest, MakesNoRecordsWhenCancelled)
 {
-    whileOpen(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
+    whileOpen(rule, kAdd, clicks({IDC_QUOTA_GROUP_MEMBERS}));
     EXPECT_EQ(rule->next, nullptr);
 }
 
 TEST_F(SettingsMembersTest, ForgetsTheMembersOfTheLastDialog)
 {
-    untilOk(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
+    untilOk(rule, kAdd, clicks({IDC_QUOTA_GROUP_MEMBERS}));
     store.answer.enumerateGroupUsers = [](const wchar_t*, const wchar_t*, SidList* list) {
         return list;
     };
@@ -162,7 +157,7 @@ TEST_F(SettingsMembersTest, CopiesAThousandMembers)
 {
     std::vector<const void*> crowd(1000, ann);
     groupHas(store, crowd);
-    untilOk(rule, kAdd, [](HWND dialog) { click(dialog, IDC_QUOTA_GROUP_MEMBERS); });
+    untilOk(rule, kAdd, clicks({IDC_QUOTA_GROUP_MEMBERS}));
     EXPECT_EQ(chainTexts(rule).size(), 1001u);
     EXPECT_EQ(chainTexts(rule).back(), "ann C:\\data");
 }

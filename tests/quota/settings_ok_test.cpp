@@ -11,15 +11,13 @@ using testing::IsEmpty;
 
 namespace {
 
-class SettingsOkTest : public testing::Test {
-protected:
+struct SettingsOkTest : testing::Test {
     RecordingStore store;
     void* const alice = store.account("SALES\\alice");
 
     /// OK with these texts is accepted and gives these limits.
-    void expectAccepted(
-        QuotaRule* rule, int mode, const wchar_t* hard, const wchar_t* soft, int64_t hardLimit,
-        int64_t softLimit, const DialogScript::Act& before = [](HWND) {})
+    void expectAccepted(QuotaRule* rule, int mode, const wchar_t* hard, const wchar_t* soft,
+                        int64_t hardLimit, int64_t softLimit, const DialogScript::Act& before = clicks({}))
     {
         const intptr_t result = untilOk(rule, mode, [&](HWND dialog) {
             before(dialog);
@@ -31,9 +29,8 @@ protected:
     }
 
     /// OK with these texts is refused, and the record has these limits all the same.
-    void expectRefused(
-        QuotaRule* rule, int mode, const wchar_t* hard, const wchar_t* soft, int64_t hardLimit,
-        int64_t softLimit, const DialogScript::Act& before = [](HWND) {})
+    void expectRefused(QuotaRule* rule, int mode, const wchar_t* hard, const wchar_t* soft, int64_t hardLimit,
+                       int64_t softLimit, const DialogScript::Act& before = clicks({}))
     {
         std::string typedHard;
         std::string typedSoft;
@@ -57,13 +54,6 @@ protected:
     }
 };
 
-DialogScript::Act choose(int id)
-{
-    return [id](HWND dialog) {
-        click(dialog, id);
-    };
-}
-
 } // namespace
 
 TEST_F(SettingsOkTest, TakesWhatIsTyped)
@@ -78,7 +68,7 @@ TEST_F(SettingsOkTest, TakesTheProposalAsItStands)
 {
     folderHolds(store, 3 * kMiB);
     QuotaRule* const rule = newRule();
-    EXPECT_EQ(untilOk(rule, kAdd, [](HWND) {}), reinterpret_cast<intptr_t>(rule));
+    EXPECT_EQ(untilOk(rule, kAdd), reinterpret_cast<intptr_t>(rule));
     EXPECT_EQ(rule->hardLimit, 15 * kMiB);
     EXPECT_EQ(rule->softLimit, 15 * kMiB - 15 * kMiB / 20);
 }
@@ -162,18 +152,16 @@ TEST_F(SettingsOkTest, AnyoneNeedsTheFoldersSize)
 TEST_F(SettingsOkTest, AnyoneNeedsTheFoldersSizeWhateverIsChosen)
 {
     folderHolds(store, 5000);
-    expectRefused(newRule(), kAdd, L"4999", L"1", 5250, 1, choose(IDC_QUOTA_NO_FILES));
+    expectRefused(newRule(), kAdd, L"4999", L"1", 5250, 1, clicks({IDC_QUOTA_NO_FILES}));
 }
 
 TEST_F(SettingsOkTest, HardLimitBelowTheFoldersSizeCanBeAllowed)
 {
     folderHolds(store, 5000);
-    expectAccepted(newRule(), kAdd, L"4999", L"1", 4999, 1, choose(IDC_QUOTA_ALLOW_BELOW));
-    expectAccepted(newRule(alice), kAdd, L"4999", L"1", 4999, 1, [](HWND dialog) {
-        click(dialog, IDC_QUOTA_ALL_FILES);
-        click(dialog, IDC_QUOTA_ALLOW_BELOW);
-    });
-    expectRefused(newRule(), kAdd, L"1000", L"1", 1024, 1, choose(IDC_QUOTA_ALLOW_BELOW));
+    expectAccepted(newRule(), kAdd, L"4999", L"1", 4999, 1, clicks({IDC_QUOTA_ALLOW_BELOW}));
+    expectAccepted(newRule(alice), kAdd, L"4999", L"1", 4999, 1,
+                   clicks({IDC_QUOTA_ALL_FILES, IDC_QUOTA_ALLOW_BELOW}));
+    expectRefused(newRule(), kAdd, L"1000", L"1", 1024, 1, clicks({IDC_QUOTA_ALLOW_BELOW}));
 }
 
 TEST_F(SettingsOkTest, AnAccountNeedsItsOwnFiles)
@@ -188,15 +176,15 @@ TEST_F(SettingsOkTest, AnAccountNeedsAllFilesWhenChosen)
 {
     folderHolds(store, 50000);
     accountOwns(store, 3000);
-    expectRefused(newRule(alice), kAdd, L"49999", L"1", 52500, 1, choose(IDC_QUOTA_ALL_FILES));
-    expectAccepted(newRule(alice), kAdd, L"50000", L"1", 50000, 1, choose(IDC_QUOTA_ALL_FILES));
+    expectRefused(newRule(alice), kAdd, L"49999", L"1", 52500, 1, clicks({IDC_QUOTA_ALL_FILES}));
+    expectAccepted(newRule(alice), kAdd, L"50000", L"1", 50000, 1, clicks({IDC_QUOTA_ALL_FILES}));
 }
 
 TEST_F(SettingsOkTest, AnAccountNeedsNothingForNoFiles)
 {
     folderHolds(store, 50000);
     accountOwns(store, 3000);
-    expectAccepted(newRule(alice), kAdd, L"1024", L"1", 1024, 1, choose(IDC_QUOTA_NO_FILES));
+    expectAccepted(newRule(alice), kAdd, L"1024", L"1", 1024, 1, clicks({IDC_QUOTA_NO_FILES}));
 }
 
 TEST_F(SettingsOkTest, AnAccountThatWasMeasuredBeforeNeedsNothing)
@@ -217,15 +205,9 @@ TEST_F(SettingsOkTest, AnAccountsEditedRuleIsNotHeldToItsFiles)
 TEST_F(SettingsOkTest, CanBeRefusedAgainAndThenAccepted)
 {
     QuotaRule* const rule = newRule();
-    DialogScript script;
-    script.onDialog("type", [](HWND dialog) { typeLimits(dialog, L"500", L"1"); })
-        .onDialog("OK", pressOk)
-        .answerBox(kInvalid, kInformation)
-        .onDialog("OK again", pressOk)
-        .answerBox(kInvalid, kInformation)
-        .onDialog("type again", [](HWND dialog) { typeLimits(dialog, L"5000", L"4000"); })
-        .onDialog("OK at last", pressOk);
-    EXPECT_EQ(script.run([=] { return editQuotaListEntry(nullptr, rule, kAdd); }),
+    Visit visit;
+    visit.onDialog("type", limits(L"500", L"1"));
+    EXPECT_EQ(visit.refused().refused().ok(limits(L"5000", L"4000")).open(rule, kAdd),
               reinterpret_cast<intptr_t>(rule));
     EXPECT_EQ(rule->hardLimit, 5000);
     EXPECT_EQ(rule->softLimit, 4000);
@@ -235,17 +217,15 @@ TEST_F(SettingsOkTest, RefusalLeavesInUseAlone)
 {
     folderHolds(store, 5000);
     QuotaRule* const rule = newRule();
-    expectRefused(rule, kAdd, L"4999", L"1", 5250, 1, choose(IDC_QUOTA_NO_FILES));
+    expectRefused(rule, kAdd, L"4999", L"1", 5250, 1, clicks({IDC_QUOTA_NO_FILES}));
     EXPECT_EQ(rule->inUse, 0);
 }
 
 TEST_F(SettingsOkTest, AddingCutsTheRecordFromItsNeighbours)
 {
-    QuotaRule* const before = newRule();
-    QuotaRule* const after = newRule();
     QuotaRule* const rule = newRule();
-    rule->prev = before;
-    rule->next = after;
+    rule->prev = newRule();
+    rule->next = newRule();
     expectRefused(rule, kAdd, L"500", L"1", 1024, 1);
     EXPECT_EQ(rule->next, nullptr);
     EXPECT_EQ(rule->prev, nullptr);
@@ -253,11 +233,9 @@ TEST_F(SettingsOkTest, AddingCutsTheRecordFromItsNeighbours)
 
 TEST_F(SettingsOkTest, EditingLeavesTheRecordLinked)
 {
-    QuotaRule* const before = newRule();
-    QuotaRule* const after = newRule();
     QuotaRule* const rule = newRule();
-    rule->prev = before;
-    rule->next = after;
+    QuotaRule* const before = rule->prev = newRule();
+    QuotaRule* const after = rule->next = newRule();
     expectAccepted(rule, kEdit, L"5000", L"1", 5000, 1);
     EXPECT_EQ(rule->next, after);
     EXPECT_EQ(rule->prev, before);
@@ -268,7 +246,7 @@ TEST_F(SettingsOkTest, CancelLeavesTheRecordLinked)
     QuotaRule* const after = newRule();
     QuotaRule* const rule = newRule();
     rule->next = after;
-    EXPECT_EQ(whileOpen(rule, kAdd, [](HWND) {}), 0);
+    EXPECT_EQ(whileOpen(rule, kAdd), 0);
     EXPECT_EQ(rule->next, after);
 }
 
@@ -285,7 +263,7 @@ TEST_F(SettingsOkTest, LeavesFolderAndAccountAlone)
     QuotaRule* const rule = newRule(alice);
     wchar_t* const path = rule->path;
     void* const sid = rule->sid;
-    untilOk(rule, kAdd, [](HWND) {});
+    untilOk(rule, kAdd);
     EXPECT_EQ(rule->path, path);
     EXPECT_STREQ(rule->path, L"C:\\data");
     EXPECT_EQ(rule->sid, sid);
@@ -297,10 +275,9 @@ TEST_F(SettingsOkTest, AnyNotificationOfOkAndCancelCounts)
     constexpr WORD kAnyCode = 99;
     QuotaRule* const rule = newRule();
     for (const int id : {IDOK, IDCANCEL}) {
-        DialogScript script;
-        script.onDialog("notify",
-                        [id](HWND dialog) { SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, kAnyCode), 0); });
-        EXPECT_EQ(script.run([=] { return editQuotaListEntry(nullptr, rule, kAdd); }),
-                  id == IDOK ? reinterpret_cast<intptr_t>(rule) : 0);
+        const auto notify = [id](HWND dialog) {
+            SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, kAnyCode), 0);
+        };
+        EXPECT_EQ(Visit().act(notify).open(rule, kAdd), id == IDOK ? reinterpret_cast<intptr_t>(rule) : 0);
     }
 }

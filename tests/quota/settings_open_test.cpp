@@ -1,10 +1,13 @@
 // What the Quota Settings dialog does when it opens.
+#include "quota/limits.h"
 #include "res/resource.h"
 #include "tests/quota/quota_settings.h"
 
 #include <gmock/gmock.h>
 
 #include <limits>
+#include <optional>
+#include <ostream>
 
 using namespace quota_settings;
 using testing::ElementsAre;
@@ -12,8 +15,7 @@ using testing::IsEmpty;
 
 namespace {
 
-class SettingsOpenTest : public testing::Test {
-protected:
+struct SettingsOpenTest : testing::Test {
     RecordingStore store;
     void* const alice = store.account("SALES\\alice");
 };
@@ -43,13 +45,13 @@ TEST_F(SettingsOpenTest, ShowsAnEmptyNameForAnUnknownAccount)
 
 TEST_F(SettingsOpenTest, AsksTheStoreForAnyone)
 {
-    whileOpen(newRule(), kAdd, [](HWND) {});
+    whileOpen(newRule(), kAdd);
     EXPECT_THAT(store.calls(), ElementsAre("getRealSize C:\\data"));
 }
 
 TEST_F(SettingsOpenTest, AsksTheStoreForAnAccountInThisOrder)
 {
-    whileOpen(newRule(alice), kAdd, [](HWND) {});
+    whileOpen(newRule(alice), kAdd);
     EXPECT_THAT(store.calls(),
                 ElementsAre("getAccountBySidW SALES\\alice 128", "getRealSize C:\\data", "createEmptySidList",
                             "sidDup SALES\\alice", "appendToSidList [] SALES\\alice",
@@ -63,10 +65,7 @@ TEST_F(SettingsOpenTest, DoesNotMeasureAnAccountThatWasMeasuredBefore)
 {
     QuotaRule* const rule = newRule(alice);
     rule->inUse = 0;
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "0 ");
-        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_OWNED_FILES));
-    });
+    whileOpen(rule, kAdd);
     EXPECT_THAT(store.calls(), ElementsAre("getAccountBySidW SALES\\alice 128", "getRealSize C:\\data",
                                            "getAccountBySidW SALES\\alice 128",
                                            "enumerateGroupUsers null SALES\\alice null"));
@@ -76,164 +75,100 @@ TEST_F(SettingsOpenTest, DoesNotAskForMembersWhenEditing)
 {
     QuotaRule* const rule = newRule(alice);
     rule->inUse = 5;
-    whileOpen(rule, kEdit, [](HWND) {});
+    whileOpen(rule, kEdit);
     EXPECT_THAT(store.calls(), ElementsAre("getAccountBySidW SALES\\alice 128", "getRealSize C:\\data"));
 }
 
-TEST_F(SettingsOpenTest, MeasuresAnAccountWhenEditingToo)
+namespace {
+
+constexpr int64_t kMost = std::numeric_limits<int64_t>::max();
+
+/// A rule, what the store measures, and what the dialog makes of them.
+struct Opening {
+    const char* name;
+    Limits given;  ///< of the rule
+    int64_t inUse; ///< of the rule
+    int64_t folder;
+    std::optional<int64_t> owned; ///< by the rule's account; none: the rule is for anyone
+    int mode;
+    const char* shown;
+    int files;
+    Limits limits; ///< of the rule afterwards
+    int64_t inUseThen;
+};
+
+std::ostream& operator<<(std::ostream& out, const Opening& opening)
 {
-    folderHolds(store, 100);
-    accountOwns(store, 40);
-    QuotaRule* const rule = newRule(alice);
-    whileOpen(rule, kEdit, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "100 ");
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "40 ");
+    return out << opening.name;
+}
+
+struct SettingsOpeningTest : SettingsOpenTest, testing::WithParamInterface<Opening> {};
+
+constexpr Limits kNoLimits = {-1, -1};
+constexpr int64_t kUnknown = QUOTA_IN_USE_UNKNOWN;
+constexpr int kNone = 0;
+constexpr int kAll = IDC_QUOTA_ALL_FILES;
+constexpr int kOwned = IDC_QUOTA_OWNED_FILES;
+
+} // namespace
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Rules, SettingsOpeningTest, testing::Values(
+    Opening{"AnyoneCountsTheWholeFolder", kNoLimits, kUnknown, 3 * kMiB, {}, kAdd,
+            "3072K|3072K|15360K|14592K", kAll, {15 * kMiB, 15 * kMiB - 15 * kMiB / 20}, 3 * kMiB},
+    Opening{"AnAccountCountsOwnedFiles", kNoLimits, kUnknown, 3 * kMiB, kMiB, kAdd,
+            "3072K|1048576 |15360K|14592K", kOwned, {15 * kMiB, 15 * kMiB - 15 * kMiB / 20}, kMiB},
+    Opening{"AnAccountIsMeasuredWhenEditingToo", kNoLimits, kUnknown, 100, 40, kEdit,
+            "100 |40 |102400K|97280K", kNone, {104857600, 99614720}, 40},
+    Opening{"AnyoneMeasuredBeforeStillCountsAllFiles", kNoLimits, 7, 100, {}, kAdd,
+            "100 |7 |102400K|97280K", kAll, {104857600, 99614720}, 7},
+    Opening{"AnAccountMeasuredBeforeCountsNothing", kNoLimits, 0, 0, 5, kAdd,
+            "0 |0 |102400K|97280K", kNone, {104857600, 99614720}, 0},
+    Opening{"ASizeOfMinusOneIsZero", kNoLimits, kUnknown, -1, {}, kAdd,
+            "0 |0 |102400K|97280K", kAll, {104857600, 99614720}, 0},
+    Opening{"ANegativeSizeIsZero", kNoLimits, kUnknown, -12345, {}, kAdd,
+            "0 |0 |102400K|97280K", kAll, {104857600, 99614720}, 0},
+    Opening{"ANegativeSizeByOwnerIsKept", kNoLimits, kUnknown, 0, -7, kAdd,
+            "0 |-7 |102400K|97280K", kOwned, {104857600, 99614720}, -7},
+    Opening{"AnEmptyFolderGetsAHundredMegabytes", kNoLimits, kUnknown, 0, {}, kAdd,
+            "0 |0 |102400K|97280K", kAll, {104857600, 99614720}, 0},
+    Opening{"OneMegabyteGetsAHundredMegabytes", kNoLimits, kUnknown, 1048576, {}, kAdd,
+            "1048576 |1048576 |102400K|97280K", kAll, {104857600, 99614720}, 1048576},
+    Opening{"JustAboveOneMegabyteGetsFiveTimesItsSize", kNoLimits, kUnknown, 1048577, {}, kAdd,
+            "1024K|1024K|5120K|4864K", kAll, {5242885, 5242885 - 262144}, 1048577},
+    Opening{"AnAccountToo", kNoLimits, kUnknown, 3 * kMiB, 2 * kMiB, kAdd,
+            "3072K|2048K|15360K|14592K", kOwned, {15 * kMiB, 15 * kMiB - 15 * kMiB / 20}, 2 * kMiB},
+    Opening{"LimitsThatAreSetStay", {1, 2}, kUnknown, 3 * kMiB, {}, kAdd,
+            "3072K|3072K|1 |2 ", kAll, {1, 2}, 3 * kMiB},
+    Opening{"AZeroSoftLimitIsNotSet", {2000, 0}, kUnknown, 0, {}, kEdit,
+            "0 |0 |2000 |1900 ", kNone, {2000, 1900}, 0},
+    Opening{"AZeroHardLimitIsNotSet", {0, 5}, kUnknown, 0, {}, kEdit,
+            "0 |0 |102400K|5 ", kNone, {104857600, 5}, 0},
+    // After five divisions there is no letter left.
+    Opening{"TheLongestSizes", {kMost, 1}, kUnknown, kMost, {}, kAdd,
+            "8191|8191|8191|1 ", kAll, {kMost, 1}, kMost}),
+    testing::PrintToStringParamName());
+// clang-format on
+
+TEST_P(SettingsOpeningTest, ShowsAndProposes)
+{
+    const Opening& opening = GetParam();
+    folderHolds(store, opening.folder);
+    accountOwns(store, opening.owned.value_or(0));
+    QuotaRule* const rule = newRule(opening.owned ? alice : nullptr);
+    rule->inUse = opening.inUse;
+    rule->hardLimit = opening.given.hard;
+    rule->softLimit = opening.given.soft;
+    whileOpen(rule, opening.mode, [&](HWND dialog) {
+        EXPECT_EQ(sizes(dialog), opening.shown);
+        if (opening.mode == kAdd) { // the other template does not have them
+            EXPECT_EQ(countedFiles(dialog), opening.files);
+            EXPECT_EQ(isEnabled(dialog, IDC_QUOTA_OWNED_FILES), opening.owned.has_value());
+        }
     });
-    EXPECT_EQ(rule->inUse, 40);
-}
-
-TEST_F(SettingsOpenTest, CountsTheWholeFolderForAnyone)
-{
-    folderHolds(store, 3 * kMiB);
-    QuotaRule* const rule = newRule();
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "3072K");
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "3072K");
-        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_ALL_FILES));
-        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_OWNED_FILES));
-        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_NO_FILES));
-        EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_OWNED_FILES));
-    });
-    EXPECT_EQ(rule->inUse, 3 * kMiB);
-}
-
-TEST_F(SettingsOpenTest, CountsOwnedFilesForAnAccount)
-{
-    folderHolds(store, 3 * kMiB);
-    accountOwns(store, kMiB);
-    QuotaRule* const rule = newRule(alice);
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "3072K");
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "1048576 ");
-        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_OWNED_FILES));
-        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_ALL_FILES));
-        EXPECT_FALSE(isChecked(dialog, IDC_QUOTA_NO_FILES));
-        EXPECT_TRUE(isEnabled(dialog, IDC_QUOTA_OWNED_FILES));
-    });
-    EXPECT_EQ(rule->inUse, kMiB);
-}
-
-TEST_F(SettingsOpenTest, ChecksAllFilesForAnyoneThoughMeasuredBefore)
-{
-    folderHolds(store, 100);
-    QuotaRule* const rule = newRule();
-    rule->inUse = 7;
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "7 ");
-        EXPECT_TRUE(isChecked(dialog, IDC_QUOTA_ALL_FILES));
-        EXPECT_FALSE(isEnabled(dialog, IDC_QUOTA_OWNED_FILES));
-    });
-    EXPECT_EQ(rule->inUse, 7);
-}
-
-TEST_F(SettingsOpenTest, TakesANegativeSizeAsZero)
-{
-    for (const int64_t size : {-1, -12345}) {
-        folderHolds(store, size);
-        QuotaRule* const rule = newRule();
-        whileOpen(rule, kAdd, [](HWND dialog) {
-            EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "0 ");
-            EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "0 ");
-        });
-        EXPECT_EQ(rule->inUse, 0);
-    }
-}
-
-TEST_F(SettingsOpenTest, KeepsANegativeSizeByOwner)
-{
-    accountOwns(store, -7);
-    QuotaRule* const rule = newRule(alice);
-    whileOpen(rule, kAdd, [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_QUOTA_IN_USE), "-7 "); });
-    EXPECT_EQ(rule->inUse, -7);
-}
-
-TEST_F(SettingsOpenTest, ProposesLimitsFromTheFoldersSize)
-{
-    folderHolds(store, 3 * kMiB);
-    QuotaRule* const rule = newRule();
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "15360K");
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "14592K");
-    });
-    EXPECT_EQ(rule->hardLimit, 15 * kMiB);
-    EXPECT_EQ(rule->softLimit, 15 * kMiB - 15 * kMiB / 20);
-}
-
-TEST_F(SettingsOpenTest, ProposesAHundredMegabytesForAnEmptyFolder)
-{
-    QuotaRule* const rule = newRule();
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "102400K");
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "97280K");
-    });
-    EXPECT_EQ(rule->hardLimit, 104857600);
-    EXPECT_EQ(rule->softLimit, 99614720);
-}
-
-TEST_F(SettingsOpenTest, ProposesAHundredMegabytesUpToOneMegabyte)
-{
-    folderHolds(store, 1048576);
-    QuotaRule* const rule = newRule();
-    whileOpen(rule, kAdd, [](HWND) {});
-    EXPECT_EQ(rule->hardLimit, 104857600);
-}
-
-TEST_F(SettingsOpenTest, ProposesFiveTimesTheSizeJustAboveOneMegabyte)
-{
-    folderHolds(store, 1048577);
-    QuotaRule* const rule = newRule();
-    whileOpen(rule, kAdd, [](HWND) {});
-    EXPECT_EQ(rule->hardLimit, 5242885);
-    EXPECT_EQ(rule->softLimit, 5242885 - 262144);
-}
-
-TEST_F(SettingsOpenTest, ProposesFromTheFoldersSizeForAnAccountToo)
-{
-    folderHolds(store, 3 * kMiB);
-    accountOwns(store, 2 * kMiB);
-    QuotaRule* const rule = newRule(alice);
-    whileOpen(rule, kAdd, [](HWND) {});
-    EXPECT_EQ(rule->hardLimit, 15 * kMiB);
-}
-
-TEST_F(SettingsOpenTest, KeepsLimitsThatAreSet)
-{
-    folderHolds(store, 3 * kMiB);
-    QuotaRule* const rule = newRule();
-    rule->hardLimit = 1;
-    rule->softLimit = 2;
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "1 ");
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "2 ");
-    });
-    EXPECT_EQ(rule->hardLimit, 1);
-    EXPECT_EQ(rule->softLimit, 2);
-}
-
-TEST_F(SettingsOpenTest, TakesAZeroLimitAsNotSet)
-{
-    QuotaRule* const rule = newRule();
-    rule->hardLimit = 2000;
-    rule->softLimit = 0;
-    whileOpen(rule, kEdit,
-              [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_QUOTA_SOFT_LIMIT), "1900 "); });
-    EXPECT_EQ(rule->hardLimit, 2000);
-    EXPECT_EQ(rule->softLimit, 1900);
-    rule->hardLimit = 0;
-    rule->softLimit = 5;
-    whileOpen(rule, kEdit,
-              [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "102400K"); });
-    EXPECT_EQ(rule->softLimit, 5);
+    EXPECT_EQ(rule->inUse, opening.inUseThen);
+    EXPECT_EQ(rule->hardLimit, opening.limits.hard);
+    EXPECT_EQ(rule->softLimit, opening.limits.soft);
 }
 
 TEST_F(SettingsOpenTest, LeavesMembersOffWithoutAGroup)
@@ -279,7 +214,7 @@ TEST_F(SettingsOpenTest, ReleasesTheMembersAtTheEnd)
 
 TEST_F(SettingsOpenTest, WritesNoLine)
 {
-    whileOpen(newRule(alice), kAdd, [](HWND) {});
+    whileOpen(newRule(alice), kAdd);
     EXPECT_THAT(store.lines(), IsEmpty());
 }
 
@@ -289,17 +224,4 @@ TEST_F(SettingsOpenTest, PutsTheFocusOnTheFirstFieldToFill)
         whileOpen(newRule(), mode,
                   [](HWND dialog) { EXPECT_EQ(focusOf(dialog), GetDlgItem(dialog, IDC_QUOTA_SOFT_LIMIT)); });
     }
-}
-
-TEST_F(SettingsOpenTest, ShowsTheLongestSizes)
-{
-    folderHolds(store, std::numeric_limits<int64_t>::max());
-    QuotaRule* const rule = newRule();
-    rule->hardLimit = std::numeric_limits<int64_t>::max();
-    rule->softLimit = 1;
-    whileOpen(rule, kAdd, [](HWND dialog) {
-        // After five divisions there is no letter left.
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_OBJECT_SIZE), "8191");
-        EXPECT_EQ(controlText(dialog, IDC_QUOTA_HARD_LIMIT), "8191");
-    });
 }

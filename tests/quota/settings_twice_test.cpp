@@ -9,8 +9,7 @@ using namespace quota_settings;
 
 namespace {
 
-class SettingsTwiceTest : public testing::Test {
-protected:
+struct SettingsTwiceTest : testing::Test {
     RecordingStore store;
     ListHost first;
     ListHost second;

@@ -65,8 +65,7 @@ bool answers(HWND window)
     return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_BLOCK, kSlow, &result) != 0;
 }
 
-class SettingsWaitTest : public testing::Test {
-protected:
+struct SettingsWaitTest : testing::Test {
     RecordingStore store;
     void* const staff = store.account("SALES\\staff");
     std::vector<HWND> seen;
@@ -142,7 +141,7 @@ TEST_F(SettingsWaitTest, ItLeavesNothingBehind)
     };
     QuotaRule* const rule = newRule();
     const auto open = [&] {
-        whileOpen(rule, kEdit, [](HWND) {});
+        whileOpen(rule, kEdit);
         store.takeCalls();
     };
     open();
@@ -178,6 +177,6 @@ TEST_F(SettingsWaitTest, AQuickStoreMakesNoWindow)
     const ImportPatch make(ImportPatch::corvane(), "CreateWindowExW", countWindow);
     ASSERT_EQ(make.count(), 1);
     windowsMade = 0;
-    whileOpen(newRule(staff), kAdd, [](HWND) {});
+    whileOpen(newRule(staff), kAdd);
     EXPECT_EQ(windowsMade, 0);
 }

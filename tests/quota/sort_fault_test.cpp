@@ -1,8 +1,7 @@
 // A list that faults while it is sorted.
-#include "tests/support/dialog_script.h"
+#include "tests/quota/rule_list_test.h"
+
 #include "tests/support/import_patch.h"
-#include "tests/support/list_host.h"
-#include "tests/support/recording_store.h"
 
 #include <commctrl.h>
 
@@ -14,7 +13,7 @@ using testing::ElementsAre;
 namespace {
 
 WNDPROC before = nullptr;
-Fault fault = Fault::None;
+Fault fault = Fault::kNone;
 
 int* volatile nowhere = nullptr;
 
@@ -31,7 +30,7 @@ bool readsTextOfFirstRow(UINT message, WPARAM wParam, LPARAM lParam)
 LRESULT CALLBACK faultOnFirstRow(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (readsTextOfFirstRow(message, wParam, lParam)) {
-        if (fault == Fault::AccessViolation) {
+        if (fault == Fault::kAccessViolation) {
             *nowhere = 1;
         } else {
             RaiseException(0xE0000001, 0, 0, nullptr);
@@ -40,34 +39,31 @@ LRESULT CALLBACK faultOnFirstRow(HWND window, UINT message, WPARAM wParam, LPARA
     return CallWindowProcW(before, window, message, wParam, lParam);
 }
 
-std::vector<std::string> boxes;
+std::vector<std::string> boxesOfSorting;
 
-int WINAPI noteBox(HWND owner, const char* text, const char* caption, UINT style)
+int WINAPI noteBoxOfSorting(HWND owner, const char* text, const char* caption, UINT style)
 {
-    boxes.push_back(std::string(caption) + ": " + text + ", " + std::to_string(style) + ", " +
-                    std::to_string(reinterpret_cast<UINT_PTR>(owner)));
+    boxesOfSorting.push_back(std::string(caption) + ": " + text + ", " + std::to_string(style) + ", " +
+                             std::to_string(reinterpret_cast<UINT_PTR>(owner)));
     return IDOK;
 }
 
-struct SortFaultTest : testing::Test {
-    RecordingStore store;
-    ListHost host;
-
+struct SortFaultTest : RuleListTest {
     void fill(const std::vector<std::wstring>& names)
     {
-        initializeListCtrl2(host.object(), nullptr);
+        prepare();
         LPARAM data = 0;
         for (const std::wstring& name : names) {
             host.addRow(++data, {name});
         }
-        sortListCtrl2(host.object(), 5); // so that the next column is a new one; all texts there are equal
+        sort(5); // so that the next column is a new one; all texts there are equal
         before = reinterpret_cast<WNDPROC>(
             SetWindowLongPtrW(host.list(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(faultOnFirstRow)));
     }
 
     std::vector<std::string> sorted()
     {
-        sortListCtrl2(host.object(), 0);
+        sort(0);
         SetWindowLongPtrW(host.list(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(before));
         return host.column(0);
     }
@@ -77,7 +73,7 @@ struct SortFaultTest : testing::Test {
 
 TEST_F(SortFaultTest, ShowsABoxAndTakesTheRowsAsEqual)
 {
-    for (const Fault kind : {Fault::AccessViolation, Fault::ForeignException}) {
+    for (const Fault kind : {Fault::kAccessViolation, Fault::kForeignException}) {
         fault = kind;
         fill({L"alice", L"bob"});
         DialogScript script;
@@ -89,27 +85,27 @@ TEST_F(SortFaultTest, ShowsABoxAndTakesTheRowsAsEqual)
 
 TEST_F(SortFaultTest, ShowsABoxForEachComparisonWithTheRow)
 {
-    fault = Fault::AccessViolation;
-    const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
+    fault = Fault::kAccessViolation;
+    const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBoxOfSorting);
     ASSERT_EQ(box.count(), 1);
     fill({L"alice", L"bob", L"cleo", L"dan", L"eve"});
-    boxes.clear();
+    boxesOfSorting.clear();
     sorted();
-    EXPECT_GE(boxes.size(), 1u);
-    EXPECT_LE(boxes.size(), 4u);
-    EXPECT_THAT(boxes, Each("Error: Sort failed unexpectedly, " + std::to_string(MB_OK) + ", " +
-                            std::to_string(reinterpret_cast<UINT_PTR>(host.header()))));
+    EXPECT_GE(boxesOfSorting.size(), 1u);
+    EXPECT_LE(boxesOfSorting.size(), 4u);
+    EXPECT_THAT(boxesOfSorting, Each("Error: Sort failed unexpectedly, " + std::to_string(MB_OK) + ", " +
+                                     std::to_string(reinterpret_cast<UINT_PTR>(host.header()))));
 }
 
 TEST_F(SortFaultTest, SortsWellAgainAfterwards)
 {
-    fault = Fault::AccessViolation;
+    fault = Fault::kAccessViolation;
     fill({L"alice", L"bob"});
     {
-        const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBox);
+        const ImportPatch box(ImportPatch::corvane(), "MessageBoxA", noteBoxOfSorting);
         sorted();
     }
-    sortListCtrl2(host.object(), 5);
-    sortListCtrl2(host.object(), 0);
+    sort(5);
+    sort(0);
     EXPECT_THAT(host.column(0), ElementsAre("bob", "alice"));
 }

@@ -5,6 +5,7 @@
 #include "tests/stress/stress.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/faulting_call.h"
+#include "tests/support/library_template.h"
 #include "tests/support/list_host.h"
 #include "tests/support/paths.h"
 #include "tests/support/recording_store.h"
@@ -152,9 +153,7 @@ TEST_F(Apart, ThreeThreadsWithDialogsOfNobody)
         }
         return message == WM_TIMER ? EndDialog(dialog, IDOK) : FALSE;
     };
-    const HMODULE library = GetModuleHandleW(L"corvane");
-    const auto* const page = static_cast<LPCDLGTEMPLATEW>(LockResource(
-        LoadResource(library, FindResourceW(library, MAKEINTRESOURCEW(IDD_QUOTA_SETTINGS_ADD), RT_DIALOG))));
+    const LPCDLGTEMPLATEW page = libraryTemplate(IDD_QUOTA_SETTINGS_ADD);
     std::vector<std::thread> threads;
     for (int i = 0; i < 3; ++i) {
         threads.emplace_back([=] {

@@ -18,8 +18,8 @@ namespace {
 
 constexpr int kRoundsPerStore = 50;
 constexpr int kActsPerRound = 150;
-constexpr Fault kFaults[] = {Fault::AccessViolation, Fault::DivideByZero, Fault::CppException,
-                             Fault::ForeignException};
+constexpr Fault kFaults[] = {Fault::kAccessViolation, Fault::kDivideByZero, Fault::kCppException,
+                             Fault::kForeignException};
 
 /// Raises something at one in so many calls.
 class RandomFaults {
@@ -30,7 +30,7 @@ public:
     {
         store.faultFor = [this](const char*) {
             if (m_random() % 30 != 0) {
-                return Fault::None;
+                return Fault::kNone;
             }
             ++m_raised;
             ++all;

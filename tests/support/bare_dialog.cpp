@@ -1,5 +1,7 @@
 #include "tests/support/bare_dialog.h"
 
+#include "tests/support/library_template.h"
+
 #include <commctrl.h>
 
 namespace {
@@ -13,11 +15,7 @@ BareDialog::BareDialog(int number)
 {
     const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
     InitCommonControlsEx(&classes);
-    static const HMODULE library = LoadLibraryW(L"corvane.dll"); // stays: other tests import it
-
-    const HRSRC found = FindResourceW(library, MAKEINTRESOURCEW(number), RT_DIALOG);
-    if (found != nullptr) {
-        const auto* const loaded = static_cast<LPCDLGTEMPLATEW>(LockResource(LoadResource(library, found)));
+    if (LPCDLGTEMPLATEW loaded = libraryTemplate(number)) {
         m_window = CreateDialogIndirectParamW(nullptr, loaded, nullptr, ignore, 0);
     }
 }

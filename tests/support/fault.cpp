@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <ostream>
 #include <stdexcept>
 
 namespace {
@@ -42,35 +43,40 @@ void raiseManagedException()
 
 } // namespace
 
+std::ostream& operator<<(std::ostream& out, Fault fault)
+{
+    return out << faultName(fault);
+}
+
 void raiseNow(Fault fault)
 {
     switch (fault) {
-    case Fault::None:
+    case Fault::kNone:
         break;
-    case Fault::AccessViolation:
+    case Fault::kAccessViolation:
         *nowhere = 1;
         break;
-    case Fault::DivideByZero:
+    case Fault::kDivideByZero:
         sink = many / zero;
         break;
-    case Fault::CppException:
+    case Fault::kCppException:
         throw std::runtime_error("raised by the recording store");
-    case Fault::ForeignException:
+    case Fault::kForeignException:
         RaiseException(kForeignCode, 0, 0, nullptr);
         break;
-    case Fault::OtherCppException:
+    case Fault::kOtherCppException:
         raiseOtherCppException();
         break;
-    case Fault::ManagedException:
+    case Fault::kManagedException:
         raiseManagedException();
         break;
-    case Fault::Breakpoint:
+    case Fault::kBreakpoint:
         __debugbreak();
         break;
-    case Fault::HeapCorruption:
+    case Fault::kHeapCorruption:
         RaiseException(kHeapCorruptionCode, EXCEPTION_NONCONTINUABLE, 0, nullptr);
         break;
-    case Fault::StackOverflow:
+    case Fault::kStackOverflow:
         overflowStack();
         break;
     }
@@ -79,25 +85,25 @@ void raiseNow(Fault fault)
 const char* faultName(Fault fault)
 {
     switch (fault) {
-    case Fault::AccessViolation:
+    case Fault::kAccessViolation:
         return "AccessViolation";
-    case Fault::DivideByZero:
+    case Fault::kDivideByZero:
         return "DivideByZero";
-    case Fault::CppException:
+    case Fault::kCppException:
         return "CppException";
-    case Fault::ForeignException:
+    case Fault::kForeignException:
         return "ForeignException";
-    case Fault::OtherCppException:
+    case Fault::kOtherCppException:
         return "OtherCppException";
-    case Fault::ManagedException:
+    case Fault::kManagedException:
         return "ManagedException";
-    case Fault::Breakpoint:
+    case Fault::kBreakpoint:
         return "Breakpoint";
-    case Fault::HeapCorruption:
+    case Fault::kHeapCorruption:
         return "HeapCorruption";
-    case Fault::StackOverflow:
+    case Fault::kStackOverflow:
         return "StackOverflow";
-    case Fault::None:
+    case Fault::kNone:
         break;
     }
     return "None";

@@ -27,6 +27,7 @@ public:
     // NOLINTNEXTLINE: stands for a literal argument
     operator const PathList*() const { return m_list; }
 
+    size_t size() const { return m_folders.size(); }
     const std::wstring& operator[](size_t index) const { return m_folders[index]; }
 
 private:

@@ -56,17 +56,17 @@ Fault noted(const char* function, const Describe& describe)
     if (current->writing) {
         currentState->calls.push_back(std::move(line));
     }
-    Fault fault = Fault::None;
+    Fault fault = Fault::kNone;
     for (auto& plan : currentState->plans) {
         const bool counts = plan.function.empty() || plan.function == function;
         if (counts && plan.left > 0 && --plan.left == 0) {
             fault = plan.fault;
         }
     }
-    if (fault == Fault::None && current->faultFor) {
+    if (fault == Fault::kNone && current->faultFor) {
         fault = current->faultFor(function);
     }
-    if (fault != Fault::None) {
+    if (fault != Fault::kNone) {
         currentState->raised = function;
     }
     return fault;
@@ -193,19 +193,13 @@ RecordingStore::~RecordingStore()
 void RecordingStore::answerAsUsual()
 {
     answer.getQuotaList = [this](const wchar_t* folder) {
-        QuotaRule* first = nullptr;
-        QuotaRule* last = nullptr;
+        std::vector<QuotaRule*> made;
         for (const auto& rule : m_state->rules) {
-            if (rule.path != folder) {
-                continue;
+            if (rule.path == folder) {
+                made.push_back(makeRule(folder, rule.sid, rule.hardLimit, rule.softLimit, rule.inUse));
             }
-            QuotaRule* const made =
-                makeRule(rule.path.c_str(), rule.sid, rule.hardLimit, rule.softLimit, rule.inUse);
-            made->prev = last;
-            (last == nullptr ? first : last->next) = made;
-            last = made;
         }
-        return first;
+        return linked(made);
     };
     answer.appendToPaths = appendPath;
     answer.freePathList = releasePathList;
@@ -258,6 +252,15 @@ QuotaRule* RecordingStore::makeRule(const wchar_t* path, const void* sid, int64_
     rule->sid = copySid(sid);
     rule->path = _wcsdup(path);
     return rule;
+}
+
+QuotaRule* RecordingStore::linked(const std::vector<QuotaRule*>& rules)
+{
+    for (size_t i = 1; i < rules.size(); ++i) {
+        rules[i - 1]->next = rules[i];
+        rules[i]->prev = rules[i - 1];
+    }
+    return rules.empty() ? nullptr : rules.front();
 }
 
 void RecordingStore::put(const wchar_t* path, const void* sid, int64_t hardLimit, int64_t softLimit,
@@ -325,6 +328,13 @@ std::vector<std::string> RecordingStore::lines() const
         }
     }
     return lines;
+}
+
+std::vector<std::string> RecordingStore::callsWith(std::string_view part) const
+{
+    std::vector<std::string> all = calls();
+    std::erase_if(all, [part](const std::string& call) { return call.find(part) == std::string::npos; });
+    return all;
 }
 
 int RecordingStore::count(std::string_view start) const

@@ -44,6 +44,10 @@ public:
     static QuotaRule* makeRule(const wchar_t* path, const void* sid, int64_t hardLimit, int64_t softLimit,
                                int64_t inUse);
 
+    /// Links rules in their order.
+    /// @return the first, null when there is none.
+    static QuotaRule* linked(const std::vector<QuotaRule*>& rules);
+
     /// Lets getQuotaList give a rule for its folder, in the order in which rules are put in. Each call gives
     /// fresh records.
     void put(const wchar_t* path, const void* sid, int64_t hardLimit, int64_t softLimit, int64_t inUse);
@@ -80,6 +84,9 @@ public:
 
     /// The calls since the last time, leaving the record empty.
     std::vector<std::string> takeCalls();
+
+    /// Those of the calls that have this in them.
+    std::vector<std::string> callsWith(std::string_view part) const;
 
     /// How many of the calls start so.
     int count(std::string_view start) const;

@@ -6,7 +6,7 @@ namespace {
 
 constexpr ULONG_PTR kPage = 4096;
 volatile bool enough = false;
-volatile int sink = 0;
+volatile int usedUp = 0;
 
 int useUp(const volatile char* above)
 {
@@ -36,7 +36,7 @@ void leaveWhatIsGuaranteed()
 void overflowStack()
 {
     leaveWhatIsGuaranteed();
-    sink = useUp("");
+    usedUp = useUp("");
 }
 
 void guaranteeStackForHandlers()

@@ -11,7 +11,7 @@
 
 namespace {
 
-std::string bytesOf(const void* sid)
+std::string contentsOf(const void* sid)
 {
     return {static_cast<const char*>(sid), GetLengthSid(const_cast<void*>(sid))};
 }
@@ -23,7 +23,7 @@ void* copySid(const void* sid)
     if (sid == nullptr || !IsValidSid(const_cast<void*>(sid))) {
         return nullptr;
     }
-    const std::string bytes = bytesOf(sid);
+    const std::string bytes = contentsOf(sid);
     return std::memcpy(std::malloc(bytes.size()), bytes.data(), bytes.size());
 }
 
@@ -37,7 +37,7 @@ void* StoreSids::account(std::string_view name)
     {
         throw std::runtime_error("no SID");
     }
-    m_accounts.push_back(std::make_unique<Account>(Account{std::string(name), bytesOf(sid)}));
+    m_accounts.push_back(std::make_unique<Account>(Account{std::string(name), contentsOf(sid)}));
     FreeSid(sid);
     Account& made = *m_accounts.back();
     m_accountsBySid[made.sid] = &made;
@@ -49,7 +49,7 @@ std::string StoreSids::nameOf(const void* sid) const
     if (!IsValidSid(const_cast<void*>(sid))) {
         return {};
     }
-    const auto found = m_accountsBySid.find(bytesOf(sid));
+    const auto found = m_accountsBySid.find(contentsOf(sid));
     return found == m_accountsBySid.end() ? std::string() : found->second->name;
 }
 

@@ -88,13 +88,13 @@ TEST(RecordingStoreTest, RaisesWhatIsPlannedAtTheCallThatIsPlanned)
         EXPECT_EQ(faultOf(measure), 0u) << faultName(fault);
         const DWORD raised = faultOf(measure);
         switch (fault) {
-        case Fault::AccessViolation:
+        case Fault::kAccessViolation:
             EXPECT_EQ(raised, EXCEPTION_ACCESS_VIOLATION);
             break;
-        case Fault::DivideByZero:
+        case Fault::kDivideByZero:
             EXPECT_EQ(raised, EXCEPTION_INT_DIVIDE_BY_ZERO);
             break;
-        case Fault::CppException:
+        case Fault::kCppException:
             EXPECT_EQ(raised, kCppException);
             break;
         default:
@@ -110,7 +110,7 @@ TEST(RecordingStoreTest, ComplainsAboutAFaultThatNeverCame)
     EXPECT_NONFATAL_FAILURE(
         {
             RecordingStore store;
-            store.raise("getRealSize", Fault::AccessViolation);
+            store.raise("getRealSize", Fault::kAccessViolation);
         },
         "never raised");
 }

@@ -32,8 +32,7 @@ bool takesInput(HWND control)
     return kindDoes && !inGroup && !readOnly && IsWindowEnabled(control);
 }
 
-class LayoutTest : public testing::TestWithParam<TemplateCase> {
-protected:
+struct LayoutTest : testing::TestWithParam<TemplateCase> {
     void SetUp() override { ASSERT_NE(dialog.window(), nullptr) << "no template " << tested.number; }
 
     /// From the first control in the order of the template through all stops and back to the first. A group of radio

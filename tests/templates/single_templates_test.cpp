@@ -2,6 +2,7 @@
 #include "res/resource.h"
 #include "tests/support/bare_dialog.h"
 #include "tests/support/dialog_look.h"
+#include "tests/support/library_template.h"
 #include "tests/support/window_text.h"
 
 #include <commctrl.h>
@@ -49,9 +50,7 @@ struct TemplateItem {
 /// The controls of an extended template of the library, in their order.
 std::vector<TemplateItem> itemsOf(int number)
 {
-    const HMODULE library = GetModuleHandleW(L"corvane");
-    const HRSRC found = FindResourceW(library, MAKEINTRESOURCEW(number), RT_DIALOG);
-    const auto* const start = static_cast<const WORD*>(LockResource(LoadResource(library, found)));
+    const auto* const start = reinterpret_cast<const WORD*>(libraryTemplate(number));
     const WORD* at = start;
     const auto skipName = [&at] { // a number behind a mark, or a text
         std::wstring name;

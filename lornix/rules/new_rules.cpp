@@ -153,7 +153,7 @@ bool NewRules::take(const PathList& folders, const QuotaRule* chain)
 void NewRules::clear()
 {
     constexpr std::size_t kKept = 16 << 20;
-    if (m_lines.size() > kKept) {
+    if (m_lines.size() + m_groups.size() * sizeof(Group) > kKept) {
         *this = NewRules();
     }
     m_groups.clear();

@@ -9,6 +9,7 @@
 #include "res/resource.h"
 #include "store/lornix.h"
 
+#include <climits>
 #include <utility>
 
 namespace {
@@ -19,9 +20,9 @@ constexpr UINT kGoOn = WM_APP + 2;
 constexpr UINT_PTR kTimer = 0x5349;
 constexpr UINT_PTR kEndTimer = 0x534A; // a fill that could not be started ends by this one
 
-// Rows are put into the list in batches this far apart, unless the fill is far ahead, and for this long at once; the dialog
-// takes input and paints in between. What takes less than a tenth of a second is taken for immediate.
-constexpr UINT kPauseMilliseconds = 80;
+// Rows are put into the list in batches this far apart, and for this long at once; the dialog takes input and paints
+// in between. Together they stay below a tenth of a second.
+constexpr UINT kPauseMilliseconds = 20;
 constexpr ULONGLONG kTakeMilliseconds = 60;
 // With more rows ready and something else to do, the pause is only as long as the platform's shortest timer.
 constexpr UINT kShortPauseMilliseconds = USER_TIMER_MINIMUM;
@@ -65,6 +66,8 @@ bool RowPump::onMessage(UINT message, WPARAM wParam)
         m_goingOn = false;
         takeRowsNow();
     } else if (message == WM_TIMER && wParam == kTimer) {
+        KillTimer(m_list.handle(), kTimer);
+        m_timerSet = false;
         takeRowsNow();
     } else if (message == WM_TIMER && wParam == kEndTimer) {
         KillTimer(m_list.handle(), kEndTimer);
@@ -77,13 +80,13 @@ bool RowPump::onMessage(UINT message, WPARAM wParam)
 
 void RowPump::onNotice()
 {
-    if (!m_fill || m_goingOn) {
+    if (!m_fill || m_timerSet || m_goingOn) {
         return;
     }
     const ULONGLONG now = GetTickCount64();
-    if (m_fill->rows.rests() || now - m_lastTaken >= kPauseMilliseconds) {
+    if (m_fill->rows.ended() || now - m_lastTaken >= kPauseMilliseconds) {
         takeRowsNow();
-    } else if (!m_timerSet) {
+    } else {
         takeRowsLater(kPauseMilliseconds);
     }
 }
@@ -108,25 +111,29 @@ void RowPump::takeRowsLater(UINT milliseconds)
     }
 }
 
-void RowPump::nextBatch()
-{
-    m_next = 0;
-    m_batch = m_fill->rows.take();
-    if (m_batch.servers) {
-        setLastDomainServers(m_batch.servers->first.c_str(), m_batch.servers->second.c_str());
-    }
-}
-
-/// Puts what is left of the batch into the list, or as much of it as may be until a time. The window may go.
-void RowPump::putIntoList(ULONGLONG until)
+/// Makes m_batch hold a row to put into the list.
+/// @param takes  how often rows may still be taken from the fill.
+/// @return false when none waits, or none may be taken any more.
+bool RowPump::nextBatch(int& takes)
 {
     if (m_next == m_batch.entries.size()) {
-        return;
+        m_next = 0;
+        m_batch = takes-- > 0 ? m_fill->rows.take() : RowBatch();
+        if (m_batch.servers) {
+            setLastDomainServers(m_batch.servers->first.c_str(), m_batch.servers->second.c_str());
+        }
     }
+    return !m_batch.entries.empty();
+}
+
+/// @return whether rows are left for another time.
+bool RowPump::putIntoList(ULONGLONG until, int takes)
+{
     QuietRedrawOff off(m_list);
     const CFBListCtrl::Straight straight(m_list);
     const int shown = static_cast<int>(m_list.send(LVM_GETTOPINDEX) + m_list.send(LVM_GETCOUNTPERPAGE)) + 1;
     bool visible = false;
+    bool more = true;
     do {
         RowBatch::Entry& entry = m_batch.entries[m_next++];
         visible = visible || entry.removesFirst || entry.index <= shown;
@@ -135,35 +142,32 @@ void RowPump::putIntoList(ULONGLONG until)
             logFillFault();
         }
         if (!m_fill) {
-            return; // the window went
+            return false; // the window went
         }
-    } while (m_next < m_batch.entries.size() && (m_next % 16 != 0 || GetTickCount64() < until));
+        more = nextBatch(takes);
+    } while (more && (m_next % 16 != 0 || GetTickCount64() < until));
     // Rows below the visible ones move the scroll bar only.
     visible ? off.restore() : off.restoreUnchanged();
     rowsChanged();
+    return more;
 }
 
-/// Puts waiting rows into the list until a time.
-void RowPump::takeRows(ULONGLONG until)
+/// Puts waiting rows into the list until a time, or until none waits.
+/// @param takes  see nextBatch.
+void RowPump::takeRows(ULONGLONG until, int takes)
 {
-    if (m_next == m_batch.entries.size()) {
-        nextBatch();
-    }
-    putIntoList(until);
+    const bool more = nextBatch(takes) && putIntoList(until, takes);
     if (!m_fill) {
         return;
     }
     m_lastTaken = GetTickCount64();
-    if (m_next < m_batch.entries.size()) {
+    if (more) {
         goOn();
     } else if (m_fill->rows.ended()) {
         onFillEnd();
-    } else {
-        m_fill->rows.allShown();
-        if (!m_mayLeave && m_fill->rows.waitsForTurn()) {
-            m_mayLeave = true;
-            enableDialog();
-        }
+    } else if (!m_mayLeave && m_fill->rows.waitsForTurn()) {
+        m_mayLeave = true;
+        enableDialog();
     }
 }
 
@@ -176,20 +180,15 @@ void RowPump::rowsChanged() const
 
 void RowPump::takeRowsNow()
 {
-    stopTimer();
     if (m_fill) {
-        takeRows(GetTickCount64() + kTakeMilliseconds);
+        takeRows(GetTickCount64() + kTakeMilliseconds, INT_MAX);
     }
 }
 
 void RowPump::takeAllRows()
 {
-    constexpr ULONGLONG kForAsLongAsItTakes = ~0ull;
     if (m_fill) {
-        putIntoList(kForAsLongAsItTakes);
-    }
-    if (m_fill) {
-        takeRows(kForAsLongAsItTakes);
+        takeRows(~0ull, 1);
     }
 }
 
@@ -281,11 +280,6 @@ void RowPump::stop()
     m_fill.reset();
     m_batch = {};
     m_next = 0;
-    stopTimer();
-}
-
-void RowPump::stopTimer()
-{
     if (std::exchange(m_timerSet, false)) {
         KillTimer(m_list.handle(), kTimer);
     }

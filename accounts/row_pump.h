@@ -40,10 +40,9 @@ private:
     void goOn();
     void takeRowsLater(UINT milliseconds);
     void takeRowsNow();
-    void stopTimer();
-    void takeRows(ULONGLONG until);
-    void nextBatch();
-    void putIntoList(ULONGLONG until);
+    void takeRows(ULONGLONG until, int takes);
+    bool nextBatch(int& takes);
+    bool putIntoList(ULONGLONG until, int takes);
     void takeRow(RowBatch::Entry& entry);
     bool isFirstInserted(const wchar_t* account, const wchar_t* fullName, const wchar_t* type,
                          LPARAM data) const;

@@ -7,9 +7,7 @@
 
 namespace {
 
-// A list that does not take rows for a while, under a message box of the host, is not flooded meanwhile. A fill that is so
-// far ahead rests until the list has nothing left to do: two threads that allocate at once hold each other up, on some
-// runtimes until each row takes ten times as long.
+// A list that does not take rows for a while, under a message box of the host, is not flooded meanwhile.
 constexpr std::size_t kMostWaiting = 16384;
 // How often a fill thread that waits for room makes sure that the window is still there.
 constexpr DWORD kLookMilliseconds = 500;
@@ -62,11 +60,7 @@ void RowQueue::nameServers(const wchar_t* server, const wchar_t* server2)
 void RowQueue::append(RowBatch::Entry entry, const std::wstring& texts)
 {
     const std::lock_guard lock(m_lock);
-    if (m_waiting.entries.size() >= kMostWaiting) {
-        m_rests = true;
-        notify();
-    }
-    while (m_list != nullptr && m_rests) {
+    while (m_list != nullptr && m_waiting.entries.size() >= kMostWaiting) {
         waitForList();
     }
     if (m_list == nullptr) {
@@ -94,8 +88,7 @@ void RowQueue::end()
 void RowQueue::waitForList()
 {
     m_lock.wait(m_taken, kLookMilliseconds);
-    const bool mayBeForgotten = m_rests && !m_noticed;
-    if (m_owesNotice || mayBeForgotten || (m_list != nullptr && !IsWindow(m_list))) {
+    if (m_owesNotice || (m_list != nullptr && !IsWindow(m_list))) {
         notify();
     }
 }
@@ -114,6 +107,7 @@ RowBatch RowQueue::take()
 {
     const std::lock_guard lock(m_lock);
     m_noticed = false;
+    WakeAllConditionVariable(&m_taken);
     RowBatch batch = std::exchange(m_waiting, {});
     if (!batch.entries.empty()) {
         batch.servers = std::exchange(m_servers, std::nullopt);
@@ -125,21 +119,6 @@ bool RowQueue::ended()
 {
     const std::lock_guard lock(m_lock);
     return m_ended && m_waiting.entries.empty();
-}
-
-bool RowQueue::rests()
-{
-    const std::lock_guard lock(m_lock);
-    return m_rests || m_ended;
-}
-
-void RowQueue::allShown()
-{
-    const std::lock_guard lock(m_lock);
-    if (m_waiting.entries.empty()) {
-        m_rests = false;
-        WakeAllConditionVariable(&m_taken);
-    }
 }
 
 bool RowQueue::waitsForTurn()

@@ -59,12 +59,6 @@ public:
     /// Takes all that waits.
     RowBatch take();
 
-    /// Whether nothing comes at present: the fill has ended, or is far ahead.
-    bool rests();
-
-    /// What was taken shows: a fill that rests goes on.
-    void allShown();
-
     /// Whether nothing will come any more, beyond what waits.
     bool ended();
 
@@ -93,7 +87,6 @@ private:
     const UINT m_notice;
     bool m_noticed = false;
     bool m_owesNotice = false; ///< one could not be posted, or was of no use
-    bool m_rests = false;
     bool m_ended = false;
     bool m_waitsForTurn = false;
     std::optional<RowBatch::Servers> m_servers;

@@ -1,10 +1,11 @@
 // Accounts that cost next to nothing to find: what a fill takes is then the library's own.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 /// Where a fill has its accounts from.
-enum class Source { kStore, kDirectory };
+enum class Source : std::uint8_t { kStore, kDirectory };
 
 /// Serves as many users from a source, and nothing from the other. Names stand in no order; every tenth begins with "b",
 /// every thousandth with "bq", the others with "a".

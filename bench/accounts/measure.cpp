@@ -181,6 +181,11 @@ std::vector<Comparison> Measure::comparisons() const
                        slow != m_rowByRow.end() ? std::optional(slow->second) : std::nullopt, Clock::kWall});
     }
     for (const Source source : {Source::kStore, Source::kDirectory}) {
+        const Tally& fill = m_corvane.at(fillName(source));
+        if (fill.isLong() && m_bare.at("fill").isLong()) {
+            all.push_back({std::string(fillName(source)) + ", processor time of the list's thread", m_users,
+                           fill, m_bare.at("fill"), std::nullopt, Clock::kThread});
+        }
         all.push_back({findingName(source), m_users, m_corvane.at(findingName(source)), m_bare.at("fill"),
                        std::nullopt, Clock::kWall});
     }

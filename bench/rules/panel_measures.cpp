@@ -12,6 +12,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 
 namespace {
@@ -100,7 +101,7 @@ Comparison groupRule(HWND window, int members, int rounds)
 
 // ---- a parent that listens ----
 
-enum class Answer { kCorvane, kBare };
+enum class Answer : std::uint8_t { kCorvane, kBare };
 
 /// What a panel does at every change of a row.
 LRESULT CALLBACK listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR answer)

@@ -5,9 +5,11 @@
 #include "bench/support/time.h"
 #include "bench_store.h"
 #include "measure.h"
+#include "row_text.h"
 #include "side.h"
 #include "store/lornix.h"
 
+#include <climits>
 #include <cstdio>
 #include <cwchar>
 #include <functional>
@@ -33,12 +35,11 @@ struct SameRule {
     }
 };
 
-std::vector<const QuotaRule*> rulesOf(const PathList& folders)
+std::vector<QuotaRule*> rulesOf(const PathList& folders)
 {
-    std::vector<const QuotaRule*> rules;
+    std::vector<QuotaRule*> rules;
     for (int folder = 0; folder < folders.count; ++folder) {
-        for (const QuotaRule* rule = getQuotaList(folders.paths[folder]); rule != nullptr; rule = rule->next)
-        {
+        for (QuotaRule* rule = getQuotaList(folders.paths[folder]); rule != nullptr; rule = rule->next) {
             rules.push_back(rule);
         }
     }
@@ -46,7 +47,7 @@ std::vector<const QuotaRule*> rulesOf(const PathList& folders)
 }
 
 /// @return how many of the rules asked for are not among those shown: none.
-std::size_t lookUp(const std::vector<const QuotaRule*>& shown, const std::vector<const QuotaRule*>& asked)
+std::size_t lookUp(const std::vector<QuotaRule*>& shown, const std::vector<QuotaRule*>& asked)
 {
     std::unordered_set<const QuotaRule*, HashOfRule, SameRule> set(shown.size() * 2);
     set.insert(shown.begin(), shown.end());
@@ -55,6 +56,29 @@ std::size_t lookUp(const std::vector<const QuotaRule*>& shown, const std::vector
         unknown += set.insert(rule).second ? 1 : 0;
     }
     return unknown;
+}
+
+/// The texts of the numbers are there, as for the bare side.
+std::vector<RowText> numbersOf(const PathList& folders)
+{
+    std::vector<RowText> texts;
+    for (const QuotaRule* rule : rulesOf(folders)) {
+        texts.emplace_back().writeNumbers(*rule);
+    }
+    return texts;
+}
+
+/// The fill of the bare side, but from the uppermost row to the lowest: here its order does not matter.
+void append(HWND list, const PathList& folders, std::vector<RowText>& texts)
+{
+    list_view::setRedraw(list, false);
+    RowText* text = texts.data();
+    for (const QuotaRule* rule : rulesOf(folders)) {
+        text->writeName(*rule);
+        text->insertInto(list, rule->path, reinterpret_cast<LPARAM>(rule), INT_MAX);
+        ++text;
+    }
+    list_view::setRedraw(list, true);
 }
 
 /// @return the characters of all texts.
@@ -84,19 +108,28 @@ std::vector<Comparison> measureParts(HWND window, const Options& options)
         const Folders folders(size / 100);
         benchStoreServe(size, folders.count(), false);
         const auto bare = bareSide(folders.list());
+        std::vector<RowText> texts = numbersOf(folders.list());
+        benchStoreReleaseAll();
+        Tally fill;
+        Tally appending;
         Tally sort;
         Tally reading;
         Tally refill;
         Tally lookingUp;
         for (int round = 0; round < options.roundsOf(size); ++round) {
             HWND list = createList(window);
-            bare->fill(list, folders.list());
+            appending.add(timed([&] { append(list, folders.list(), texts); }));
+            settle(window);
+            DestroyWindow(list);
+            benchStoreReleaseAll();
+            list = createList(window);
+            fill.add(timed([&] { bare->fill(list, folders.list()); }));
             settle(window);
             reading.add(timed([&] { readColumn(list, kInUseColumn); }));
             sort.add(timed([&] { bare->sort(list, kInUseColumn); }));
             refill.add(timed([&] { bare->refill(list, folders.list()); }));
-            const std::vector<const QuotaRule*> shown = rulesOf(folders.list());
-            const std::vector<const QuotaRule*> asked = rulesOf(folders.list());
+            const std::vector<QuotaRule*> shown = rulesOf(folders.list());
+            const std::vector<QuotaRule*> asked = rulesOf(folders.list());
             std::size_t unknown = 0;
             lookingUp.add(timed([&] { unknown = lookUp(shown, asked); }));
             if (unknown != 0) {
@@ -105,6 +138,7 @@ std::vector<Comparison> measureParts(HWND window, const Options& options)
             DestroyWindow(list);
             benchStoreReleaseAll();
         }
+        comparisons.push_back({"appending the rows, beside a fill", size, appending, fill});
         comparisons.push_back({"reading a column, beside a sort by number", size, reading, sort});
         comparisons.push_back({"a set of the rules, beside a re-fill", size, lookingUp, refill});
     }

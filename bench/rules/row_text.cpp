@@ -18,8 +18,8 @@ void RowText::writeName(const QuotaRule& rule)
     getAccountBySidW(rule.sid, name, 128);
 }
 
-void RowText::insertInto(HWND list, wchar_t* path, LPARAM data)
+void RowText::insertInto(HWND list, wchar_t* path, LPARAM data, int at)
 {
     wchar_t* const cells[] = {name, hardLimit, softLimit, inUse, percent, path};
-    list_view::insert(list, 0, cells, data);
+    list_view::insert(list, at, cells, data);
 }

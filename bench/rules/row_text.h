@@ -17,6 +17,6 @@ struct RowText {
     void writeNumbers(const QuotaRule& rule);
     /// Asks the store for the name, as a fill must.
     void writeName(const QuotaRule& rule);
-    /// Inserts a row at the top.
-    void insertInto(HWND list, wchar_t* path, LPARAM data);
+    /// Inserts a row. @param at  index: the top; INT_MAX for the end.
+    void insertInto(HWND list, wchar_t* path, LPARAM data, int at = 0);
 };

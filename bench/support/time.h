@@ -1,6 +1,7 @@
 // Time.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <vector>
 
@@ -17,7 +18,7 @@ Time now();
 Time timed(const std::function<void()>& work);
 
 /// Which time of a measure counts.
-enum class Clock {
+enum class Clock : std::uint8_t {
     kThread, ///< the thread's processor time where it is long enough to be told, else the wall's
     kWall    ///< for work that more threads than one do, or that waits for a disk
 };

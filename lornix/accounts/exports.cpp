@@ -31,8 +31,11 @@ std::int32_t countOf(const SidList* list)
 
 void expectNames(const SidList* list, std::int32_t first)
 {
-    for (std::int32_t i = first; i < countOf(list); ++i) {
-        void* const* sids = list->sids;
+    if (list == nullptr) {
+        return;
+    }
+    void* const* sids = list->sids;
+    for (std::int32_t i = first; i < list->count; ++i) {
         expectName(sids[i]);
     }
 }

@@ -13,19 +13,18 @@ using lornix::reporting;
 const wchar_t* text(PolicyList& list, uint32_t index)
 {
     const PolicyEntry* entry = list.at(index);
-    return entry == nullptr ? nullptr : entry->text.get();
+    return entry == nullptr ? nullptr : entry->text;
 }
 
-/// An account that comes with a text. @return nothing, the text released, for one that is none: it must not turn
-/// into all accounts.
-std::optional<lornix::Sid> accountOf(PolicyList& list, const wchar_t* text, const void* sid)
+/// @return false, the text that comes with an account released, when it is none: it must not turn into all accounts.
+bool isAccount(PolicyList& list, const wchar_t* text, const void* sid)
 {
     if (sid != nullptr && !lornix::isSid(sid)) {
         list.refuse(text);
         lornix::report(L"The account of a blocked extension is no valid SID.");
-        return std::nullopt;
+        return false;
     }
-    return lornix::Sid(lornix::sidBytes(sid));
+    return true;
 }
 
 } // namespace
@@ -100,8 +99,9 @@ uint32_t getNotificationsCount(void)
 const wchar_t* getNAttr(uint32_t index, uint32_t attribute)
 {
     const PolicyEntry* entry = lornix::notifications().at(index);
-    return entry == nullptr || attribute >= lornix::kAttributeCount ? nullptr
-                                                                    : entry->attributes[attribute].get();
+    return entry == nullptr || entry->attributes == nullptr || attribute >= lornix::kAttributeCount
+               ? nullptr
+               : entry->attributes->texts[attribute];
 }
 
 int32_t getINAttr(uint32_t index, uint32_t attribute)
@@ -128,15 +128,14 @@ const wchar_t* getExcludeExtsPath(uint32_t index)
 const void* getExcludeExtsSid(uint32_t index)
 {
     const PolicyEntry* entry = lornix::blockedExtensions().at(index);
-    return entry == nullptr || entry->account.isEmpty() ? nullptr : entry->account.bytes().data();
+    return entry == nullptr ? nullptr : entry->account;
 }
 
 uint32_t addToExcludeExts(const wchar_t* mask, const void* sid)
 {
     return reporting(PolicyList::kNone, [&] {
         PolicyList& list = lornix::blockedExtensions();
-        const auto account = accountOf(list, mask, sid);
-        return account ? list.add(mask, *account) : PolicyList::kNone;
+        return isAccount(list, mask, sid) ? list.add(mask, lornix::sidBytes(sid)) : PolicyList::kNone;
     });
 }
 
@@ -144,8 +143,8 @@ void updateExcludeExts(uint32_t index, const wchar_t* mask, const void* sid)
 {
     reporting(false, [&] {
         PolicyList& list = lornix::blockedExtensions();
-        if (const auto account = accountOf(list, mask, sid)) {
-            list.update(index, mask, *account);
+        if (isAccount(list, mask, sid)) {
+            list.update(index, mask, lornix::sidBytes(sid));
         }
         return true;
     });

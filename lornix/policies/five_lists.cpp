@@ -82,22 +82,19 @@ bool writeActiveExceptions(const std::wstring& fileName)
     if (!data.isKnown()) {
         return false;
     }
-    std::string text = startText(kActiveExceptions);
+    std::string lines;
     Patience patience;
     for (const PolicyList* list : {&excludes(), &backupTools()}) {
         const auto active = list->active(data, patience);
         if (!active) {
             return false;
         }
-        for (const PolicyRecord& entry : active->entries) {
-            appendRecord(text, list->format(), entry);
-        }
+        lines += active->lines;
     }
-    appendEnd(text, kActiveExceptions);
     KeptFile file{data, data.path(fileName), L"The file with the active exceptions"};
     const auto lock = openForChange(data, file.title + L" cannot be stored");
     const auto present = lock ? readKept<Finding>(file, patience, findingOf) : std::nullopt;
-    return present && replaceKept(file, present->condition, text, patience);
+    return present && replaceKept(file, present->condition, wholeText(kActiveExceptions, lines), patience);
 }
 
 } // namespace lornix

@@ -89,22 +89,20 @@ const char* readAttribute(std::string_view word, std::string_view rest, PolicyRe
     return "its first word is none that is known here";
 }
 
-} // namespace
-
-void appendRecord(std::string& line, const PolicyFormat& format, const PolicyRecord& entry)
+void appendRecord(std::string& lines, const PolicyFormat& format, const PolicyRecord& entry)
 {
-    line += format.word;
-    line += '\t';
+    lines += format.word;
+    lines += '\t';
     if (format.hasAccount) {
         if (entry.account.isEmpty()) {
-            line += kAnyone;
+            lines += kAnyone;
         } else {
-            appendSidText(line, entry.account.bytes());
+            appendSidText(lines, entry.account.bytes());
         }
-        line += '\t';
+        lines += '\t';
     }
-    appendEscaped(line, entry.text);
-    line += kLineEnd;
+    appendEscaped(lines, entry.text);
+    lines += kLineEnd;
     for (std::size_t i = 0; i < kAttributeCount; ++i) {
         const bool isPassword = i == kPasswordAttribute; // never in clear
         const bool isThere = isPassword ? !entry.sealedPassword.empty()
@@ -112,53 +110,68 @@ void appendRecord(std::string& line, const PolicyFormat& format, const PolicyRec
         if (!isThere) {
             continue;
         }
-        line += kAttributeWords[i];
-        line += '\t';
+        lines += kAttributeWords[i];
+        lines += '\t';
         if (isPassword) {
-            appendHex(line, entry.sealedPassword);
+            appendHex(lines, entry.sealedPassword);
         } else {
-            appendEscaped(line, *entry.attributes[i]);
+            appendEscaped(lines, *entry.attributes[i]);
         }
-        line += kLineEnd;
+        lines += kLineEnd;
     }
 }
 
-std::string writePolicy(const PolicyFormat& format, const std::deque<PolicyRecord>& entries)
+} // namespace
+
+void PolicyLines::append(const PolicyFormat& format, const PolicyRecord& entry)
 {
-    std::string text = startText(format.kind);
-    for (const PolicyRecord& entry : entries) {
-        appendRecord(text, format, entry);
-    }
-    appendEnd(text, format.kind);
-    return text;
+    const std::size_t start = lines.size();
+    appendRecord(lines, format, entry);
+    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15u;
+    mark = mark * kSpread + checksumOf(std::string_view(lines).substr(start));
 }
 
-PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text)
+Finding readPolicy(const PolicyFormat& format, std::string_view text,
+                   const std::function<void(const PolicyRecord&)>& take)
 {
-    PolicyRecords result;
     TextReader reader(text, format.kind);
-    bool underEntry = false; // attributes of an entry that was left out belong to none
+    std::optional<PolicyRecord> entry; // attributes of one that was left out belong to none
+    std::size_t count = 0;
+    const auto finish = [&] {
+        if (entry) {
+            take(*entry);
+            ++count;
+            entry.reset();
+        }
+    };
     for (std::string_view line; reader.isOurs() && reader.next(line);) {
         const std::string_view word = takeWord(line);
         const char* flaw = nullptr;
         if (word == format.word) {
-            PolicyRecord entry;
-            flaw = result.entries.size() < kMostEntries ? readEntry(format, line, entry)
-                                                        : "there are too many before it";
-            underEntry = flaw == nullptr;
-            if (underEntry) {
-                result.entries.push_back(std::move(entry));
+            finish();
+            flaw = count < kMostEntries ? readEntry(format, line, entry.emplace())
+                                        : "there are too many before it";
+            if (flaw != nullptr) {
+                entry.reset();
             }
         } else if (!format.hasAttributes) {
             flaw = "its first word is none that is known here";
         } else {
-            flaw = underEntry ? readAttribute(word, line, result.entries.back()) : "it stands under no entry";
+            flaw = entry ? readAttribute(word, line, *entry) : "it stands under no entry";
         }
         if (flaw != nullptr) {
             reader.reject(flaw);
         }
     }
-    static_cast<Finding&>(result) = reader.finding();
+    finish();
+    return reader.finding();
+}
+
+PolicyLines readPolicyLines(const PolicyFormat& format, std::string_view text)
+{
+    PolicyLines result;
+    static_cast<Finding&>(result) =
+        readPolicy(format, text, [&](const PolicyRecord& entry) { result.append(format, entry); });
     return result;
 }
 

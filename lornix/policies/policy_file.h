@@ -6,7 +6,7 @@
 #include "lornix/text/sid_text.h"
 
 #include <cstdint>
-#include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,16 +36,21 @@ struct PolicyRecord {
 /// An editor shows them all at once, and memory is to stay in proportion to the file.
 inline constexpr std::size_t kMostEntries = 100000;
 
-/// What a file held that could be used, and what could not.
-struct PolicyRecords : Finding {
-    std::deque<PolicyRecord> entries; ///< which needs no room for two of them while it grows
+/// Reads a file.
+/// @param take  gets each entry that can be used.
+Finding readPolicy(const PolicyFormat& format, std::string_view text,
+                   const std::function<void(const PolicyRecord&)>& take);
+
+/// Entries in the lines that the store writes.
+struct PolicyLines : Finding {
+    std::string lines;
+    std::uint64_t mark = 0; ///< of all that were appended, also when their lines were taken away
+
+    void append(const PolicyFormat& format, const PolicyRecord& entry);
 };
 
-PolicyRecords readPolicy(const PolicyFormat& format, std::string_view text);
-std::string writePolicy(const PolicyFormat& format, const std::deque<PolicyRecord>& entries);
-
-/// Appends the lines of an entry.
-void appendRecord(std::string& text, const PolicyFormat& format, const PolicyRecord& entry);
+/// What a file held that could be used.
+PolicyLines readPolicyLines(const PolicyFormat& format, std::string_view text);
 
 /// A number with an optional unit letter K, M, G or T, cut to 32 bits.
 /// @return 0 when the text does not begin with a number.

@@ -1,6 +1,7 @@
 #include "lornix/policies/policy_list.h"
 
 #include "lornix/last_error.h"
+#include "lornix/sid.h"
 #include "lornix/text/wide_text.h"
 
 namespace lornix {
@@ -18,32 +19,37 @@ KeptFile PolicyList::activeFile(const DataFolder& data) const
             m_title + std::wstring(L" as it is active")};
 }
 
-std::optional<PolicyRecords> PolicyList::read(const KeptFile& file, Patience& patience) const
+std::optional<PolicyLines> PolicyList::read(const KeptFile& file, Patience& patience) const
 {
-    return readKept<PolicyRecords>(file, patience,
-                                   [this](std::string_view text) { return readPolicy(m_format, text); });
+    return readKept<PolicyLines>(file, patience,
+                                 [this](std::string_view text) { return readPolicyLines(m_format, text); });
 }
 
 bool PolicyList::load()
 {
     release();
     const DataFolder data = DataFolder::current();
-    Patience patience = Patience::toRead();
-    const auto content = data.isKnown() ? read(file(data), patience) : std::nullopt;
-    if (!content) {
+    if (!data.isKnown()) {
         return false;
     }
+    Patience patience = Patience::toRead();
     std::size_t unreadable = 0;
-    for (const PolicyRecord& record : content->entries) {
-        if (!take(record)) {
-            ++unreadable;
-        }
+    PolicyLines seen;
+    const auto found = readKept<Finding>(file(data), patience, [&](std::string_view text) {
+        return readPolicy(m_format, text, [&](const PolicyRecord& record) {
+            unreadable += take(record) ? 0 : 1;
+            seen.append(m_format, record);
+            seen.lines.clear();
+        });
+    });
+    if (!found) {
+        return false;
     }
     if (unreadable != 0) {
         report(m_title + std::wstring(L" holds ") + std::to_wstring(unreadable) +
                L" passwords that this account cannot read. They stay as they are.");
     }
-    m_persistent = writePolicy(m_format, content->entries);
+    m_seen = seen.mark;
     m_isLoaded = true;
     return true;
 }
@@ -51,32 +57,32 @@ bool PolicyList::load()
 bool PolicyList::take(const PolicyRecord& record)
 {
     PolicyEntry& entry = m_entries.emplace_back();
-    const auto put = [this](OwnedText& slot, std::u16string_view text) {
-        slot = copyText(toWide(text).c_str());
-        m_own.insert(slot.get());
-    };
-    put(entry.text, record.text);
-    entry.account = record.account;
-    for (std::size_t i = 0; i < record.attributes.size(); ++i) {
-        if (const auto& attribute = record.attributes[i]) {
-            put(entry.attributes[i], *attribute);
-        }
-    }
-    entry.sealedPassword = record.sealedPassword;
-    if (entry.sealedPassword.empty()) {
+    entry.text = m_strings.copy(record.text);
+    setAccount(entry, record.account.bytes());
+    if (record.attributes.empty() && record.sealedPassword.empty()) {
         return true;
     }
-    OwnedText& password = entry.attributes[kPasswordAttribute];
-    if (unsealText(entry.sealedPassword, password) != ERROR_SUCCESS) {
+    entry.attributes = &m_attributes.emplace_back();
+    for (std::size_t i = 0; i < record.attributes.size(); ++i) {
+        if (const auto& attribute = record.attributes[i]) {
+            entry.attributes->texts[i] = m_strings.copy(*attribute);
+        }
+    }
+    entry.attributes->sealedPassword = m_strings.copy(record.sealedPassword);
+    OwnedText password;
+    if (!record.sealedPassword.empty() && unsealText(record.sealedPassword, password) != ERROR_SUCCESS) {
         return false;
     }
-    m_own.insert(password.get());
+    if (password != nullptr) {
+        entry.attributes->texts[kPasswordAttribute] = m_strings.keep(std::move(password));
+    }
     return true;
 }
 
-std::optional<PolicyRecords> PolicyList::active(const DataFolder& data, Patience& patience) const
+void PolicyList::setAccount(PolicyEntry& entry, std::span<const std::uint8_t> account)
 {
-    return read(activeFile(data), patience);
+    const std::string_view bytes(reinterpret_cast<const char*>(account.data()), account.size());
+    entry.account = account.empty() ? nullptr : m_strings.copy(bytes).data();
 }
 
 std::uint32_t PolicyList::count() const
@@ -86,37 +92,31 @@ std::uint32_t PolicyList::count() const
 
 PolicyEntry* PolicyList::at(std::uint32_t index)
 {
-    return index < m_entries.size() && !m_entries[index].isRemoved ? &m_entries[index] : nullptr;
+    return index < m_entries.size() && m_entries[index].text != nullptr ? &m_entries[index] : nullptr;
 }
 
-void PolicyList::place(OwnedText& slot, const wchar_t* text)
+void PolicyList::place(const wchar_t*& slot, const wchar_t* text)
 {
-    if (slot.get() == text) {
+    if (slot == text) {
         return;
     }
-    OwnedText next;
-    if (text != nullptr && m_own.contains(text)) {
-        next = copyText(text);
-    } else {
-        next.reset(const_cast<wchar_t*>(text)); // handed over, although the contract says const
+    const wchar_t* next = nullptr;
+    if (text != nullptr) {
+        // What is handed over is the list's now, although the contract says const.
+        next = m_strings.keep(m_strings.own(text) ? copyText(text) : OwnedText(const_cast<wchar_t*>(text)));
     }
-    if (next != nullptr) {
-        m_own.insert(next.get());
-    }
-    if (slot != nullptr) {
-        m_own.erase(slot.get());
-    }
-    slot = std::move(next);
+    m_strings.drop(slot);
+    slot = next;
 }
 
 void PolicyList::refuse(const wchar_t* text)
 {
-    if (!m_own.contains(text)) {
+    if (!m_strings.own(text)) {
         const OwnedText unused(const_cast<wchar_t*>(text));
     }
 }
 
-std::uint32_t PolicyList::add(const wchar_t* text, const Sid& account)
+std::uint32_t PolicyList::add(const wchar_t* text, std::span<const std::uint8_t> account)
 {
     if (!m_isLoaded || text == nullptr) {
         refuse(text);
@@ -124,18 +124,18 @@ std::uint32_t PolicyList::add(const wchar_t* text, const Sid& account)
     }
     PolicyEntry& entry = m_entries.emplace_back();
     place(entry.text, text);
-    entry.account = account;
+    setAccount(entry, account);
     return static_cast<std::uint32_t>(m_entries.size() - 1);
 }
 
-void PolicyList::update(std::uint32_t index, const wchar_t* text, const Sid& account)
+void PolicyList::update(std::uint32_t index, const wchar_t* text, std::span<const std::uint8_t> account)
 {
     PolicyEntry* entry = at(index);
     if (entry == nullptr || text == nullptr) {
         refuse(text);
         return;
     }
-    entry->account = account;
+    setAccount(*entry, account);
     place(entry->text, text);
 }
 
@@ -146,48 +146,66 @@ void PolicyList::setAttribute(std::uint32_t index, std::uint32_t attribute, cons
         refuse(text);
         return;
     }
-    OwnedText& slot = entry->attributes[attribute];
+    if (entry->attributes == nullptr) {
+        entry->attributes = &m_attributes.emplace_back();
+    }
+    const wchar_t*& slot = entry->attributes->texts[attribute];
     // No password over one that nobody could read: the editor showed none, so nobody took it away.
-    if (attribute == kPasswordAttribute && slot.get() != text) {
-        entry->sealedPassword.clear();
+    if (attribute == kPasswordAttribute && slot != text) {
+        entry->attributes->sealedPassword = {};
     }
     place(slot, text);
 }
 
 void PolicyList::remove(std::uint32_t index)
 {
-    // It keeps its place, so that the others keep theirs.
+    // It keeps its place, so that the others keep theirs, and its strings, which the host may still look at.
     if (PolicyEntry* entry = at(index); entry != nullptr) {
-        entry->isRemoved = true;
+        entry->text = nullptr;
         ++m_removed;
     }
 }
 
-bool PolicyList::toRecords(std::deque<PolicyRecord>& records)
+bool PolicyList::seal(PolicyAttributes& attributes)
 {
-    for (PolicyEntry& entry : m_entries) {
-        if (entry.isRemoved) {
+    const wchar_t* password = attributes.texts[kPasswordAttribute];
+    if (password == nullptr || !attributes.sealedPassword.empty()) {
+        return true;
+    }
+    std::string sealed;
+    if (const DWORD error = sealText(password, sealed); error != ERROR_SUCCESS) {
+        report(m_title + std::wstring(L" cannot be stored, because a password cannot be protected: ") +
+               reasonOf(error));
+        return false;
+    }
+    attributes.sealedPassword = m_strings.copy(sealed);
+    return true;
+}
+
+bool PolicyList::write(PolicyLines& lines)
+{
+    PolicyRecord record;
+    for (const PolicyEntry& entry : m_entries) {
+        if (entry.text == nullptr) {
             continue;
         }
-        const wchar_t* password = entry.attributes[kPasswordAttribute].get();
-        if (password != nullptr && entry.sealedPassword.empty()) {
-            if (const DWORD error = sealText(password, entry.sealedPassword); error != ERROR_SUCCESS) {
-                report(m_title +
-                       std::wstring(L" cannot be stored, because a password cannot be protected: ") +
-                       reasonOf(error));
+        record.text = fromWide(entry.text);
+        record.account = Sid(sidBytes(entry.account));
+        record.attributes.clear();
+        record.sealedPassword.clear();
+        if (PolicyAttributes* const attributes = entry.attributes) {
+            if (!seal(*attributes)) {
                 return false;
             }
-        }
-        PolicyRecord& record = records.emplace_back();
-        record.text = fromWide(entry.text.get());
-        record.account = entry.account;
-        record.sealedPassword = entry.sealedPassword;
-        for (std::size_t i = 0; i < kAttributeCount; ++i) {
-            if (i != kPasswordAttribute && entry.attributes[i] != nullptr) {
-                record.attributes.resize(kAttributeCount);
-                record.attributes[i] = fromWide(entry.attributes[i].get());
+            record.sealedPassword = attributes->sealedPassword;
+            record.attributes.resize(kAttributeCount);
+            for (std::size_t i = 0; i < kAttributeCount; ++i) {
+                if (i != kPasswordAttribute && attributes->texts[i] != nullptr) {
+                    record.attributes[i] = fromWide(attributes->texts[i]);
+                }
             }
         }
+        lines.append(m_format, record);
     }
     return true;
 }
@@ -203,8 +221,8 @@ bool PolicyList::store()
         return false;
     }
     DataFolder data = DataFolder::current();
-    std::deque<PolicyRecord> records;
-    if (!data.isKnown() || !toRecords(records)) {
+    PolicyLines ours;
+    if (!data.isKnown() || !write(ours)) {
         return false;
     }
     KeptFile target = file(data);
@@ -215,16 +233,15 @@ bool PolicyList::store()
         return false;
     }
     // A damaged file is no list that somebody stored meanwhile: it is set aside, and ours takes its place.
-    if (present->condition == Condition::kGood && writePolicy(m_format, present->entries) != m_persistent) {
+    if (present->condition == Condition::kGood && present->mark != m_seen) {
         report(target.title +
                L" was changed by somebody else since it was loaded, and is not replaced unseen.");
         return false;
     }
-    std::string text = writePolicy(m_format, records);
-    if (!replaceKept(target, present->condition, text, patience)) {
+    if (!replaceKept(target, present->condition, wholeText(m_format.kind, ours.lines), patience)) {
         return false;
     }
-    m_persistent = std::move(text);
+    m_seen = ours.mark;
     return true;
 }
 
@@ -245,16 +262,16 @@ bool PolicyList::apply()
     KeptFile target = activeFile(data);
     const auto present = read(target, patience);
     return present &&
-           replaceKept(target, present->condition, writePolicy(m_format, stored->entries), patience);
+           replaceKept(target, present->condition, wholeText(m_format.kind, stored->lines), patience);
 }
 
 void PolicyList::release()
 {
     m_isLoaded = false;
-    m_own.clear();
-    m_entries.clear();
+    m_entries = std::deque<PolicyEntry>(); // clearing would keep a part of their room
+    m_attributes = std::deque<PolicyAttributes>();
+    m_strings = ListStrings();
     m_removed = 0;
-    m_persistent.clear();
 }
 
 } // namespace lornix

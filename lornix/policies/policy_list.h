@@ -2,22 +2,25 @@
 #pragma once
 
 #include "lornix/disk/kept_file.h"
+#include "lornix/policies/list_strings.h"
 #include "lornix/policies/policy_file.h"
-#include "lornix/policies/sealed_text.h"
 
 #include <array>
 #include <deque>
-#include <unordered_set>
 
 namespace lornix {
 
+/// The attributes of an entry.
+struct PolicyAttributes {
+    std::array<const wchar_t*, kAttributeCount> texts{};
+    std::string_view sealedPassword; ///< what the password was read from, until it is set anew
+};
+
 /// An entry. Its place in the list is its index and stays so until the list is released.
 struct PolicyEntry {
-    OwnedText text;
-    Sid account;
-    std::array<OwnedText, kAttributeCount> attributes;
-    std::string sealedPassword; ///< what the password was read from, until it is set anew
-    bool isRemoved = false;
+    const wchar_t* text = nullptr;          ///< null once it is removed
+    const void* account = nullptr;          ///< null: all accounts
+    PolicyAttributes* attributes = nullptr; ///< null: none
 };
 
 /// A list of entries that is loaded, changed, and made persistent and active.
@@ -51,10 +54,10 @@ public:
 
     /// @param text  see place. Null adds nothing.
     /// @return the index; kNone when nothing was added.
-    std::uint32_t add(const wchar_t* text, const Sid& account = {});
+    std::uint32_t add(const wchar_t* text, std::span<const std::uint8_t> account = {});
 
     /// @param text  see place. Null changes nothing.
-    void update(std::uint32_t index, const wchar_t* text, const Sid& account = {});
+    void update(std::uint32_t index, const wchar_t* text, std::span<const std::uint8_t> account = {});
     void setAttribute(std::uint32_t index, std::uint32_t attribute, const wchar_t* text);
     void remove(std::uint32_t index);
 
@@ -66,30 +69,36 @@ public:
     void release();
 
     /// What is active. @return nothing, with a report, when it cannot be read.
-    std::optional<PolicyRecords> active(const DataFolder& data, Patience& patience) const;
-    const PolicyFormat& format() const { return m_format; }
+    std::optional<PolicyLines> active(const DataFolder& data, Patience& patience) const
+    {
+        return read(activeFile(data), patience);
+    }
 
 private:
     /// Puts a string into an entry. It is a malloc block that passes to the list, or one of the list's own
     /// strings, which stays what it is.
-    void place(OwnedText& slot, const wchar_t* text);
+    void place(const wchar_t*& slot, const wchar_t* text);
+    void setAccount(PolicyEntry& entry, std::span<const std::uint8_t> account);
 
     KeptFile file(const DataFolder& data) const;
     KeptFile activeFile(const DataFolder& data) const;
-    std::optional<PolicyRecords> read(const KeptFile& file, Patience& patience) const;
+    std::optional<PolicyLines> read(const KeptFile& file, Patience& patience) const;
 
     /// @return false when its password cannot be read.
     bool take(const PolicyRecord& record);
-    bool toRecords(std::deque<PolicyRecord>& records);
+    /// @return false, with a report, when a password cannot be protected.
+    bool write(PolicyLines& lines);
+    bool seal(PolicyAttributes& attributes);
 
     PolicyFormat m_format;
     const wchar_t* m_fileName;
     const wchar_t* m_title;
     bool m_isLoaded = false;
     std::deque<PolicyEntry> m_entries; ///< none of them moves
-    std::uint32_t m_removed = 0;       ///< how many of them are removed: editors count before each row
-    std::unordered_set<const wchar_t*> m_own;
-    std::string m_persistent; ///< text of the file as loaded or last stored
+    std::deque<PolicyAttributes> m_attributes;
+    std::uint32_t m_removed = 0; ///< how many entries are removed: editors count before each row
+    ListStrings m_strings;
+    std::uint64_t m_seen = 0; ///< mark of the entries in the file as loaded or last stored
 };
 
 } // namespace lornix

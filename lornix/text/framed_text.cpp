@@ -102,6 +102,13 @@ void appendEnd(std::string& text, const FileKind& kind)
     text += kLineEnd;
 }
 
+std::string wholeText(const FileKind& kind, std::string_view lines)
+{
+    std::string text = startText(kind).append(lines);
+    appendEnd(text, kind);
+    return text;
+}
+
 TextReader::TextReader(std::string_view text, const FileKind& kind)
     : m_text(text)
     , m_rest(text)

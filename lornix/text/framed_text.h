@@ -64,6 +64,9 @@ std::string startText(const FileKind& kind);
 /// Ends it. Nothing may follow.
 void appendEnd(std::string& text, const FileKind& kind);
 
+/// The text of a file with some lines.
+std::string wholeText(const FileKind& kind, std::string_view lines);
+
 /// Takes the text of a file apart.
 class TextReader {
 public:

@@ -41,12 +41,12 @@ protected:
     {
         int made = 0;
         store.faultFor = [&](const char*) {
-            m_sink->windowGone = m_sink->windowGone || ++made == call;
+            sink->windowGone = sink->windowGone || ++made == call;
             return Fault::kNone;
         };
         EXPECT_TRUE(fill());
         store.faultFor = nullptr;
-        EXPECT_TRUE(m_sink->windowGone);
+        EXPECT_TRUE(sink->windowGone);
         const Lines all = store.calls();
         return {all.begin() + call, all.end()};
     }
@@ -73,9 +73,9 @@ class AbandonedBySource : public AbandonedFillTest, public testing::WithParamInt
 
 TEST_P(AbandonedBySource, BeginsNoStepAnyMore)
 {
-    m_registry.set(GetParam());
+    registry.set(GetParam());
     networkStatus = 0;
-    m_context.presetOwners = makePresets({2, 12});
+    context.presetOwners = makePresets({2, 12});
     directory.objects.push_back({.name = L"extra", .className = L"User", .sid = 32});
     fillWhole();
     ASSERT_GT(m_all.size(), 60u);
@@ -87,7 +87,7 @@ TEST_P(AbandonedBySource, BeginsNoStepAnyMore)
         std::copy_if(after.begin(), after.end(), std::back_inserter(steps), isStep);
         EXPECT_THAT(steps, ElementsAre());
         EXPECT_EQ(store.count("NetUseAdd"), store.count("NetUseDel")) << "a session is left open";
-        EXPECT_EQ(m_context.host, nullptr);
+        EXPECT_EQ(context.host, nullptr);
         expectNothingHeld();
     }
 }
@@ -96,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(Sources, AbandonedBySource, testing::Values(L"N", L"Y")
 
 TEST_F(AbandonedFillTest, ClosesOnlyTheSessionsThatItHas)
 {
-    m_registry.set(L"Y");
+    registry.set(L"Y");
     networkStatus = 0;
     fillWhole();
     EXPECT_THAT(fillUntil("NetUseAdd \\\\S1"), Contains("NetUseDel \\\\S1\\IPC$"));
@@ -114,7 +114,7 @@ TEST_F(AbandonedFillTest, ClosesOnlyTheSessionsThatItHas)
 
 TEST_F(AbandonedFillTest, ClosesItsSessionsAfterAFaultOutsideOfItsSteps)
 {
-    m_registry.set(L"Y");
+    registry.set(L"Y");
     networkStatus = 0;
     store.raise("ODS", Fault::kAccessViolation, 2); // the number of users
     EXPECT_FALSE(fill());
@@ -127,18 +127,18 @@ class WindowGone : public FillTest, public testing::WithParamInterface<const wch
 
 TEST_P(WindowGone, AtEachInsertion)
 {
-    m_registry.set(GetParam());
-    m_context.presetOwners = makePresets({2, 12});
+    registry.set(GetParam());
+    context.presetOwners = makePresets({2, 12});
     directory.objects.push_back({.name = L"extra", .className = L"User", .sid = 32});
     ASSERT_TRUE(fill());
-    const int all = static_cast<int>(m_sink->rows.size());
+    const int all = static_cast<int>(sink->rows.size());
     ASSERT_GT(all, 6);
     for (int n = 1; n < all; ++n) {
         SCOPED_TRACE(n);
         fillUntilRows(n);
-        EXPECT_EQ(static_cast<int>(m_sink->rows.size()), n);
-        EXPECT_EQ(m_sink->insertedAfterDeath, 0);
-        EXPECT_EQ(m_context.host, nullptr);
+        EXPECT_EQ(static_cast<int>(sink->rows.size()), n);
+        EXPECT_EQ(sink->insertedAfterDeath, 0);
+        EXPECT_EQ(context.host, nullptr);
         expectNothingHeld();
     }
 }
@@ -147,7 +147,7 @@ INSTANTIATE_TEST_SUITE_P(Sources, WindowGone, testing::Values(L"N", L"Y"));
 
 TEST_F(FillTest, WindowGoneAmongPresetOwnersEndsTheFillAtOnce)
 {
-    m_context.presetOwners = makePresets({1, 2});
+    context.presetOwners = makePresets({1, 2});
     fillUntilRows(3);
     EXPECT_EQ(store.calls().back(), "freeSidList L1");
     EXPECT_EQ(store.count("appendToSidList2"), 0);
@@ -157,7 +157,7 @@ TEST_F(FillTest, WindowGoneAmongPresetOwnersEndsTheFillAtOnce)
 
 TEST_F(FillTest, WindowGoneAmongUsersOfTheStoreEndsTheFill)
 {
-    m_context.host = L"S1";
+    context.host = L"S1";
     fillUntilRows(3);
     EXPECT_EQ(store.calls().back(), "freeSidList L1");
     EXPECT_EQ(store.count("enumerateGroups"), 0);
@@ -182,22 +182,22 @@ TEST_F(FillTest, WindowGoneAmongTheObjectsOfTheDirectoryEndsTheFill)
 // A server that this user is logged on to with a name and password takes no other session.
 TEST_F(FillTest, AServerThatRefusesTheNullSessionIsAskedAllTheSame)
 {
-    m_context.host = L"S1";
+    context.host = L"S1";
     networkStatus = ERROR_SESSION_CREDENTIAL_CONFLICT;
     ASSERT_TRUE(fill());
     EXPECT_EQ(store.count("NetUseAdd"), 2);
     EXPECT_THAT(rows(), Contains("ann|NORTH\\ann|User|1"));
     EXPECT_THAT(store.lines(), Contains("Users = 4\n"));
-    EXPECT_TRUE(m_sink->removed);
+    EXPECT_TRUE(sink->removed);
     expectNothingHeld();
 }
 
 TEST_F(FillTest, TheSettingIsReadBesideTheHostsThread)
 {
-    m_registry.set(L"Y");
+    registry.set(L"Y");
     const wchar_t* const hosts = readRegistryString(HKEY_LOCAL_MACHINE, kSettingsKey, L"NoLDAP");
     ASSERT_STREQ(hosts, L"Y");
-    m_registry.set(L"No"); // another one, as "Path" would be
+    registry.set(L"No"); // another one, as "Path" would be
     ASSERT_TRUE(fill());
     EXPECT_EQ(store.count("ADsGetObject"), 2) << "the setting was read";
     EXPECT_STREQ(hosts, L"Y") << "what the host's thread has read and not copied yet";

@@ -321,9 +321,7 @@ TEST_F(AccountListTest, RowsShowWhileTheStoreIsStillBusy)
         gate.open();
     });
     waitForFill();
-    then("look again", [](HWND dialog) { EXPECT_EQ(list(dialog).rowCount(), 2); });
-    cancel();
-    EXPECT_EQ(choose(owners), nullptr);
+    lookAndCancel([](HWND dialog) { EXPECT_EQ(list(dialog).rowCount(), 2); }, owners);
     freeSidList(owners);
 }
 

@@ -33,9 +33,7 @@ std::string computerName()
 
 TEST_F(ChooserTest, ProposesTheComputerAsSearchBaseWithoutADomain)
 {
-    then("look", [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_CHOOSER_BASE), computerName()); });
-    cancel();
-    EXPECT_EQ(choose(), nullptr);
+    lookAndCancel([](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_CHOOSER_BASE), computerName()); });
     EXPECT_THAT(store.calls(),
                 ElementsAre("getDomainSid", "ODS Domain sid=" + pointerText(nullptr) + "\n",
                             "ODS got R1=" + pointerText(nullptr) + " " + pointerText(nullptr) + "\n"));
@@ -50,9 +48,7 @@ TEST_F(ChooserTest, ProposesTheDomainServerInADomain)
     store.answer.getDomainServer = [] {
         return _wcsdup(L"\\\\DC1");
     };
-    then("look", [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_CHOOSER_BASE), "WinNT://\\\\DC1"); });
-    cancel();
-    EXPECT_EQ(choose(), nullptr);
+    lookAndCancel([](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_CHOOSER_BASE), "WinNT://\\\\DC1"); });
     EXPECT_THAT(store.lines(), Contains("Domain sid=" + pointerText(domain) + "\n"));
     EXPECT_THAT(store.calls(), Contains("getDomainServer"));
 }
@@ -62,9 +58,7 @@ TEST_F(ChooserTest, ADomainWithoutAServerShowsWhatTheFormatterWrites)
     store.answer.getDomainSid = [&] {
         return sidDup(m_alice);
     };
-    then("look", [](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_CHOOSER_BASE), "WinNT://(null)"); });
-    cancel();
-    EXPECT_EQ(choose(), nullptr);
+    lookAndCancel([](HWND dialog) { EXPECT_EQ(controlText(dialog, IDC_CHOOSER_BASE), "WinNT://(null)"); });
 }
 
 TEST_F(ChooserTest, TheSecondExportSaysSo)
@@ -94,96 +88,77 @@ TEST_F(ChooserTest, ADialogThatCannotBeShownGivesTheLastResultAgain)
 
 TEST_F(ChooserTest, StartsInTheListModeWithNothingChecked)
 {
-    then("look", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         EXPECT_TRUE(isChecked(dialog, IDC_CHOOSER_SEARCH));
         EXPECT_FALSE(isChecked(dialog, IDC_CHOOSER_TYPE));
         EXPECT_FALSE(isChecked(dialog, IDC_CHOOSER_CUSTOM_BASE));
-        for (const int id : {IDC_CHOOSER_SEARCH, IDC_CHOOSER_CUSTOM_BASE, IDC_CHOOSER_LIST, IDC_CHOOSER_TYPE,
-                             IDOK, IDCANCEL})
-        {
-            EXPECT_TRUE(isEnabled(dialog, id)) << id;
-        }
-        for (const int id : {IDC_CHOOSER_BASE, IDC_CHOOSER_NAME}) {
-            EXPECT_FALSE(isEnabled(dialog, id)) << id;
-        }
+        expectEnabled(dialog, {IDC_CHOOSER_SEARCH, IDC_CHOOSER_CUSTOM_BASE, IDC_CHOOSER_LIST,
+                               IDC_CHOOSER_TYPE, IDOK, IDCANCEL});
+        expectEnabled(dialog, {IDC_CHOOSER_BASE, IDC_CHOOSER_NAME}, false);
         EXPECT_EQ(GetDlgCtrlID(focusOf(dialog)), IDC_CHOOSER_SEARCH);
         EXPECT_EQ(list(dialog).rowCount(), 0);
         EXPECT_EQ(windowText(dialog), "Choose subject");
         EXPECT_EQ(controlText(dialog, IDOK), "Search...");
         EXPECT_EQ(controlText(dialog, IDCANCEL), "Cancel");
     });
-    cancel();
-    EXPECT_EQ(choose(), nullptr);
 }
 
 TEST_F(ChooserTest, TheListHoldsItsColumnsWithoutScrollingSideways)
 {
     giveUsers({"DOM\\ann"});
     searchServer();
-    then("look", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         RECT client;
         GetClientRect(list(dialog), &client);
         EXPECT_GE(client.right, 200 + 200 + 50);
     });
-    cancel();
-    EXPECT_EQ(choose(), nullptr);
 }
 
 // ---- modes ----
 
 TEST_F(ChooserTest, TheSearchBaseIsTypedOnlyWhenCustomized)
 {
-    then("toggle", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         EXPECT_FALSE(isEnabled(dialog, IDC_CHOOSER_BASE));
         click(dialog, IDC_CHOOSER_CUSTOM_BASE);
         EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_BASE));
         click(dialog, IDC_CHOOSER_CUSTOM_BASE);
         EXPECT_FALSE(isEnabled(dialog, IDC_CHOOSER_BASE));
     });
-    cancel();
-    choose();
 }
 
 TEST_F(ChooserTest, TypingANameDisablesTheSearchAndBack)
 {
-    then("toggle", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         click(dialog, IDC_CHOOSER_CUSTOM_BASE);
         click(dialog, IDC_CHOOSER_TYPE);
         EXPECT_FALSE(isChecked(dialog, IDC_CHOOSER_SEARCH));
         EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_NAME));
-        for (const int id : {IDC_CHOOSER_BASE, IDC_CHOOSER_LIST, IDC_CHOOSER_CUSTOM_BASE}) {
-            EXPECT_FALSE(isEnabled(dialog, id)) << id;
-        }
+        expectEnabled(dialog, {IDC_CHOOSER_BASE, IDC_CHOOSER_LIST, IDC_CHOOSER_CUSTOM_BASE}, false);
         click(dialog, IDC_CHOOSER_SEARCH);
         EXPECT_FALSE(isChecked(dialog, IDC_CHOOSER_TYPE));
         EXPECT_FALSE(isEnabled(dialog, IDC_CHOOSER_NAME));
-        for (const int id : {IDC_CHOOSER_BASE, IDC_CHOOSER_LIST, IDC_CHOOSER_CUSTOM_BASE}) {
-            EXPECT_TRUE(isEnabled(dialog, id)) << id;
-        }
+        expectEnabled(dialog, {IDC_CHOOSER_BASE, IDC_CHOOSER_LIST, IDC_CHOOSER_CUSTOM_BASE});
         click(dialog, IDC_CHOOSER_CUSTOM_BASE);
         click(dialog, IDC_CHOOSER_TYPE);
         click(dialog, IDC_CHOOSER_SEARCH);
         EXPECT_FALSE(isEnabled(dialog, IDC_CHOOSER_BASE)) << "the search base is not customized";
     });
-    cancel();
-    choose();
 }
 
 TEST_F(ChooserTest, AModeMessageForAnUncheckedButtonDoesNothing)
 {
-    then("notify", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_CHOOSER_TYPE, BN_CLICKED),
                      reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDC_CHOOSER_TYPE)));
         EXPECT_TRUE(isChecked(dialog, IDC_CHOOSER_SEARCH));
         EXPECT_FALSE(isEnabled(dialog, IDC_CHOOSER_NAME));
     });
-    cancel();
-    choose();
 }
 
 TEST_F(ChooserTest, TheDefaultButtonReadsAddWhileANameIsTyped)
 {
-    then("type", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         click(dialog, IDC_CHOOSER_TYPE);
         EXPECT_EQ(controlText(dialog, IDOK), "Search...");
         type(dialog, IDC_CHOOSER_NAME, L"a");
@@ -191,8 +166,6 @@ TEST_F(ChooserTest, TheDefaultButtonReadsAddWhileANameIsTyped)
         type(dialog, IDC_CHOOSER_NAME, L"");
         EXPECT_EQ(controlText(dialog, IDOK), "Search");
     });
-    cancel();
-    choose();
 }
 
 // ---- a typed name ----

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <ostream>
@@ -196,7 +197,7 @@ namespace {
 /// A list that cannot take a row of a certain account.
 class FailingList {
 public:
-    enum class Way { kFaults, kRefuses };
+    enum class Way : std::uint8_t { kFaults, kRefuses };
 
     FailingList(HWND list, std::wstring account, Way way)
         : m_account(std::move(account))

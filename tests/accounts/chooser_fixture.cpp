@@ -1,6 +1,7 @@
 #include "tests/accounts/chooser_fixture.h"
 
 #include "store/lornix.h"
+#include "store/owned.h"
 #include "tests/support/text.h"
 
 #include <commctrl.h>
@@ -143,6 +144,19 @@ void* ChooserFixture::choose(SidList* owners)
     return script.run([&] {
         return owners != nullptr ? chooseSidFromUserInput2(nullptr, owners) : chooseSidFromUserInput(nullptr);
     });
+}
+
+std::string ChooserFixture::chosenName(SidList* owners)
+{
+    const CBlock<void> chosen(choose(owners));
+    return RecordingStore::nameOf(chosen.get());
+}
+
+void ChooserFixture::lookAndCancel(std::function<void(HWND)> act, SidList* owners)
+{
+    then("look", std::move(act));
+    cancel();
+    EXPECT_EQ(choose(owners), nullptr);
 }
 
 void ChooserFixture::select(HWND dialog, int row)

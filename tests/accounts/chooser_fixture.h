@@ -102,6 +102,10 @@ struct ChooserFixture : testing::Test {
 
     /// Runs the script on the dialog. @return the chooser's result.
     void* choose(SidList* owners = nullptr);
+    /// The same. @return the name of the chosen account.
+    std::string chosenName(SidList* owners = nullptr);
+    /// The same, with one thing more to do before Cancel.
+    void lookAndCancel(std::function<void(HWND)> act, SidList* owners = nullptr);
 
     static ListView list(HWND dialog) { return ListView(dialog, IDC_CHOOSER_LIST); }
     /// Selects a row as a click does.

@@ -19,11 +19,10 @@ TEST_F(ChooserTest, SearchingOnACustomBaseStopsThere)
     startSearch();
     then("look", [this](HWND dialog) {
         EXPECT_EQ(controlText(dialog, IDOK), "Add");
-        for (const int id : {IDOK, IDCANCEL, IDC_CHOOSER_LIST, IDC_CHOOSER_BASE, IDC_CHOOSER_SEARCH,
-                             IDC_CHOOSER_TYPE, IDC_CHOOSER_CUSTOM_BASE})
-        {
-            EXPECT_FALSE(isEnabled(dialog, id)) << id;
-        }
+        expectEnabled(dialog,
+                      {IDOK, IDCANCEL, IDC_CHOOSER_LIST, IDC_CHOOSER_BASE, IDC_CHOOSER_SEARCH,
+                       IDC_CHOOSER_TYPE, IDC_CHOOSER_CUSTOM_BASE},
+                      false);
         EXPECT_THAT(store.lines(), Not(Contains("onOk\n")));
         gate.open();
     });
@@ -39,11 +38,10 @@ TEST_F(ChooserTest, SearchingOnTheDefaultBaseGoesOnToThePick)
         click(dialog, IDOK);
         EXPECT_THAT(store.lines(), Contains("onOk\n"));
         EXPECT_EQ(controlText(dialog, IDOK), "Add");
-        for (const int id : {IDOK, IDCANCEL, IDC_CHOOSER_LIST, IDC_CHOOSER_BASE, IDC_CHOOSER_SEARCH,
-                             IDC_CHOOSER_TYPE, IDC_CHOOSER_CUSTOM_BASE})
-        {
-            EXPECT_FALSE(isEnabled(dialog, id)) << id;
-        }
+        expectEnabled(dialog,
+                      {IDOK, IDCANCEL, IDC_CHOOSER_LIST, IDC_CHOOSER_BASE, IDC_CHOOSER_SEARCH,
+                       IDC_CHOOSER_TYPE, IDC_CHOOSER_CUSTOM_BASE},
+                      false);
     });
     waitForFill();
     cancel();
@@ -54,19 +52,14 @@ TEST_F(ChooserTest, SearchingOnTheDefaultBaseGoesOnToThePick)
 TEST_F(ChooserTest, AfterTheFillOnlyTheListAndCancelAreEnabled)
 {
     searchServer();
-    then("look", [](HWND dialog) {
-        for (const int id : {IDCANCEL, IDC_CHOOSER_LIST}) {
-            EXPECT_TRUE(isEnabled(dialog, id)) << id;
-        }
-        for (const int id : {IDOK, IDC_CHOOSER_BASE, IDC_CHOOSER_SEARCH, IDC_CHOOSER_TYPE,
-                             IDC_CHOOSER_CUSTOM_BASE, IDC_CHOOSER_NAME})
-        {
-            EXPECT_FALSE(isEnabled(dialog, id)) << id;
-        }
+    lookAndCancel([](HWND dialog) {
+        expectEnabled(dialog, {IDCANCEL, IDC_CHOOSER_LIST});
+        expectEnabled(dialog,
+                      {IDOK, IDC_CHOOSER_BASE, IDC_CHOOSER_SEARCH, IDC_CHOOSER_TYPE, IDC_CHOOSER_CUSTOM_BASE,
+                       IDC_CHOOSER_NAME},
+                      false);
         EXPECT_EQ(focusOf(dialog), list(dialog)) << "the keyboard must not be lost";
     });
-    cancel();
-    choose();
 }
 
 TEST_F(ChooserTest, TheCloseBoxActsAsCancel)
@@ -85,22 +78,22 @@ TEST_F(ChooserTest, ShowsAccountsInTheOrderOfTheEnumeration)
     giveGroups({"DOM\\staff"});
     SidList* const owners = RecordingStore::makeSidList({m_alice});
     searchServer();
-    then("look", [](HWND dialog) {
-        EXPECT_THAT(list(dialog).rows(),
-                    ElementsAre("Anyone|Anyone|System", "alice|DOM\\alice|File owner", "bob|DOM\\bob|User",
-                                "carol|carol|User", "staff|DOM\\staff|Group"));
-        EXPECT_EQ(list(dialog).data(0), 1);
-        EXPECT_EQ(RecordingStore::nameOf(reinterpret_cast<void*>(list(dialog).data(2))), "DOM\\bob");
-        constexpr int kGroupImage = 0;
-        constexpr int kUserImage = 1;
-        std::vector<int> images;
-        for (int row = 0; row < 5; ++row) {
-            images.push_back(list(dialog).image(row));
-        }
-        EXPECT_THAT(images, ElementsAre(kGroupImage, kUserImage, kUserImage, kUserImage, kGroupImage));
-    });
-    cancel();
-    EXPECT_EQ(choose(owners), nullptr);
+    lookAndCancel(
+        [](HWND dialog) {
+            EXPECT_THAT(list(dialog).rows(),
+                        ElementsAre("Anyone|Anyone|System", "alice|DOM\\alice|File owner",
+                                    "bob|DOM\\bob|User", "carol|carol|User", "staff|DOM\\staff|Group"));
+            EXPECT_EQ(list(dialog).data(0), 1);
+            EXPECT_EQ(RecordingStore::nameOf(reinterpret_cast<void*>(list(dialog).data(2))), "DOM\\bob");
+            constexpr int kGroupImage = 0;
+            constexpr int kUserImage = 1;
+            std::vector<int> images;
+            for (int row = 0; row < 5; ++row) {
+                images.push_back(list(dialog).image(row));
+            }
+            EXPECT_THAT(images, ElementsAre(kGroupImage, kUserImage, kUserImage, kUserImage, kGroupImage));
+        },
+        owners);
     freeSidList(owners);
 }
 
@@ -155,13 +148,11 @@ TEST_F(ChooserTest, PickingAFileOwnerOrAGroupGivesACopy)
 TEST_F(ChooserTest, TheDefaultButtonWithoutASelectedRowDoesNothing)
 {
     searchServer();
-    then("press", [this](HWND dialog) {
+    lookAndCancel([this](HWND dialog) {
         SendMessageW(dialog, WM_COMMAND, IDOK, 0);
         EXPECT_TRUE(IsWindow(dialog));
         EXPECT_EQ(dialogLines().back(), "onOk\n");
     });
-    cancel();
-    EXPECT_EQ(choose(), nullptr);
     EXPECT_EQ(threads.started(), 1) << "there is one search";
 }
 
@@ -176,21 +167,19 @@ TEST_F(ChooserTest, SelectingDuringTheFillEnablesNothing)
         gate.open();
     });
     waitForFill();
-    then("select again", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         EXPECT_FALSE(isEnabled(dialog, IDOK)) << "nothing was selected since";
         ListView_SetItemState(list(dialog), 0, 0, LVIS_SELECTED);
         EXPECT_FALSE(isEnabled(dialog, IDOK));
         select(dialog, 0);
         EXPECT_TRUE(isEnabled(dialog, IDOK));
     });
-    cancel();
-    EXPECT_EQ(choose(), nullptr);
 }
 
 TEST_F(ChooserTest, EachRowNotificationLooksAtTheSelection)
 {
     searchServer();
-    then("notify", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         select(dialog, 0);
         for (const UINT code : {LVN_ITEMCHANGED, LVN_ITEMACTIVATE, LVN_ODSTATECHANGED}) {
             EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
@@ -200,22 +189,18 @@ TEST_F(ChooserTest, EachRowNotificationLooksAtTheSelection)
             EXPECT_TRUE(isEnabled(dialog, IDOK)) << code;
         }
     });
-    cancel();
-    choose();
 }
 
 TEST_F(ChooserTest, ARowWithoutAnAccountCannotBeAdded)
 {
     searchServer();
-    then("select", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         LVITEMW item{};
         item.mask = LVIF_PARAM;
         SendMessageW(list(dialog), LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
         select(dialog, 0);
         EXPECT_FALSE(isEnabled(dialog, IDOK));
     });
-    cancel();
-    choose();
 }
 
 TEST_F(ChooserTest, CancelForgetsWhatWasChosenBefore)
@@ -238,10 +223,8 @@ TEST_F(ChooserTest, AThreadThatCannotBeStartedCountsAsAnEmptyFill)
         });
     ASSERT_EQ(noThread.count(), 1);
     searchServer();
-    then("look", [](HWND dialog) {
+    lookAndCancel([](HWND dialog) {
         EXPECT_EQ(list(dialog).rowCount(), 0);
         EXPECT_TRUE(isEnabled(dialog, IDC_CHOOSER_LIST));
     });
-    cancel();
-    EXPECT_EQ(choose(), nullptr);
 }

@@ -4,6 +4,7 @@
 #include "frame/platform.h"
 #include "imports.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <set>
@@ -17,7 +18,15 @@ struct DirectoryObject {
     std::wstring listedAs = L"User"; ///< class by which the filter takes it
     unsigned sid = 0;                ///< last number of its SID; 0: the attribute cannot be read
     /// How the attribute looks when it can be read.
-    enum class Form { kBytes, kFromOne, kText, kLongs, kEmpty, kCutOff, kTwoDimensions } form = Form::kBytes;
+    enum class Form : std::uint8_t {
+        kBytes,
+        kFromOne,
+        kText,
+        kLongs,
+        kEmpty,
+        kCutOff,
+        kTwoDimensions
+    } form = Form::kBytes;
     bool isDirectoryObject = true; ///< gives the interface that is asked for
     bool isObject = true;          ///< the element is an object and not a number
 };

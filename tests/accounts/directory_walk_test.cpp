@@ -16,14 +16,14 @@ protected:
     /// @return what the walk gave, as numbers; nothing when it gave null.
     std::optional<std::vector<unsigned>> walk(DirectoryKind kind, bool withList = true)
     {
-        m_sink.reset(new ListSink);
-        m_context.sink = m_sink.get();
-        m_context.userImage = kUser;
-        m_context.groupImage = kGroup;
+        sink.reset(new ListSink);
+        context.sink = sink.get();
+        context.userImage = kUser;
+        context.groupImage = kGroup;
         store.takeCalls();
         std::optional<std::vector<unsigned>> result;
         DirectoryWalk held;
-        SidList* const list = DoList(kPath, kind, withList ? &m_context : nullptr, held);
+        SidList* const list = DoList(kPath, kind, withList ? &context : nullptr, held);
         if (list != nullptr) {
             result = numbersOf(list);
             freeSidList(list);
@@ -75,7 +75,7 @@ TEST_F(DirectoryWalkTest, RowsTakeTheDomainFromTheSearchBase)
         {nullptr, "|dora|User|31"},
     };
     for (const auto& c : cases) {
-        m_context.host = c.host;
+        context.host = c.host;
         ASSERT_TRUE(walk(DirectoryKind::kUsers));
         EXPECT_THAT(rows(), ElementsAre(c.row));
     }
@@ -85,13 +85,13 @@ TEST_F(DirectoryWalkTest, RowsTakeTheDomainFromTheSearchBase)
 TEST_F(DirectoryWalkTest, TextsAreCutAt256Characters)
 {
     const std::wstring host = L"WinNT://" + std::wstring(300, L'h');
-    m_context.host = host.c_str();
+    context.host = host.c_str();
     ASSERT_TRUE(walk(DirectoryKind::kUsers));
-    EXPECT_EQ(m_sink->rows[0].fullName, std::wstring(248, L'h') + L"\\dora");
-    m_context.host = L"WinNT://N";
+    EXPECT_EQ(sink->rows[0].fullName, std::wstring(248, L'h') + L"\\dora");
+    context.host = L"WinNT://N";
     directory.objects[0].name = std::wstring(300, L'n');
     ASSERT_TRUE(walk(DirectoryKind::kUsers));
-    EXPECT_EQ(m_sink->rows[0].fullName, L"N\\" + std::wstring(254, L'n'));
+    EXPECT_EQ(sink->rows[0].fullName, L"N\\" + std::wstring(254, L'n'));
     expectNothingHeld();
 }
 
@@ -102,14 +102,14 @@ TEST_F(DirectoryWalkTest, TypeAndImageFollowTheClass)
                          {.name = L"c", .className = L"user", .sid = 33},
                          {.name = L"d", .className = L"Computer", .sid = 34},
                          {.name = L"e", .className = L"", .sid = 35}};
-    m_context.host = L"WinNT://N";
+    context.host = L"WinNT://N";
     ASSERT_TRUE(walk(DirectoryKind::kUsers));
     EXPECT_THAT(rows(), ElementsAre("a|N\\a|User|31", "b|N\\b|User|32", "c|N\\c|user|33",
                                     "d|N\\d|Computer|34", "e|N\\e||35"));
     const int images[] = {kUser, kUser, kGroup, kGroup, kGroup};
     for (std::size_t i = 0; i < 5; ++i) {
-        EXPECT_EQ(m_sink->rows[i].image, images[i]);
-        EXPECT_EQ(m_sink->rows[i].index, static_cast<int>(i));
+        EXPECT_EQ(sink->rows[i].image, images[i]);
+        EXPECT_EQ(sink->rows[i].index, static_cast<int>(i));
     }
     EXPECT_THAT(store.lines(), Contains("  b((null))\n"));
     expectNothingHeld();
@@ -119,7 +119,7 @@ TEST_F(DirectoryWalkTest, AnObjectWhoseNameCannotBeRead)
 {
     directory.fails["get_Name"] = E_FAIL;
     directory.fails["get_Class"] = E_FAIL;
-    m_context.host = L"WinNT://N";
+    context.host = L"WinNT://N";
     EXPECT_EQ(walk(DirectoryKind::kUsers), (std::vector<unsigned>{31}));
     EXPECT_THAT(rows(), ElementsAre("(null)|N\\(null)|User|31"));
     EXPECT_THAT(store.lines(), Contains("  (null)((null))\n"));
@@ -139,7 +139,7 @@ TEST_F(DirectoryWalkTest, ObjectsWithoutReadableSid)
     EXPECT_THAT(rows(), ElementsAre("|none|User|null", "|odd|User|null", "|odd|User|null", "|odd|User|null",
                                     "|odd|User|null", "|odd|User|null", "|one|User|51"));
     // With preset owners, however few, an account that nobody can compare is left out.
-    m_context.presetOwners = makePresets({});
+    context.presetOwners = makePresets({});
     EXPECT_EQ(walk(DirectoryKind::kUsers), (std::vector<unsigned>{51}));
     EXPECT_THAT(rows(), ElementsAre("|one|User|51"));
     EXPECT_THAT(store.lines(), Contains("Total Number of Objects enumerated is 7\n"));
@@ -184,20 +184,20 @@ TEST_F(DirectoryWalkTest, AFailureInTheMiddleKeepsTheRowsAndDropsTheList)
     }
     directory.failingBatch = 3; // gives an error with 50 objects in hand
     EXPECT_EQ(walk(DirectoryKind::kUsers), std::nullopt);
-    EXPECT_EQ(m_sink->rows.size(), 200u);
+    EXPECT_EQ(sink->rows.size(), 200u);
     EXPECT_EQ(store.lines().back(), kUnable);
     expectNothingHeld();
 
     directory.failingBatch = 0;
     directory.objects[120].isDirectoryObject = false; // the rest of its batch is released untouched
     EXPECT_EQ(walk(DirectoryKind::kUsers), std::nullopt);
-    EXPECT_EQ(m_sink->rows.size(), 120u);
+    EXPECT_EQ(sink->rows.size(), 120u);
     EXPECT_EQ(store.lines().back(), kUnable);
     expectNothingHeld();
 
     directory.objects[120].isObject = false;
     EXPECT_EQ(walk(DirectoryKind::kUsers), std::nullopt);
-    EXPECT_EQ(m_sink->rows.size(), 120u);
+    EXPECT_EQ(sink->rows.size(), 120u);
     EXPECT_EQ(store.lines().back(), kUnable);
     expectNothingHeld();
 }
@@ -221,11 +221,11 @@ TEST_F(DirectoryWalkTest, OnlyTheFalseResultEndsTheWalk)
     }
     ASSERT_TRUE(walk(DirectoryKind::kUsers));
     EXPECT_EQ(store.count("ADsEnumerateNext"), 2);
-    EXPECT_EQ(m_sink->rows.size(), 150u);
+    EXPECT_EQ(sink->rows.size(), 150u);
     directory.fullBatchAtEnd = true;
     ASSERT_TRUE(walk(DirectoryKind::kUsers));
     EXPECT_EQ(store.count("ADsEnumerateNext"), 3);
-    EXPECT_EQ(m_sink->rows.size(), 150u);
+    EXPECT_EQ(sink->rows.size(), 150u);
     EXPECT_THAT(store.lines(), Contains("Total Number of Objects enumerated is 150\n"));
     expectNothingHeld();
 }
@@ -239,7 +239,7 @@ TEST_F(DirectoryWalkTest, TenThousandObjectsLeaveNothingBehind)
     const std::optional<std::vector<unsigned>> found = walk(DirectoryKind::kUsers);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->size(), 10000u);
-    EXPECT_EQ(m_sink->rows.size(), 10000u);
+    EXPECT_EQ(sink->rows.size(), 10000u);
     expectNothingHeld();
 }
 
@@ -251,8 +251,8 @@ TEST_F(DirectoryWalkTest, AFaultWhileReleasingKeepsNothingElse)
     for (const char* const kind : {"object", "enumerator", "container"}) {
         SCOPED_TRACE(kind);
         directory.releaseFaults = {kind};
-        m_context.host = L"WinNT://NORTH";
-        m_context.presetOwners = nullptr;
+        context.host = L"WinNT://NORTH";
+        context.presetOwners = nullptr;
         ASSERT_TRUE(fill());
         EXPECT_THAT(store.lines(), Contains("DoList(Users) => sigsegv\n"));
         EXPECT_THAT(store.lines(), Contains("Total items = 2\n"));
@@ -263,8 +263,8 @@ TEST_F(DirectoryWalkTest, AFaultWhileReleasingKeepsNothingElse)
 /// The platform's own functions, with a path that no provider takes.
 TEST_F(DirectoryWalkTest, ThePlatformRefusesABadPath)
 {
-    m_directory.reset();
-    m_context.host = L"no such provider, LDAP:";
+    directoryPatch.reset();
+    context.host = L"no such provider, LDAP:";
     ASSERT_TRUE(fill());
     EXPECT_THAT(store.lines(),
                 ElementsAre("\"no such provider, LDAP:\" is not a valid container object.\n",

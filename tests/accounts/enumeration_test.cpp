@@ -29,8 +29,8 @@ Lines begunWithBob(const Lines& then)
 
 TEST_F(FillTest, StoreCallByCall)
 {
-    m_context.host = L"S1";
-    m_context.presetOwners = makePresets({2});
+    context.host = L"S1";
+    context.presetOwners = makePresets({2});
     ASSERT_TRUE(fill());
     EXPECT_EQ(steps(), begunWithBob({
                            "getDomainServerByName S1",
@@ -74,16 +74,16 @@ TEST_F(FillTest, StoreCallByCall)
                            "removeFirstInserted",
                            "freeSidList L2",
                        }));
-    EXPECT_EQ(m_context.host, nullptr);
-    EXPECT_TRUE(m_sink->removed);
+    EXPECT_EQ(context.host, nullptr);
+    EXPECT_TRUE(sink->removed);
     expectNothingHeld();
 }
 
 TEST_F(FillTest, DirectoryCallByCall)
 {
-    m_context.presetOwners = makePresets({2});
-    m_context.counters[0] = 3;
-    m_context.counters[1] = 4;
+    context.presetOwners = makePresets({2});
+    context.counters[0] = 3;
+    context.counters[1] = 4;
     ASSERT_TRUE(fill());
     EXPECT_EQ(steps(), begunWithBob({
                            "getDomainServer",
@@ -155,9 +155,9 @@ TEST_F(FillTest, DirectoryCallByCall)
                            "ODS Total items = 5\n",
                            "freeSidList L1",
                        }));
-    EXPECT_EQ(m_context.host, nullptr);
-    EXPECT_EQ(m_context.counters[0], 0);
-    EXPECT_EQ(m_context.counters[1], 0);
+    EXPECT_EQ(context.host, nullptr);
+    EXPECT_EQ(context.counters[0], 0);
+    EXPECT_EQ(context.counters[1], 0);
     expectNothingHeld();
 }
 
@@ -175,12 +175,12 @@ TEST_F(FillTest, NothingToFillDoesNothing)
 
 TEST_F(FillTest, NamesWithoutDomainAndUnknownAccounts)
 {
-    m_context.host = L"S1";
+    context.host = L"S1";
     store.users = {{L"", {21, 99, 3}}};
     store.groups = {};
     ASSERT_TRUE(fill());
     EXPECT_THAT(rows(), ElementsAre(kWait, kAnyone, "Everyone|Everyone|User|21", "carl|PC\\carl|User|3"));
-    EXPECT_EQ(m_sink->rows.back().index, 3); // the unknown one took no place
+    EXPECT_EQ(sink->rows.back().index, 3); // the unknown one took no place
     expectNothingHeld();
 }
 
@@ -206,7 +206,7 @@ TEST_F(FillTest, Resolution)
 
 TEST_F(FillTest, NullFromTheStoreReplacesTheTotal)
 {
-    m_context.host = L"S1";
+    context.host = L"S1";
     store.givesNull = {"enumerateUsers S2", "enumerateGroups null"};
     ASSERT_TRUE(fill());
     EXPECT_THAT(store.calls(), Contains("enumerateUsers null null")); // what came from S1 is gone
@@ -234,16 +234,16 @@ TEST_F(FillTest, NullPartsAreNeitherMergedNorFreed)
 
 TEST_F(FillTest, PresetOwnersComeFirstAndOnce)
 {
-    m_registry.set(L"Y");
+    registry.set(L"Y");
     SidList* const presets = makePresets({11, 99, 3, 1});
-    m_context.presetOwners = presets;
+    context.presetOwners = presets;
     ASSERT_TRUE(fill());
     EXPECT_THAT(rows(), ElementsAre(kWait, kAnyone, "staff|NORTH\\staff|File owner|11",
                                     "carl|PC\\carl|File owner|3", "ann|NORTH\\ann|File owner|1",
                                     "bob|NORTH\\bob|User|2", "crew|PC\\crew|Group|12"));
     for (std::size_t i = 0; i < 5; ++i) {
-        EXPECT_EQ(m_sink->rows[i].image, i < 2 ? kGroup : kUser);
-        EXPECT_EQ(m_sink->rows[i].index, static_cast<int>(i));
+        EXPECT_EQ(sink->rows[i].image, i < 2 ? kGroup : kUser);
+        EXPECT_EQ(sink->rows[i].index, static_cast<int>(i));
     }
     EXPECT_EQ(numbersOf(presets), (std::vector<unsigned>{11, 99, 3, 1}));
     expectNothingHeld();
@@ -252,7 +252,7 @@ TEST_F(FillTest, PresetOwnersComeFirstAndOnce)
 TEST_F(FillTest, PresetOwnersComeOnceFromTheDirectoryToo)
 {
     directory.objects.push_back({.name = L"ann", .className = L"User", .sid = 1});
-    m_context.presetOwners = makePresets({1, 12});
+    context.presetOwners = makePresets({1, 12});
     ASSERT_TRUE(fill());
     EXPECT_THAT(rows(),
                 ElementsAre(kWait, kAnyone, "ann|NORTH\\ann|File owner|1", "crew|PC\\crew|File owner|12",
@@ -262,7 +262,7 @@ TEST_F(FillTest, PresetOwnersComeOnceFromTheDirectoryToo)
 
 TEST_F(FillTest, AnEmptyPresetListExcludesNobodyWithASid)
 {
-    m_context.presetOwners = makePresets({});
+    context.presetOwners = makePresets({});
     directory.objects.push_back({.name = L"ghost", .className = L"User"});
     ASSERT_TRUE(fill());
     EXPECT_THAT(rows(), ElementsAre(kWait, kAnyone, "dora|S1\\dora|User|31", "carl|PC\\carl|User|3",
@@ -274,9 +274,9 @@ TEST_F(FillTest, PresetListThatTheStoreGivesBackStaysTheCallers)
 {
     for (const wchar_t* setting : {L"N", L"Y"}) {
         SCOPED_TRACE(setting);
-        m_registry.set(setting);
+        registry.set(setting);
         SidList* const presets = makePresets({2, 0, 1});
-        m_context.presetOwners = presets;
+        context.presetOwners = presets;
         store.givenBack = "presets";
         ASSERT_TRUE(fill());
         EXPECT_EQ(numbersOf(presets), (std::vector<unsigned>{2, 0, 1}));
@@ -306,7 +306,7 @@ TEST_F(FillTest, ManyAccountsAgainstManyPresetOwners)
 {
     constexpr unsigned kAccounts = 100000;
     constexpr unsigned kPresets = 5000;
-    m_context.host = L"S1";
+    context.host = L"S1";
     store.secondServers.clear();
     store.groups.clear();
     std::vector<unsigned> all;
@@ -319,7 +319,7 @@ TEST_F(FillTest, ManyAccountsAgainstManyPresetOwners)
         }
     }
     store.users = {{L"S1", all}};
-    m_context.presetOwners = makePresets(presets);
+    context.presetOwners = makePresets(presets);
     store.writing = false;
     int compared = 0;
     store.answer.sidcmp = [&compared, compare = store.answer.sidcmp](const void* a, const void* b) {
@@ -327,9 +327,9 @@ TEST_F(FillTest, ManyAccountsAgainstManyPresetOwners)
         return compare(a, b);
     };
     ASSERT_TRUE(fill());
-    EXPECT_EQ(m_sink->rows.size(), 2 + kAccounts);
+    EXPECT_EQ(sink->rows.size(), 2 + kAccounts);
     for (unsigned i = 0; i < kAccounts; ++i) {
-        const ListSink::Row& row = m_sink->rows[2 + i];
+        const ListSink::Row& row = sink->rows[2 + i];
         ASSERT_EQ(row.type, i < kPresets ? L"File owner" : L"User");
     }
     // Once for each preset owner found among the users, beside its copy in the total.

@@ -3,12 +3,14 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
+
 namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
 
-enum class Source { kDirectory, kStore };
+enum class Source : std::uint8_t { kDirectory, kStore };
 
 struct FaultCase {
     const char* name;
@@ -22,8 +24,8 @@ class FaultTest : public FillTest {
 protected:
     void choose(Source source)
     {
-        m_context.host = source == Source::kDirectory ? nullptr : L"S1";
-        m_context.presetOwners = makePresets({2});
+        context.host = source == Source::kDirectory ? nullptr : L"S1";
+        context.presetOwners = makePresets({2});
     }
 
     bool fillWithFault(const std::string& function, int call)
@@ -41,8 +43,8 @@ protected:
         EXPECT_EQ(directory.references, 0);
         EXPECT_EQ(directory.strings, 0);
         EXPECT_EQ(directory.arrays, 0);
-        EXPECT_EQ(m_context.host, nullptr);
-        EXPECT_THAT(numbersOf(m_context.presetOwners), ElementsAre(2));
+        EXPECT_EQ(context.host, nullptr);
+        EXPECT_THAT(numbersOf(context.presetOwners), ElementsAre(2));
     }
 
     std::vector<std::string> guardLines() const
@@ -71,11 +73,11 @@ TEST_P(StepFault, WritesItsLineAndGoesOn)
         EXPECT_EQ(ended, GetParam().line != nullptr);
         if (GetParam().line != nullptr) {
             EXPECT_THAT(guardLines(), ElementsAre(GetParam().line));
-            EXPECT_TRUE(m_sink->removed);
+            EXPECT_TRUE(sink->removed);
         } else {
             EXPECT_THAT(guardLines(), ElementsAre());
         }
-        m_context.host = ended || GetParam().source == Source::kDirectory ? m_context.host : nullptr;
+        context.host = ended || GetParam().source == Source::kDirectory ? context.host : nullptr;
         expectNothingOfOursHeld();
     }
 }
@@ -189,13 +191,13 @@ TEST_F(FaultTest, AFaultInTheRowsOfUsersGoesOnWithGroups)
     EXPECT_THAT(rows(), ElementsAre("Please wait until data fetched...|||null", "Anyone|Anyone|System|ONE",
                                     "bob|NORTH\\bob|File owner|2", "ann|NORTH\\ann|User|1",
                                     "staff|NORTH\\staff|Group|11", "crew|PC\\crew|Group|12"));
-    EXPECT_EQ(m_sink->rows[4].index, 4); // counted on from the rows that were inserted
+    EXPECT_EQ(sink->rows[4].index, 4); // counted on from the rows that were inserted
 }
 
 TEST_F(FaultTest, TheDebugChannelItselfMayBeBroken)
 {
     choose(Source::kDirectory);
-    m_context.host = L"WinNT://NORTH";
+    context.host = L"WinNT://NORTH";
     // The first fault is a line inside the walk; the guard then writes its own, to the same channel.
     EXPECT_TRUE(fillWithFault("ODS", 1));
     EXPECT_THAT(guardLines(), ElementsAre("DoList(Users) => sigsegv\n"));
@@ -218,9 +220,9 @@ TEST_P(EveryCall, MayFault)
         SCOPED_TRACE(std::to_string(call) + ": " + raised);
         EXPECT_NE(raised, "");
         EXPECT_EQ(guardLines().size(), ended ? 1u : 0u);
-        EXPECT_TRUE(m_sink->removed || !ended);
+        EXPECT_TRUE(sink->removed || !ended);
         if (!ended) {
-            m_context.host = GetParam() == Source::kStore ? nullptr : m_context.host;
+            context.host = GetParam() == Source::kStore ? nullptr : context.host;
         }
         expectNothingOfOursHeld();
     }

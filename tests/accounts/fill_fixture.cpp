@@ -66,7 +66,7 @@ FillTest::FillTest()
 
 FillTest::~FillTest()
 {
-    m_sink.reset();
+    sink.reset();
 }
 
 std::vector<std::string> FillTest::steps() const
@@ -78,13 +78,13 @@ std::vector<std::string> FillTest::steps() const
 
 bool FillTest::fill()
 {
-    m_sink.reset(new ListSink);
-    m_context.sink = m_sink.get();
-    m_context.userImage = kUser;
-    m_context.groupImage = kGroup;
+    sink.reset(new ListSink);
+    context.sink = sink.get();
+    context.userImage = kUser;
+    context.groupImage = kGroup;
     store.takeCalls();
     try {
-        fillTree(&m_context);
+        fillTree(&context);
         return true;
     } catch (const std::exception&) {
         return false;
@@ -93,17 +93,17 @@ bool FillTest::fill()
 
 void FillTest::fillUntilRows(int rows)
 {
-    m_sink.reset(new ListSink);
-    m_sink->dieBefore = rows;
-    m_context.sink = m_sink.get();
+    sink.reset(new ListSink);
+    sink->dieBefore = rows;
+    context.sink = sink.get();
     store.takeCalls();
-    fillTree(&m_context);
+    fillTree(&context);
 }
 
 void FillTest::expectNothingHeld() const
 {
     int inRows = 0;
-    for (const ListSink::Row& row : m_sink->rows) {
+    for (const ListSink::Row& row : sink->rows) {
         inRows += reinterpret_cast<std::uintptr_t>(row.data) > 1 ? 1 : 0;
     }
     EXPECT_EQ(store.openSidLists(), 0);
@@ -117,7 +117,7 @@ void FillTest::expectNothingHeld() const
 std::vector<std::string> FillTest::rows() const
 {
     std::vector<std::string> texts;
-    for (const ListSink::Row& row : m_sink->rows) {
+    for (const ListSink::Row& row : sink->rows) {
         const std::string data = reinterpret_cast<std::uintptr_t>(row.data) > 1
                                      ? std::to_string(sidNumber(row.data))
                                      : (row.data != nullptr ? "ONE" : "null");

@@ -61,10 +61,10 @@ struct FillTest : testing::Test {
     std::vector<std::string> rows() const;
 
     AccountStore store;
-    std::unique_ptr<ListSink> m_sink;
-    FillContext m_context;
-    std::optional<DirectoryPatch> m_directory{std::in_place};
-    OwnRegistry m_registry;
+    std::unique_ptr<ListSink> sink;
+    FillContext context;
+    std::optional<DirectoryPatch> directoryPatch{std::in_place};
+    OwnRegistry registry;
 
 private:
     Imports m_network;

@@ -44,13 +44,13 @@ class NoLdapSwitch : public FillTest, public testing::WithParamInterface<SwitchC
 TEST_P(NoLdapSwitch, Decides)
 {
     if (GetParam().value != nullptr) {
-        m_registry.set(GetParam().value);
+        registry.set(GetParam().value);
     }
     ASSERT_TRUE(fill());
     EXPECT_EQ(store.count("ADsGetObject"), GetParam().directory ? 2 : 0);
     EXPECT_EQ(store.count("ODS Domain server = S1/S2"), GetParam().directory ? 0 : 1);
     EXPECT_THAT(store.calls(), Contains("getDomainServer").Times(1));
-    EXPECT_EQ(m_context.host, nullptr);
+    EXPECT_EQ(context.host, nullptr);
     expectNothingHeld();
 }
 
@@ -73,8 +73,8 @@ class SearchBase : public FillTest, public testing::WithParamInterface<HostCase>
 
 TEST_P(SearchBase, Decides)
 {
-    m_registry.set(L"Y"); // does not count with a search base
-    m_context.host = GetParam().host;
+    registry.set(L"Y"); // does not count with a search base
+    context.host = GetParam().host;
     ASSERT_TRUE(fill());
     const std::string host = describe(GetParam().host);
     EXPECT_EQ(store.count("ADsGetObject " + host), GetParam().directory ? 2 : 0);
@@ -83,7 +83,7 @@ TEST_P(SearchBase, Decides)
     EXPECT_THAT(store.calls(), Not(Contains("getDomainServer")));
     EXPECT_EQ(store.count("ODS wcHost"), 0);
     // The caller's own text stays on the way to the directory; the store's ends with none.
-    EXPECT_EQ(m_context.host, GetParam().directory ? GetParam().host : nullptr);
+    EXPECT_EQ(context.host, GetParam().directory ? GetParam().host : nullptr);
     expectNothingHeld();
 }
 
@@ -95,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(Hosts, SearchBase,
 
 TEST_F(FillTest, WithoutAnyServerOnlyThisMachineIsAsked)
 {
-    m_registry.set(L"Y");
+    registry.set(L"Y");
     store.domainServer.reset();
     ASSERT_TRUE(fill());
     EXPECT_THAT(store.lines(), ElementsAre("Domain server = /\n", "Users = 1\n", "Groups = 1\n"));
@@ -108,7 +108,7 @@ TEST_F(FillTest, WithoutAnyServerOnlyThisMachineIsAsked)
 
 TEST_F(FillTest, ServerWithoutSecondOne)
 {
-    m_context.host = L"S9";
+    context.host = L"S9";
     ASSERT_TRUE(fill());
     EXPECT_THAT(store.lines(), ElementsAre("Domain server = S9/\n", "Users = 1\n", "Groups = 1\n"));
     EXPECT_EQ(store.count("NetUseAdd"), 1);
@@ -120,13 +120,13 @@ TEST_F(FillTest, ServerWithoutSecondOne)
 TEST_F(FillTest, OverlongSearchBasesAreCut)
 {
     const std::wstring longServer(5000, L'x');
-    m_context.host = longServer.c_str();
+    context.host = longServer.c_str();
     ASSERT_TRUE(fill());
     EXPECT_THAT(store.lines(), Contains("Domain server = " + std::string(259, 'x') + "/\n"));
     EXPECT_EQ(store.count("NetUse"), 0); // no computer has such a name
     EXPECT_EQ(store.count("enumerateUsers " + std::string(5000, 'x') + " "), 1);
 
-    m_context.host = nullptr;
+    context.host = nullptr;
     store.domainServer = longServer;
     ASSERT_TRUE(fill());
     EXPECT_THAT(store.calls(), Contains("ADsGetObject WinNT://" + std::string(2039, 'x')).Times(2));

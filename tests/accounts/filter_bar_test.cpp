@@ -84,9 +84,7 @@ TEST_F(FilterBarTest, EnterInTheListStillAdds)
         SetFocus(list(dialog));
         PostMessageW(list(dialog), WM_KEYDOWN, VK_RETURN, 0x1C0001);
     });
-    void* const chosen = choose();
-    EXPECT_EQ(RecordingStore::nameOf(chosen), "DOM\\bob");
-    std::free(chosen);
+    EXPECT_EQ(chosenName(), "DOM\\bob");
 }
 
 TEST_F(FilterBarTest, TheKeyboardOfADialogThatWasEnteredAgainDuringTheFillComesToTheList)

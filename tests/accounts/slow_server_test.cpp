@@ -112,9 +112,7 @@ TEST_F(SlowServerTest, TheNextFillGoesOnWhenTheOneBeforeHasEnded)
         select(dialog, list(dialog).rowOf("bob"));
         click(dialog, IDOK);
     });
-    void* const chosen = choose();
-    EXPECT_EQ(RecordingStore::nameOf(chosen), "DOM\\bob");
-    std::free(chosen);
+    EXPECT_EQ(chosenName(), "DOM\\bob");
 }
 
 // ---- the last domain servers ----

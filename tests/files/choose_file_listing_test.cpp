@@ -10,7 +10,6 @@
 #include <utility>
 
 using namespace tree_nodes;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {

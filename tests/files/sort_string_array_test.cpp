@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cwchar>
 #include <cwctype>
 #include <random>
@@ -92,7 +93,7 @@ std::vector<std::wstring> randomTexts(std::mt19937& random, size_t count, unsign
 }
 
 // A comparison that raises at a text, in either of its ways.
-enum class Raising { kNo, kThrows, kFaults };
+enum class Raising : std::uint8_t { kNo, kThrows, kFaults };
 Raising raising = Raising::kNo;
 int comparisons = 0;
 int* volatile nowhere = nullptr;

@@ -27,7 +27,7 @@ inline std::string textOf(HWND tree, HTREEITEM node)
     item.pszText = text.data();
     item.cchTextMax = static_cast<int>(text.size());
     SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return utf8(text.c_str());
+    return utf8(text.substr(0, text.find(L'\0')));
 }
 
 inline std::vector<std::string> children(HWND tree, HTREEITEM node)

@@ -1,5 +1,4 @@
 // How much memory reading a file takes, told by a heap that counts.
-#include "lornix/policies/policy_file.h"
 #include "lornix/rules/rule_book.h"
 
 #include <gtest/gtest.h>
@@ -65,10 +64,9 @@ namespace {
 using namespace lornix;
 
 /// A file whose lines are those that a function appends, each with its number, until there are enough.
-std::string fileOf(std::string_view kind, std::size_t size,
-                   const std::function<void(std::string&, unsigned)>& append)
+std::string fileOf(std::size_t size, const std::function<void(std::string&, unsigned)>& append)
 {
-    std::string text = "lornix " + std::string(kind) + " 1\n";
+    std::string text = "lornix rules 1\n";
     for (unsigned number = 0; text.size() < size; ++number) {
         append(text, number);
     }
@@ -76,19 +74,13 @@ std::string fileOf(std::string_view kind, std::size_t size,
 }
 
 /// The most memory that is held while a file is read, its bytes among it, in times its size.
-template <class Read>
-double costOf(const std::string& file, Read read)
+double costOf(const std::string& file)
 {
     const std::size_t before = held;
     most = held;
     const std::string bytes(file);
-    const auto content = read(bytes);
+    const RuleBook book(kRules, bytes);
     return static_cast<double>(most - before) / static_cast<double>(file.size());
-}
-
-double costOfRules(const std::string& file)
-{
-    return costOf(file, [](const std::string& bytes) { return RuleBook(kRules, bytes); });
 }
 
 /// The shortest names, each another one.
@@ -139,38 +131,11 @@ TEST(ReadingMemoryTest, RulesTakeLessThanEightTimesTheirFile)
         // Tables grow by leaps: of several sizes one lies just behind a leap.
         double worst = 0;
         for (std::size_t size = 1 << 20; size < (2 << 20); size += 1 << 18) {
-            worst = std::max(worst, costOfRules(fileOf("rules", size, kind.append)));
+            worst = std::max(worst, costOf(fileOf(size, kind.append)));
         }
         std::printf("%s: %.1f times the file\n", kind.what, worst);
         EXPECT_LT(worst, 8) << kind.what;
         EXPECT_GT(worst, 1) << "is the heap counted at all?";
-    }
-}
-
-TEST(ReadingMemoryTest, AFullPolicyListTakesLessThanEightTimesItsFile)
-{
-    const auto read = [](const PolicyFormat& format, const std::string& line, const std::string& attributes) {
-        const std::string file =
-            fileOf(format.kind.name, kMostEntries * (line.size() + attributes.size() + 8),
-                   [&](std::string& text, unsigned number) {
-                       text += line + std::to_string(number) + '\n' + attributes;
-                   });
-        return costOf(file, [&](const std::string& bytes) { return readPolicy(format, bytes); });
-    };
-    const PolicyFormat excludes{.kind = {"excludes", 1, true}, .word = "exclude"};
-    const PolicyFormat masks{.kind = {"blocked-extensions", 1, true}, .word = "mask", .hasAccount = true};
-    const PolicyFormat notes{
-        .kind = {"notifications", 1, true}, .word = "notification", .hasAttributes = true};
-    const double costs[] = {
-        read(excludes, "exclude\tD:\\Shares\\Department 17\\pagefile ", ""),
-        read(masks, "mask\tS-1-5-21-1004336348-1177238915-682003330-1105\t*.a", ""),
-        read(notes, "notification\tC:\\Program Files\\Scripts\\warn.cmd ",
-             "for-account\tEXAMPLE\\alice\nfor-whom\t1\nrate\t300\nrun-as\tEXAMPLE\\runner\n"),
-    };
-    for (const double cost : costs) {
-        std::printf("%.1f times the file\n", cost);
-        EXPECT_LT(cost, 8);
-        EXPECT_GT(cost, 1);
     }
 }
 

@@ -11,11 +11,10 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr char kChooser[] = "Choose subject";
-
 struct AdministrativeAccountsTest : testing::Test {
     AdministrativeAccountsTest()
     {
+        visit.heeded = {"MgrAccounts", "getAccountBySidW"}; // not those of the chooser
         store.answer.getSidByNameW = [this](const wchar_t* name) {
             const std::wstring_view wanted = name;
             return store.answer.sidDup(wanted == L"jane"    ? jane
@@ -25,20 +24,8 @@ struct AdministrativeAccountsTest : testing::Test {
         };
     }
 
-    /// The calls to the list itself and to account names, without those of the chooser.
-    std::vector<std::string> ownCalls()
-    {
-        std::vector<std::string> own;
-        for (std::string& call : store.takeCalls()) {
-            if (call.find("MgrAccounts") != std::string::npos || call.starts_with("getAccountBySidW")) {
-                own.push_back(std::move(call));
-            }
-        }
-        return own;
-    }
-
     PolicyStore store;
-    EditorVisit visit{store};
+    EditorVisit visit{store, editMgrAccounts, "Choose subject"};
     void* jane = store.account("OFFICE\\jane");
     void* joe = store.account("OFFICE\\joe");
     void* ghost = store.unknownAccount();
@@ -51,50 +38,28 @@ TEST_F(AdministrativeAccountsTest, AddsTheNameOfTheChosenAccount)
     store.putAccount(L"old");
     visit.add()
         .chooseByName(L"jane")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(),
-                        ElementsAre("getAccountBySidW OFFICE\\jane 128", "addToMgrAccounts OFFICE\\jane"));
-            EXPECT_THAT(list.rows(), ElementsAre("OFFICE\\jane", "old"));
-            EXPECT_THAT(list.allData(), ElementsAre(1, 0));
-        })
-        .press(IDOK);
-    EXPECT_EQ(visit.run(editMgrAccounts), 0);
-    EXPECT_THAT(ownCalls(), ElementsAre("storeMgrAccounts", "applyMgrAccounts", "freeMgrAccounts"));
+        .calls({"getAccountBySidW OFFICE\\jane 128", "addToMgrAccounts OFFICE\\jane"})
+        .rows({"OFFICE\\jane", "old"})
+        .data({1, 0})
+        .ok();
+    EXPECT_THAT(visit.takeCalls(), ElementsAre("storeMgrAccounts", "applyMgrAccounts", "freeMgrAccounts"));
     EXPECT_THAT(store.accounts.present(), ElementsAre(L"old", L"OFFICE\\jane"));
 }
 
 TEST_F(AdministrativeAccountsTest, AnAccountMayBeListedTwice)
 {
-    visit.add().chooseByName(L"jane").add().chooseByName(L"jane").press(IDOK);
-    visit.run(editMgrAccounts);
+    visit.add().chooseByName(L"jane").add().chooseByName(L"jane").ok();
     EXPECT_THAT(store.accounts.present(), ElementsAre(L"OFFICE\\jane", L"OFFICE\\jane"));
 }
 
 TEST_F(AdministrativeAccountsTest, AnyoneAndCancelAddNothing)
 {
-    visit.add()
-        .chooseByName(L"Anyone")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), IsEmpty());
-            EXPECT_EQ(list.rowCount(), 0);
-        })
-        .add()
-        .entry(kChooser, [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), IsEmpty());
-            EXPECT_EQ(list.rowCount(), 0);
-        })
-        .press(IDCANCEL);
-    visit.run(editMgrAccounts);
+    visit.add().chooseByName(L"Anyone").calls({}).rows({}).add().chooseNobody().calls({}).rows({}).cancel();
 }
 
 TEST_F(AdministrativeAccountsTest, AnAccountWithoutANameAddsNothing)
 {
-    visit.add()
-        .chooseByName(L"ghost")
-        .list([](HWND, const ListView& list) { EXPECT_EQ(list.rowCount(), 0); })
-        .press(IDCANCEL);
-    visit.run(editMgrAccounts);
+    visit.add().chooseByName(L"ghost").rows({}).cancel();
     EXPECT_THAT(store.accounts.present(), IsEmpty());
 }
 
@@ -104,12 +69,12 @@ TEST_F(AdministrativeAccountsTest, AnEditToAnAccountWithoutANameKeepsTheName)
     visit.edit(0)
         .chooseByName(L"ghost")
         .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), ElementsAre("getMgrAccounts 0", testing::StartsWith("getAccountBySidW"),
-                                                "updateMgrAccounts 0 a"));
+            EXPECT_THAT(visit.takeCalls(),
+                        ElementsAre("getMgrAccounts 0", testing::StartsWith("getAccountBySidW"),
+                                    "updateMgrAccounts 0 a"));
             EXPECT_THAT(list.rows(), ElementsAre("a"));
         })
-        .press(IDCANCEL);
-    visit.run(editMgrAccounts);
+        .cancel();
 }
 
 TEST_F(AdministrativeAccountsTest, ADoubleClickReplacesTheName)
@@ -123,15 +88,11 @@ TEST_F(AdministrativeAccountsTest, ADoubleClickReplacesTheName)
             list.doubleClick();
         })
         .chooseByName(L"joe")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), ElementsAre("getMgrAccounts 1", "getAccountBySidW OFFICE\\joe 128",
-                                                "updateMgrAccounts 1 OFFICE\\joe"));
-            EXPECT_THAT(list.rows(), ElementsAre("OFFICE\\joe", "a"));
-            EXPECT_THAT(list.allData(), ElementsAre(1, 0));
-        })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editMgrAccounts), 0);
-    EXPECT_THAT(ownCalls(), ElementsAre("freeMgrAccounts"));
+        .calls({"getMgrAccounts 1", "getAccountBySidW OFFICE\\joe 128", "updateMgrAccounts 1 OFFICE\\joe"})
+        .rows({"OFFICE\\joe", "a"})
+        .data({1, 0})
+        .cancel();
+    EXPECT_THAT(visit.takeCalls(), ElementsAre("freeMgrAccounts"));
 }
 
 TEST_F(AdministrativeAccountsTest, ACancelledEditHandsTheStoreItsOwnStringBack)
@@ -145,17 +106,14 @@ TEST_F(AdministrativeAccountsTest, ACancelledEditHandsTheStoreItsOwnStringBack)
     };
     const void* const own = store.accounts.get(1);
     visit.edit(0)
-        .entry(kChooser, [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), ElementsAre("getMgrAccounts 1", "updateMgrAccounts 1 b"));
-            EXPECT_THAT(list.rows(), ElementsAre("b", "a"));
-            EXPECT_THAT(list.allData(), ElementsAre(1, 0));
-        })
+        .chooseNobody()
+        .calls({"getMgrAccounts 1", "updateMgrAccounts 1 b"})
+        .rows({"b", "a"})
+        .data({1, 0})
         .edit(0)
         .chooseByName(L"Anyone")
-        .list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("b", "a")); })
-        .press(IDOK);
-    visit.run(editMgrAccounts);
+        .rows({"b", "a"})
+        .ok();
     EXPECT_THAT(updates, ElementsAre(own, own));
 }
 
@@ -165,13 +123,12 @@ TEST_F(AdministrativeAccountsTest, AChooserThatCannotBeShownHasChosenNothing)
         .chooseByName(L"jane")
         .list([this](HWND dialog, const ListView& list) {
             const HiddenDialog chooser(IDD_CHOOSER);
-            ownCalls();
+            visit.takeCalls();
             click(dialog, IDC_POLICY_ADD);
-            EXPECT_THAT(ownCalls(), IsEmpty()) << "not the account that was chosen last";
+            EXPECT_THAT(visit.takeCalls(), IsEmpty()) << "not the account that was chosen last";
             EXPECT_THAT(list.rows(), ElementsAre("OFFICE\\jane"));
         })
-        .press(IDCANCEL);
-    visit.run(editMgrAccounts);
+        .cancel();
 }
 
 TEST_F(AdministrativeAccountsTest, AStoreThatReleasesItsOldStringDoesNotSpoilTheRow)
@@ -182,9 +139,5 @@ TEST_F(AdministrativeAccountsTest, AStoreThatReleasesItsOldStringDoesNotSpoilThe
         store.accounts.remove(index); // the string handed in is gone with it
         store.accounts.update(index, _wcsdup(copy.c_str()));
     };
-    visit.edit(0)
-        .entry(kChooser, [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("b")); })
-        .press(IDCANCEL);
-    visit.run(editMgrAccounts);
+    visit.edit(0).chooseNobody().rows({"b"}).cancel();
 }

@@ -296,14 +296,7 @@ TEST_F(BackupToolsTest, HandsHeapBlocksToTheStoreWhereverTheHeapIs)
         EXPECT_STREQ(name, L"up.exe");
         return 5u;
     };
-    visit.add()
-        .enter(kToolEntry, L"C:\\high\\up.exe")
-        .list([](HWND, const ListView& list) {
-            EXPECT_THAT(list.rows(), ElementsAre("up.exe"));
-            EXPECT_THAT(list.allData(), ElementsAre(5));
-        })
-        .press(IDCANCEL);
-    visit.run(editBackupTools);
+    visit.add().enter(L"C:\\high\\up.exe").rows({"up.exe"}).data({5}).cancel();
     EXPECT_EQ(handed, high_heap::block);
     high_heap::giveBack();
 }

@@ -19,24 +19,17 @@ TEST_F(BackupToolsTest, AddsTheLastComponentAndStores)
 {
     store.putTool(L"nt.exe");
     visit.add()
-        .entry(kToolEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
-        .enter(kToolEntry, L"C:\\Tools\\bk.exe")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("addToBackupTools bk.exe"));
-            EXPECT_THAT(list.rows(), ElementsAre("bk.exe", "nt.exe"));
-            EXPECT_THAT(list.allData(), ElementsAre(1, 0));
-        })
+        .shows("")
+        .enter(L"C:\\Tools\\bk.exe")
+        .calls({"addToBackupTools bk.exe"})
+        .rows({"bk.exe", "nt.exe"})
+        .data({1, 0})
         .add()
-        .enter(kToolEntry, L"zz.exe") // a name without a backslash is kept whole, and finds its place
-        .list([](HWND, const ListView& list) {
-            EXPECT_THAT(list.rows(), ElementsAre("bk.exe", "nt.exe", "zz.exe"));
-            EXPECT_THAT(list.allData(), ElementsAre(1, 0, 2));
-        })
-        .list([this](HWND dialog, const ListView&) {
-            store.takeCalls();
-            clickLater(dialog, IDOK);
-        });
-    EXPECT_EQ(visit.run(editBackupTools), 0);
+        .enter(L"zz.exe") // a name without a backslash is kept whole, and finds its place
+        .rows({"bk.exe", "nt.exe", "zz.exe"})
+        .data({1, 0, 2})
+        .forget()
+        .ok();
     EXPECT_THAT(store.calls(), ElementsAre("storeBackupTools", "applyBackupTools",
                                            "storeRulesFromDriver excludes.cnf", "freeBackupTools"));
     EXPECT_THAT(store.tools.present(), ElementsAre(L"nt.exe", L"bk.exe", L"zz.exe"));
@@ -48,48 +41,34 @@ TEST_F(BackupToolsTest, AnEditedRowMovesToItsPlaceWithItsIndex)
         store.putTool(tool);
     }
     visit.edit(0)
-        .entry(kToolEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "a.exe"); })
-        .enter(kToolEntry, L"x\\bb.exe")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("getBackupTools 0", "updateBackupTools 0 bb.exe"));
-            EXPECT_THAT(list.rows(), ElementsAre("b.exe", "bb.exe", "c.exe"));
-            EXPECT_THAT(list.allData(), ElementsAre(1, 0, 2));
-        })
-        .press(IDCANCEL);
-    visit.run(editBackupTools);
+        .shows("a.exe")
+        .enter(L"x\\bb.exe")
+        .calls({"getBackupTools 0", "updateBackupTools 0 bb.exe"})
+        .rows({"b.exe", "bb.exe", "c.exe"})
+        .data({1, 0, 2})
+        .cancel();
 }
 
 TEST_F(BackupToolsTest, AnEmptyNameIsAnEntry)
 {
-    visit.add()
-        .press(IDOK)
-        .list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("")); })
-        .add()
-        .enter(kToolEntry, L"C:\\Tools\\")
-        .press(IDOK);
-    visit.run(editBackupTools);
+    visit.add().press(IDOK).rows({""}).add().enter(L"C:\\Tools\\").ok();
     EXPECT_THAT(store.tools.present(), ElementsAre(L"", L""));
 }
 
 TEST_F(BackupToolsTest, DeletingARowLeavesTheOthersTheirIndexes)
 {
     visit.add()
-        .enter(kToolEntry, L"first.exe")
+        .enter(L"first.exe")
         .add()
-        .enter(kToolEntry, L"second.exe")
+        .enter(L"second.exe")
         .remove(0)
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("removeBackupTools 0"));
-            EXPECT_THAT(list.rows(), ElementsAre("second.exe"));
-            EXPECT_THAT(list.allData(), ElementsAre(1));
-        })
+        .calls({"removeBackupTools 0"})
+        .rows({"second.exe"})
+        .data({1})
         .edit(0)
-        .enter(kToolEntry, L"later.exe")
-        .list([this](HWND, const ListView&) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("getBackupTools 1", "updateBackupTools 1 later.exe"));
-        })
-        .press(IDCANCEL);
-    visit.run(editBackupTools);
+        .enter(L"later.exe")
+        .calls({"getBackupTools 1", "updateBackupTools 1 later.exe"})
+        .cancel();
 }
 
 TEST_F(BackupToolsTest, RowsOfTheSameTextStandAsTheListPutsThem)
@@ -108,8 +87,7 @@ TEST_F(BackupToolsTest, RowsOfTheSameTextStandAsTheListPutsThem)
     }
     const std::vector<LPARAM> expected = ListView(plain).allData();
     DestroyWindow(plain);
-    visit.list([&](HWND, const ListView& list) { EXPECT_EQ(list.allData(), expected); }).press(IDCANCEL);
-    visit.run(editBackupTools);
+    visit.list([&](HWND, const ListView& list) { EXPECT_EQ(list.allData(), expected); }).cancel();
 }
 
 TEST_F(BackupToolsTest, AFaultHalfwayShowsWhatWasReadBefore)
@@ -124,6 +102,5 @@ TEST_F(BackupToolsTest, AFaultHalfwayShowsWhatWasReadBefore)
             EXPECT_THAT(list.allData(), ElementsAre(1, 0));
             EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: excpDlg, MyDlgProc, 178\n"));
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editBackupTools), 0);
+        .cancel();
 }

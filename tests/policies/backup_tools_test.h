@@ -11,5 +11,5 @@ inline constexpr char kToolEntry[] = "Backup Processes";
 
 struct BackupToolsTest : testing::Test {
     PolicyStore store;
-    EditorVisit visit{store};
+    EditorVisit visit{store, editBackupTools, kToolEntry};
 };

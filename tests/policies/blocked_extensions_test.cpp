@@ -15,11 +15,10 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr char kMaskEntry[] = "Blocked extension";
-
 struct BlockedExtensionsTest : testing::Test {
     BlockedExtensionsTest()
     {
+        visit.heeded = {"ExcludeExts", "getAccountBySidW", "CRASH"}; // not those of the chooser
         // What the chooser asks for a typed name.
         store.answer.getSidByNameW = [this](const wchar_t* name) {
             return sidDup(std::wstring_view(name) == L"jane"  ? jane
@@ -31,28 +30,14 @@ struct BlockedExtensionsTest : testing::Test {
     /// "Browse..." and the name of an account there.
     void choose(const wchar_t* name)
     {
-        visit.entry(kMaskEntry, [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); });
+        visit.entry([](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); });
         visit.chooseByName(name);
     }
 
     void* sidDup(const void* sid) { return store.answer.sidDup(sid); }
 
-    /// The calls to the list itself and to account names, without those of the chooser.
-    std::vector<std::string> ownCalls()
-    {
-        std::vector<std::string> own;
-        for (std::string& call : store.takeCalls()) {
-            if (call.find("ExcludeExts") != std::string::npos || call.starts_with("getAccountBySidW") ||
-                call.find("CRASH") != std::string::npos)
-            {
-                own.push_back(std::move(call));
-            }
-        }
-        return own;
-    }
-
     PolicyStore store;
-    EditorVisit visit{store};
+    EditorVisit visit{store, editExcludeExts, "Blocked extension"};
     void* jane = store.account("jane");
     void* joe = store.account("joe");
 };
@@ -63,16 +48,10 @@ TEST_F(BlockedExtensionsTest, ShowsForWhomEachMaskIsBlocked)
 {
     store.putMask(L"*.mp3", nullptr);
     store.putMask(L"D:\\*.avi", jane);
-    visit
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(list.rows(), ElementsAre("D:\\*.avi|jane", "*.mp3|(All)"));
-            EXPECT_THAT(store.takeCalls(),
-                        ElementsAre("loadExcludeExts", "getExcludeExtsPath 0", "getExcludeExtsSid 0",
-                                    "getExcludeExtsPath 1", "getExcludeExtsSid 1",
-                                    "getAccountBySidW jane 128", "getExcludeExtsPath 2"));
-        })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editExcludeExts), 0);
+    visit.rows({"D:\\*.avi|jane", "*.mp3|(All)"})
+        .calls({"loadExcludeExts", "getExcludeExtsPath 0", "getExcludeExtsSid 0", "getExcludeExtsPath 1",
+                "getExcludeExtsSid 1", "getAccountBySidW jane 128", "getExcludeExtsPath 2"})
+        .cancel();
 }
 
 TEST_F(BlockedExtensionsTest, ANewEntryIsForAllUntilAnAccountIsChosen)
@@ -82,21 +61,17 @@ TEST_F(BlockedExtensionsTest, ANewEntryIsForAllUntilAnAccountIsChosen)
         .edit(0) // leaves jane behind in the buffer
         .press(IDCANCEL)
         .add()
-        .entry(kMaskEntry,
-               [](HWND entry) {
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "");
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)");
-                   EXPECT_FALSE(isEnabled(entry, IDC_ENTRY_ACCOUNT));
-               })
-        .enter(kMaskEntry, L"*.iso")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), ElementsAre("addToExcludeExts *.iso null"));
-            EXPECT_THAT(list.rows(), ElementsAre("*.iso|(All)", "*.mp3|jane"));
-            EXPECT_THAT(list.allData(), ElementsAre(1, 0));
+        .entry([](HWND entry) {
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "");
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)");
+            EXPECT_FALSE(isEnabled(entry, IDC_ENTRY_ACCOUNT));
         })
-        .press(IDOK);
-    EXPECT_EQ(visit.run(editExcludeExts), 0);
-    EXPECT_THAT(ownCalls(), ElementsAre("storeExcludeExts", "applyExcludeExts", "freeExcludeExts"));
+        .enter(L"*.iso")
+        .calls({"addToExcludeExts *.iso null"})
+        .rows({"*.iso|(All)", "*.mp3|jane"})
+        .data({1, 0})
+        .ok();
+    EXPECT_THAT(visit.takeCalls(), ElementsAre("storeExcludeExts", "applyExcludeExts", "freeExcludeExts"));
     EXPECT_EQ(store.maskAccount(1), nullptr);
 }
 
@@ -105,19 +80,14 @@ TEST_F(BlockedExtensionsTest, AddsForAChosenAccount)
     visit.add();
     choose(L"joe");
     visit
-        .entry(kMaskEntry,
-               [](HWND entry) {
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "joe");
-                   EXPECT_FALSE(isEnabled(entry, IDC_ENTRY_ACCOUNT));
-               })
-        .enter(kMaskEntry, L"*.iso")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), ElementsAre("getAccountBySidW joe 128", "addToExcludeExts *.iso joe",
-                                                "getAccountBySidW joe 128"));
-            EXPECT_THAT(list.rows(), ElementsAre("*.iso|joe"));
+        .entry([](HWND entry) {
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "joe");
+            EXPECT_FALSE(isEnabled(entry, IDC_ENTRY_ACCOUNT));
         })
-        .press(IDCANCEL);
-    visit.run(editExcludeExts);
+        .enter(L"*.iso")
+        .calls({"getAccountBySidW joe 128", "addToExcludeExts *.iso joe", "getAccountBySidW joe 128"})
+        .rows({"*.iso|joe"})
+        .cancel();
     EXPECT_EQ(RecordingStore::nameOf(store.maskAccount(0)), "joe");
 }
 
@@ -126,21 +96,14 @@ TEST_F(BlockedExtensionsTest, EditsMaskAndAccount)
     store.putMask(L"*.a", nullptr);
     store.putMask(L"*.b", jane);
     store.putMask(L"*.c", nullptr);
-    visit.edit(1).entry(kMaskEntry, [](HWND entry) {
-        EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.b");
-        EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane");
-    });
+    visit.edit(1).shows("*.b").showsAccount("jane");
     choose(L"joe");
-    visit.enter(kMaskEntry, L"*.bb")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), ElementsAre("getExcludeExtsSid 1", "getExcludeExtsPath 1",
-                                                "getAccountBySidW jane 128", "getAccountBySidW joe 128",
-                                                "updateExcludeExts 1 *.bb joe", "getAccountBySidW joe 128"));
-            EXPECT_THAT(list.rows(), ElementsAre("*.c|(All)", "*.bb|joe", "*.a|(All)"));
-            EXPECT_THAT(list.allData(), ElementsAre(2, 1, 0));
-        })
-        .press(IDCANCEL);
-    visit.run(editExcludeExts);
+    visit.enter(L"*.bb")
+        .calls({"getExcludeExtsSid 1", "getExcludeExtsPath 1", "getAccountBySidW jane 128",
+                "getAccountBySidW joe 128", "updateExcludeExts 1 *.bb joe", "getAccountBySidW joe 128"})
+        .rows({"*.c|(All)", "*.bb|joe", "*.a|(All)"})
+        .data({2, 1, 0})
+        .cancel();
 }
 
 TEST_F(BlockedExtensionsTest, AnyoneTurnsAnAccountBackIntoAll)
@@ -148,15 +111,12 @@ TEST_F(BlockedExtensionsTest, AnyoneTurnsAnAccountBackIntoAll)
     store.putMask(L"*.b", jane);
     visit.edit(0);
     choose(L"Anyone");
-    visit.entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)"); })
+    visit.showsAccount("(All)")
         .press(IDOK)
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(list.rows(), ElementsAre("*.b|(All)"));
-            EXPECT_THAT(ownCalls(), ElementsAre("getExcludeExtsSid 0", "getExcludeExtsPath 0",
-                                                "getAccountBySidW jane 128", "updateExcludeExts 0 *.b null"));
-        })
-        .press(IDCANCEL);
-    visit.run(editExcludeExts);
+        .rows({"*.b|(All)"})
+        .calls({"getExcludeExtsSid 0", "getExcludeExtsPath 0", "getAccountBySidW jane 128",
+                "updateExcludeExts 0 *.b null"})
+        .cancel();
     EXPECT_EQ(store.maskAccount(0), nullptr);
 }
 
@@ -166,34 +126,26 @@ TEST_F(BlockedExtensionsTest, AnEntryForAllIsShownAndKeptForAll)
     store.putMask(L"*.b", jane);
     visit
         .edit(0) // leaves jane behind in the buffer
-        .entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
+        .showsAccount("jane")
         .press(IDOK)
         .edit(1)
-        .entry(kMaskEntry,
-               [](HWND entry) {
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.a");
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "(All)");
-               })
+        .shows("*.a")
+        .showsAccount("(All)")
         .press(IDOK)
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(ownCalls(), ElementsAre("getExcludeExtsSid 0", "getExcludeExtsPath 0",
-                                                "updateExcludeExts 0 *.a null"));
-            EXPECT_THAT(list.rows(), ElementsAre("*.b|jane", "*.a|(All)"));
-        })
-        .press(IDCANCEL);
-    visit.run(editExcludeExts);
+        .calls({"getExcludeExtsSid 0", "getExcludeExtsPath 0", "updateExcludeExts 0 *.a null"})
+        .rows({"*.b|jane", "*.a|(All)"})
+        .cancel();
 }
 
 TEST_F(BlockedExtensionsTest, ACancelledChooserLeavesTheAccount)
 {
     store.putMask(L"*.b", jane);
     visit.edit(0)
-        .entry(kMaskEntry, [](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); })
-        .entry("Choose subject", [](HWND chooser) { clickLater(chooser, IDCANCEL); })
-        .entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
+        .entry([](HWND entry) { clickLater(entry, IDC_ENTRY_BROWSE); })
+        .chooseNobody()
+        .showsAccount("jane")
         .press(IDOK)
-        .press(IDCANCEL);
-    visit.run(editExcludeExts);
+        .cancel();
     EXPECT_EQ(RecordingStore::nameOf(store.maskAccount(0)), "jane");
 }
 
@@ -205,18 +157,16 @@ TEST_F(BlockedExtensionsTest, AChooserThatCannotBeShownLeavesTheAccount)
     choose(L"joe");
     visit.press(IDOK)
         .edit(1)
-        .entry(kMaskEntry,
-               [](HWND entry) {
-                   const HiddenDialog chooser(IDD_CHOOSER);
-                   const std::string before = controlText(entry, IDC_ENTRY_ACCOUNT);
-                   click(entry, IDC_ENTRY_BROWSE);
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), before)
-                       << "not the account that was chosen last";
-                   EXPECT_EQ(before, "jane");
-               })
+        .entry([](HWND entry) {
+            const HiddenDialog chooser(IDD_CHOOSER);
+            const std::string before = controlText(entry, IDC_ENTRY_ACCOUNT);
+            click(entry, IDC_ENTRY_BROWSE);
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), before)
+                << "not the account that was chosen last";
+            EXPECT_EQ(before, "jane");
+        })
         .press(IDCANCEL)
-        .press(IDCANCEL);
-    visit.run(editExcludeExts);
+        .cancel();
 }
 
 TEST_F(BlockedExtensionsTest, ACancelledEntryChangesNothingWhateverWasChosen)
@@ -224,28 +174,14 @@ TEST_F(BlockedExtensionsTest, ACancelledEntryChangesNothingWhateverWasChosen)
     store.putMask(L"*.b", jane);
     visit.edit(0);
     choose(L"joe");
-    visit.press(IDCANCEL)
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(list.rows(), ElementsAre("*.b|jane"));
-            store.takeCalls();
-        })
-        .edit(0)
-        .entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), "jane"); })
-        .press(IDOK)
-        .press(IDOK);
-    visit.run(editExcludeExts);
+    visit.press(IDCANCEL).rows({"*.b|jane"}).forget().edit(0).showsAccount("jane").press(IDOK).ok();
     EXPECT_EQ(RecordingStore::nameOf(store.maskAccount(0)), "jane");
 }
 
 TEST_F(BlockedExtensionsTest, AnAccountWithoutANameShowsNone)
 {
     store.putMask(L"*.b", store.unknownAccount());
-    visit.list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("*.b|")); })
-        .edit(0)
-        .entry(kMaskEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), ""); })
-        .press(IDOK)
-        .press(IDCANCEL);
-    visit.run(editExcludeExts);
+    visit.rows({"*.b|"}).edit(0).showsAccount("").press(IDOK).cancel();
     EXPECT_NE(store.maskAccount(0), nullptr) << "the account is lost";
 }
 
@@ -264,15 +200,13 @@ TEST_F(BlockedExtensionsTest, TheLongestSidFits)
         const auto* const bytes = static_cast<const unsigned char*>(account);
         updated.assign(bytes, bytes + sid.size());
     };
-    visit.edit(0).press(IDOK).press(IDCANCEL);
-    visit.run(editExcludeExts);
+    visit.edit(0).press(IDOK).cancel();
     EXPECT_EQ(updated, sid);
 }
 
 TEST_F(BlockedExtensionsTest, MasksAreCutAt259Characters)
 {
-    visit.add().enter(kMaskEntry, std::wstring(10000, L'?')).press(IDOK);
-    visit.run(editExcludeExts);
+    visit.add().enter(std::wstring(10000, L'?')).ok();
     EXPECT_THAT(store.masks.present(), ElementsAre(std::wstring(259, L'?')));
 }
 
@@ -288,8 +222,7 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfARowKeepsTheRowsBefor
             EXPECT_EQ(list.rows().back(), "*.a|(All)");
             EXPECT_LT(list.rowCount(), 3);
         })
-        .press(IDOK);
-    EXPECT_EQ(visit.run(editExcludeExts), 0);
+        .ok();
     EXPECT_THAT(store.masks.present(), ElementsAre(L"*.a", L"*.b", L"*.c")) << "the store's list is whole";
 }
 
@@ -298,12 +231,11 @@ TEST_F(BlockedExtensionsTest, AFaultWhileNamingTheAccountOfANewRowIsTheEditors)
     store.raise("getAccountBySidW", Fault::kAccessViolation, 2); // 1: in the entry dialog
     visit.add();
     choose(L"jane");
-    visit.enter(kMaskEntry, L"*.b")
+    visit.enter(L"*.b")
         .list([this](HWND, const ListView&) {
             EXPECT_THAT(store.lines(), testing::Contains("UI CRASH: exclextDlg, MyDlgProc, 191\n"));
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editExcludeExts), 0);
+        .cancel();
     EXPECT_EQ(RecordingStore::nameOf(store.maskAccount(0)), "jane");
 }
 
@@ -312,14 +244,12 @@ TEST_F(BlockedExtensionsTest, AFaultWhileTheEntryOpensIsItsOwn)
     store.putMask(L"*.b", jane);
     store.raise("getAccountBySidW", Fault::kAccessViolation, 2); // 1: the row
     visit.edit(0)
-        .entry(kMaskEntry,
-               [this](HWND entry) {
-                   EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.b");
-               })
+        .entry([this](HWND entry) {
+            EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "*.b");
+        })
         .press(IDOK)
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editExcludeExts), 0);
+        .cancel();
     EXPECT_EQ(RecordingStore::nameOf(store.maskAccount(0)), "jane");
 }
 
@@ -330,12 +260,10 @@ TEST_F(BlockedExtensionsTest, AFaultAfterChoosingKeepsTheChoice)
     visit.edit(0);
     choose(L"jane");
     visit
-        .entry(kMaskEntry,
-               [this](HWND) {
-                   EXPECT_THAT(store.lines(), testing::Contains("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
-               })
+        .entry([this](HWND) {
+            EXPECT_THAT(store.lines(), testing::Contains("UI CRASH: eleextDlg, MyDlgProc, 80\n"));
+        })
         .press(IDOK)
-        .list([](HWND, const ListView& list) { EXPECT_THAT(list.rows(), ElementsAre("*.b|jane")); })
-        .press(IDCANCEL);
-    visit.run(editExcludeExts);
+        .rows({"*.b|jane"})
+        .cancel();
 }

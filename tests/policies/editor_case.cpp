@@ -5,11 +5,10 @@
 
 namespace {
 
-using Calls = std::vector<std::string>;
-
-std::string at(const char* call, int index)
+std::string numbered(std::string call, int index)
 {
-    return std::string(call) + ' ' + std::to_string(index);
+    const size_t place = call.find('#');
+    return place == std::string::npos ? call : call.replace(place, 1, std::to_string(index));
 }
 
 } // namespace
@@ -21,14 +20,21 @@ std::ostream& operator<<(std::ostream& out, const EditorCase& editor)
 
 std::vector<std::string> EditorCase::opening(int count) const
 {
-    Calls calls{load};
-    const auto append = [&calls](const Calls& more) {
-        calls.insert(calls.end(), more.begin(), more.end());
-    };
+    std::vector<std::string> calls{call("load")};
     for (int i = 0; i < count; ++i) {
-        append(readEntry(i));
+        for (const std::string& read : readEntry) {
+            calls.push_back(numbered(read, i));
+        }
     }
-    append(readEnd(count));
+    calls.push_back(numbered(readEnd, count));
+    return calls;
+}
+
+std::vector<std::string> EditorCase::storing() const
+{
+    std::vector<std::string> calls{call("store")};
+    calls.insert(calls.end(), afterStoring.begin(), afterStoring.end());
+    calls.push_back(call("free"));
     return calls;
 }
 
@@ -49,16 +55,11 @@ const std::vector<EditorCase> kEditors = {
                 store.putNotification(text, {nullptr, L"0", L"0", nullptr, nullptr, L"0"});
             },
         .moreCells = "|Anyone|1day(s)|IUSR_VANTREL|0 ",
-        .load = "loadNotifications",
-        .readEntry =
-            [](int i) {
-                return Calls{"getNotificationsCount",   at("getNotifications", i), at("getINAttr", i) + " 1",
-                             at("getINAttr", i) + " 2", at("getNAttr", i) + " 3",  at("getINAttr", i) + " 5"};
-            },
-        .readEnd = [](int) { return Calls{"getNotificationsCount"}; },
-        .removeCall = "removeNotifications",
-        .storing = {"storeNotifications", "freeNotifications"},
-        .free = "freeNotifications",
+        .functions = "Notifications",
+        .readEntry = {"getNotificationsCount", "getNotifications #", "getINAttr # 1", "getINAttr # 2",
+                      "getNAttr # 3", "getINAttr # 5"},
+        .readEnd = "getNotificationsCount",
+        .afterStoring = {},
     },
     {
         .name = "Excludes",
@@ -72,12 +73,10 @@ const std::vector<EditorCase> kEditors = {
         .crashLine = "UI CRASH: exclDlg, MyDlgProc, 178\n",
         .put = [](PolicyStore& store, const wchar_t* text) { store.putExclude(text); },
         .moreCells = "",
-        .load = "loadExcludes",
-        .readEntry = [](int i) { return Calls{at("getExcludes", i)}; },
-        .readEnd = [](int count) { return Calls{at("getExcludes", count)}; },
-        .removeCall = "removeExcludes",
-        .storing = {"storeExcludes", "applyExcludes", "storeRulesFromDriver excludes.cnf", "freeExcludes"},
-        .free = "freeExcludes",
+        .functions = "Excludes",
+        .readEntry = {"getExcludes #"},
+        .readEnd = "getExcludes #",
+        .afterStoring = {"applyExcludes", "storeRulesFromDriver excludes.cnf"},
     },
     {
         .name = "BlockedExtensions",
@@ -91,12 +90,10 @@ const std::vector<EditorCase> kEditors = {
         .crashLine = "UI CRASH: exclextDlg, MyDlgProc, 191\n",
         .put = [](PolicyStore& store, const wchar_t* text) { store.putMask(text, nullptr); },
         .moreCells = "|(All)",
-        .load = "loadExcludeExts",
-        .readEntry = [](int i) { return Calls{at("getExcludeExtsPath", i), at("getExcludeExtsSid", i)}; },
-        .readEnd = [](int count) { return Calls{at("getExcludeExtsPath", count)}; },
-        .removeCall = "removeExcludeExts",
-        .storing = {"storeExcludeExts", "applyExcludeExts", "freeExcludeExts"},
-        .free = "freeExcludeExts",
+        .functions = "ExcludeExts",
+        .readEntry = {"getExcludeExtsPath #", "getExcludeExtsSid #"},
+        .readEnd = "getExcludeExtsPath #",
+        .afterStoring = {"applyExcludeExts"},
     },
     {
         .name = "AdministrativeAccounts",
@@ -110,12 +107,10 @@ const std::vector<EditorCase> kEditors = {
         .crashLine = "UI CRASH: mgrDlg, MyDlgProc, 177\n",
         .put = [](PolicyStore& store, const wchar_t* text) { store.putAccount(text); },
         .moreCells = "",
-        .load = "loadMgrAccounts",
-        .readEntry = [](int i) { return Calls{at("getMgrAccounts", i)}; },
-        .readEnd = [](int count) { return Calls{at("getMgrAccounts", count)}; },
-        .removeCall = "removeMgrAccounts",
-        .storing = {"storeMgrAccounts", "applyMgrAccounts", "freeMgrAccounts"},
-        .free = "freeMgrAccounts",
+        .functions = "MgrAccounts",
+        .readEntry = {"getMgrAccounts #"},
+        .readEnd = "getMgrAccounts #",
+        .afterStoring = {"applyMgrAccounts"},
     },
     {
         .name = "BackupTools",
@@ -129,12 +124,9 @@ const std::vector<EditorCase> kEditors = {
         .crashLine = "UI CRASH: excpDlg, MyDlgProc, 178\n",
         .put = [](PolicyStore& store, const wchar_t* text) { store.putTool(text); },
         .moreCells = "",
-        .load = "loadBackupTools",
-        .readEntry = [](int i) { return Calls{at("getBackupTools", i)}; },
-        .readEnd = [](int count) { return Calls{at("getBackupTools", count)}; },
-        .removeCall = "removeBackupTools",
-        .storing = {"storeBackupTools", "applyBackupTools", "storeRulesFromDriver excludes.cnf",
-                    "freeBackupTools"},
-        .free = "freeBackupTools",
+        .functions = "BackupTools",
+        .readEntry = {"getBackupTools #"},
+        .readEnd = "getBackupTools #",
+        .afterStoring = {"applyBackupTools", "storeRulesFromDriver excludes.cnf"},
     },
 };

@@ -22,16 +22,20 @@ struct EditorCase {
     void (*put)(PolicyStore& store, const wchar_t* text); ///< adds an entry without anything special
     const char* moreCells;                                ///< what its row shows after the text
 
-    std::string load;
-    std::vector<std::string> (*readEntry)(
-        int index);                                 ///< the calls that read an entry while the list is filled
-    std::vector<std::string> (*readEnd)(int count); ///< the calls that find the end
-    std::string removeCall;                         ///< without the index
-    std::vector<std::string> storing;               ///< the calls of OK
-    std::string free;
+    std::string functions; ///< what the names of its store functions end in
+    std::vector<std::string>
+        readEntry;       ///< the calls that read an entry while the list is filled, # its index
+    std::string readEnd; ///< the call that finds the end
+    std::vector<std::string> afterStoring; ///< the calls of OK behind the first
+
+    /// A function of its store: "loadExcludes".
+    std::string call(const char* verb) const { return verb + functions; }
 
     /// The calls of an opening with a number of entries.
     std::vector<std::string> opening(int count) const;
+
+    /// The calls of OK.
+    std::vector<std::string> storing() const;
 };
 
 extern const std::vector<EditorCase> kEditors;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 EditorVisit& EditorVisit::add()
 {
     return list([this](HWND dialog, const ListView&) {
@@ -39,7 +41,43 @@ EditorVisit& EditorVisit::list(OnList act)
     return *this;
 }
 
-EditorVisit& EditorVisit::entry(std::string caption, OnEntry act)
+EditorVisit& EditorVisit::rows(std::vector<std::string> expected)
+{
+    return list(
+        [expected = std::move(expected)](HWND, const ListView& list) { EXPECT_EQ(list.rows(), expected); });
+}
+
+EditorVisit& EditorVisit::data(std::vector<LPARAM> expected)
+{
+    return list([expected = std::move(expected)](HWND, const ListView& list) {
+        EXPECT_EQ(list.allData(), expected);
+    });
+}
+
+EditorVisit& EditorVisit::calls(std::vector<std::string> expected)
+{
+    return list(
+        [this, expected = std::move(expected)](HWND, const ListView&) { EXPECT_EQ(takeCalls(), expected); });
+}
+
+EditorVisit& EditorVisit::forget()
+{
+    return list([this](HWND, const ListView&) { m_store.takeCalls(); });
+}
+
+std::vector<std::string> EditorVisit::takeCalls()
+{
+    std::vector<std::string> calls = m_store.takeCalls();
+    std::erase_if(calls, [this](const std::string& call) {
+        return !heeded.empty() &&
+               std::none_of(heeded.begin(), heeded.end(), [&call](const std::string& part) {
+                   return call.find(part) != std::string::npos;
+               });
+    });
+    return calls;
+}
+
+EditorVisit& EditorVisit::inDialog(std::string caption, OnEntry act)
 {
     script.onDialog("in " + caption, [caption, act = std::move(act)](HWND dialog) {
         EXPECT_EQ(windowText(dialog), caption);
@@ -49,28 +87,40 @@ EditorVisit& EditorVisit::entry(std::string caption, OnEntry act)
     return *this;
 }
 
-EditorVisit& EditorVisit::enter(std::string caption, std::wstring text)
+EditorVisit& EditorVisit::entry(OnEntry act)
 {
-    return entry(std::move(caption), [text = std::move(text)](HWND dialog) {
-        type(dialog, IDC_ENTRY_TEXT, text.c_str());
-        clickLater(dialog, IDOK);
+    return inDialog(m_entry, std::move(act));
+}
+
+EditorVisit& EditorVisit::shows(std::string text)
+{
+    return entry(
+        [text = std::move(text)](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), text); });
+}
+
+EditorVisit& EditorVisit::showsAccount(std::string text)
+{
+    return entry(
+        [text = std::move(text)](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_ACCOUNT), text); });
+}
+
+EditorVisit& EditorVisit::enter(std::wstring text)
+{
+    return entry([text = std::move(text)](HWND entry) {
+        type(entry, IDC_ENTRY_TEXT, text.c_str());
+        clickLater(entry, IDOK);
     });
 }
 
-EditorVisit& EditorVisit::leaveEntries(std::string caption)
+EditorVisit& EditorVisit::leaveEntries()
 {
     const auto typeUnwanted = [](HWND entry) {
         type(entry, IDC_ENTRY_TEXT, L"unwanted");
     };
-    return add()
-        .entry(caption, typeUnwanted)
-        .press(IDCANCEL)
-        .list([this](HWND, const ListView&) { EXPECT_TRUE(m_store.takeCalls().empty()); })
-        .edit(0)
-        .entry(caption, [typeUnwanted](HWND entry) {
-            typeUnwanted(entry);
-            PostMessageW(entry, WM_CLOSE, 0, 0);
-        });
+    return add().entry(typeUnwanted).press(IDCANCEL).calls({}).edit(0).entry([typeUnwanted](HWND entry) {
+        typeUnwanted(entry);
+        PostMessageW(entry, WM_CLOSE, 0, 0);
+    });
 }
 
 EditorVisit& EditorVisit::press(int id)
@@ -81,14 +131,31 @@ EditorVisit& EditorVisit::press(int id)
 
 EditorVisit& EditorVisit::chooseByName(std::wstring name)
 {
-    return entry("Choose subject", [name = std::move(name)](HWND chooser) {
+    return inDialog("Choose subject", [name = std::move(name)](HWND chooser) {
         click(chooser, IDC_CHOOSER_TYPE);
         type(chooser, IDC_CHOOSER_NAME, name.c_str());
         clickLater(chooser, IDOK);
     });
 }
 
-intptr_t EditorVisit::run(intptr_t (*open)(HWND))
+EditorVisit& EditorVisit::chooseNobody()
 {
-    return script.run([open] { return open(nullptr); });
+    return inDialog("Choose subject", [](HWND chooser) { clickLater(chooser, IDCANCEL); });
+}
+
+intptr_t EditorVisit::run()
+{
+    return script.run([this] { return m_open(nullptr); });
+}
+
+void EditorVisit::ok()
+{
+    press(IDOK);
+    EXPECT_EQ(run(), 0);
+}
+
+void EditorVisit::cancel()
+{
+    press(IDCANCEL);
+    EXPECT_EQ(run(), 0);
 }

@@ -8,14 +8,19 @@
 #include "tests/support/window_text.h"
 
 #include <string>
+#include <vector>
 
 class EditorVisit {
 public:
     using OnList = std::function<void(HWND dialog, const ListView& list)>;
     using OnEntry = std::function<void(HWND entry)>;
 
-    explicit EditorVisit(PolicyStore& store, int listId = IDC_POLICY_LIST)
+    /// @param open   of the editor.
+    /// @param entry  caption of the dialog that the list dialog opens.
+    EditorVisit(PolicyStore& store, intptr_t (*open)(HWND), std::string entry, int listId = IDC_POLICY_LIST)
         : m_store(store)
+        , m_open(open)
+        , m_entry(std::move(entry))
         , m_listId(listId)
     {
     }
@@ -32,27 +37,52 @@ public:
     /// Something on the list dialog.
     EditorVisit& list(OnList act);
 
-    /// Something on the dialog that the list dialog has opened; it must have this caption.
-    EditorVisit& entry(std::string caption, OnEntry act);
+    /// What the list shows by now, and its item data.
+    EditorVisit& rows(std::vector<std::string> expected);
+    EditorVisit& data(std::vector<LPARAM> expected);
+
+    /// The store's calls since they were forgotten or compared last. They are compared on the list.
+    EditorVisit& calls(std::vector<std::string> expected);
+    EditorVisit& forget();
+
+    /// Something on the dialog that the list dialog has opened; it must have its caption.
+    EditorVisit& entry(OnEntry act);
+
+    /// What stands in the entry dialog's one edit, and as its account.
+    EditorVisit& shows(std::string text);
+    EditorVisit& showsAccount(std::string text);
 
     /// Types into the entry dialog's one edit, and presses OK.
-    EditorVisit& enter(std::string caption, std::wstring text);
+    EditorVisit& enter(std::wstring text);
 
     /// Cancels a new entry, which asks nothing of the store, then asks for the first entry, types, and closes it.
-    EditorVisit& leaveEntries(std::string caption);
+    EditorVisit& leaveEntries();
 
     /// Presses OK or Cancel in whatever dialog is in front.
     EditorVisit& press(int id);
 
-    /// In the account chooser: types an account's exact name and presses the default button.
+    /// In the account chooser: types an account's exact name and presses the default button; or Cancel.
     EditorVisit& chooseByName(std::wstring name);
+    EditorVisit& chooseNobody();
 
     /// Opens the editor and goes through the steps.
-    intptr_t run(intptr_t (*open)(HWND));
+    intptr_t run();
+
+    /// The same, with OK or Cancel at the end. It must give 0.
+    void ok();
+    void cancel();
+
+    /// The calls that are to be compared, by what they have in them; all when this is empty.
+    std::vector<std::string> heeded;
+    std::vector<std::string> takeCalls();
 
     DialogScript script;
 
 private:
+    EditorVisit& inDialog(std::string caption, OnEntry act);
+
     PolicyStore& m_store;
+    intptr_t (*m_open)(HWND);
+    std::string m_entry;
     int m_listId;
 };

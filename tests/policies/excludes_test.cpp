@@ -12,11 +12,9 @@ using testing::IsEmpty;
 
 namespace {
 
-constexpr char kFileEntry[] = "Exclude file";
-
 struct ExcludesTest : testing::Test {
     PolicyStore store;
-    EditorVisit visit{store};
+    EditorVisit visit{store, editExcludes, "Exclude file"};
 };
 
 } // namespace
@@ -25,15 +23,12 @@ TEST_F(ExcludesTest, AddsOnTopAndStores)
 {
     store.putExclude(L"C:\\old");
     visit.add()
-        .entry(kFileEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
-        .enter(kFileEntry, L"C:\\new")
-        .list([this](HWND dialog, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("addToExcludes C:\\new"));
-            EXPECT_THAT(list.rows(), ElementsAre("C:\\new", "C:\\old"));
-            EXPECT_THAT(list.allData(), ElementsAre(1, 0));
-            clickLater(dialog, IDOK);
-        });
-    EXPECT_EQ(visit.run(editExcludes), 0);
+        .shows("")
+        .enter(L"C:\\new")
+        .calls({"addToExcludes C:\\new"})
+        .rows({"C:\\new", "C:\\old"})
+        .data({1, 0})
+        .ok();
     EXPECT_THAT(store.calls(), ElementsAre("storeExcludes", "applyExcludes",
                                            "storeRulesFromDriver excludes.cnf", "freeExcludes"));
     EXPECT_THAT(store.excludes.present(), ElementsAre(L"C:\\old", L"C:\\new"));
@@ -45,15 +40,12 @@ TEST_F(ExcludesTest, EditsInPlace)
     store.putExclude(L"C:\\b");
     store.putExclude(L"C:\\c");
     visit.edit(1)
-        .entry(kFileEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "C:\\b"); })
-        .enter(kFileEntry, L"D:\\b")
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("getExcludes 1", "updateExcludes 1 D:\\b"));
-            EXPECT_THAT(list.rows(), ElementsAre("C:\\c", "D:\\b", "C:\\a"));
-            EXPECT_THAT(list.allData(), ElementsAre(2, 1, 0));
-        })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editExcludes), 0);
+        .shows("C:\\b")
+        .enter(L"D:\\b")
+        .calls({"getExcludes 1", "updateExcludes 1 D:\\b"})
+        .rows({"C:\\c", "D:\\b", "C:\\a"})
+        .data({2, 1, 0})
+        .cancel();
     EXPECT_THAT(store.calls(), ElementsAre("freeExcludes"));
 }
 
@@ -66,9 +58,8 @@ TEST_F(ExcludesTest, ADoubleClickEdits)
             store.takeCalls();
             list.doubleClick();
         })
-        .enter(kFileEntry, L"C:\\b")
-        .press(IDCANCEL);
-    visit.run(editExcludes);
+        .enter(L"C:\\b")
+        .cancel();
     EXPECT_THAT(store.calls(), ElementsAre("getExcludes 0", "updateExcludes 0 C:\\b", "freeExcludes"));
 }
 
@@ -86,22 +77,15 @@ TEST_F(ExcludesTest, ARealDoubleClickEdits)
             SendMessageW(list.list(), WM_LBUTTONDOWN, MK_LBUTTON, at);
             PostMessageW(list.list(), WM_LBUTTONDBLCLK, MK_LBUTTON, at);
         })
-        .enter(kFileEntry, L"C:\\b")
-        .press(IDCANCEL);
-    visit.run(editExcludes);
+        .enter(L"C:\\b")
+        .cancel();
     EXPECT_THAT(store.calls(), ElementsAre("getExcludes 0", "updateExcludes 0 C:\\b", "freeExcludes"));
 }
 
 TEST_F(ExcludesTest, ACancelledEntryChangesNothing)
 {
     store.putExclude(L"C:\\a");
-    visit.leaveEntries(kFileEntry)
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("getExcludes 0"));
-            EXPECT_THAT(list.rows(), ElementsAre("C:\\a"));
-        })
-        .press(IDCANCEL);
-    visit.run(editExcludes);
+    visit.leaveEntries().calls({"getExcludes 0"}).rows({"C:\\a"}).cancel();
 }
 
 TEST_F(ExcludesTest, AnEmptyTextIsAnEntry)
@@ -112,8 +96,7 @@ TEST_F(ExcludesTest, AnEmptyTextIsAnEntry)
             EXPECT_EQ(list.rowCount(), 1);
             EXPECT_EQ(store.takeCalls().size(), 1u);
         })
-        .press(IDOK);
-    visit.run(editExcludes);
+        .ok();
     EXPECT_THAT(store.excludes.present(), ElementsAre(L""));
 }
 
@@ -121,22 +104,17 @@ TEST_F(ExcludesTest, KeepsIndexesThroughRemovalsAndLaterEdits)
 {
     store.putExclude(L"zero");
     visit.add()
-        .enter(kFileEntry, L"one")
+        .enter(L"one")
         .add()
-        .enter(kFileEntry, L"two")
+        .enter(L"two")
         .remove(1) // "one"
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("removeExcludes 1"));
-            EXPECT_THAT(list.rows(), ElementsAre("two", "zero"));
-            EXPECT_THAT(list.allData(), ElementsAre(2, 0));
-        })
+        .calls({"removeExcludes 1"})
+        .rows({"two", "zero"})
+        .data({2, 0})
         .edit(0)
-        .enter(kFileEntry, L"two again")
-        .list([this](HWND, const ListView&) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("getExcludes 2", "updateExcludes 2 two again"));
-        })
-        .press(IDOK);
-    visit.run(editExcludes);
+        .enter(L"two again")
+        .calls({"getExcludes 2", "updateExcludes 2 two again"})
+        .ok();
     EXPECT_THAT(store.excludes.present(), ElementsAre(L"zero", L"two again"));
 }
 
@@ -147,22 +125,20 @@ TEST_F(ExcludesTest, ARowWhoseEntryIsGoneOpensAnEmptyDialog)
     };
     visit.list([this](HWND, const ListView&) { store.excludes.remove(0); })
         .edit(0)
-        .entry(kFileEntry, [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), ""); })
+        .shows("")
         .press(IDCANCEL)
-        .press(IDCANCEL);
-    visit.run(editExcludes);
+        .cancel();
 }
 
 TEST_F(ExcludesTest, CutsWhatIsTypedAt259Characters)
 {
     const auto enterLength = [this](size_t length) {
-        visit.add().enter(kFileEntry, std::wstring(length, L'x'));
+        visit.add().enter(std::wstring(length, L'x'));
     };
     enterLength(259);
     enterLength(260);
     enterLength(10000);
-    visit.press(IDOK);
-    visit.run(editExcludes);
+    visit.ok();
     const std::wstring longest(259, L'x');
     EXPECT_THAT(store.excludes.present(), ElementsAre(longest, longest, longest));
 }
@@ -172,13 +148,12 @@ TEST_F(ExcludesTest, AStoredTextIsShownWholeAndCutByOkAlone)
     const std::wstring stored = L"C:\\" + std::wstring(9997, L'y');
     store.putExclude(stored.c_str());
     visit.edit(0)
-        .entry(kFileEntry, [&](HWND entry) { EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), utf8(stored)); })
+        .shows(utf8(stored))
         .press(IDCANCEL)
         .list([&](HWND, const ListView& list) { EXPECT_EQ(list.cell(0, 0), stored); })
         .edit(0)
         .press(IDOK)
-        .press(IDOK);
-    visit.run(editExcludes);
+        .ok();
     EXPECT_THAT(store.excludes.present(), ElementsAre(stored.substr(0, 259)));
 }
 
@@ -187,20 +162,18 @@ TEST_F(ExcludesTest, BrowsesForAnyName)
     FileDialogs files;
     files.answer = L"C:\\pages\\not there yet.sys";
     visit.add()
-        .entry(kFileEntry,
-               [&](HWND entry) {
-                   type(entry, IDC_ENTRY_TEXT, L"before");
-                   click(entry, IDC_ENTRY_BROWSE);
-                   EXPECT_EQ(files.asked, "save, All files, Exclude file");
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "C:\\pages\\not there yet.sys");
+        .entry([&](HWND entry) {
+            type(entry, IDC_ENTRY_TEXT, L"before");
+            click(entry, IDC_ENTRY_BROWSE);
+            EXPECT_EQ(files.asked, "save, All files, Exclude file");
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "C:\\pages\\not there yet.sys");
 
-                   files.answer.clear();
-                   click(entry, IDC_ENTRY_BROWSE);
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "C:\\pages\\not there yet.sys");
-               })
+            files.answer.clear();
+            click(entry, IDC_ENTRY_BROWSE);
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "C:\\pages\\not there yet.sys");
+        })
         .press(IDOK)
-        .press(IDOK);
-    visit.run(editExcludes);
+        .ok();
     EXPECT_THAT(store.excludes.present(), ElementsAre(L"C:\\pages\\not there yet.sys"));
 }
 
@@ -215,26 +188,18 @@ TEST_F(ExcludesTest, AFaultWhileBrowsingLeavesTheEntryDialogOpen)
                            static_cast<BOOL(WINAPI*)(OPENFILENAMEW*)>(fault));
     ASSERT_EQ(save.count(), 1);
     visit.add()
-        .entry(kFileEntry, [](HWND entry) { click(entry, IDC_ENTRY_BROWSE); })
-        .entry(kFileEntry,
-               [this](HWND entry) {
-                   EXPECT_THAT(store.takeCalls(), ElementsAre("ODS UI CRASH: eleDlg, MyDlgProc, 56\n"));
-                   EXPECT_TRUE(isEnabled(entry, IDOK));
-               })
-        .enter(kFileEntry, L"C:\\typed")
-        .press(IDOK);
-    visit.run(editExcludes);
+        .entry([](HWND entry) { click(entry, IDC_ENTRY_BROWSE); })
+        .entry([this](HWND entry) {
+            EXPECT_THAT(store.takeCalls(), ElementsAre("ODS UI CRASH: eleDlg, MyDlgProc, 56\n"));
+            EXPECT_TRUE(isEnabled(entry, IDOK));
+        })
+        .enter(L"C:\\typed")
+        .ok();
     EXPECT_THAT(store.excludes.present(), ElementsAre(L"C:\\typed"));
 }
 
 TEST_F(ExcludesTest, AnEntryDialogThatCannotBeShownIsACancelledOne)
 {
     const HiddenDialog entry(IDD_EXCLUDE_ENTRY);
-    visit.add()
-        .list([this](HWND, const ListView& list) {
-            EXPECT_EQ(list.rowCount(), 0);
-            EXPECT_THAT(store.takeCalls(), IsEmpty());
-        })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editExcludes), 0);
+    visit.add().rows({}).calls({}).cancel();
 }

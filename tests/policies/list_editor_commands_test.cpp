@@ -22,7 +22,7 @@ struct ListEditorCommandsTest : testing::TestWithParam<EditorCase> {
 
     const EditorCase& editor = GetParam();
     PolicyStore store;
-    EditorVisit visit{store, editor.listId};
+    EditorVisit visit{store, editor.open, {}, editor.listId};
 };
 
 /// The editors with an entry dialog of their own; the others have the account chooser.
@@ -64,8 +64,7 @@ TEST_P(ListEditorCommandsTest, OtherIdsDoNothing)
             EXPECT_THAT(store.takeCalls(), IsEmpty());
             EXPECT_EQ(list.rowCount(), 4);
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+        .cancel();
 }
 
 TEST_P(ListEditorCommandsTest, TheIdCountsWhateverTheNotification)
@@ -77,8 +76,8 @@ TEST_P(ListEditorCommandsTest, TheIdCountsWhateverTheNotification)
         store.takeCalls();
         PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, 5), 0);
     });
-    EXPECT_EQ(visit.run(editor.open), 0);
-    EXPECT_EQ(store.calls(), editor.storing);
+    EXPECT_EQ(visit.run(), 0);
+    EXPECT_EQ(store.calls(), editor.storing());
 }
 
 TEST_P(ListEditorCommandsTest, EditsTheFirstOfSeveralSelectedRows)
@@ -98,8 +97,7 @@ TEST_P(ListEditorCommandsTest, EditsTheFirstOfSeveralSelectedRows)
             ASSERT_THAT(calls, testing::Not(IsEmpty()));
             EXPECT_THAT(calls.front(), testing::EndsWith(" " + std::to_string(index)));
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+        .cancel();
 }
 
 TEST_P(EntryCommandsTest, OtherIdsDoNothingInTheEntryDialog)
@@ -114,8 +112,7 @@ TEST_P(EntryCommandsTest, OtherIdsDoNothingInTheEntryDialog)
         EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "typed");
         clickLater(entry, IDCANCEL);
     });
-    visit.press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+    visit.cancel();
 }
 
 INSTANTIATE_TEST_SUITE_P(Editors, EntryCommandsTest, testing::ValuesIn(editorsWithEntry()),

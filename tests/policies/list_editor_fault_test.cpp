@@ -131,15 +131,16 @@ TEST_P(ListEditorFaultTest, AFaultInAnyStoreCallLeavesTheDialogAlive)
         // However it went, the list was given back at the end; when that was what faulted, the dialog was still there
         // for a second try.
         const std::vector<std::string> made = store.calls();
-        EXPECT_EQ(made.back(), editor.free);
-        EXPECT_EQ(std::count(made.begin(), made.end(), editor.free), call.function == editor.free ? 2 : 1);
+        EXPECT_EQ(made.back(), editor.call("free"));
+        EXPECT_EQ(std::count(made.begin(), made.end(), editor.call("free")),
+                  call.function == editor.call("free") ? 2 : 1);
     }
 }
 
 TEST_P(ListEditorFaultTest, SurvivesADebugChannelThatFaultsToo)
 {
     PolicyStore store;
-    store.raise(editor.load, Fault::kAccessViolation);
+    store.raise(editor.call("load"), Fault::kAccessViolation);
     store.raise("ODS", Fault::kAccessViolation);
     visit(store);
     EXPECT_THAT(crashLines(store), ElementsAre(editor.crashLine));

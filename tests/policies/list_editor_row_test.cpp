@@ -67,7 +67,7 @@ struct ListEditorRowTest : testing::TestWithParam<EditorCase> {
 
     const EditorCase& editor = GetParam();
     PolicyStore store;
-    EditorVisit visit{store, editor.listId};
+    EditorVisit visit{store, editor.open, {}, editor.listId};
 };
 
 } // namespace
@@ -86,8 +86,7 @@ TEST_P(ListEditorRowTest, AnAddedRowIsReadyForTheNextCommand)
             SetFocus(list.list());
             expectReady(dialog, list, kEntries);
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+        .cancel();
 }
 
 TEST_P(ListEditorRowTest, AnEditedRowIsReadyForTheNextCommand)
@@ -105,8 +104,7 @@ TEST_P(ListEditorRowTest, AnEditedRowIsReadyForTheNextCommand)
             EXPECT_EQ(list.rowCount(), kEntries);
             expectReady(dialog, list, index);
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+        .cancel();
 }
 
 TEST_P(ListEditorRowTest, KeysAddEditAndRemove)
@@ -125,7 +123,7 @@ TEST_P(ListEditorRowTest, KeysAddEditAndRemove)
             EXPECT_EQ(list.rowCount(), kEntries + 1);
             EXPECT_EQ(list.text(list.selected(), 0), "zz jane");
             list.selectOnly({4});
-            const std::string call = editor.removeCall + " " + std::to_string(list.data(4));
+            const std::string call = editor.call("remove") + " " + std::to_string(list.data(4));
             store.takeCalls();
             SendMessageW(list.list(), WM_KEYDOWN, VK_DELETE, 0);
             EXPECT_EQ(list.rowCount(), kEntries);
@@ -137,8 +135,7 @@ TEST_P(ListEditorRowTest, KeysAddEditAndRemove)
             SendMessageW(list.list(), WM_KEYDOWN, VK_F3, 0);
             EXPECT_THAT(store.takeCalls(), IsEmpty());
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+        .cancel();
 }
 
 TEST_P(ListEditorRowTest, AKeyHeldWithAnotherIsNoCommand)
@@ -159,8 +156,7 @@ TEST_P(ListEditorRowTest, AKeyHeldWithAnotherIsNoCommand)
             EXPECT_EQ(list.rowCount(), kEntries);
             EXPECT_THAT(store.takeCalls(), IsEmpty());
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+        .cancel();
 }
 
 TEST_P(ListEditorRowTest, LooksAtTheSelectionOnlyWhenItChanges)
@@ -185,8 +181,7 @@ TEST_P(ListEditorRowTest, LooksAtTheSelectionOnlyWhenItChanges)
             list.select(7);
             EXPECT_EQ(enabled, 2); // a missing button is asked for as well
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+        .cancel();
 }
 
 TEST_P(ListEditorRowTest, DestroyedFromOutsideItGivesTheListBack)
@@ -195,8 +190,8 @@ TEST_P(ListEditorRowTest, DestroyedFromOutsideItGivesTheListBack)
         store.takeCalls();
         DestroyWindow(dialog);
     });
-    visit.run(editor.open);
-    EXPECT_THAT(store.calls(), ElementsAre(editor.free));
+    visit.run();
+    EXPECT_THAT(store.calls(), ElementsAre(editor.call("free")));
 }
 
 TEST_P(ListEditorRowTest, DestroyedUnderItsEntryDialogItGivesTheListBackAndAddsNothing)
@@ -208,9 +203,9 @@ TEST_P(ListEditorRowTest, DestroyedUnderItsEntryDialogItGivesTheListBackAndAddsN
         store.takeCalls();
         DestroyWindow(editorWindow);
     });
-    visit.run(editor.open);
+    visit.run();
     const std::vector<std::string> calls = store.calls();
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.free), 1);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.call("free")), 1);
     EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
                             [](const std::string& call) { return call.starts_with("addTo"); }),
               0);
@@ -225,8 +220,7 @@ TEST_P(ListEditorRowTest, AnEntryDialogThatIsDestroyedLeavesItUsable)
             EXPECT_EQ(windowText(dialog), editor.caption);
             EXPECT_TRUE(IsWindowEnabled(dialog));
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editor.open), 0);
+        .cancel();
 }
 
 TEST_P(ListEditorRowTest, CommandsSentPastAnEntryDialogAreNotTaken)
@@ -244,21 +238,21 @@ TEST_P(ListEditorRowTest, CommandsSentPastAnEntryDialogAreNotTaken)
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     });
-    EXPECT_EQ(visit.run(editor.open), 0);
+    EXPECT_EQ(visit.run(), 0);
     const std::vector<std::string> calls = store.calls();
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.free), 1);
-    EXPECT_EQ(calls.back(), editor.free);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), editor.call("free")), 1);
+    EXPECT_EQ(calls.back(), editor.call("free"));
 }
 
 TEST_P(ListEditorRowTest, AFaultInThatIsTold)
 {
-    store.raise(editor.free, Fault::kAccessViolation);
+    store.raise(editor.call("free"), Fault::kAccessViolation);
     visit.list([this](HWND dialog, const ListView&) {
         store.takeCalls();
         DestroyWindow(dialog);
     });
-    visit.run(editor.open);
-    EXPECT_THAT(store.calls(), ElementsAre(editor.free, std::string("ODS ") + editor.crashLine));
+    visit.run();
+    EXPECT_THAT(store.calls(), ElementsAre(editor.call("free"), std::string("ODS ") + editor.crashLine));
 }
 
 INSTANTIATE_TEST_SUITE_P(Editors, ListEditorRowTest, testing::ValuesIn(kEditors),

@@ -153,7 +153,7 @@ TEST_P(ListEditorTest, ShowsAnEmptyStoreWithoutButtonsToPress)
                   EXPECT_THAT(store.takeCalls(), ElementsAreArray(editor.opening(0)));
               }),
               0);
-    EXPECT_THAT(store.calls(), ElementsAre(editor.free));
+    EXPECT_THAT(store.calls(), ElementsAre(editor.call("free")));
 }
 
 TEST_P(ListEditorTest, ShowsTheEntriesWithTheirIndexes)
@@ -169,7 +169,7 @@ TEST_P(ListEditorTest, ShowsTheEntriesWithTheirIndexes)
         }
         EXPECT_FALSE(selectionButtons(dialog));
     });
-    EXPECT_THAT(store.calls(), ElementsAreArray(joined(editor.opening(3), {editor.free})));
+    EXPECT_THAT(store.calls(), ElementsAreArray(joined(editor.opening(3), {editor.call("free")})));
 }
 
 TEST_P(ListEditorTest, StoresOnOkAlsoWithoutChanges)
@@ -181,7 +181,7 @@ TEST_P(ListEditorTest, StoresOnOkAlsoWithoutChanges)
         clickLater(dialog, IDOK);
     });
     EXPECT_EQ(script.run([this] { return editor.open(nullptr); }), 0);
-    EXPECT_THAT(store.calls(), ElementsAreArray(editor.storing));
+    EXPECT_THAT(store.calls(), ElementsAreArray(editor.storing()));
 }
 
 TEST_P(ListEditorTest, ClosesLikeCancelAndStoresNothing)
@@ -197,7 +197,7 @@ TEST_P(ListEditorTest, ClosesLikeCancelAndStoresNothing)
             PostMessageW(dialog, static_cast<UINT>(message), message == WM_COMMAND ? IDCANCEL : 0, 0);
         });
         EXPECT_EQ(script.run([this] { return editor.open(nullptr); }), 0);
-        EXPECT_THAT(store.takeCalls(), ElementsAre(editor.free));
+        EXPECT_THAT(store.takeCalls(), ElementsAre(editor.call("free")));
     }
 }
 
@@ -222,7 +222,7 @@ TEST_P(ListEditorTest, RemovesTheFirstSelectedRowAndLeavesTheOthersTheirIndexes)
         rows.selectOnly({first});
         store.takeCalls();
         click(dialog, IDC_POLICY_REMOVE);
-        EXPECT_THAT(store.takeCalls(), ElementsAre(editor.removeCall + " 1"));
+        EXPECT_THAT(store.takeCalls(), ElementsAre(editor.call("remove") + " 1"));
         EXPECT_THAT(rows.allData(), ElementsAreArray(editor.sorted ? std::vector<LPARAM>{0, 2, 3}
                                                                    : std::vector<LPARAM>{3, 2, 0}));
 
@@ -231,7 +231,7 @@ TEST_P(ListEditorTest, RemovesTheFirstSelectedRowAndLeavesTheOthersTheirIndexes)
         rows.select(1);
         rows.select(2);
         click(dialog, IDC_POLICY_REMOVE);
-        EXPECT_THAT(store.takeCalls(), ElementsAre(editor.removeCall + " 2"));
+        EXPECT_THAT(store.takeCalls(), ElementsAre(editor.call("remove") + " 2"));
         EXPECT_THAT(rows.allData(),
                     ElementsAreArray(editor.sorted ? std::vector<LPARAM>{0, 3} : std::vector<LPARAM>{3, 0}));
     });

@@ -15,27 +15,30 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr int kForWhom[] = {IDC_NOTIFY_ANYONE, IDC_NOTIFY_ACCOUNT_ONLY, IDC_NOTIFY_USERS_OF_LIMIT,
-                            IDC_NOTIFY_USERS_NOT_OF_LIMIT}; // by the value that they stand for
-constexpr int kRates[] = {IDC_NOTIFY_NO_LIMIT,         IDC_NOTIFY_PER_SECOND, IDC_NOTIFY_PER_MINUTE,
-                          IDC_NOTIFY_PER_FIVE_MINUTES, IDC_NOTIFY_PER_HOUR,   IDC_NOTIFY_PER_DAY,
-                          IDC_NOTIFY_PER_WEEK};
+const std::vector<int> kForWhom = {IDC_NOTIFY_ANYONE, IDC_NOTIFY_ACCOUNT_ONLY, IDC_NOTIFY_USERS_OF_LIMIT,
+                                   IDC_NOTIFY_USERS_NOT_OF_LIMIT}; // by the value that they stand for
+const std::vector<int> kRates = {IDC_NOTIFY_NO_LIMIT,         IDC_NOTIFY_PER_SECOND, IDC_NOTIFY_PER_MINUTE,
+                                 IDC_NOTIFY_PER_FIVE_MINUTES, IDC_NOTIFY_PER_HOUR,   IDC_NOTIFY_PER_DAY,
+                                 IDC_NOTIFY_PER_WEEK};
 
 struct NotificationEntryTest : testing::Test {
     /// Opens the entry dialog on a notification with these attributes, acts in it and presses OK.
     void edit(const std::array<const wchar_t*, 6>& attributes, EditorVisit::OnEntry act)
     {
         const uint32_t index = store.putNotification(L"script", attributes);
-        EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
+        EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
-            .entry(kNotificationEntry,
-                   [act](HWND entry) {
-                       act(entry);
-                       clickLater(entry, IDOK);
-                   })
-            .press(IDCANCEL);
-        EXPECT_EQ(visit.run(editNotifications), 0);
+            .entry([act](HWND entry) {
+                act(entry);
+                clickLater(entry, IDOK);
+            })
+            .cancel();
         edited = index;
+    }
+
+    static std::array<const wchar_t*, 6> withRate(const wchar_t* rate)
+    {
+        return {kNotSet, L"0", rate, kNotSet, kNotSet, L"0"};
     }
 
     const wchar_t* attribute(uint32_t which) const { return store.attribute(edited, which); }
@@ -44,48 +47,32 @@ struct NotificationEntryTest : testing::Test {
     uint32_t edited = 0;
 };
 
-/// The one checked button of a group, 0 for none.
-template <size_t N>
-int checkedOf(HWND dialog, const int (&buttons)[N])
-{
-    int checked = 0;
-    for (const int button : buttons) {
-        if (isChecked(dialog, button)) {
-            EXPECT_EQ(checked, 0) << "more than one is checked";
-            checked = button;
-        }
-    }
-    return checked;
-}
-
 } // namespace
 
 TEST_F(NotificationEntryTest, ANewOneIsForAnyoneOnceADay)
 {
-    EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
+    EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
     visit.add()
-        .entry(kNotificationEntry,
-               [](HWND entry) {
-                   EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
-                   EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
-                   EXPECT_FALSE(isEnabled(entry, IDC_NOTIFY_ACCOUNT));
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_ACCOUNT), "");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), "");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_PASSWORD), "");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_MIN_INCREMENT), "0");
-               })
+        .entry([](HWND entry) {
+            EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
+            EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
+            EXPECT_FALSE(isEnabled(entry, IDC_NOTIFY_ACCOUNT));
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_ACCOUNT), "");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), "");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_PASSWORD), "");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_MIN_INCREMENT), "0");
+        })
         .press(IDCANCEL)
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+        .cancel();
 }
 
 TEST_F(NotificationEntryTest, EachForWhomHasItsButton)
 {
-    for (int value = 0; value < 4; ++value) {
+    for (size_t value = 0; value < kForWhom.size(); ++value) {
         const std::wstring text = std::to_wstring(value);
         edit({L"jane", text.c_str(), L"0", kNotSet, kNotSet, L"0"}, [value](HWND entry) {
-            EXPECT_EQ(checkedOf(entry, kForWhom), kForWhom[value]);
+            EXPECT_EQ(checkedOf(entry, kForWhom), kForWhom.at(value));
             EXPECT_EQ(isEnabled(entry, IDC_NOTIFY_ACCOUNT), value == 1);
         });
         EXPECT_STREQ(attribute(1), text.c_str());
@@ -95,10 +82,10 @@ TEST_F(NotificationEntryTest, EachForWhomHasItsButton)
 
 TEST_F(NotificationEntryTest, ChoosingForWhomEnablesTheAccountAndIsStored)
 {
-    for (int value = 0; value < 4; ++value) {
+    for (size_t value = 0; value < kForWhom.size(); ++value) {
         edit({kNotSet, value == 0 ? L"3" : L"0", L"0", kNotSet, kNotSet, L"0"}, [value](HWND entry) {
-            click(entry, kForWhom[value]);
-            EXPECT_EQ(checkedOf(entry, kForWhom), kForWhom[value]);
+            click(entry, kForWhom.at(value));
+            EXPECT_EQ(checkedOf(entry, kForWhom), kForWhom.at(value));
             EXPECT_EQ(isEnabled(entry, IDC_NOTIFY_ACCOUNT), value == 1);
         });
         EXPECT_EQ(std::wstring(attribute(1)), std::to_wstring(value));
@@ -107,10 +94,10 @@ TEST_F(NotificationEntryTest, ChoosingForWhomEnablesTheAccountAndIsStored)
 
 TEST_F(NotificationEntryTest, LeavingTheAccountDisablesItsEditAndKeepsItsText)
 {
-    for (int value = 0; value < 4; ++value) {
+    for (size_t value = 0; value < kForWhom.size(); ++value) {
         edit({L"jane", L"1", L"0", kNotSet, kNotSet, L"0"}, [value](HWND entry) {
             EXPECT_TRUE(isEnabled(entry, IDC_NOTIFY_ACCOUNT));
-            click(entry, kForWhom[value]);
+            click(entry, kForWhom.at(value));
             EXPECT_EQ(isEnabled(entry, IDC_NOTIFY_ACCOUNT), value == 1);
         });
         EXPECT_EQ(std::wstring(attribute(1)), std::to_wstring(value));
@@ -135,10 +122,10 @@ TEST_F(NotificationEntryTest, AForWhomThatIsNoneStaysUnlessOneIsChosen)
 TEST_F(NotificationEntryTest, OfSeveralCheckedForWhomsTheLaterCounts)
 {
     // Clicks check one alone; another program may do otherwise.
-    const auto check = [this](std::initializer_list<int> values) {
-        edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"}, [values = std::vector(values)](HWND entry) {
-            for (const int value : values) {
-                CheckDlgButton(entry, kForWhom[value], BST_CHECKED);
+    const auto check = [this](std::vector<size_t> values) {
+        edit(withRate(L"0"), [=](HWND entry) {
+            for (const size_t value : values) {
+                CheckDlgButton(entry, kForWhom.at(value), BST_CHECKED);
             }
         });
     };
@@ -181,47 +168,40 @@ TEST_F(NotificationEntryTest, EachRateHasItsButton)
                             Rate{IDC_NOTIFY_PER_HOUR, L"3600"}, Rate{IDC_NOTIFY_PER_DAY, L"86400"},
                             Rate{IDC_NOTIFY_PER_WEEK, L"604800"}})
     {
-        edit({kNotSet, L"0", rate.text, kNotSet, kNotSet, L"0"},
-             [rate](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), rate.button); });
+        edit(withRate(rate.text), [rate](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), rate.button); });
         EXPECT_STREQ(attribute(2), rate.text);
 
-        edit({kNotSet, L"0", rate.button == IDC_NOTIFY_NO_LIMIT ? L"1" : L"-1", kNotSet, kNotSet, L"0"},
-             [rate](HWND entry) {
-                 click(entry, rate.button);
-                 EXPECT_EQ(checkedOf(entry, kRates), rate.button);
-                 EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE) << "the groups are one";
-             });
+        edit(withRate(rate.button == IDC_NOTIFY_NO_LIMIT ? L"1" : L"-1"), [rate](HWND entry) {
+            click(entry, rate.button);
+            EXPECT_EQ(checkedOf(entry, kRates), rate.button);
+            EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE) << "the groups are one";
+        });
         EXPECT_STREQ(attribute(2), rate.text);
     }
 }
 
 TEST_F(NotificationEntryTest, ARateOfNothingIsADay)
 {
-    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"},
-         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY); });
+    edit(withRate(L"0"), [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY); });
     EXPECT_STREQ(attribute(2), L"86400");
 }
 
 TEST_F(NotificationEntryTest, ARateThatIsNoChoiceStaysUnlessOneIsChosen)
 {
-    edit({kNotSet, L"0", L"5m", kNotSet, kNotSet, L"0"},
-         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 0); });
+    edit(withRate(L"5m"), [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 0); });
     EXPECT_STREQ(attribute(2), L"5m");
-    edit({kNotSet, L"0", L"5m", kNotSet, kNotSet, L"0"},
-         [](HWND entry) { click(entry, IDC_NOTIFY_PER_MINUTE); });
+    edit(withRate(L"5m"), [](HWND entry) { click(entry, IDC_NOTIFY_PER_MINUTE); });
     EXPECT_STREQ(attribute(2), L"60");
 }
 
 TEST_F(NotificationEntryTest, AUnitLetterCountsInARate)
 {
     // 60 * 1024 is no choice, 300 followed by anything else is.
-    edit({kNotSet, L"0", L"60k", kNotSet, kNotSet, L"0"},
-         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 0); });
-    edit({kNotSet, L"0", L"300x", kNotSet, kNotSet, L"0"},
+    edit(withRate(L"60k"), [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), 0); });
+    edit(withRate(L"300x"),
          [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_FIVE_MINUTES); });
     EXPECT_STREQ(attribute(2), L"300");
-    edit({kNotSet, L"0", L"-1x", kNotSet, kNotSet, L"0"},
-         [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_NO_LIMIT); });
+    edit(withRate(L"-1x"), [](HWND entry) { EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_NO_LIMIT); });
 }
 
 TEST_F(NotificationEntryTest, PassingByWithTheTabKeyChoosesNothing)
@@ -238,17 +218,15 @@ TEST_F(NotificationEntryTest, PassingByWithTheTabKeyChoosesNothing)
     EXPECT_STREQ(attribute(2), L"5m");
     EXPECT_EQ(WindowsRadios::clicks(), 0);
 
-    EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
+    EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
     visit.add()
-        .entry(kNotificationEntry,
-               [passBy](HWND entry) {
-                   passBy(entry);
-                   EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
-                   EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
-                   clickLater(entry, IDCANCEL);
-               })
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+        .entry([passBy](HWND entry) {
+            passBy(entry);
+            EXPECT_EQ(checkedOf(entry, kForWhom), IDC_NOTIFY_ANYONE);
+            EXPECT_EQ(checkedOf(entry, kRates), IDC_NOTIFY_PER_DAY);
+            clickLater(entry, IDCANCEL);
+        })
+        .cancel();
     EXPECT_EQ(WindowsRadios::clicks(), 0);
 }
 
@@ -274,7 +252,7 @@ TEST_F(NotificationEntryTest, TheTabStopGoesWithTheChoice)
 TEST_F(NotificationEntryTest, AfterAChoiceTheArrowKeysChooseAgain)
 {
     const WindowsRadios radios;
-    edit({kNotSet, L"0", L"5m", kNotSet, kNotSet, L"0"}, [](HWND entry) {
+    edit(withRate(L"5m"), [](HWND entry) {
         tabThrough(entry);
         EXPECT_EQ(checkedOf(entry, kRates), 0);
         click(entry, IDC_NOTIFY_PER_SECOND);
@@ -326,15 +304,13 @@ TEST_F(NotificationEntryTest, ThePasswordIsHiddenAndKept)
 
 TEST_F(NotificationEntryTest, NoAccountIsProposedToRunAs)
 {
-    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"},
-         [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), ""); });
+    edit(withRate(L"0"), [](HWND entry) { EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), ""); });
     EXPECT_EQ(attribute(3), nullptr);
 }
 
 TEST_F(NotificationEntryTest, TheIncrementIsTakenAsTyped)
 {
-    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"},
-         [](HWND entry) { type(entry, IDC_NOTIFY_MIN_INCREMENT, L" not a number"); });
+    edit(withRate(L"0"), [](HWND entry) { type(entry, IDC_NOTIFY_MIN_INCREMENT, L" not a number"); });
     EXPECT_STREQ(attribute(5), L" not a number");
 }
 
@@ -342,7 +318,7 @@ TEST_F(NotificationEntryTest, BrowsesForAProgram)
 {
     FileDialogs files;
     files.answer = L"C:\\scripts\\mail.vbs";
-    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"}, [&](HWND entry) {
+    edit(withRate(L"0"), [&](HWND entry) {
         click(entry, IDC_ENTRY_BROWSE);
         EXPECT_EQ(files.asked, "open, Executable Files, Notification script and options...");
         EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "C:\\scripts\\mail.vbs");
@@ -362,7 +338,7 @@ TEST_F(NotificationEntryTest, AFaultLeavesItOpenWithWhatWasTyped)
     };
     const ImportPatch open(ImportPatch::corvane(), "GetOpenFileNameW",
                            static_cast<BOOL(WINAPI*)(OPENFILENAMEW*)>(fault));
-    edit({kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"}, [&](HWND entry) {
+    edit(withRate(L"0"), [&](HWND entry) {
         type(entry, IDC_ENTRY_TEXT, L"typed");
         store.takeCalls();
         click(entry, IDC_ENTRY_BROWSE);

@@ -15,7 +15,7 @@ namespace {
 
 struct NotificationsTest : testing::Test {
     PolicyStore store;
-    EditorVisit visit{store, IDC_NOTIFICATIONS_LIST};
+    EditorVisit visit{store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST};
 };
 
 std::vector<std::string> rendering(int index)
@@ -43,17 +43,11 @@ TEST_F(NotificationsTest, TellsForWhomHowOftenAsWhomAndFromWhichGrowth)
     store.putNotification(L"beyond", {L"ignored", L"4", L"7200", kNotSet, kNotSet, L"0"});
     store.putNotification(L"below", {L"ignored", L"-1", kNotSet, kNotSet, kNotSet, L"0"});
     visit
-        .list([](HWND, const ListView& list) {
-            EXPECT_THAT(list.rows(), ElementsAre("below|Anyone|1day(s)|IUSR_VANTREL|0 ",
-                                                 "beyond|Anyone|2hr|IUSR_VANTREL|0 ",
-                                                 "not of the limit|Not as quota|1min|IUSR_VANTREL|7 ",
-                                                 "of the limit|As quota|5min|IUSR_VANTREL|5120K",
-                                                 "no account||1week(s)||-1 ",
-                                                 "account|OFFICE\\jane|no limit|OFFICE\\runner|1024K",
-                                                 "anyone|Anyone|1day(s)|IUSR_VANTREL|0 "));
-        })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editNotifications), 0);
+        .rows({"below|Anyone|1day(s)|IUSR_VANTREL|0 ", "beyond|Anyone|2hr|IUSR_VANTREL|0 ",
+               "not of the limit|Not as quota|1min|IUSR_VANTREL|7 ",
+               "of the limit|As quota|5min|IUSR_VANTREL|5120K", "no account||1week(s)||-1 ",
+               "account|OFFICE\\jane|no limit|OFFICE\\runner|1024K", "anyone|Anyone|1day(s)|IUSR_VANTREL|0 "})
+        .cancel();
 }
 
 TEST_F(NotificationsTest, AsksTheCountOnEveryPass)
@@ -71,40 +65,32 @@ TEST_F(NotificationsTest, AsksTheCountOnEveryPass)
         }
         return store.scripts.get(index);
     };
-    visit.list([](HWND, const ListView& list) { EXPECT_THAT(list.allData(), ElementsAre(1, 0)); })
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+    visit.data({1, 0}).cancel();
 }
 
 TEST_F(NotificationsTest, AsksForTheAccountWhereItIsShown)
 {
     store.putNotification(L"one", {L"jane", L"1", L"0", kNotSet, kNotSet, L"0"});
     visit
-        .list([this](HWND, const ListView&) {
-            EXPECT_THAT(store.takeCalls(),
-                        ElementsAre("loadNotifications", "getNotificationsCount", "getNotifications 0",
-                                    "getINAttr 0 1", "getNAttr 0 0", "getINAttr 0 2", "getNAttr 0 3",
-                                    "getINAttr 0 5", "getNotificationsCount"));
-        })
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+        .calls({"loadNotifications", "getNotificationsCount", "getNotifications 0", "getINAttr 0 1",
+                "getNAttr 0 0", "getINAttr 0 2", "getNAttr 0 3", "getINAttr 0 5", "getNotificationsCount"})
+        .cancel();
 }
 
 TEST_F(NotificationsTest, AddsWithAllAttributesInOrder)
 {
     store.putNotification(L"old", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     visit.add()
-        .entry(kNotificationEntry,
-               [](HWND entry) {
-                   type(entry, IDC_ENTRY_TEXT, L"C:\\new.vbs");
-                   click(entry, IDC_NOTIFY_ACCOUNT_ONLY);
-                   type(entry, IDC_NOTIFY_ACCOUNT, L"OFFICE\\jane");
-                   type(entry, IDC_NOTIFY_RUN_AS, L"OFFICE\\runner");
-                   type(entry, IDC_NOTIFY_PASSWORD, L"secret");
-                   type(entry, IDC_NOTIFY_MIN_INCREMENT, L"5m");
-                   click(entry, IDC_NOTIFY_PER_FIVE_MINUTES);
-                   clickLater(entry, IDOK);
-               })
+        .entry([](HWND entry) {
+            type(entry, IDC_ENTRY_TEXT, L"C:\\new.vbs");
+            click(entry, IDC_NOTIFY_ACCOUNT_ONLY);
+            type(entry, IDC_NOTIFY_ACCOUNT, L"OFFICE\\jane");
+            type(entry, IDC_NOTIFY_RUN_AS, L"OFFICE\\runner");
+            type(entry, IDC_NOTIFY_PASSWORD, L"secret");
+            type(entry, IDC_NOTIFY_MIN_INCREMENT, L"5m");
+            click(entry, IDC_NOTIFY_PER_FIVE_MINUTES);
+            clickLater(entry, IDOK);
+        })
         .list([this](HWND dialog, const ListView& list) {
             EXPECT_EQ(
                 store.takeCalls(),
@@ -117,7 +103,7 @@ TEST_F(NotificationsTest, AddsWithAllAttributesInOrder)
             EXPECT_THAT(list.allData(), ElementsAre(1, 0));
             clickLater(dialog, IDOK);
         });
-    EXPECT_EQ(visit.run(editNotifications), 0);
+    EXPECT_EQ(visit.run(), 0);
     EXPECT_THAT(store.calls(), ElementsAre("storeNotifications", "freeNotifications"));
     EXPECT_STREQ(store.attribute(1, 4), L"secret");
 }
@@ -133,8 +119,7 @@ TEST_F(NotificationsTest, AddsWhatANewEntryStartsWith)
                            rendering(0)));
             EXPECT_THAT(list.rows(), ElementsAre("|Anyone|1day(s)|IUSR_VANTREL|0 "));
         })
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+        .cancel();
     EXPECT_THAT(store.scripts.present(), ElementsAre(L"")); // an empty script, not none
 }
 
@@ -144,18 +129,17 @@ TEST_F(NotificationsTest, EditsInPlace)
     store.putNotification(L"b", {L"jane", L"1", L"60", L"runner", L"pw", L"3k"});
     store.putNotification(L"c", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     visit.edit(1)
-        .entry(kNotificationEntry,
-               [](HWND entry) {
-                   EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "b");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_ACCOUNT), "jane");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), "runner");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_PASSWORD), "pw");
-                   EXPECT_EQ(controlText(entry, IDC_NOTIFY_MIN_INCREMENT), "3k");
-                   type(entry, IDC_ENTRY_TEXT, L"B");
-                   click(entry, IDC_NOTIFY_ANYONE);
-                   type(entry, IDC_NOTIFY_RUN_AS, L"");
-                   clickLater(entry, IDOK);
-               })
+        .entry([](HWND entry) {
+            EXPECT_EQ(controlText(entry, IDC_ENTRY_TEXT), "b");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_ACCOUNT), "jane");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_RUN_AS), "runner");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_PASSWORD), "pw");
+            EXPECT_EQ(controlText(entry, IDC_NOTIFY_MIN_INCREMENT), "3k");
+            type(entry, IDC_ENTRY_TEXT, L"B");
+            click(entry, IDC_NOTIFY_ANYONE);
+            type(entry, IDC_NOTIFY_RUN_AS, L"");
+            clickLater(entry, IDOK);
+        })
         .list([this](HWND, const ListView& list) {
             EXPECT_EQ(store.takeCalls(),
                       with({"getNotifications 1", "getNAttr 1 0", "getNAttr 1 1", "getNAttr 1 2",
@@ -168,22 +152,17 @@ TEST_F(NotificationsTest, EditsInPlace)
                                     "a|Anyone|1day(s)|IUSR_VANTREL|0 "));
             EXPECT_THAT(list.allData(), ElementsAre(2, 1, 0));
         })
-        .press(IDOK);
-    EXPECT_EQ(visit.run(editNotifications), 0);
+        .ok();
 }
 
 TEST_F(NotificationsTest, ACancelledEntryChangesNothing)
 {
     store.putNotification(L"a", {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
-    visit.leaveEntries(kNotificationEntry)
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(),
-                        ElementsAre("getNotifications 0", "getNAttr 0 0", "getNAttr 0 1", "getNAttr 0 2",
-                                    "getNAttr 0 3", "getNAttr 0 4", "getNAttr 0 5"));
-            EXPECT_THAT(list.rows(), ElementsAre("a|Anyone|1day(s)|IUSR_VANTREL|0 "));
-        })
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+    visit.leaveEntries()
+        .calls({"getNotifications 0", "getNAttr 0 0", "getNAttr 0 1", "getNAttr 0 2", "getNAttr 0 3",
+                "getNAttr 0 4", "getNAttr 0 5"})
+        .rows({"a|Anyone|1day(s)|IUSR_VANTREL|0 "})
+        .cancel();
     EXPECT_THAT(store.calls(), ElementsAre("freeNotifications"));
 }
 
@@ -201,8 +180,7 @@ TEST_F(NotificationsTest, AnEntryDialogThatCannotBeShownIsACancelledOne)
             EXPECT_THAT(store.takeCalls(), testing::Not(testing::Contains(testing::HasSubstr("set"))));
             EXPECT_THAT(list.rows(), ElementsAre("a|Anyone|1day(s)|IUSR_VANTREL|0 "));
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editNotifications), 0);
+        .cancel();
     EXPECT_THAT(store.lines(), IsEmpty());
 }
 
@@ -221,8 +199,7 @@ TEST_F(NotificationsTest, SortsByTheColumnThatIsClicked)
             EXPECT_THAT((std::vector{first, list.allData()}),
                         testing::UnorderedElementsAre(ElementsAre(2, 0, 1), ElementsAre(1, 0, 2)));
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editNotifications), 0);
+        .cancel();
 }
 
 TEST_F(NotificationsTest, KeepsIndexesThroughRemovals)
@@ -231,17 +208,14 @@ TEST_F(NotificationsTest, KeepsIndexesThroughRemovals)
         store.putNotification(script, {kNotSet, L"0", L"0", kNotSet, kNotSet, L"0"});
     }
     visit.remove(1)
-        .list([this](HWND, const ListView& list) {
-            EXPECT_THAT(store.takeCalls(), ElementsAre("removeNotifications 1"));
-            EXPECT_THAT(list.allData(), ElementsAre(2, 0));
-        })
+        .calls({"removeNotifications 1"})
+        .data({2, 0})
         .edit(0)
         .press(IDOK)
         .list([this](HWND, const ListView&) {
             EXPECT_THAT(store.calls(), testing::Contains("updateNotifications 2 two"));
         })
-        .press(IDCANCEL);
-    visit.run(editNotifications);
+        .cancel();
 }
 
 TEST_F(NotificationsTest, CutsEveryFieldAt259Characters)
@@ -249,17 +223,15 @@ TEST_F(NotificationsTest, CutsEveryFieldAt259Characters)
     const std::wstring longText(10000, L'x');
     const std::wstring cut(259, L'x');
     visit.add()
-        .entry(kNotificationEntry,
-               [&](HWND entry) {
-                   for (const int field : {IDC_ENTRY_TEXT, IDC_NOTIFY_ACCOUNT, IDC_NOTIFY_RUN_AS,
-                                           IDC_NOTIFY_PASSWORD, IDC_NOTIFY_MIN_INCREMENT})
-                   {
-                       type(entry, field, longText.c_str());
-                   }
-                   clickLater(entry, IDOK);
-               })
-        .press(IDOK);
-    visit.run(editNotifications);
+        .entry([&](HWND entry) {
+            for (const int field : {IDC_ENTRY_TEXT, IDC_NOTIFY_ACCOUNT, IDC_NOTIFY_RUN_AS,
+                                    IDC_NOTIFY_PASSWORD, IDC_NOTIFY_MIN_INCREMENT})
+            {
+                type(entry, field, longText.c_str());
+            }
+            clickLater(entry, IDOK);
+        })
+        .ok();
     EXPECT_THAT(store.scripts.present(), ElementsAre(cut));
     for (const uint32_t attribute : {0u, 3u, 4u, 5u}) {
         EXPECT_EQ(store.attribute(0, attribute), cut);
@@ -276,6 +248,5 @@ TEST_F(NotificationsTest, AFaultWhileFillingKeepsTheRowsSoFar)
             EXPECT_THAT(list.rows(), ElementsAre("two|Anyone|5min||", "one|Anyone|5min|IUSR_VANTREL|0 "));
             EXPECT_THAT(store.lines(), ElementsAre("UI CRASH: notflDlg, MyDlgProc, 245\n"));
         })
-        .press(IDCANCEL);
-    EXPECT_EQ(visit.run(editNotifications), 0);
+        .cancel();
 }

@@ -130,17 +130,15 @@ struct PasswordTest : testing::TestWithParam<size_t> {
         store.putNotification(L"script",
                               {nullptr, L"0", L"0", L"runner", stored ? old.c_str() : nullptr, L"0"});
         wipe(old);
-        EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
+        EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
-            .entry(kNotificationEntry,
-                   [&](HWND entry) {
-                       std::wstring typed = password(length, m_typed);
-                       type(entry, IDC_NOTIFY_PASSWORD, typed.c_str());
-                       wipe(typed);
-                       PostMessageW(entry, WM_COMMAND, static_cast<WPARAM>(button), 0);
-                   })
-            .press(IDCANCEL);
-        EXPECT_EQ(visit.run(editNotifications), 0);
+            .entry([&](HWND entry) {
+                std::wstring typed = password(length, m_typed);
+                type(entry, IDC_NOTIFY_PASSWORD, typed.c_str());
+                wipe(typed);
+                PostMessageW(entry, WM_COMMAND, static_cast<WPARAM>(button), 0);
+            })
+            .cancel();
     }
 
     /// Passwords that no test before has left anything of.
@@ -184,9 +182,8 @@ TEST(PasswordOfNotificationTest, DoesNotStayInTheLibrarysBuffer)
     const wchar_t password[] = L"a very rare password";
     PolicyStore store;
     store.putNotification(L"script", {nullptr, L"0", L"0", L"runner", password, L"0"});
-    EditorVisit visit(store, IDC_NOTIFICATIONS_LIST);
-    visit.edit(0).entry(kNotificationEntry, [](HWND entry) { clickLater(entry, IDOK); }).press(IDCANCEL);
-    EXPECT_EQ(visit.run(editNotifications), 0);
+    EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
+    visit.edit(0).entry([](HWND entry) { clickLater(entry, IDOK); }).cancel();
     EXPECT_STREQ(store.attribute(0, 4), password);
     EXPECT_FALSE(corvaneHolds(password + 7)); // its beginning gives way to the next field's text anyhow
 }

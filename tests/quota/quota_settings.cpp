@@ -49,14 +49,7 @@ std::string sizes(HWND dialog)
 
 int countedFiles(HWND dialog)
 {
-    int checked = 0;
-    for (const int each : {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES}) {
-        if (isChecked(dialog, each)) {
-            EXPECT_EQ(checked, 0) << "two are checked";
-            checked = each;
-        }
-    }
-    return checked;
+    return checkedOf(dialog, {IDC_QUOTA_NO_FILES, IDC_QUOTA_OWNED_FILES, IDC_QUOTA_ALL_FILES});
 }
 
 DialogScript::Act limits(const wchar_t* hard, const wchar_t* soft)

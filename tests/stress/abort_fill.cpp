@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
@@ -24,7 +25,7 @@
 namespace {
 
 /// How the store and the directory answer now.
-enum class Pace { kFast, kSlow, kStuck };
+enum class Pace : std::uint8_t { kFast, kSlow, kStuck };
 std::atomic<Pace> pace = Pace::kFast;
 HANDLE release; ///< lets go what is stuck
 

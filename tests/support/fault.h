@@ -1,9 +1,10 @@
 // What a call can be made to raise.
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
 
-enum class Fault {
+enum class Fault : std::uint8_t {
     kNone,
     kAccessViolation,
     kDivideByZero,

@@ -42,6 +42,25 @@ bool isEnabled(HWND dialog, int id)
     return IsWindowEnabled(control(dialog, id)) != FALSE;
 }
 
+int checkedOf(HWND dialog, const std::vector<int>& buttons)
+{
+    int checked = 0;
+    for (const int button : buttons) {
+        if (isChecked(dialog, button)) {
+            EXPECT_EQ(checked, 0) << "more than one is checked";
+            checked = button;
+        }
+    }
+    return checked;
+}
+
+void expectEnabled(HWND dialog, const std::vector<int>& ids, bool enabled)
+{
+    for (const int id : ids) {
+        EXPECT_EQ(isEnabled(dialog, id), enabled) << id;
+    }
+}
+
 bool isChecked(HWND dialog, int id)
 {
     return SendMessageW(control(dialog, id), BM_GETCHECK, 0, 0) == BST_CHECKED;

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 std::string windowText(HWND window);
 std::string controlText(HWND dialog, int id);
@@ -11,6 +12,12 @@ std::string className(HWND window);
 
 bool isEnabled(HWND dialog, int id);
 bool isChecked(HWND dialog, int id);
+
+/// Fails the test for each of these controls that is not enabled, or is.
+void expectEnabled(HWND dialog, const std::vector<int>& ids, bool enabled = true);
+
+/// The one of these buttons that is checked, 0 for none; fails the test when there are more.
+int checkedOf(HWND dialog, const std::vector<int>& buttons);
 
 /// The control of a dialog that has the keyboard. Test programs run side by side on one desktop, and one that opens a
 /// window takes the keyboard from the others: the dialog is then brought to the front again first.

@@ -53,11 +53,6 @@ std::string_view asText(std::span<const std::uint8_t> bytes)
 
 } // namespace
 
-std::size_t AccountDirectory::SidHash::operator()(std::string_view bytes) const
-{
-    return std::hash<std::string_view>()(bytes);
-}
-
 AccountDirectory::AccountDirectory(std::string_view text)
     : AccountDirectory()
 {

@@ -82,9 +82,6 @@ private:
         std::uint32_t group;
         std::string_view member;
     };
-    struct SidHash {
-        std::size_t operator()(std::string_view bytes) const;
-    };
 
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
@@ -99,8 +96,8 @@ private:
     std::uint32_t domainWithServerFrom(std::uint32_t first) const;
 
     std::vector<Domain> m_domains;
-    std::deque<Account> m_accounts;                                       ///< none of them moves
-    std::unordered_map<std::string_view, std::uint32_t, SidHash> m_bySid; ///< by the bytes in m_accounts
+    std::deque<Account> m_accounts;                                  ///< none of them moves
+    std::unordered_map<std::string_view, std::uint32_t> m_bySid;     ///< by the bytes in m_accounts
     std::unordered_map<std::u16string, std::uint32_t> m_byName;      ///< small letters, as the file has them
     std::unordered_map<std::u16string, std::uint32_t> m_byShortName; ///< small letters, without domains
     std::unordered_map<std::u16string, std::uint32_t> m_domainByServer;

@@ -23,19 +23,13 @@ struct Stamp {
     friend bool operator==(const Stamp&, const Stamp&) = default;
 };
 
-ULONGLONG joined(DWORD high, DWORD low)
-{
-    return static_cast<ULONGLONG>(high) << 32 | low;
-}
-
 Stamp stampOf(const std::wstring& path)
 {
     WIN32_FILE_ATTRIBUTE_DATA data{};
     if (!GetFileAttributesExW(longPath(path).c_str(), GetFileExInfoStandard, &data)) {
         return {};
     }
-    return {joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime),
-            joined(data.nFileSizeHigh, data.nFileSizeLow)};
+    return {joined(data.ftLastWriteTime), joined(data.nFileSizeHigh, data.nFileSizeLow)};
 }
 
 void tell(const std::wstring& path, const AccountDirectory& directory)

@@ -130,12 +130,11 @@ bool isMonitored()
 
 std::wstring describe(const QuotaRule& rule)
 {
-    std::string account = "anyone";
-    if (rule.sid != nullptr) {
-        account = isSid(rule.sid) ? "" : "invalid";
-        if (isSid(rule.sid)) {
-            appendSidText(account, sidBytes(rule.sid));
-        }
+    std::string account;
+    if (rule.sid != nullptr && !isSid(rule.sid)) {
+        account = "invalid";
+    } else {
+        appendAccount(account, sidBytes(rule.sid));
     }
     wchar_t numbers[200];
     _snwprintf(

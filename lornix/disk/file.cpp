@@ -99,11 +99,6 @@ DWORD readAt(HANDLE file, std::uint64_t offset, std::string& bytes)
     return ERROR_SUCCESS;
 }
 
-std::uint64_t joined(DWORD high, DWORD low)
-{
-    return static_cast<std::uint64_t>(high) << 32 | low;
-}
-
 DWORD takeStamp(HANDLE file, FileStamp& stamp)
 {
     BY_HANDLE_FILE_INFORMATION found{};
@@ -111,7 +106,7 @@ DWORD takeStamp(HANDLE file, FileStamp& stamp)
         return GetLastError();
     }
     stamp.size = joined(found.nFileSizeHigh, found.nFileSizeLow);
-    stamp.changed = joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime);
+    stamp.changed = joined(found.ftLastWriteTime);
     stamp.id = joined(found.nFileIndexHigh, found.nFileIndexLow);
     return ERROR_SUCCESS;
 }

@@ -52,6 +52,16 @@ std::wstring longPath(const std::wstring& path);
 /// A file above is none of ours: 100,000 rules need an eighth of it.
 inline constexpr LONGLONG kLargestFile = 64 << 20;
 
+/// A number, or a time, that the platform gives in two halves.
+constexpr std::uint64_t joined(DWORD high, DWORD low)
+{
+    return static_cast<std::uint64_t>(high) << 32 | low;
+}
+constexpr std::uint64_t joined(const FILETIME& time)
+{
+    return joined(time.dwHighDateTime, time.dwLowDateTime);
+}
+
 /// What tells that a file is still the one that was read.
 struct FileStamp {
     std::uint64_t size = 0;

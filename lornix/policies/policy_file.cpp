@@ -8,8 +8,6 @@
 namespace lornix {
 namespace {
 
-constexpr std::string_view kAnyone = "anyone";
-
 // In the order of the attributes' numbers.
 constexpr std::array<std::string_view, kAttributeCount> kAttributeWords = {
     "for-account", "for-whom", "rate", "run-as", "password-sealed", "min-increment"};
@@ -57,14 +55,11 @@ bool readText(std::string_view rest, std::u16string& text)
 const char* readEntry(const PolicyFormat& format, std::string_view line, PolicyRecord& entry)
 {
     if (format.hasAccount) {
-        const std::string_view account = takeWord(line);
-        if (account != kAnyone) {
-            const auto sid = parseSid(account);
-            if (!sid) {
-                return "the second word is no account";
-            }
-            entry.account = *sid;
+        const auto account = parseAccount(takeWord(line));
+        if (!account) {
+            return "the second word is no account";
         }
+        entry.account = *account;
     }
     return readText(line, entry.text) ? nullptr : "it is not readable text";
 }
@@ -94,11 +89,7 @@ void appendRecord(std::string& lines, const PolicyFormat& format, const PolicyRe
     lines += format.word;
     lines += '\t';
     if (format.hasAccount) {
-        if (entry.account.isEmpty()) {
-            lines += kAnyone;
-        } else {
-            appendSidText(lines, entry.account.bytes());
-        }
+        appendAccount(lines, entry.account.bytes());
         lines += '\t';
     }
     appendEscaped(lines, entry.text);

@@ -35,11 +35,6 @@ const char* flawOf(const QuotaRule& rule)
     return flawOfLimits(rule.hardLimit, rule.softLimit);
 }
 
-std::uint64_t hashOf(std::u16string_view key)
-{
-    return std::hash<std::u16string_view>()(key);
-}
-
 std::uint32_t hashOf(std::span<const std::uint8_t> account, std::uint32_t group)
 {
     constexpr std::uint32_t kSpread = 0x9E3779B9u;
@@ -57,7 +52,7 @@ std::uint32_t NewRules::groupOf(const wchar_t* folder, std::uint32_t guess)
     m_key.resize(std::wcslen(folder));
     std::copy_n(folder, m_key.size(), m_key.begin());
     turnIntoFolderKey(m_key);
-    return m_groupsByKey.find(hashOf(m_key),
+    return m_groupsByKey.find(hashOfKey(m_key),
                               [&](std::uint32_t group) { return m_groups[group].key == m_key; });
 }
 
@@ -73,7 +68,7 @@ bool NewRules::takeFolders(const PathList& folders)
             return false;
         }
         if (groupOf(paths[i]) == IndexTable::kNone) {
-            m_groupsByKey.enter(hashOf(m_key), static_cast<std::uint32_t>(m_groups.size()));
+            m_groupsByKey.enter(hashOfKey(m_key), static_cast<std::uint32_t>(m_groups.size()));
             m_groups.push_back({paths[i], m_key, {}});
         }
     }
@@ -158,7 +153,7 @@ bool NewRules::take(const PathList& folders, const QuotaRule* chain)
 void NewRules::clear()
 {
     constexpr std::size_t kKept = 16 << 20;
-    if (m_lines.size() > kKept) {
+    if (m_lines.size() + m_groups.size() * sizeof(Group) > kKept) {
         *this = NewRules();
     }
     m_groups.clear();

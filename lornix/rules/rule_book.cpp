@@ -1,13 +1,11 @@
 #include "lornix/rules/rule_book.h"
 
-#include "lornix/rules/rule_lines.h"
 #include "lornix/text/escaped_text.h"
 #include "lornix/text/folder_key.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstring>
-#include <functional>
 #include <iterator>
 #include <utility>
 
@@ -42,11 +40,7 @@ const char* takeApart(std::string_view& line, StoredRule& rule, bool& isKnown)
     if (const char* flaw = flawOfLimits(rule.hardLimit, rule.softLimit)) {
         return flaw;
     }
-    const std::string_view account = takeWord(line);
-    if (account == kAnyone) {
-        return nullptr;
-    }
-    const auto sid = parseSid(account);
+    const auto sid = parseAccount(takeWord(line));
     if (!sid) {
         return "the fourth word is no account";
     }
@@ -85,11 +79,6 @@ bool isFolder(std::string_view folder, std::u16string_view key)
     const bool isPlain = std::ranges::all_of(
         folder, [](char unit) { return unit != '%' && static_cast<signed char>(unit) > 0; });
     return isPlain ? hasFolderKey(folder, key) : folderKey(unescaped(folder)) == key;
-}
-
-std::uint64_t hashOf(std::u16string_view key)
-{
-    return std::hash<std::u16string_view>()(key);
 }
 
 std::string knownLineOf(std::u16string_view folder)
@@ -163,7 +152,7 @@ RuleBook::RuleBook(const FileKind& kind, std::string_view file)
             block = find(key, file);
             if (block == kNone) {
                 block = static_cast<std::uint32_t>(m_blocks.size());
-                addBlock({hashOf(key), start, 0, 0});
+                addBlock({hashOfKey(key), start, 0, 0});
             }
             lastFolder = folder;
         }
@@ -207,7 +196,7 @@ void RuleBook::gather(std::string_view file, const std::deque<Piece>& pieces)
 
 std::uint32_t RuleBook::find(std::u16string_view key, std::string_view lines) const
 {
-    const std::uint64_t hash = hashOf(key);
+    const std::uint64_t hash = hashOfKey(key);
     return m_table.find(hash, [&](std::uint32_t index) {
         // Two folders may have one hash: the name counts.
         std::string_view own = lines.substr(m_blocks[index].start);
@@ -247,7 +236,7 @@ RuleBook::Entry RuleBook::entryOf(std::u16string_view key) const
 {
     const std::uint32_t index = find(key, m_text);
     return index == kNone
-               ? Entry{hashOf(key)}
+               ? Entry{hashOfKey(key)}
                : Entry{m_blocks[index].hash, index, m_blocks[index].known != 0, ruleLines(m_blocks[index])};
 }
 

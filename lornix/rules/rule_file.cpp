@@ -18,8 +18,7 @@ bool isSettled(const FileStamp& stamp)
     constexpr std::uint64_t kMoment = 2000000; // 0.2 s in the platform's unit
     FILETIME now{};
     GetSystemTimeAsFileTime(&now);
-    const std::uint64_t time = static_cast<std::uint64_t>(now.dwHighDateTime) << 32 | now.dwLowDateTime;
-    return time > stamp.changed + kMoment;
+    return joined(now) > stamp.changed + kMoment;
 }
 
 } // namespace
@@ -35,14 +34,16 @@ bool RuleFile::isRemembered(Patience& patience) const
         return false;
     }
     FileStamp stamp;
-    if (remembered->isSettled && readStamp(m_file.path, stamp, patience) == ERROR_SUCCESS &&
-        stamp == remembered->stamp)
-    {
+    if (readStamp(m_file.path, stamp, patience) != ERROR_SUCCESS) {
+        return false;
+    }
+    if (remembered->isSettled && stamp == remembered->stamp) {
         return true;
     }
     // What is kept of a damaged file is not what stands in it.
-    if (remembered->book.condition != Condition::kGood ||
-        !holdsText(m_file.path, remembered->book.text(), patience, stamp))
+    const std::string& text = remembered->book.text();
+    if (remembered->book.condition != Condition::kGood || stamp.size != text.size() ||
+        !text.ends_with(stamp.tail) || !holdsText(m_file.path, text, patience, stamp))
     {
         return false;
     }

@@ -47,8 +47,7 @@ void RuleLines::append(std::int64_t hardLimit, std::int64_t softLimit, std::int6
         m_text.resize(m_text.size() + m_text.size() / 2 + most);
     }
     char* to = putNumber(put(m_text.data() + m_size, m_limits), inUse);
-    to = sid.empty() ? put(to, kAnyone) : m_accounts.put(to, sid);
-    to = put(to, m_end);
+    to = put(m_accounts.put(to, sid), m_end);
     m_size = static_cast<std::size_t>(to - m_text.data());
 }
 

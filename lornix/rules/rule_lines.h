@@ -35,7 +35,4 @@ private:
     std::string m_end; ///< of each line
 };
 
-/// The word for no account.
-inline constexpr std::string_view kAnyone = "anyone";
-
 } // namespace lornix

@@ -32,8 +32,7 @@ struct Named {
     {
         WIN32_FILE_ATTRIBUTE_DATA data{};
         GetFileAttributesExW(longPath(path).c_str(), GetFileExInfoStandard, &data);
-        return static_cast<std::uint64_t>(data.ftLastWriteTime.dwHighDateTime) << 32 |
-               data.ftLastWriteTime.dwLowDateTime;
+        return joined(data.ftLastWriteTime);
     }
 };
 

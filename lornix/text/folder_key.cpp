@@ -3,6 +3,7 @@
 #include "lornix/text/lower_case.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace lornix {
 
@@ -30,6 +31,11 @@ void turnIntoFolderKey(std::u16string& folder)
     while (folder.size() > 1 && folder.back() == u'\\') {
         folder.pop_back();
     }
+}
+
+std::uint64_t hashOfKey(std::u16string_view key)
+{
+    return std::hash<std::u16string_view>()(key);
 }
 
 bool hasFolderKey(std::string_view plain, std::u16string_view key)

@@ -1,6 +1,7 @@
 // When two spellings of a folder mean the same one.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,8 @@ std::u16string folderKey(std::u16string_view folder);
 
 /// The same in place.
 void turnIntoFolderKey(std::u16string& folder);
+
+std::uint64_t hashOfKey(std::u16string_view key);
 
 /// Whether a spelling of plain characters, each of a byte, has a key: without making it, for thousands of folders.
 bool hasFolderKey(std::string_view plain, std::u16string_view key);

@@ -9,6 +9,7 @@ namespace {
 constexpr std::size_t kHeadSize = 8; // revision, number of sub-authorities, authority in 6 bytes
 constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kMaxSubAuthorities = 15;
+constexpr std::string_view kAnyone = "anyone";
 constexpr std::uint64_t kMaxAuthority = 0xFFFFFFFFFFFFu;
 
 template <class Number>
@@ -77,8 +78,25 @@ void appendSidText(std::string& line, std::span<const std::uint8_t> sid)
     line.append(text, static_cast<std::size_t>(to - text));
 }
 
+void appendAccount(std::string& line, std::span<const std::uint8_t> sid)
+{
+    if (sid.empty()) {
+        line += kAnyone;
+    } else {
+        appendSidText(line, sid);
+    }
+}
+
+std::optional<Sid> parseAccount(std::string_view word)
+{
+    return word == kAnyone ? Sid() : parseSid(word);
+}
+
 char* SidSpeller::put(char* to, std::span<const std::uint8_t> sid)
 {
+    if (sid.empty()) {
+        return std::ranges::copy(kAnyone, to).out;
+    }
     const auto start = sid.first(std::max(kHeadSize, sid.size() - kNumberSize));
     if (!std::ranges::equal(start, m_start)) {
         m_start.assign(start.begin(), start.end());

@@ -38,11 +38,19 @@ private:
 /// Appends the text of a valid identifier.
 void appendSidText(std::string& line, std::span<const std::uint8_t> sid);
 
-/// Writes many identifiers, one after the other: those of a domain differ in their last number, and only that is then
-/// put together anew.
+/// The word of a file for an account.
+/// @param sid  empty for anyone.
+void appendAccount(std::string& line, std::span<const std::uint8_t> sid);
+
+/// Reads such a word.
+/// @return nothing when it is none.
+std::optional<Sid> parseAccount(std::string_view word);
+
+/// Writes the words for many accounts, one after the other: those of a domain differ in their last number, and only that
+/// is then put together anew.
 class SidSpeller {
 public:
-    /// Writes the text of a valid identifier, at most kMaxSidText long.
+    /// Writes what appendAccount does, at most kMaxSidText long.
     /// @return its end.
     char* put(char* to, std::span<const std::uint8_t> sid);
 

@@ -39,8 +39,7 @@ private:
     ImportPatch m_patch;
 };
 
-class RowQueueTest : public testing::Test {
-protected:
+struct RowQueueTest : testing::Test {
     RowQueueTest()
         : window(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 1, 1, HWND_MESSAGE, nullptr, nullptr, nullptr))
         , queue(window, kNotice)

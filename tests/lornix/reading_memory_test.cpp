@@ -1,5 +1,7 @@
 // How much memory reading a file takes, told by a heap that counts.
 #include "lornix/rules/rule_book.h"
+#include "lornix/rules/rule_lines.h"
+#include "lornix/text/folder_key.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +12,7 @@
 #include <functional>
 #include <new>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -136,6 +139,36 @@ TEST(ReadingMemoryTest, RulesTakeLessThanEightTimesTheirFile)
         std::printf("%s: %.1f times the file\n", kind.what, worst);
         EXPECT_LT(worst, 8) << kind.what;
         EXPECT_GT(worst, 1) << "is the heap counted at all?";
+    }
+}
+
+TEST(ReadingMemoryTest, ChangingRulesTakesNoSecondText)
+{
+    constexpr unsigned kFolders = 1000;
+    std::vector<std::u16string> folders;
+    std::vector<std::string> rules;
+    for (unsigned i = 0; i < kFolders; ++i) {
+        const std::string name = "D:\\Shares\\Department " + std::to_string(i);
+        folders.emplace_back(name.begin(), name.end());
+        RuleLines lines;
+        lines.startFolder(folders.back());
+        for (unsigned rule = 0; rule < 20; ++rule) {
+            lines.append(524288000, 419430400, rule, {});
+        }
+        rules.emplace_back(lines.text());
+    }
+    RuleBook book;
+    for (int round = 0; round < 2; ++round) { // those of the second replace those of the first
+        std::vector<RuleBook::Change> changes;
+        for (unsigned i = 0; i < kFolders; ++i) {
+            changes.push_back({book.entryOf(folderKey(folders[i])), folders[i], true, rules[i]});
+        }
+        const std::size_t before = held;
+        most = held;
+        book.change(changes);
+        const double cost = static_cast<double>(most - before) / static_cast<double>(book.text().size());
+        std::printf("%.2f times the text\n", cost);
+        EXPECT_LT(cost, round == 0 ? 1.5 : 0.2);
     }
 }
 

@@ -356,13 +356,7 @@ TEST_P(ListEditorTest, ShowsTenThousandEntries)
 
 TEST_P(ListEditorTest, StandsOverTheCallersWindow)
 {
-    const OwnerWindow owner;
-    DialogScript script;
-    script.onDialog("cancel", [&](HWND dialog) {
-        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.window());
-        clickLater(dialog, IDCANCEL);
-    });
-    EXPECT_EQ(script.run([&] { return editor.open(owner.window()); }), 0);
+    expectStandsOverItsOwner([this](HWND owner) { EXPECT_EQ(editor.open(owner), 0); });
 }
 
 TEST_P(ListEditorTest, HoldsNothingAfterItIsClosed)

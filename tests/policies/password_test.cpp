@@ -126,14 +126,14 @@ struct PasswordTest : testing::TestWithParam<size_t> {
     /// Opens the notification that has the stored password, if any, types another one and ends the entry dialog.
     void visitEntry(bool stored, int button)
     {
-        std::wstring old = password(length, m_stored);
+        std::wstring old = password(length, storedKind);
         store.putNotification(L"script",
                               {nullptr, L"0", L"0", L"runner", stored ? old.c_str() : nullptr, L"0"});
         wipe(old);
         EditorVisit visit(store, editNotifications, kNotificationEntry, IDC_NOTIFICATIONS_LIST);
         visit.edit(0)
             .entry([&](HWND entry) {
-                std::wstring typed = password(length, m_typed);
+                std::wstring typed = password(length, typedKind);
                 type(entry, IDC_NOTIFY_PASSWORD, typed.c_str());
                 wipe(typed);
                 PostMessageW(entry, WM_COMMAND, static_cast<WPARAM>(button), 0);
@@ -147,8 +147,8 @@ struct PasswordTest : testing::TestWithParam<size_t> {
         static wchar_t next = L'\x4e00';
         return next += 32;
     }
-    const wchar_t m_stored = fresh();
-    const wchar_t m_typed = fresh();
+    const wchar_t storedKind = fresh();
+    const wchar_t typedKind = fresh();
     const size_t length = GetParam();
     PolicyStore store;
 };
@@ -158,23 +158,23 @@ struct PasswordTest : testing::TestWithParam<size_t> {
 TEST_P(PasswordTest, OkLeavesTheStoresCopyAlone)
 {
     visitEntry(true, IDOK);
-    EXPECT_EQ(left(length, m_stored), 0);
-    EXPECT_EQ(left(length, m_typed), 1);
+    EXPECT_EQ(left(length, storedKind), 0);
+    EXPECT_EQ(left(length, typedKind), 1);
 }
 
 TEST_P(PasswordTest, CancelLeavesTheStoresCopyAlone)
 {
     visitEntry(true, IDCANCEL);
-    EXPECT_EQ(left(length, m_typed), 0);
-    EXPECT_EQ(left(length, m_stored), 1);
+    EXPECT_EQ(left(length, typedKind), 0);
+    EXPECT_EQ(left(length, storedKind), 1);
 }
 
 TEST_P(PasswordTest, AFaultOfTheStoreLeavesNoCopyEither)
 {
     store.raise("setNAttr", Fault::kAccessViolation);
     visitEntry(true, IDOK);
-    EXPECT_EQ(left(length, m_typed), 0);
-    EXPECT_EQ(left(length, m_stored), 1);
+    EXPECT_EQ(left(length, typedKind), 0);
+    EXPECT_EQ(left(length, storedKind), 1);
 }
 
 TEST(PasswordOfNotificationTest, DoesNotStayInTheLibrarysBuffer)

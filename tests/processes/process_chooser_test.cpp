@@ -269,13 +269,7 @@ TEST_F(ProcessChooserTest, SortsByTheColumnThatIsClicked)
 
 TEST_F(ProcessChooserTest, StandsOverTheCallersWindow)
 {
-    const OwnerWindow owner;
-    DialogScript script;
-    script.onDialog("cancel", [&](HWND dialog) {
-        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.window());
-        clickLater(dialog, IDCANCEL);
-    });
-    EXPECT_EQ(script.run([&] { return chooseProcess(owner.window()); }), nullptr);
+    expectStandsOverItsOwner([](HWND owner) { EXPECT_EQ(chooseProcess(owner), nullptr); });
 }
 
 TEST_F(ProcessChooserTest, CountsRowsAnewEachTime)

@@ -9,8 +9,6 @@
 
 #include <string>
 
-using testing::ElementsAre;
-
 namespace {
 
 struct ButtonsTest : RuleListTest {

@@ -7,6 +7,19 @@
 
 namespace quota_settings {
 
+std::vector<std::string> callsForAccount(const std::string& name)
+{
+    return {"getAccountBySidW " + name + " 128",
+            "getRealSize C:\\data",
+            "createEmptySidList",
+            "sidDup " + name,
+            "appendToSidList [] " + name,
+            "getRealSizeByOwner C:\\data [" + name + "]",
+            "freeSidList [" + name + "]",
+            "getAccountBySidW " + name + " 128",
+            "enumerateGroupUsers null " + name + " null"};
+}
+
 QuotaRule* newRule(const void* sid)
 {
     return RecordingStore::makeRule(L"C:\\data", sid, -1, -1, QUOTA_IN_USE_UNKNOWN);

@@ -30,6 +30,9 @@ QuotaRule* newRule(const void* sid = nullptr);
 inline constexpr char kAlreadyUsed[] =
     "Limit you've specified is already used. Please change user/group or specify other folder.";
 
+/// What the store is asked by a dialog that adds a rule for an account.
+std::vector<std::string> callsForAccount(const std::string& name);
+
 /// Whether the cursor of a person who waits is shown.
 inline bool showsWaitCursor()
 {

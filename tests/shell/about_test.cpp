@@ -191,13 +191,7 @@ TEST_F(AboutTest, ShowsNothingWithoutItsTemplate)
 
 TEST_F(AboutTest, StandsOverTheCallersWindow)
 {
-    const OwnerWindow owner;
-    DialogScript script;
-    script.onDialog("press OK", [&](HWND dialog) {
-        EXPECT_EQ(GetWindow(dialog, GW_OWNER), owner.window());
-        clickLater(dialog, IDOK);
-    });
-    show(script, owner.window());
+    expectStandsOverItsOwner(showAboutDialog, IDOK);
 }
 
 TEST_F(AboutTest, LeavesNothingBehind)

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -94,6 +95,13 @@ struct Regime {
 
 // Before main, and before most of what other static objects allocate.
 const Regime kRegime;
+
+// What was allocated before may have been given back since, while the tests were registered.
+struct RestOfLowHeap : testing::Environment {
+    void SetUp() override { exhaustLowHeap(); }
+};
+testing::Environment* const kRest =
+    testing::AddGlobalTestEnvironment(std::make_unique<RestOfLowHeap>().release());
 
 } // namespace
 

@@ -9,8 +9,8 @@
 namespace host {
 namespace {
 
-constexpr UINT_PTR kSubclass = 1;
-constexpr int kTextMargin = 4; // pixels
+constexpr UINT_PTR kEditSubclass = 1;
+constexpr int kEditMargin = 4; // pixels
 
 class FilterEdit {
 public:
@@ -69,12 +69,12 @@ private:
     std::wstring m_before;
 };
 
-LRESULT CALLBACK subclass(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                          DWORD_PTR data)
+LRESULT CALLBACK editProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                               DWORD_PTR data)
 {
     auto* edit = reinterpret_cast<FilterEdit*>(data);
     if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, subclass, id);
+        RemoveWindowSubclass(window, editProcedure, id);
         const std::unique_ptr<FilterEdit> end(edit);
         return DefSubclassProc(window, message, wParam, lParam);
     }
@@ -88,11 +88,11 @@ HWND newFilterEdit(HWND header)
     const HWND edit = CreateWindowExW(0, WC_EDITW, L"", WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL, 0,
                                       0, 0, 0, header, nullptr, nullptr, nullptr);
     auto keys = std::make_unique<FilterEdit>(edit);
-    if (SetWindowSubclass(edit, subclass, kSubclass, reinterpret_cast<DWORD_PTR>(keys.get()))) {
+    if (SetWindowSubclass(edit, editProcedure, kEditSubclass, reinterpret_cast<DWORD_PTR>(keys.get()))) {
         keys.release()->begin(); // the edit's own, until it is destroyed
     }
     SendMessageW(edit, WM_SETFONT, static_cast<WPARAM>(SendMessageW(header, WM_GETFONT, 0, 0)), FALSE);
-    SendMessageW(edit, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(kTextMargin, kTextMargin));
+    SendMessageW(edit, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(kEditMargin, kEditMargin));
     return edit;
 }
 

@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-constexpr int kTextMargin = 6; // pixels beside a heading
+constexpr int kHeadingMargin = 6; // pixels beside a heading
 
 /// How headings look in the present theme; without one they have the old raised edges.
 class HeadingLook {
@@ -59,7 +59,7 @@ void paintHeading(HWND header, HDC dc, int column, int lower, const HeadingLook&
     SendMessageW(header, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&cell));
     cell.bottom -= lower;
     look.paint(dc, cell);
-    InflateRect(&cell, -kTextMargin, 0);
+    InflateRect(&cell, -kHeadingMargin, 0);
     const int justify = item.fmt & HDF_JUSTIFYMASK;
     const UINT side = justify == HDF_RIGHT ? DT_RIGHT : justify == HDF_CENTER ? DT_CENTER : DT_LEFT;
     DrawTextW(dc, heading, -1, &cell, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX | side);

@@ -37,7 +37,7 @@ bool PolicyList::load()
     PolicyLines seen;
     const auto found = readKept<Finding>(file(data), patience, [&](std::string_view text) {
         return readPolicy(m_format, text, [&](const PolicyRecord& record) {
-            unreadable += take(record) ? 0 : 1;
+            unreadable += take(record) ? 0u : 1u;
             seen.append(m_format, record);
             seen.lines.clear();
         });

@@ -8,7 +8,6 @@
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

@@ -12,7 +12,6 @@
 
 using namespace quota_settings;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

@@ -11,9 +11,6 @@
 namespace {
 
 constexpr UINT kTickMilliseconds = 10;
-// A step that is not done by then never will be; long enough for a machine that does much else.
-constexpr ULONGLONG kPatienceMilliseconds = 15000;
-
 DialogScript* running = nullptr;
 
 BOOL CALLBACK collectDialog(HWND window, LPARAM dialogs)
@@ -77,7 +74,7 @@ DialogScript& DialogScript::answerBox(std::string text, std::string caption)
 
 void DialogScript::tick()
 {
-    if (m_gaveUp || GetTickCount64() > m_deadline) {
+    if (m_gaveUp || ++m_ticksInVain > m_patience) {
         giveUp();
         return;
     }
@@ -87,7 +84,9 @@ void DialogScript::tick()
     }
     // Counted before it runs: a step that opens a dialog goes on only when that is closed, by later steps.
     const size_t index = m_next++;
-    if (!m_steps[index].tryIt(front) && m_next == index + 1) {
+    if (m_steps[index].tryIt(front)) {
+        m_ticksInVain = 0;
+    } else if (m_next == index + 1) {
         m_next = index;
     }
 }
@@ -114,7 +113,7 @@ DialogScript::Running::Running(DialogScript& script)
     , m_script(script)
     , m_outer(std::exchange(running, &script))
 {
-    m_script.m_deadline = GetTickCount64() + kPatienceMilliseconds;
+    m_script.m_ticksInVain = 0;
 }
 
 DialogScript::Running::~Running()

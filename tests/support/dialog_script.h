@@ -13,12 +13,20 @@
 /// dialogs.
 ///
 /// A step sees the dialog in front, and runs when the thread's message queue is empty. When it gives false, it
-/// is tried again. What is still to be done at the deadline fails the test by its name, and then all dialogs are
+/// is tried again. What is not done after so many looks in a row fails the test by its name, and then all dialogs are
 /// ended, so that the test comes to its end. So does a dialog that the last step leaves open.
 class DialogScript {
 public:
     using Try = std::function<bool(HWND front)>;
     using Act = std::function<void(HWND front)>;
+
+    /// How often in a row it looks in vain before it gives up. Looks are counted and not the time: on a machine that does
+    /// much else they come late, as all does.
+    DialogScript& patience(int looks)
+    {
+        m_patience = looks;
+        return *this;
+    }
 
     /// Tried until it gives true.
     DialogScript& step(std::string what, Try tryIt);
@@ -73,7 +81,8 @@ private:
 
     std::vector<Step> m_steps;
     size_t m_next = 0;
-    ULONGLONG m_deadline = 0;
+    int m_patience = 1500;
+    int m_ticksInVain = 0;
     bool m_gaveUp = false;
     HWND m_boxOwner = nullptr;
 };

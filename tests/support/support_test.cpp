@@ -145,6 +145,28 @@ TEST(DialogScriptTest, ComplainsAboutADialogThatNeverComes)
     EXPECT_NONFATAL_FAILURE(script.run([] { return 0; }), "press OK");
 }
 
+TEST(DialogScriptTest, NamesTheStepThatItIsStuckAt)
+{
+    DialogScript script;
+    script.patience(5).step("never done", [](HWND) { return false; });
+    EXPECT_NONFATAL_FAILURE(script.run([] { return MessageBoxA(nullptr, "text", "caption", MB_OKCANCEL); }),
+                            "stuck at the step: never done; open: \"caption\"");
+}
+
+TEST(DialogScriptTest, WaitsForASlowMachineAsLongAsItGetsOn)
+{
+    DialogScript script;
+    script.patience(5);
+    for (int step = 0; step < 4; ++step) {
+        script.step("slow", [tries = 0](HWND) mutable {
+            Sleep(20);
+            return ++tries == 3;
+        });
+    }
+    script.step("close", [](HWND front) { return EndDialog(front, IDOK) != FALSE; });
+    EXPECT_EQ(script.run([] { return MessageBoxA(nullptr, "text", "caption", MB_OK); }), IDOK);
+}
+
 TEST(ImportPatchTest, ReplacesAnImportAndPutsItBack)
 {
     const HMODULE self = GetModuleHandleW(nullptr);

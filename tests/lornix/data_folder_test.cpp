@@ -1,6 +1,7 @@
 // The data folder: chosen, from the environment, made, gone.
 #include "store_test.h"
 
+#include "store/owned.h"
 #include "tests/support/import_patch.h"
 
 #include <aclapi.h>
@@ -84,11 +85,16 @@ BOOL WINAPI linkTag(HANDLE, FILE_INFO_BY_HANDLE_CLASS, void* found, DWORD)
     return TRUE;
 }
 
-/// The folder that the store chooses by itself, and the one above; away before and after.
+/// The folder that the store chooses by itself, and the one above; away before and after. There is one for the whole
+/// system, and these tests go side by side in several processes: each has it alone.
 class CommonFolderTest : public StoreTest {
 protected:
     void SetUp() override
     {
+        ASSERT_NE(m_turn.get(), nullptr);
+        // An abandoned one is as good: what a process left that ended is removed below.
+        const DWORD got = WaitForSingleObject(m_turn.get(), 60'000);
+        ASSERT_TRUE(got == WAIT_OBJECT_0 || got == WAIT_ABANDONED) << got;
         StoreTest::SetUp();
         wchar_t common[MAX_PATH];
         GetEnvironmentVariableW(L"ProgramData", common, MAX_PATH);
@@ -102,11 +108,13 @@ protected:
     {
         std::filesystem::remove_all(m_above);
         StoreTest::TearDown();
+        ReleaseMutex(m_turn.get());
     }
     std::filesystem::path above() const { return m_above; }
     std::filesystem::path folder() const { return m_above / L"lornix"; }
 
 private:
+    const Owned<HANDLE, CloseHandle> m_turn{CreateMutexW(nullptr, FALSE, L"corvane tests: the common folder")};
     std::filesystem::path m_above;
 };
 

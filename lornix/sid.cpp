@@ -27,14 +27,6 @@ bool isSid(const void* sid)
     return sid != nullptr && IsValidSid(platformSid(sid));
 }
 
-std::span<const std::uint8_t> sidBytes(const void* sid)
-{
-    if (sid == nullptr) {
-        return {};
-    }
-    return {static_cast<const std::uint8_t*>(sid), GetLengthSid(platformSid(sid))};
-}
-
 std::string_view sidKey(const void* sid)
 {
     const auto bytes = sidBytes(sid);

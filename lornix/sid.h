@@ -11,8 +11,16 @@ namespace lornix {
 bool isSid(const void* sid);
 
 /// @param sid  null, or valid.
-/// @return its bytes; none for null.
-std::span<const std::uint8_t> sidBytes(const void* sid);
+/// @return its bytes; none for null. Storing rules asks for those of a hundred thousand.
+inline std::span<const std::uint8_t> sidBytes(const void* sid)
+{
+    if (sid == nullptr) {
+        return {};
+    }
+    // As everywhere on the platform: eight bytes, the second of which tells how many numbers of four follow.
+    const auto* bytes = static_cast<const std::uint8_t*>(sid);
+    return {bytes, 8 + std::size_t{4} * bytes[1]};
+}
 
 /// The same bytes as a key of tables.
 std::string_view sidKey(const void* sid);

@@ -2,23 +2,16 @@
 
 #include "lornix/text/escaped_text.h"
 #include "lornix/text/framed_text.h"
-
-#include <algorithm>
-#include <charconv>
+#include "lornix/text/put_text.h"
 
 namespace lornix {
 namespace {
 
 constexpr std::size_t kLongestNumber = 24; // with what stands behind it
 
-char* put(char* to, std::string_view text)
+char* putColumn(char* to, std::int64_t number)
 {
-    return std::copy(text.begin(), text.end(), to);
-}
-
-char* putNumber(char* to, std::int64_t number)
-{
-    to = std::to_chars(to, to + kLongestNumber, number).ptr;
+    to = putNumber(to, number);
     *to = '\t';
     return to + 1;
 }
@@ -37,7 +30,7 @@ void RuleLines::append(std::int64_t hardLimit, std::int64_t softLimit, std::int6
 {
     if (m_limits.empty() || hardLimit != m_hardLimit || softLimit != m_softLimit) {
         char limits[2 * kLongestNumber];
-        const char* end = putNumber(putNumber(limits, hardLimit), softLimit);
+        const char* end = putColumn(putColumn(limits, hardLimit), softLimit);
         m_limits.assign(limits, static_cast<std::size_t>(end - limits));
         m_hardLimit = hardLimit;
         m_softLimit = softLimit;
@@ -46,8 +39,8 @@ void RuleLines::append(std::int64_t hardLimit, std::int64_t softLimit, std::int6
     if (m_text.size() - m_size < most) {
         m_text.resize(m_text.size() + m_text.size() / 2 + most);
     }
-    char* to = putNumber(put(m_text.data() + m_size, m_limits), inUse);
-    to = put(m_accounts.put(to, sid), m_end);
+    char* to = putColumn(putText(m_text.data() + m_size, m_limits), inUse);
+    to = putText(m_accounts.put(to, sid), m_end);
     m_size = static_cast<std::size_t>(to - m_text.data());
 }
 

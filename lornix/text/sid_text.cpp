@@ -1,5 +1,7 @@
 #include "lornix/text/sid_text.h"
 
+#include "lornix/text/put_text.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -11,12 +13,6 @@ constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kMaxSubAuthorities = 15;
 constexpr std::string_view kAnyone = "anyone";
 constexpr std::uint64_t kMaxAuthority = 0xFFFFFFFFFFFFu;
-
-template <class Number>
-char* putNumber(char* to, Number number, int base = 10)
-{
-    return std::to_chars(to, to + 24, number, base).ptr;
-}
 
 char* putSubAuthorities(char* to, std::span<const std::uint8_t> rest)
 {
@@ -71,9 +67,7 @@ void appendSidText(std::string& line, std::span<const std::uint8_t> sid)
     const bool isLong = authority > 0xFFFFFFFFu;
     char text[kMaxSidText] = "S-";
     char* to = putNumber(text + 2, static_cast<unsigned>(sid[0]));
-    for (const char unit : std::string_view(isLong ? "-0x" : "-")) {
-        *to++ = unit;
-    }
+    to = putText(to, isLong ? "-0x" : "-");
     to = putSubAuthorities(putNumber(to, authority, isLong ? 16 : 10), sid.subspan(kHeadSize));
     line.append(text, static_cast<std::size_t>(to - text));
 }
@@ -95,7 +89,7 @@ std::optional<Sid> parseAccount(std::string_view word)
 char* SidSpeller::put(char* to, std::span<const std::uint8_t> sid)
 {
     if (sid.empty()) {
-        return std::ranges::copy(kAnyone, to).out;
+        return putText(to, kAnyone);
     }
     const auto start = sid.first(std::max(kHeadSize, sid.size() - kNumberSize));
     if (!std::ranges::equal(start, m_start)) {
@@ -103,7 +97,7 @@ char* SidSpeller::put(char* to, std::span<const std::uint8_t> sid)
         m_text.clear();
         appendSidText(m_text, start);
     }
-    return putSubAuthorities(std::ranges::copy(m_text, to).out, sid.subspan(start.size()));
+    return putSubAuthorities(putText(to, m_text), sid.subspan(start.size()));
 }
 
 std::optional<Sid> parseSid(std::string_view text)

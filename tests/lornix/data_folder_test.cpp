@@ -114,7 +114,8 @@ protected:
     std::filesystem::path folder() const { return m_above / L"lornix"; }
 
 private:
-    const Owned<HANDLE, CloseHandle> m_turn{CreateMutexW(nullptr, FALSE, L"corvane tests: the common folder")};
+    const Owned<HANDLE, CloseHandle> m_turn{
+        CreateMutexW(nullptr, FALSE, L"corvane tests: the common folder")};
     std::filesystem::path m_above;
 };
 

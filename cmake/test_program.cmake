@@ -66,7 +66,7 @@ endfunction()
 # that each time. The tests tell all they have to tell on the other one.
 function(without_error_output target)
   set_target_properties(${target} PROPERTIES CROSSCOMPILING_EMULATOR
-    "sh;-c;exec ${CMAKE_CROSSCOMPILING_EMULATOR} \"$@\" 2>/dev/null;sh")
+    "sh;-c;exec \"$@\" 2>/dev/null;sh;${CMAKE_CROSSCOMPILING_EMULATOR}")
 endfunction()
 
 # Usage: heap_programs(NAME SOURCE... [LIBRARIES LIBRARY...] [DIRECTORY DIR])

@@ -18,7 +18,7 @@ steps=$(dirname "${BASH_SOURCE[0]}")/steps
 . "$steps/dialogs.sh"
 . "$steps/samples.sh"
 
-patience=30
+patience=120    # far more than a machine needs that does twenty other things
 current_step=start
 launcher=()    # a program and its options, which starts the host
 
@@ -38,7 +38,8 @@ story_begin() {
     pictures=${CORVANE_PICTURES:+$CORVANE_PICTURES/${out##*/}}
     rm -rf "$pictures"
     kind=quiet
-    [ -z "$pictures" ] || kind=screen
+    # A display loses a key now and then, and then nothing comes.
+    [ -z "$pictures" ] || { kind=screen && patience=30; }
     wine_use $kind "$prefix"
     # Programs see the output folder under a short name, the same on every machine.
     ln -s "$out" "$WINEPREFIX/drive_c/Quota"

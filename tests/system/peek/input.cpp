@@ -155,7 +155,7 @@ void dragFrame(int x, int y, int byX, int byY)
         info.cbSize = sizeof info;
         return GetGUIThreadInfo(0, &info) && (info.flags & GUI_INMOVESIZE) != 0;
     };
-    constexpr ULONGLONG kPatience = 5000;
+    constexpr ULONGLONG kPatience = 20000;
     const ULONGLONG deadline = GetTickCount64() + kPatience;
     while (!follows() && GetTickCount64() < deadline) {
         Sleep(1);

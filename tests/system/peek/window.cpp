@@ -40,7 +40,7 @@ void print(int number)
 LRESULT send(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     // Bounded: a program that hangs must not hang the script as well.
-    constexpr UINT kPatience = 5000;
+    constexpr UINT kPatience = 20000;
     DWORD_PTR result = 0;
     if (SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kPatience, &result) == 0) {
         throw Missing{"an answer of the window"};

@@ -38,7 +38,11 @@ function(run_test_program target)
     tests_of(${label} ${target})
   endforeach()
   if(arg_EACH_ALONE)
-    # They are listed when they run, so that a build needs no Windows runtime.
+    # They are listed when they run, so that a build needs no Windows runtime: those that GTEST_FILTER picks, and with another
+    # GTEST_FILTER anew, or one run would leave tests out of all that follow.
+    set(list "${CMAKE_CURRENT_BINARY_DIR}/${target}[1]_tests.cmake")
+    configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/listed_tests.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/${target}_listed.cmake @ONLY)
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_CURRENT_BINARY_DIR}/${target}_listed.cmake)
     gtest_discover_tests(${target} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
       PROPERTIES LABELS "${labels}")
     return()
@@ -62,7 +66,7 @@ endfunction()
 # that each time. The tests tell all they have to tell on the other one.
 function(without_error_output target)
   set_target_properties(${target} PROPERTIES CROSSCOMPILING_EMULATOR
-    "sh;-c;exec ${CMAKE_CROSSCOMPILING_EMULATOR} \"$@\" 2>/dev/null;sh")
+    "sh;-c;exec \"$@\" 2>/dev/null;sh;${CMAKE_CROSSCOMPILING_EMULATOR}")
 endfunction()
 
 # Usage: heap_programs(NAME SOURCE... [LIBRARIES LIBRARY...] [DIRECTORY DIR])

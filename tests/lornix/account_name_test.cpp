@@ -105,6 +105,8 @@ TEST_F(AccountNameTest, AHundredThousandAreRememberedAndThenTheOldestGoes)
 {
     constexpr DWORD kMost = 100000;
     const ImportPatch lookup(storeModule(), "LookupAccountSidW", &knowNobody);
+    const ImportPatch time(storeModule(), "GetTickCount64", &laterTime);
+    ASSERT_EQ(time.count(), 1);
     const Block<void> sid = sidOf(L"S-1-5-21-2-2-2-0");
     wchar_t buffer[10];
     const auto ask = [&](DWORD number) {

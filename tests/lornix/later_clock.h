@@ -1,4 +1,5 @@
-// A clock that is set forward, for what the store remembers for a while.
+// A clock that stands until it is set forward, for what the store remembers for a while: how long a busy machine takes
+// between two calls does not count.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +11,8 @@ inline ULONGLONG addedTime = 0; ///< milliseconds
 /// Takes the place of GetTickCount64.
 inline ULONGLONG WINAPI laterTime()
 {
-    return GetTickCount64() + addedTime;
+    static const ULONGLONG start = GetTickCount64();
+    return start + addedTime;
 }
 
 } // namespace store_test

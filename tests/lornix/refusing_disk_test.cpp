@@ -1,5 +1,6 @@
 // Disks that are full, read-only, locked: nothing that was stored is lost, and the report says why.
 #include "held_files.h"
+#include "later_clock.h"
 
 #include "tests/support/import_patch.h"
 
@@ -205,7 +206,10 @@ TEST_F(RefusingDiskTest, FileThatCannotBeReplacedStaysForAllFolders)
 TEST_F(RefusingDiskTest, WaitingForFilesIsCountedOverCallsThatFollowEachOther)
 {
     const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
+    const ImportPatch clock(storeModule(), "GetTickCount64", &laterTime);
+    ASSERT_EQ(clock.count(), 1);
     const HeldFiles held;
+    addedTime = 0;
     sleeps = 0;
     EXPECT_TRUE(stored(L"D:\\A").empty());
     EXPECT_TRUE(reported(L"(error 32)"));
@@ -221,10 +225,7 @@ TEST_F(RefusingDiskTest, WaitingForFilesIsCountedOverCallsThatFollowEachOther)
         EXPECT_EQ(attempt({L"D:\\A"}, {{L"D:\\A", 50}}), 0);
     }
     EXPECT_EQ(sleeps, 0) << "a lock that cannot be opened is no lock that somebody has";
-    const auto begin = GetTickCount64();
-    while (GetTickCount64() < begin + 1200) { // somebody reads what was reported
-        SleepEx(50, FALSE);
-    }
+    addedTime = 1001; // somebody reads what was reported
     stored(L"D:\\A");
     EXPECT_EQ(sleeps, once) << "another call of the host";
 }
@@ -233,6 +234,8 @@ TEST_F(RefusingDiskTest, ALockThatSomeoneKeepsIsWaitedForOnce)
 {
     const HANDLE lock = keepLock();
     const ImportPatch sleep(storeModule(), "Sleep", &noSleep);
+    const ImportPatch clock(storeModule(), "GetTickCount64", &laterTime);
+    addedTime = 0;
     sleeps = 0;
     EXPECT_EQ(attempt(m_folders, {{L"D:\\A", 50}}), 0);
     const int once = sleeps;

@@ -44,11 +44,11 @@ test_on() {
     mkdir -p "$beside"
     cp "$build/$1/$3" "$build/$1"/*.dll "$beside/"
     cp "$out/built/part/bin/$2" "$beside/"
-    said=$(cd "$beside" && GTEST_BRIEF=1 wine "./$3" --gtest_filter="$4" 2>/dev/null </dev/null) || wrong "$said"
+    said=$(cd "$beside" && GTEST_BRIEF=1 "$source/tools/windows_program" "./$3" --gtest_filter="$4" 2>/dev/null </dev/null) || wrong "$said"
     [[ $said =~ PASSED[[:space:]]*\][[:space:]]*[1-9] ]] || wrong "$3: no test ran"
     echo "$3: $(tail -n 1 <<<"$said")"
 }
-said=$(wine "$out/built/trapped_call.exe" 2>/dev/null </dev/null) || wrong "$said"
+said=$("$source/tools/windows_program" "$out/built/trapped_call.exe" 2>/dev/null </dev/null) || wrong "$said"
 test_on tests/bin corvane.dll frame_tests.exe '-HeapRegimeTest.*'
 test_on tests/bin corvane.dll quota_dialog_tests_high.exe '*.MeasuringTheFolderIsSilent/*'
 test_on tests/bin corvane.dll policies_test_high.exe '*.AFaultInAnyStoreCall*'

@@ -28,40 +28,48 @@ cp -r "$package/examples" "$out/examples" # read from another folder than the pa
 run() {
     local program=$1 code=0
     shift
-    wine "$program" "$@" 2>"$out/run.log" </dev/null | tr -d '\r' || code=$?
+    "$source/tools/windows_program" "$program" "$@" 2>"$out/run.log" </dev/null | tr -d '\r' || code=$?
     [ "$code" = 0 ] || { wrong "$program: code $code"; cat "$out/run.log" >&2; }
 }
 is() { [ "$2" = "$3" ] || wrong "$1: \"$3\" and not \"$2\""; }
 windows() { printf 'Z:%s' "${1//\//\\}"; }
 
-# What a person would do in the smallest panel, without a look at the desktop that other tests share.
-cat >"$out/drop_and_apply.c" <<'C'
+# Says how many rules the smallest panel shows; with a word, drops the first one and applies that. Found by its class, without
+# a look at the desktop that other tests share: each of their windows would have to answer.
+cat >"$out/at_the_panel.c" <<'C'
 #include <windows.h>
-int main(void)
+#include <commctrl.h>
+#include <stdio.h>
+int main(int words)
 {
     HWND panel = FindWindowA("smallest", NULL);
-    SendMessageA(GetDlgItem(panel, 100), WM_KEYDOWN, VK_DOWN, 0); /* the list: its first row */
-    SendMessageA(panel, WM_COMMAND, 103, 0); /* Drop */
-    SendMessageA(panel, WM_COMMAND, 104, 0); /* Apply */
+    HWND list = GetDlgItem(panel, 100);
+    if (words == 1) {
+        printf("%d", (int)SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
+    } else {
+        SendMessageA(list, WM_KEYDOWN, VK_DOWN, 0); /* the list: its first row */
+        SendMessageA(panel, WM_COMMAND, 103, 0); /* Drop */
+        SendMessageA(panel, WM_COMMAND, 104, 0); /* Apply */
+    }
     return panel == NULL;
 }
 C
-x86_64-w64-mingw32-gcc "$out/drop_and_apply.c" -o "$out/drop_and_apply.exe"
+x86_64-w64-mingw32-gcc "$out/at_the_panel.c" -o "$out/at_the_panel.exe"
 
-# shows_the_rule WHAT PROGRAM FOLDER [PROGRAM]: the smallest panel shows one rule, has the other program do something to
-# it, and goes when it is told to.
+# shows_the_rule WHAT PROGRAM FOLDER [WORD]: the smallest panel shows one rule, something is done to it, and it goes when it
+# is told to.
 shows_the_rule() {
     local rules='' i panel
     wine "$2" "$3" </dev/null >/dev/null 2>&1 &
     panel=$!
     for ((i = 0; i < 300; i++)); do
-        rules=$(printf 'count\tSmallest panel\t100\n' | wine "$build/tests/system/peek.exe" 2>/dev/null | tr -d '\r' | head -n 1) || true
+        rules=$(wine "$out/at_the_panel.exe" 2>/dev/null </dev/null) || true
         [ "$rules" != 1 ] || break
         kill -0 $panel 2>/dev/null || break
         sleep 0.1
     done
     is "$1" 1 "$rules"
-    [ -z "${4:-}" ] || run "$4"
+    [ -z "${4:-}" ] || run "$out/at_the_panel.exe" "$4"
     wine taskkill /im smallest.exe >/dev/null 2>&1 </dev/null || wrong "$1: it cannot be told to go"
     wait $panel || wrong "$1: it ended with $?"
 }
@@ -103,7 +111,7 @@ for line in "${lines[@]}"; do
     LORNIX_DATA=$(windows "$out/data gcc") shows_the_rule "$line" "$package/bin/smallest.exe" "$folder"
 done
 cp -r "$out/data gcc" "$out/data dropped"
-LORNIX_DATA=$(windows "$out/data dropped") shows_the_rule 'dropping and applying' "$package/bin/smallest.exe" "$folder" "$out/drop_and_apply.exe"
+LORNIX_DATA=$(windows "$out/data dropped") shows_the_rule 'dropping and applying' "$package/bin/smallest.exe" "$folder" drop
 is 'what is stored then' '' "$(run "$out/clang/quota_report.exe" "$(windows "$out/data dropped")" "$folder")"
 
 # The sample panel as a project of its own: its files as one, as its speed is not looked at.

@@ -8,11 +8,11 @@
 
 namespace {
 
-using Rules = std::vector<std::uint32_t>;
+using Numbers = std::vector<std::uint32_t>;
 
-Rules rulesOf(const RuleGroups& groups, std::uint32_t hash)
+Numbers rulesOf(const RuleGroups& groups, std::uint32_t hash)
 {
-    Rules rules;
+    Numbers rules;
     const std::uint32_t met = groups.find(hash, [&](std::uint32_t rule) {
         rules.push_back(rule);
         return false;
@@ -31,7 +31,7 @@ TEST(RuleGroups, RoomMadeBeforehandChangesNothing)
         groups.addOnTop(i % 500, i);
     }
     groups.reserve(1);
-    EXPECT_EQ(rulesOf(groups, 3), (Rules{503, 3, 0}));
+    EXPECT_EQ(rulesOf(groups, 3), (Numbers{503, 3, 0}));
     EXPECT_EQ(groups.size(499), 2u);
     EXPECT_EQ(groups.size(500), 0u);
 }
@@ -42,7 +42,7 @@ TEST(RuleGroups, FromTheTopDown)
     EXPECT_EQ(groups.addOnTop(7, 30), 1u);
     EXPECT_EQ(groups.addOnTop(7, 20), 2u);
     EXPECT_EQ(groups.addOnTop(8, 10), 1u);
-    EXPECT_EQ(rulesOf(groups, 7), (Rules{20, 30}));
+    EXPECT_EQ(rulesOf(groups, 7), (Numbers{20, 30}));
     EXPECT_EQ(groups.size(7), 2u);
     EXPECT_EQ(groups.size(8), 1u);
 }
@@ -63,25 +63,25 @@ TEST(RuleGroups, StopsAtTheFirstThatMeetsTheCondition)
     for (const std::uint32_t rule : {5u, 6u, 7u}) {
         groups.addOnTop(1, rule);
     }
-    Rules asked;
+    Numbers asked;
     EXPECT_EQ(groups.find(1,
                           [&](std::uint32_t rule) {
                               asked.push_back(rule);
                               return rule == 6;
                           }),
               6u);
-    EXPECT_EQ(asked, (Rules{7, 6}));
+    EXPECT_EQ(asked, (Numbers{7, 6}));
 }
 
 TEST(RuleGroups, ManyGroupsKeepTheirRulesWhileTheTableGrows)
 {
     std::mt19937 random(15);
-    std::map<std::uint32_t, Rules> expected;
+    std::map<std::uint32_t, Numbers> expected;
     RuleGroups groups;
     for (std::uint32_t rule = 0; rule < 20'000; ++rule) {
         // Few different lower bits, so that many hashes meet in one place.
-        const std::uint32_t hash = (random() % 3000) << 20 | random() % 4;
-        Rules& group = expected[hash];
+        const std::uint32_t hash = static_cast<std::uint32_t>((random() % 3000) << 20 | random() % 4);
+        Numbers& group = expected[hash];
         group.insert(group.begin(), rule);
         ASSERT_EQ(groups.addOnTop(hash, rule), group.size());
     }

@@ -23,11 +23,9 @@ Filling::Filling(const CListCtrl& list, const PathList* paths)
     , m_folders(foldersOf(paths))
 {
     const int rows = list.rowCount();
-    m_rows.reserve(static_cast<std::size_t>(rows));
     m_shown.reserve(static_cast<std::size_t>(rows));
     for (int row = rows - 1; row >= 0; --row) {
         if (QuotaRule* rule = ruleOfRow(list, row)) {
-            m_rows.push_back(rule);
             m_shown.addOnTop(*rule);
         }
     }
@@ -40,7 +38,6 @@ QuotaRule* Filling::nextNew()
             QuotaRule* rule = std::exchange(m_rule, m_rule->next);
             // Noted at once: after a row went in, little of this is left in the processor's cache.
             if (m_shown.addIfNew(*rule)) {
-                m_rows.push_back(rule);
                 return rule;
             }
         }
@@ -96,8 +93,8 @@ void Filling::finishFolder()
     if (m_sorts) {
         relinkRows(m_list);
     } else {
-        m_first = linkOnTop(std::span(m_rows).subspan(m_linked), m_first);
-        m_linked = m_rows.size();
+        m_first = linkOnTop(m_shown.rules().subspan(m_linked), m_first);
+        m_linked = m_shown.rules().size();
     }
     EnableWindow(m_list.handle(), TRUE);
 }

@@ -44,10 +44,9 @@ private:
     std::span<wchar_t* const> m_folders; ///< those still to come
     QuotaRule* m_rule = nullptr;         ///< the next one of the present folder
     bool m_inFolder = false;
-    RuleIndex m_shown;
-    std::vector<QuotaRule*> m_rows; ///< the records of all rows, the lowest first
-    std::size_t m_linked = 0;       ///< how many of them, from the lowest, form the chain
-    QuotaRule* m_first = nullptr;   ///< first record of that chain
-    std::vector<Row> m_waiting;     ///< rows to be put into the list, the lowest first
-    std::vector<wchar_t> m_names;   ///< of those, one after the other
+    RuleIndex m_shown;            ///< the records of all rows
+    std::size_t m_linked = 0;     ///< how many of those, from the lowest, form the chain
+    QuotaRule* m_first = nullptr; ///< first record of that chain
+    std::vector<Row> m_waiting;   ///< rows to be put into the list, the lowest first
+    std::vector<wchar_t> m_names; ///< of those, one after the other
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Up to this many rules are compared one by one, in the order of the rows.
+// Up to this many rules, in a list or alike, are compared one by one, in the order of the rows.
 constexpr std::uint32_t kDirectlyCompared = 32;
 
 std::uint64_t mix(std::uint64_t hash, std::uint64_t value)
@@ -40,48 +40,85 @@ bool addAccount(void* sid, std::uint64_t& hash)
     return true;
 }
 
-} // namespace
-
-void RuleIndex::addOnTop(QuotaRule& rule)
+/// What the groups know of a hash: their conditions tell apart what shares it.
+std::uint32_t half(std::uint64_t hash)
 {
-    addOnTop(hashOf(rule), rule);
+    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
 }
+
+} // namespace
 
 bool RuleIndex::addIfNew(QuotaRule& rule)
 {
-    const std::uint64_t alike = hashOf(rule);
-    if (contains(alike, rule)) {
+    if (isExpected(rule)) {
         return false;
     }
-    addOnTop(alike, rule);
+    enterAll();
+    const std::uint64_t alike = hashOf(rule);
+    if (const std::uint32_t same = find(alike, rule); same != RuleGroups::kNone) {
+        m_expected = same + 1;
+        return false;
+    }
+    m_rules.push_back(&rule);
+    enter(alike, m_entered);
     return true;
 }
 
-void RuleIndex::addOnTop(std::uint64_t alike, QuotaRule& rule)
+/// A store mostly gives the rules in the order in which it gave those that are shown.
+bool RuleIndex::isExpected(const QuotaRule& rule)
 {
-    const std::uint32_t count = m_alike.addOnTop(alike, rule);
-    const auto addByAccount = [&](QuotaRule& added) {
-        std::uint64_t hash = alike;
-        if (addAccount(added.sid, hash)) {
-            m_byAccount.addOnTop(hash, added);
+    constexpr int kMostMisses = 16; // then the rows have another order
+    if (m_rules.size() <= kDirectlyCompared || m_misses == kMostMisses || m_expected >= m_rules.size()) {
+        return false;
+    }
+    if (!sameRule(*m_rules[m_expected], rule)) {
+        ++m_misses;
+        return false;
+    }
+    m_misses = 0;
+    ++m_expected;
+    return true;
+}
+
+void RuleIndex::enterAll()
+{
+    if (m_entered == m_rules.size()) {
+        return;
+    }
+    m_alike.reserve(m_rules.size());
+    while (m_entered < m_rules.size()) {
+        enter(hashOf(*m_rules[m_entered]), m_entered);
+    }
+}
+
+void RuleIndex::enter(std::uint64_t alike, std::uint32_t index)
+{
+    m_entered = index + 1;
+    const std::uint32_t count = m_alike.addOnTop(half(alike), index);
+    const auto addByAccount = [&](std::uint32_t added, std::uint64_t hash) {
+        if (addAccount(m_rules[added]->sid, hash)) {
+            m_byAccount.addOnTop(half(hash), added);
         }
         return false;
     };
     if (count == kDirectlyCompared + 1) {
-        m_alike.any(alike, addByAccount);
+        // Those that only share the half have another hash.
+        m_alike.find(half(alike),
+                     [&](std::uint32_t added) { return addByAccount(added, hashOf(*m_rules[added])); });
     } else if (count > kDirectlyCompared) {
-        addByAccount(rule);
+        addByAccount(index, alike);
     }
 }
 
-bool RuleIndex::contains(std::uint64_t alike, const QuotaRule& rule) const
+/// @return RuleGroups::kNone when there is no such rule.
+std::uint32_t RuleIndex::find(std::uint64_t alike, const QuotaRule& rule) const
 {
-    const auto isSame = [&](const QuotaRule& shown) {
-        return sameRule(shown, rule);
+    const auto isSame = [&](std::uint32_t shown) {
+        return sameRule(*m_rules[shown], rule);
     };
     std::uint64_t hash = alike;
-    if (m_alike.size(alike) > kDirectlyCompared && addAccount(rule.sid, hash)) {
-        return m_byAccount.any(hash, isSame);
+    if (m_alike.size(half(alike)) > kDirectlyCompared && addAccount(rule.sid, hash)) {
+        return m_byAccount.find(half(hash), isSame);
     }
-    return m_alike.any(alike, isSame);
+    return m_alike.find(half(alike), isSame);
 }

@@ -53,7 +53,8 @@ Life runLife(HWND window, Side& side, const PathList& folders)
     take([&] { side.fill(list, folders); });
     take([&] { side.refill(list, folders); });
     take([&] { side.sort(list, kInUseColumn); }); // the rows stand in no order of their uses
-    take([&] { side.sort(list, kNameColumn); });  // nor of their names now
+    take([&] { side.refill(list, folders); });    // the store gives its rules in another
+    take([&] { side.sort(list, kNameColumn); });  // nor of their names
     take([&] { side.chain(list); });
     selectEverySecondRow(list);
     settle(window);

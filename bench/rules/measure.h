@@ -8,8 +8,9 @@
 #include <cstdint>
 #include <vector>
 
-inline constexpr std::array kMeasures{"fill",         "re-fill, all duplicates", "sort by number",
-                                      "sort by text", "getDataModified2",        "drop of every second row"};
+inline constexpr std::array kMeasures{
+    "fill",         "re-fill, all duplicates", "sort by number",          "re-fill of the sorted list",
+    "sort by text", "getDataModified2",        "drop of every second row"};
 
 /// The folders of a workload; the list is valid as long as this object.
 class Folders {

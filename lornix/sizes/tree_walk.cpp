@@ -16,6 +16,18 @@ bool isGone(DWORD error)
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_DIRECTORY;
 }
 
+/// Whether a folder leads elsewhere. One whose files lie on a server until they are read has the same attribute, and is
+/// itself.
+bool isLink(const FILE_ID_BOTH_DIR_INFO& folder)
+{
+    if ((folder.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+        return false;
+    }
+    // With that attribute this is not a size but what it stands for. Without any it may lead anywhere, in a circle too.
+    const DWORD tag = folder.EaSize;
+    return tag == 0 || IsReparseTagNameSurrogate(tag);
+}
+
 } // namespace
 
 void Unread::add(std::wstring_view path, std::int64_t size, DWORD why)
@@ -151,7 +163,7 @@ bool TreeWalk::next()
             if (name() == L".") {
                 continue;
             }
-            if ((m_entry->FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+            if (isLink(*m_entry)) {
                 ++m_walked.links;
                 continue;
             }

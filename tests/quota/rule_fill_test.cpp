@@ -74,6 +74,69 @@ TEST_F(RuleFillTest, RandomRulesWithRepetitions)
     expectChained();
 }
 
+TEST_F(RuleFillTest, OnlyWhatIsNewIsAddedInWhateverOrderItComes)
+{
+    constexpr int kAccounts = 40; // of one folder, with one limit: more than what is compared directly
+    std::vector<void*> accounts;
+    for (int i = 0; i < kAccounts; ++i) {
+        accounts.push_back(store.account("account" + std::to_string(i)));
+    }
+    struct Said {
+        int64_t hardLimit;
+        void* account;
+    };
+    std::vector<Said> said;
+    for (const int64_t hardLimit : {2048, 4096, 8192}) {
+        for (void* account : accounts) {
+            said.push_back({hardLimit, account});
+        }
+    }
+    std::vector<Said> given = said;
+    store.answer.getQuotaList = [&](const wchar_t* folder) {
+        std::vector<QuotaRule*> rules;
+        for (const Said& rule : given) {
+            rules.push_back(RecordingStore::makeRule(folder, rule.account, rule.hardLimit, 1024, 0));
+        }
+        return RecordingStore::linked(rules);
+    };
+    const Paths paths{L"C:\\a"};
+    fill(paths);
+    int rows = static_cast<int>(said.size());
+    ASSERT_EQ(host.rowCount(), rows);
+
+    const auto fillAgain = [&](const char* how, int added) {
+        SCOPED_TRACE(how);
+        fill(paths);
+        rows += added;
+        ASSERT_EQ(host.rowCount(), rows);
+        for (int row = 0; row < added; ++row) {
+            ASSERT_GE(host.record(row)->hardLimit, 10'000) << row;
+        }
+        expectChained();
+    };
+    fillAgain("as they were", 0);
+    std::ranges::reverse(given);
+    fillAgain("upside down", 0);
+    given = said;
+    given.erase(given.begin() + 30, given.begin() + 70);
+    fillAgain("some gone", 0);
+    given = said;
+    for (const int place : {100, 57, 56, 10, 0}) {
+        given.insert(given.begin() + place, {10'000 + place, accounts[0]});
+    }
+    fillAgain("new ones in between", 5);
+    fillAgain("new ones in between, which stand on top now", 0);
+    std::vector<Said> each = given;
+    given.insert(given.end(), each.begin(), each.end());
+    fillAgain("each twice", 0);
+    std::mt19937 random(2);
+    std::ranges::shuffle(given, random);
+    given.push_back({20'000, accounts[1]});
+    fillAgain("in no order", 1);
+    sort(2);
+    fillAgain("in a list sorted since", 0);
+}
+
 TEST_F(RuleFillTest, AccountsAreComparedOnlyWhereLimitsAndFolderAgree)
 {
     void* alice = store.account("alice");

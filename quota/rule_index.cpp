@@ -17,33 +17,33 @@ std::uint64_t mix(std::uint64_t hash, std::uint64_t value)
     return hash * 0xD6E8FEB86659FD93u;
 }
 
-std::uint64_t hashOf(const QuotaRule& rule)
+/// As much of a hash as the groups know.
+std::uint32_t folded(std::uint64_t hash)
 {
-    const auto path = std::hash<std::wstring_view>{}(rule.path);
-    return mix(mix(path, static_cast<std::uint64_t>(rule.hardLimit)),
-               static_cast<std::uint64_t>(rule.softLimit));
+    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
 }
 
-/// Hash of a rule and its account by its binary form; false for what is no valid identifier and can only be
+std::uint32_t hashOf(const QuotaRule& rule)
+{
+    const auto path = std::hash<std::wstring_view>{}(rule.path);
+    return folded(mix(mix(path, static_cast<std::uint64_t>(rule.hardLimit)),
+                      static_cast<std::uint64_t>(rule.softLimit)));
+}
+
+/// Adds an account to the hash of a rule by its binary form; false for what is no valid identifier and can only be
 /// compared.
-bool addAccount(void* sid, std::uint64_t& hash)
+bool addAccount(void* sid, std::uint32_t& hash)
 {
     if (sid == nullptr) {
-        hash = mix(hash, 0);
+        hash = folded(mix(hash, 0));
         return true;
     }
     if (IsValidSid(sid) == FALSE) {
         return false;
     }
     const std::string_view bytes(static_cast<const char*>(sid), GetLengthSid(sid));
-    hash = mix(hash, std::hash<std::string_view>{}(bytes));
+    hash = folded(mix(hash, std::hash<std::string_view>{}(bytes)));
     return true;
-}
-
-/// What the groups know of a hash: their conditions tell apart what shares it.
-std::uint32_t half(std::uint64_t hash)
-{
-    return static_cast<std::uint32_t>(hash ^ (hash >> 32));
 }
 
 } // namespace
@@ -54,7 +54,7 @@ bool RuleIndex::addIfNew(QuotaRule& rule)
         return false;
     }
     enterAll();
-    const std::uint64_t alike = hashOf(rule);
+    const std::uint32_t alike = hashOf(rule);
     if (const std::uint32_t same = find(alike, rule); same != RuleGroups::kNone) {
         m_expected = same + 1;
         return false;
@@ -91,34 +91,33 @@ void RuleIndex::enterAll()
     }
 }
 
-void RuleIndex::enter(std::uint64_t alike, std::uint32_t index)
+void RuleIndex::enter(std::uint32_t alike, std::uint32_t index)
 {
     m_entered = index + 1;
-    const std::uint32_t count = m_alike.addOnTop(half(alike), index);
-    const auto addByAccount = [&](std::uint32_t added, std::uint64_t hash) {
+    const std::uint32_t count = m_alike.addOnTop(alike, index);
+    const auto addByAccount = [&](std::uint32_t added) {
+        std::uint32_t hash = alike;
         if (addAccount(m_rules[added]->sid, hash)) {
-            m_byAccount.addOnTop(half(hash), added);
+            m_byAccount.addOnTop(hash, added);
         }
         return false;
     };
     if (count == kDirectlyCompared + 1) {
-        // Those that only share the half have another hash.
-        m_alike.find(half(alike),
-                     [&](std::uint32_t added) { return addByAccount(added, hashOf(*m_rules[added])); });
+        m_alike.find(alike, addByAccount);
     } else if (count > kDirectlyCompared) {
-        addByAccount(index, alike);
+        addByAccount(index);
     }
 }
 
 /// @return RuleGroups::kNone when there is no such rule.
-std::uint32_t RuleIndex::find(std::uint64_t alike, const QuotaRule& rule) const
+std::uint32_t RuleIndex::find(std::uint32_t alike, const QuotaRule& rule) const
 {
     const auto isSame = [&](std::uint32_t shown) {
         return sameRule(*m_rules[shown], rule);
     };
-    std::uint64_t hash = alike;
-    if (m_alike.size(half(alike)) > kDirectlyCompared && addAccount(rule.sid, hash)) {
-        return m_byAccount.find(half(hash), isSame);
+    std::uint32_t hash = alike;
+    if (m_alike.size(alike) > kDirectlyCompared && addAccount(rule.sid, hash)) {
+        return m_byAccount.find(hash, isSame);
     }
-    return m_alike.find(half(alike), isSame);
+    return m_alike.find(alike, isSame);
 }

@@ -30,8 +30,8 @@ public:
 private:
     bool isExpected(const QuotaRule& rule);
     void enterAll();
-    void enter(std::uint64_t alike, std::uint32_t index);
-    std::uint32_t find(std::uint64_t alike, const QuotaRule& rule) const;
+    void enter(std::uint32_t alike, std::uint32_t index);
+    std::uint32_t find(std::uint32_t alike, const QuotaRule& rule) const;
 
     std::vector<QuotaRule*> m_rules;
     std::uint32_t m_entered = 0;  ///< how many of them, from the lowest, stand in the groups

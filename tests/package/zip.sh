@@ -29,7 +29,8 @@ run() {
     local program=$1 code=0
     shift
     "$source/tools/windows_program" "$program" "$@" 2>"$out/run.log" </dev/null | tr -d '\r' || code=$?
-    [ "$code" = 0 ] || { wrong "$program: code $code"; cat "$out/run.log" >&2; }
+    # What stands in $( ) counts by what it says alone.
+    [ "$code" = 0 ] || { wrong "$program: code $code"; cat "$out/run.log" >&2; echo "code $code"; }
 }
 is() { [ "$2" = "$3" ] || wrong "$1: \"$3\" and not \"$2\""; }
 windows() { printf 'Z:%s' "${1//\//\\}"; }

@@ -6,8 +6,8 @@
 namespace lornix {
 
 namespace faults_detail {
-bool runWhereThere(trapped_call::Step call, void* context);
-DWORD faultOf(trapped_call::Step call, void* context);
+LONG takePlaceholder(EXCEPTION_POINTERS* raised, void*);
+LONG take(EXCEPTION_POINTERS* raised, void* code);
 
 template <class Call>
 void step(void* context)
@@ -18,11 +18,15 @@ void step(void* context)
 
 /// Runs a call to a function that a runtime may have only by name: behind the name stands a placeholder then, which
 /// raises a code of its own. Every other fault goes on to the caller.
-/// @return false when there is only a placeholder.
-template <class Call>
-bool isImplemented(Call call)
+/// @return what the call returns, or `missing` when there is only a placeholder.
+template <class Result, class Call>
+Result ifThere(Result missing, Call call)
 {
-    return faults_detail::runWhereThere(faults_detail::step<Call>, &call);
+    auto keep = [&] {
+        missing = call();
+    };
+    trapped_call::run(faults_detail::step<decltype(keep)>, &keep, faults_detail::takePlaceholder, nullptr);
+    return missing;
 }
 
 /// Runs a call that throws no exceptions, on a thread whose faults are another one's business.
@@ -30,7 +34,9 @@ bool isImplemented(Call call)
 template <class Call>
 DWORD faultOf(Call call)
 {
-    return faults_detail::faultOf(faults_detail::step<Call>, &call);
+    DWORD code = 0;
+    trapped_call::run(faults_detail::step<Call>, &call, faults_detail::take, &code);
+    return code;
 }
 
 /// Runs a call, and what has to follow it in any case: after an exception and after a fault.

@@ -4,8 +4,7 @@
 #include "lornix/text/lower_case.h"
 
 #include <algorithm>
-#include <cstring>
-#include <functional>
+#include <optional>
 
 namespace lornix {
 namespace {
@@ -46,6 +45,14 @@ std::optional<std::u16string> readText(std::string_view bytes)
     return text;
 }
 
+/// @return null when a table of pointers has none under a key.
+template <class Table, class Key>
+typename Table::mapped_type found(const Table& table, const Key& key)
+{
+    const auto place = table.find(key);
+    return place == table.end() ? nullptr : place->second;
+}
+
 std::string_view asText(std::span<const std::uint8_t> bytes)
 {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -61,26 +68,24 @@ AccountDirectory::AccountDirectory(std::string_view text)
         return;
     }
     std::vector<MemberLine> memberLines;
-    std::uint32_t group = kNone;
+    Domain domain; // the one above, without a name where there is none
+    const Account* group = nullptr;
     for (std::string_view line; reader.next(line);) {
         const std::string_view word = takeWord(line);
         const char* flaw = nullptr;
-        if (word == "user" || word == "group") {
-            const AccountKind kind = word == "user" ? AccountKind::kUser : AccountKind::kGroup;
-            flaw = readAccount(line, kind);
-            const bool opened = flaw == nullptr && kind == AccountKind::kGroup;
-            group = opened ? static_cast<std::uint32_t>(m_accounts.size() - 1) : kNone;
-        } else if (word == "member") {
-            if (group == kNone) {
+        if (word == "member") {
+            if (group == nullptr) {
                 flaw = "it stands under no group";
             } else {
                 memberLines.push_back({reader.lineNumber(), group, line});
             }
         } else {
-            group = kNone;
-            flaw = word == "domain"   ? readDomain(line)
-                   : word == "server" ? readServer(line)
+            flaw = word == "user"     ? readAccount(line, AccountKind::kUser)
+                   : word == "group"  ? readAccount(line, AccountKind::kGroup)
+                   : word == "domain" ? readDomain(line, domain)
+                   : word == "server" ? readServer(line, domain)
                                       : "its first word is none that is known here";
+            group = word == "group" && flaw == nullptr ? &m_accounts.back() : nullptr;
         }
         if (flaw != nullptr) {
             reader.reject(flaw);
@@ -93,32 +98,33 @@ AccountDirectory::AccountDirectory(std::string_view text)
     condition = flaws.count == 0 ? Condition::kGood : Condition::kDamaged;
 }
 
-const char* AccountDirectory::readDomain(std::string_view line)
+const char* AccountDirectory::readDomain(std::string_view line, Domain& open) const
 {
     const auto name = readText(takeWord(line));
     const auto sid = parseSid(line);
-    if (!name || name->find(u'\\') != std::u16string::npos || !sid) {
-        return "a name and a SID are expected";
-    }
-    m_domains.push_back({*name, *sid, {}});
-    return nullptr;
+    const bool isGood = name && name->find(u'\\') == std::u16string::npos && sid;
+    open = isGood ? Domain{*name, *sid, {}} : Domain{};
+    return isGood ? nullptr : "a name and a SID are expected";
 }
 
-const char* AccountDirectory::readServer(std::string_view line)
+const char* AccountDirectory::readServer(std::string_view line, Domain& open)
 {
     const auto name = readText(line);
-    if (m_domains.empty()) {
+    if (open.name.empty()) {
         return "it stands under no domain";
     }
     if (!name || serverKey(*name).empty()) {
         return "the name of a server is expected";
     }
-    if (!m_domainByServer.emplace(serverKey(*name), static_cast<std::uint32_t>(m_domains.size() - 1)).second)
-    {
+    const bool isFirst = open.server.empty();
+    if (!m_domainByServer.emplace(serverKey(*name), m_domains.size() - (isFirst ? 0 : 1)).second) {
         return "the server stands above already";
     }
-    // Without the backslashes, which whoever needs them puts in front.
-    m_domains.back().servers.push_back(name->substr(name->find_first_not_of(u'\\')));
+    if (isFirst) {
+        // Without the backslashes, which whoever needs them puts in front.
+        open.server = name->substr(name->find_first_not_of(u'\\'));
+        m_domains.push_back(open);
+    }
     return nullptr;
 }
 
@@ -139,38 +145,35 @@ const char* AccountDirectory::readAccount(std::string_view line, AccountKind kin
     if (m_byName.contains(key)) {
         return "the name stands above already";
     }
-    const auto index = static_cast<std::uint32_t>(m_accounts.size());
-    const Account& account = m_accounts.emplace_back(Account{*sid, std::move(*name), kind, kNone});
-    m_bySid.emplace(asText(account.sid.bytes()), index);
-    m_byShortName.emplace(shortPart(key), index);
-    m_byName.emplace(std::move(key), index);
+    const auto place = static_cast<std::uint32_t>(m_accounts.size());
+    const Account& account = m_accounts.emplace_back(Account{*sid, std::move(*name), kind, place});
+    m_bySid.emplace(asText(account.sid.bytes()), &account);
+    m_byShortName.emplace(shortPart(key), &account);
+    m_byName.emplace(std::move(key), &account);
     return nullptr;
 }
 
 void AccountDirectory::resolveDomains()
 {
-    std::unordered_map<std::u16string, std::uint32_t> withServer;
-    for (std::uint32_t i = 0; i < m_domains.size(); ++i) {
-        if (!m_domains[i].servers.empty()) {
-            withServer.emplace(folded(m_domains[i].name), i);
-        }
+    std::unordered_map<std::u16string, const Domain*> byName;
+    for (const Domain& domain : m_domains) {
+        byName.emplace(folded(domain.name), &domain);
     }
     for (Account& account : m_accounts) {
-        const auto found = withServer.find(folded(domainPart(account.name)));
-        account.domain = found == withServer.end() ? kNone : found->second;
+        account.domain = found(byName, folded(domainPart(account.name)));
     }
 }
 
 void AccountDirectory::resolveMembers(const std::vector<MemberLine>& lines)
 {
     for (const MemberLine& each : lines) {
-        std::uint32_t member = kNone;
+        const Account* member = nullptr;
         if (const auto sid = parseSid(each.member)) {
             member = find(sid->bytes());
         } else if (const auto name = readText(each.member)) {
             member = find(*name);
         }
-        if (member == kNone) {
+        if (member == nullptr) {
             flaws.add(each.line, "the member is no account of this file");
         } else {
             m_members[each.group].push_back(member);
@@ -178,120 +181,70 @@ void AccountDirectory::resolveMembers(const std::vector<MemberLine>& lines)
     }
 }
 
-std::uint32_t AccountDirectory::find(std::span<const std::uint8_t> sid) const
+const AccountDirectory::Account* AccountDirectory::find(std::span<const std::uint8_t> sid) const
 {
-    const auto found = m_bySid.find(asText(sid));
-    return found == m_bySid.end() ? kNone : found->second;
+    return found(m_bySid, asText(sid));
 }
 
-std::uint32_t AccountDirectory::find(std::u16string_view name) const
+const AccountDirectory::Account* AccountDirectory::find(std::u16string_view name) const
 {
     const std::u16string key = folded(name);
-    if (const auto found = m_byName.find(key); found != m_byName.end()) {
-        return found->second;
-    }
-    const auto found = m_byShortName.find(key);
-    return found == m_byShortName.end() ? kNone : found->second;
+    const Account* const whole = found(m_byName, key);
+    return whole != nullptr ? whole : found(m_byShortName, key);
 }
 
-std::uint32_t AccountDirectory::domainOfServer(std::u16string_view server) const
+const AccountDirectory::Domain* AccountDirectory::domainOf(std::u16string_view server) const
 {
-    const auto found = m_domainByServer.find(serverKey(server));
-    return found == m_domainByServer.end() ? kNone : found->second;
+    const auto place = m_domainByServer.find(serverKey(server));
+    return place == m_domainByServer.end() ? nullptr : &m_domains[place->second];
 }
 
-std::uint32_t AccountDirectory::domainWithServerFrom(std::uint32_t first) const
+const AccountDirectory::Domain* AccountDirectory::domainBehind(std::u16string_view server) const
 {
-    for (std::uint32_t i = first; i < m_domains.size(); ++i) {
-        if (!m_domains[i].servers.empty()) {
-            return i;
-        }
-    }
-    return kNone;
+    const Domain* const domain = domainOf(server);
+    return domain == nullptr || domain == &m_domains.back() ? nullptr : domain + 1;
 }
 
-const std::u16string* AccountDirectory::nameOf(std::span<const std::uint8_t> sid) const
+AccountDirectory::Accounts AccountDirectory::accountsOf(std::u16string_view server, AccountKind kind) const
 {
-    const std::uint32_t index = find(sid);
-    return index == kNone ? nullptr : &m_accounts[index].name;
-}
-
-const Sid* AccountDirectory::sidOf(std::u16string_view name) const
-{
-    const std::uint32_t index = find(name);
-    return index == kNone ? nullptr : &m_accounts[index].sid;
-}
-
-bool AccountDirectory::hasServer(std::u16string_view server) const
-{
-    return domainOfServer(server) != kNone;
-}
-
-std::vector<Sid> AccountDirectory::accountsOf(std::u16string_view server, AccountKind kind) const
-{
-    std::vector<Sid> sids;
-    const std::uint32_t domain = domainOfServer(server);
-    if (domain == kNone && !server.empty()) {
-        return sids;
+    Accounts accounts;
+    const Domain* const domain = domainOf(server);
+    if (domain == nullptr && !server.empty()) {
+        return accounts;
     }
     for (const Account& account : m_accounts) {
         if (account.domain == domain && account.kind == kind) {
-            sids.push_back(account.sid);
+            accounts.push_back(&account);
         }
     }
-    return sids;
+    return accounts;
 }
 
-bool AccountDirectory::usersOfGroup(std::u16string_view group, std::vector<Sid>& users) const
+AccountDirectory::Accounts AccountDirectory::usersOfGroup(std::u16string_view group) const
 {
-    const std::uint32_t start = find(group);
-    if (start == kNone || m_accounts[start].kind != AccountKind::kGroup) {
-        return false;
+    Accounts users;
+    const Account* const start = find(group);
+    if (start == nullptr || start->kind != AccountKind::kGroup) {
+        return users;
     }
     // Groups may hold each other in a ring.
     std::vector<bool> seen(m_accounts.size());
-    std::vector<std::uint32_t> open{start};
-    std::vector<std::uint32_t> found;
-    seen[start] = true;
-    while (!open.empty()) {
-        const std::uint32_t current = open.back();
+    seen[start->place] = true;
+    for (Accounts open{start}; !open.empty();) {
+        const auto members = m_members.find(open.back());
         open.pop_back();
-        const auto list = m_members.find(current);
-        if (list == m_members.end()) {
+        if (members == m_members.end()) {
             continue;
         }
-        for (const std::uint32_t member : list->second) {
-            if (seen[member]) {
-                continue;
+        for (const Account* member : members->second) {
+            if (!seen[member->place]) {
+                seen[member->place] = true;
+                (member->kind == AccountKind::kGroup ? open : users).push_back(member);
             }
-            seen[member] = true;
-            (m_accounts[member].kind == AccountKind::kGroup ? open : found).push_back(member);
         }
     }
-    std::sort(found.begin(), found.end());
-    for (const std::uint32_t member : found) {
-        users.push_back(m_accounts[member].sid);
-    }
-    return true;
-}
-
-const std::u16string* AccountDirectory::firstServer() const
-{
-    const std::uint32_t domain = domainWithServerFrom(0);
-    return domain == kNone ? nullptr : &m_domains[domain].servers.front();
-}
-
-const std::u16string* AccountDirectory::serverBehind(std::u16string_view server) const
-{
-    const std::uint32_t domain = domainOfServer(server);
-    const std::uint32_t next = domain == kNone ? kNone : domainWithServerFrom(domain + 1);
-    return next == kNone ? nullptr : &m_domains[next].servers.front();
-}
-
-const Sid* AccountDirectory::domainSid() const
-{
-    const std::uint32_t domain = domainWithServerFrom(0);
-    return domain == kNone ? nullptr : &m_domains[domain].sid;
+    std::ranges::sort(users, {}, &Account::place);
+    return users;
 }
 
 } // namespace lornix

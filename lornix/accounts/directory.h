@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -34,74 +35,66 @@ public:
     AccountDirectory(const AccountDirectory&) = delete;
     AccountDirectory& operator=(const AccountDirectory&) = delete;
 
-    std::size_t size() const { return m_accounts.size(); }
-
-    /// @return DOMAIN\name, null when there is no account with that SID.
-    const std::u16string* nameOf(std::span<const std::uint8_t> sid) const;
-
-    /// @param name  with or without its domain; without, the account that stands first has it.
-    /// @return null when there is none.
-    const Sid* sidOf(std::u16string_view name) const;
-
-    /// Whether a server stands in the file. Backslashes before its name do not count.
-    bool hasServer(std::u16string_view server) const;
-
-    /// The accounts of one kind that belong to a server, in the order of the file.
-    /// @param server  empty for this machine.
-    std::vector<Sid> accountsOf(std::u16string_view server, AccountKind kind) const;
-
-    /// The users in a group, each once, in the order of the file; for groups among its members their users.
-    /// @return false when there is no such group.
-    bool usersOfGroup(std::u16string_view group, std::vector<Sid>& users) const;
-
-    /// @return the first server of the first domain that has one, null when none has.
-    const std::u16string* firstServer() const;
-
-    /// @return the first server of the next domain that has one behind the domain of a server; null when there
-    ///         is none, or the server is none of the file's.
-    const std::u16string* serverBehind(std::u16string_view server) const;
-
-    /// @return the SID of the first domain that has a server, null when none has.
-    const Sid* domainSid() const;
-
-private:
+    /// A domain that has a server.
     struct Domain {
         std::u16string name;
         Sid sid;
-        std::vector<std::u16string> servers;
+        std::u16string server; ///< the first one
     };
     struct Account {
         Sid sid;
-        std::u16string name;
+        std::u16string name; ///< DOMAIN\name, or a name alone
         AccountKind kind;
-        std::uint32_t domain; ///< kNone when it belongs to this machine
+        std::uint32_t place;            ///< in the file, among all accounts
+        const Domain* domain = nullptr; ///< null when it belongs to this machine
     };
+    using Accounts = std::vector<const Account*>;
+
+    std::size_t size() const { return m_accounts.size(); }
+
+    /// @return null when there is no such account.
+    const Account* find(std::span<const std::uint8_t> sid) const;
+
+    /// @param name  with or without its domain; without, the account that stands first has it.
+    const Account* find(std::u16string_view name) const;
+
+    /// @return null when there is none.
+    const Domain* firstDomain() const { return m_domains.empty() ? nullptr : m_domains.data(); }
+
+    /// @return null for a server that does not stand in the file. Backslashes before its name do not count.
+    const Domain* domainOf(std::u16string_view server) const;
+
+    /// @return the domain that stands next behind that of a server; null when there is none.
+    const Domain* domainBehind(std::u16string_view server) const;
+
+    /// The accounts of one kind that belong to a server, in the order of the file.
+    /// @param server  empty for this machine.
+    Accounts accountsOf(std::u16string_view server, AccountKind kind) const;
+
+    /// The users in a group, each once, in the order of the file; for groups among its members their users.
+    Accounts usersOfGroup(std::u16string_view group) const;
+
+private:
     /// Found after the accounts, which may stand below.
     struct MemberLine {
         std::size_t line;
-        std::uint32_t group;
+        const Account* group;
         std::string_view member;
     };
 
-    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
-
-    const char* readDomain(std::string_view line);
-    const char* readServer(std::string_view line);
+    const char* readDomain(std::string_view line, Domain& open) const;
+    const char* readServer(std::string_view line, Domain& open);
     const char* readAccount(std::string_view line, AccountKind kind);
     void resolveDomains();
     void resolveMembers(const std::vector<MemberLine>& lines);
-    std::uint32_t find(std::u16string_view name) const;
-    std::uint32_t find(std::span<const std::uint8_t> sid) const;
-    std::uint32_t domainOfServer(std::u16string_view server) const;
-    std::uint32_t domainWithServerFrom(std::uint32_t first) const;
 
     std::vector<Domain> m_domains;
-    std::deque<Account> m_accounts;                                  ///< none of them moves
-    std::unordered_map<std::string_view, std::uint32_t> m_bySid;     ///< by the bytes in m_accounts
-    std::unordered_map<std::u16string, std::uint32_t> m_byName;      ///< small letters, as the file has them
-    std::unordered_map<std::u16string, std::uint32_t> m_byShortName; ///< small letters, without domains
-    std::unordered_map<std::u16string, std::uint32_t> m_domainByServer;
-    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_members;
+    std::deque<Account> m_accounts;                                   ///< none of them moves
+    std::unordered_map<std::string_view, const Account*> m_bySid;     ///< by the bytes in m_accounts
+    std::unordered_map<std::u16string, const Account*> m_byName;      ///< small letters, as the file has them
+    std::unordered_map<std::u16string, const Account*> m_byShortName; ///< small letters, without domains
+    std::unordered_map<std::u16string, std::size_t> m_domainByServer;
+    std::unordered_map<const Account*, Accounts> m_members;
 };
 
 } // namespace lornix

@@ -1,8 +1,11 @@
-// The exports about accounts.
-#include "lornix/accounts/source.h"
-
+// The exports about accounts. The file of them is asked first, then the platform: lists are those of both, a question
+// goes to the first that answers.
+#include "lornix/accounts/account_file.h"
+#include "lornix/accounts/name_lookup.h"
+#include "lornix/accounts/platform_accounts.h"
 #include "lornix/accounts/remembered_names.h"
 #include "lornix/sid.h"
+#include "lornix/text/wide_text.h"
 #include "lornix_host.h"
 
 #include <algorithm>
@@ -24,37 +27,30 @@ Result quietly(Result failed, Call call) noexcept
     }
 }
 
-std::int32_t countOf(const SidList* list)
+std::u16string serverName(const wchar_t* server)
 {
-    return list == nullptr ? 0 : list->count;
+    return server == nullptr ? std::u16string() : fromWide(server);
 }
 
-void expectNames(const SidList* list, std::int32_t first)
-{
-    if (list == nullptr) {
-        return;
-    }
-    void* const* sids = list->sids;
-    for (std::int32_t i = first; i < list->count; ++i) {
-        expectName(sids[i]);
-    }
-}
-
-/// Lets the sources add to a list, what stands behind its first so many once.
-template <class Add>
-SidList* collect(const wchar_t* server, SidList* list, std::int32_t first, Add add)
+/// Adds to a list; what stands behind its first so many, once.
+/// @param listed    gives the accounts that the file has for it.
+/// @param platform  adds those of the platform to a sink.
+template <class Listed, class Platform>
+SidList* collect(const wchar_t* server, SidList* list, std::int32_t first, Listed listed, Platform platform)
 {
     SidSink sink(list);
     quietly(false, [&] {
-        for (AccountSource* source : accountSources()) {
+        const auto file = fileAccountsNow();
+        sink.skipListed(first);
+        for (const AccountDirectory::Account* account : listed(*file)) {
+            sink.add(account->sid.bytes().data());
+        }
+        if (file->domainOf(serverName(server)) == nullptr) { // otherwise the file alone knows the server
             sink.skipListed(first);
-            const std::int32_t before = countOf(sink.list());
-            add(*source, sink);
-            if (source == &platformAccounts()) {
-                expectNames(sink.list(), before); // whoever lists accounts shows them
-            }
-            if (source->answersAlone(server)) {
-                break;
+            const std::int32_t before = sink.count();
+            platform(sink);
+            for (std::int32_t i = before; i < sink.count(); ++i) {
+                expectName(sink.at(i)); // whoever lists accounts shows them
             }
         }
         return true;
@@ -62,16 +58,22 @@ SidList* collect(const wchar_t* server, SidList* list, std::int32_t first, Add a
     return sink.list();
 }
 
-/// The answer of the first source that has one.
-template <class Ask>
-auto firstAnswer(Ask ask) -> decltype(ask(platformAccounts()))
+template <class Platform>
+SidList* collect(const wchar_t* server, SidList* list, AccountKind kind, Platform platform)
 {
-    for (AccountSource* source : accountSources()) {
-        if (auto answer = ask(*source); answer != decltype(answer)()) {
-            return answer;
-        }
+    return collect(
+        server, list, SidSink(list).count(),
+        [&](const AccountDirectory& file) { return file.accountsOf(serverName(server), kind); }, platform);
+}
+
+std::wstring accountName(const void* sid)
+{
+    if (!isSid(sid)) {
+        return {};
     }
-    return {};
+    const auto file = fileAccounts();
+    const AccountDirectory::Account* listed = file->find(sidBytes(sid));
+    return listed == nullptr ? platformName(sid) : toWide(listed->name);
 }
 
 wchar_t* handOver(const std::wstring& text)
@@ -80,36 +82,18 @@ wchar_t* handOver(const std::wstring& text)
 }
 
 } // namespace
-
-void SidSink::skipListed(std::int32_t first)
-{
-    void* const* sids = m_list == nullptr ? nullptr : m_list->sids;
-    for (std::int32_t i = first; i < countOf(m_list); ++i) {
-        m_known.emplace(sidKey(sids[i]));
-    }
-}
-
-const std::vector<AccountSource*>& accountSources()
-{
-    static const std::vector<AccountSource*> sources{&fileAccounts(), &platformAccounts()};
-    return sources;
-}
-
 } // namespace lornix
 
-using lornix::AccountSource;
-using lornix::SidSink;
+using namespace lornix;
 
 SidList* enumerateUsers(const wchar_t* server, SidList* list)
 {
-    return lornix::collect(server, list, lornix::countOf(list),
-                           [&](AccountSource& source, SidSink& sink) { source.addUsers(server, sink); });
+    return collect(server, list, AccountKind::kUser, [&](SidSink& sink) { addUsers(server, sink); });
 }
 
 SidList* enumerateGroups(const wchar_t* server, SidList* list)
 {
-    return lornix::collect(server, list, lornix::countOf(list),
-                           [&](AccountSource& source, SidSink& sink) { source.addGroups(server, sink); });
+    return collect(server, list, AccountKind::kGroup, [&](SidSink& sink) { addGroups(server, sink); });
 }
 
 SidList* enumerateGroupUsers(const wchar_t* server, const wchar_t* group, SidList* list)
@@ -118,16 +102,22 @@ SidList* enumerateGroupUsers(const wchar_t* server, const wchar_t* group, SidLis
         return list;
     }
     // Each member once, whichever servers know it: it gets one rule.
-    return lornix::collect(server, list, 0, [&](AccountSource& source, SidSink& sink) {
-        source.addMembers(server, group, sink);
-    });
+    return collect(
+        server, list, 0,
+        [&](const AccountDirectory& file) {
+            // Whoever has not asked a server yet asks this machine, and it knows the groups of its domain too.
+            const bool isAsked = server == nullptr || file.domainOf(fromWide(server)) != nullptr;
+            return isAsked ? file.usersOfGroup(fromWide(group)) : AccountDirectory::Accounts();
+        },
+        [&](SidSink& sink) { addMembers(server, group, sink); });
 }
 
 wchar_t* getDomainServer(void)
 {
-    return lornix::quietly<wchar_t*>(nullptr, [] {
-        return lornix::handOver(
-            lornix::firstAnswer([](AccountSource& source) { return source.domainServer(); }));
+    return quietly<wchar_t*>(nullptr, [] {
+        const auto file = fileAccountsNow();
+        const AccountDirectory::Domain* listed = file->firstDomain();
+        return handOver(listed == nullptr ? domainServer() : toWide(listed->server));
     });
 }
 
@@ -136,16 +126,19 @@ wchar_t* getDomainServerByName(const wchar_t* server)
     if (server == nullptr || *server == L'\0') {
         return nullptr;
     }
-    return lornix::quietly<wchar_t*>(nullptr, [&] {
-        return lornix::handOver(
-            lornix::firstAnswer([&](AccountSource& source) { return source.secondServer(server); }));
+    return quietly<wchar_t*>(nullptr, [&] {
+        const auto file = fileAccounts();
+        const AccountDirectory::Domain* listed = file->domainBehind(fromWide(server));
+        return handOver(listed == nullptr ? secondServer(server) : toWide(listed->server));
     });
 }
 
 void* getDomainSid(void)
 {
-    return lornix::quietly<void*>(nullptr, [] {
-        return lornix::firstAnswer([](AccountSource& source) { return source.domainSid(); });
+    return quietly<void*>(nullptr, [] {
+        const auto file = fileAccountsNow();
+        const AccountDirectory::Domain* listed = file->firstDomain();
+        return listed == nullptr ? primaryDomainSid().release() : sidDup(listed->sid.bytes().data());
     });
 }
 
@@ -154,8 +147,10 @@ void* getSidByNameW(const wchar_t* name)
     if (name == nullptr) {
         return nullptr;
     }
-    return lornix::quietly<void*>(nullptr, [&] {
-        return lornix::firstAnswer([&](AccountSource& source) { return source.sidOf(name); });
+    return quietly<void*>(nullptr, [&] {
+        const auto file = fileAccounts();
+        const AccountDirectory::Account* listed = file->find(fromWide(name));
+        return listed == nullptr ? lookUpSid(nullptr, name).release() : sidDup(listed->sid.bytes().data());
     });
 }
 
@@ -164,8 +159,8 @@ wchar_t* getAccountBySidW(const void* sid, wchar_t* buffer, int capacity)
     if (buffer == nullptr || capacity <= 0) {
         return nullptr;
     }
-    return lornix::quietly<wchar_t*>(nullptr, [&]() -> wchar_t* {
-        const std::wstring name = lornix::accountName(sid);
+    return quietly<wchar_t*>(nullptr, [&]() -> wchar_t* {
+        const std::wstring name = accountName(sid);
         // A name that was cut would be somebody else's. The buffer stays as it is: it may hold what is to be
         // shown instead.
         if (name.empty() || name.size() >= static_cast<std::size_t>(capacity)) {
@@ -181,8 +176,8 @@ void lornixAccountName(const void* sid, wchar_t* buffer, int capacity)
         return;
     }
     *buffer = L'\0';
-    lornix::quietly(false, [&] {
-        std::wstring name = sid == nullptr ? L"Anyone" : lornix::accountName(sid);
+    quietly(false, [&] {
+        std::wstring name = sid == nullptr ? L"Anyone" : accountName(sid);
         if (name.empty()) {
             wchar_t text[256];
             getTextualSidW(sid, text, static_cast<int>(std::size(text)));

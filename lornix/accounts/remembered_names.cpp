@@ -1,5 +1,6 @@
 #include "lornix/accounts/remembered_names.h"
 
+#include "lornix/accounts/name_lookup.h"
 #include "lornix/sid.h"
 
 #include <windows.h>
@@ -19,56 +20,51 @@ constexpr std::size_t kMostNames = 100000;
 constexpr std::size_t kBatch = 250; // nobody waits long for it, even where the platform looks up one by one
 constexpr ULONGLONG kLifetime = 60000; // milliseconds
 
-/// Entries by the bytes of a SID, the oldest in front; the oldest one leaves when there are too many.
-/// @tparam Entry  has the bytes in `sid`.
-template <class Entry>
-class Ageing {
+struct Name {
+    std::string sid; ///< its bytes
+    std::wstring name;
+    ULONGLONG since = 0;
+    bool isOver(ULONGLONG now) const { return now - since >= kLifetime; }
+};
+
+/// Names by the bytes of a SID, the oldest in front; the oldest one leaves when there are too many.
+class Names {
 public:
-    Entry* find(const std::string& sid)
+    const Name* find(const std::string& sid) const
     {
         const auto found = m_places.find(sid);
         return found == m_places.end() ? nullptr : &*found->second;
     }
-    Entry* oldest() { return m_entries.empty() ? nullptr : &m_entries.front(); }
+    const Name* oldest() const { return m_names.empty() ? nullptr : &m_names.front(); }
 
     void remove(const std::string& sid)
     {
         if (const auto found = m_places.find(sid); found != m_places.end()) {
             const auto place = found->second;
-            m_places.erase(found); // first: its key lies in the entry
-            m_entries.erase(place);
+            m_places.erase(found); // first: its key lies in the name
+            m_names.erase(place);
         }
     }
 
     /// Takes the place of an older one.
-    void add(Entry entry)
+    void add(Name name)
     {
-        remove(entry.sid);
-        m_entries.push_back(std::move(entry));
-        m_places.emplace(m_entries.back().sid, std::prev(m_entries.end()));
-        if (m_entries.size() > kMostNames) {
-            remove(std::string(m_entries.front().sid));
+        remove(name.sid);
+        m_names.push_back(std::move(name));
+        m_places.emplace(m_names.back().sid, std::prev(m_names.end()));
+        if (m_names.size() > kMostNames) {
+            remove(std::string(m_names.front().sid));
         }
     }
 
 private:
-    std::list<Entry> m_entries;
-    std::unordered_map<std::string_view, typename std::list<Entry>::iterator> m_places;
-};
-
-struct Name {
-    std::string sid;
-    std::wstring name;
-    ULONGLONG since;
-    bool isOver(ULONGLONG now) const { return now - since >= kLifetime; }
-};
-struct Expected {
-    std::string sid;
+    std::list<Name> m_names;
+    std::unordered_map<std::string_view, std::list<Name>::iterator> m_places;
 };
 
 std::mutex guard;
-Ageing<Name> names;
-Ageing<Expected> expected;
+Names names;
+Names expected; // without what they are
 
 /// An account and those that are to be asked for with it: expected ones, or others whose time is over too.
 std::vector<std::string> batchWith(const std::string& sid, ULONGLONG now)
@@ -93,7 +89,9 @@ std::vector<std::string> batchWith(const std::string& sid, ULONGLONG now)
     return batch;
 }
 
-std::wstring remembered(AccountSource& source, const void* sid)
+} // namespace
+
+std::wstring platformName(const void* sid)
 {
     const std::string key(sidKey(sid));
     const ULONGLONG now = GetTickCount64();
@@ -106,28 +104,12 @@ std::wstring remembered(AccountSource& source, const void* sid)
         }
         batch = batchWith(key, now);
     }
-    std::vector<std::wstring> answers = source.namesOf(batch); // unlocked: it may take long
+    const std::vector<std::wstring> answers = lookUpNames(batch); // unlocked: it may take long
     const std::lock_guard lock(guard);
     for (std::size_t i = 0; i < answers.size(); ++i) {
         names.add({batch[i], answers[i], now});
     }
     return answers.front();
-}
-
-} // namespace
-
-std::wstring accountName(const void* sid)
-{
-    if (!isSid(sid)) {
-        return {};
-    }
-    for (AccountSource* source : accountSources()) {
-        const bool isPlatform = source == &platformAccounts();
-        if (std::wstring name = isPlatform ? remembered(*source, sid) : source->nameOf(sid); !name.empty()) {
-            return name;
-        }
-    }
-    return {};
 }
 
 void expectName(const void* sid) noexcept
@@ -140,7 +122,7 @@ void expectName(const void* sid) noexcept
         std::string key(sidKey(sid));
         const Name* known = names.find(key);
         if (known == nullptr || known->isOver(GetTickCount64())) {
-            expected.add({std::move(key)});
+            expected.add({.sid = std::move(key), .name = {}});
         }
     } catch (const std::bad_alloc&) {
         expected = {}; // each is asked for by itself then

@@ -73,6 +73,22 @@ TEST_F(AccountFileReadingTest, DamagedLinesAreToldByNumberAndLeftOut)
     EXPECT_EQ(bytesOf(file()), text); // a person's file is never rewritten
 }
 
+TEST_F(AccountFileReadingTest, ServersUnderADamagedDomainAreNotThoseOfTheDomainAbove)
+{
+    writeBytes(file(), "lornix accounts 1\n"
+                       "domain EXAMPLE S-1-5-21-1-2-3\n"
+                       "server DC1\n"
+                       "domain OTHER S-1-5-x\n"
+                       "server FAR\n"
+                       "user S-1-5-21-1-2-3-1 EXAMPLE\\alice\n"
+                       "end\n");
+    const DebugLines debug;
+    EXPECT_EQ(users(L"DC1"), Texts{L"S-1-5-21-1-2-3-1"});
+    EXPECT_EQ(users(L"FAR"), Texts());
+    EXPECT_EQ(debug.with("line 5 of "), 1);
+    EXPECT_EQ(debug.with("it stands under no domain"), 1);
+}
+
 TEST_F(AccountFileReadingTest, ManyDamagedLinesAreNotToldWithoutEnd)
 {
     std::string text = "lornix accounts 1\n";

@@ -1,6 +1,16 @@
 #include "lornix/sizes/backup_right.h"
 
-namespace lornix::backup_right_detail {
+#include "lornix/faults.h"
+
+namespace lornix {
+namespace {
+
+/// What to undo.
+struct Held {
+    HANDLE token = nullptr;
+    TOKEN_PRIVILEGES before{};
+    bool isOwnToken = false; // the thread acts as somebody only for this
+};
 
 Held take()
 {
@@ -29,17 +39,24 @@ Held take()
     return held;
 }
 
-void giveBack(const Held& held)
+void giveBack(Held& held)
 {
     if (held.isOwnToken) {
         RevertToSelf();
     } else if (held.before.PrivilegeCount != 0) {
-        TOKEN_PRIVILEGES before = held.before;
-        AdjustTokenPrivileges(held.token, FALSE, &before, 0, nullptr, nullptr);
+        AdjustTokenPrivileges(held.token, FALSE, &held.before, 0, nullptr, nullptr);
     }
     if (held.token != nullptr) {
         CloseHandle(held.token);
     }
 }
 
-} // namespace lornix::backup_right_detail
+} // namespace
+
+void withBackupRight(const std::function<void()>& call)
+{
+    Held held = take();
+    runThen([&] { call(); }, [&] { giveBack(held); });
+}
+
+} // namespace lornix

@@ -1,5 +1,6 @@
 // The exports about sizes: bytes under a folder, of all files and of the files of some accounts.
 #include "lornix/disk/file.h"
+#include "lornix/faults.h"
 #include "lornix/last_error.h"
 #include "lornix/sid.h"
 #include "lornix/sizes/backup_right.h"
@@ -9,12 +10,14 @@
 #include "store/lornix.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lornix {
 namespace {
 
+constexpr ULONGLONG kMoment = 1000; // milliseconds
+
 MeasuredTrees trees;
-LastWalk lastWalk;
 
 /// A folder to be measured.
 struct Named {
@@ -68,26 +71,34 @@ void tellOwners(const Unread& unread, const Named& folder)
     }
 }
 
-/// @param each  gets the walk at each file.
-template <class Each>
-Walked walk(const Named& folder, Each each)
+/// @param use  goes to the end of the walk.
+template <class Use>
+Walked walk(const Named& folder, Use use)
 {
-    TreeWalk tree(folder.path);
-    runThen(
-        [&] {
-            while (tree.next()) {
-                each(tree);
-            }
-        },
-        [&] { tree.close(); });
-    return tree.walked();
+    Walked walked;
+    withBackupRight([&] {
+        TreeWalk tree(folder.path);
+        runThen([&] { use(tree); }, [&] { tree.close(); });
+        walked = tree.walked();
+    });
+    return walked;
 }
 
 Walked lookAt(const Named& folder)
 {
-    Walked walked;
-    withBackupRight([&] { walked = walk(folder, [](const TreeWalk&) {}); });
-    return walked;
+    return walk(folder, [](TreeWalk& tree) {
+        while (tree.next()) {
+        }
+    });
+}
+
+/// @return what the size was just told from, once, unless the folder was changed since; otherwise a new look.
+Walked lookAgain(MeasuredTree& tree, const Named& folder)
+{
+    const auto last = std::exchange(tree.last, std::nullopt);
+    return last && last->folderTime == folder.time() && GetTickCount64() - last->ticks <= kMoment
+               ? last->walked
+               : lookAt(folder);
 }
 
 bool isGiven(const wchar_t* folder)
@@ -113,22 +124,6 @@ std::vector<std::string> ownersIn(const SidList& list)
     return owners;
 }
 
-/// Walks and reads the owner of every file.
-std::shared_ptr<const OwnedBytes> measure(const Named& folder, Walked& walked)
-{
-    std::shared_ptr<const OwnedBytes> owned;
-    OwnerSums sums;
-    const auto read = [&] {
-        walked = walk(folder, [&](TreeWalk& tree) { sums.add(tree.path(), tree.size()); });
-        owned = std::make_shared<const OwnedBytes>(sums.finish());
-    };
-    runThen([&] { withBackupRight(read); }, [&] { sums.stop(); });
-    if (walked.error == ERROR_SUCCESS) {
-        trees.keep(folder.key, walked.look, owned);
-    }
-    return owned;
-}
-
 } // namespace
 } // namespace lornix
 
@@ -142,7 +137,9 @@ int64_t getRealSize(const wchar_t* folder)
         const Named named(folder);
         const std::uint64_t time = named.time();
         const Walked walked = lookAt(named);
-        lastWalk.keep(named.key, time, walked);
+        if (MeasuredTree* const tree = trees.find(named.key)) {
+            tree->last = {time, GetTickCount64(), walked};
+        }
         tell(walked, named);
         return walked.look.bytes;
     });
@@ -160,15 +157,15 @@ int64_t getRealSizeByOwner(const wchar_t* folder, const SidList* accounts)
             return 0;
         }
         const Named named(folder);
-        Walked walked;
-        std::shared_ptr<const OwnedBytes> owned;
-        if (trees.knows(named.key)) { // otherwise a look would be one walk more
-            const auto last = lastWalk.take(named.key, named.time());
-            walked = last ? *last : lookAt(named);
-            owned = trees.find(named.key, walked.look);
-        }
+        MeasuredTree* const tree = trees.find(named.key);
+        Walked walked =
+            tree == nullptr ? Walked() : lookAgain(*tree, named); // of another a look is of no use
+        OwnedBytes fresh;
+        const OwnedBytes* owned = tree != nullptr && tree->look == walked.look ? &tree->owned : nullptr;
         if (owned == nullptr) {
-            owned = measure(named, walked);
+            walked = walk(named, [&](TreeWalk& files) { fresh = sumOwners(files); });
+            owned = walked.error == ERROR_SUCCESS ? &trees.keep({named.key, walked.look, std::move(fresh)})
+                                                  : &fresh;
         }
         tell(walked, named);
         tellOwners(owned->unread, named);

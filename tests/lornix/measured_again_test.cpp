@@ -251,6 +251,44 @@ TEST_F(ManyOwnersTest, AreReadBySeveralThreads)
     EXPECT_STREQ(lornixLastError(), L"");
 }
 
+/// Which token the calling thread acts with.
+LUID actsAs()
+{
+    HANDLE token = nullptr;
+    TOKEN_STATISTICS about{};
+    DWORD size = 0;
+    if (OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token)) {
+        EXPECT_TRUE(GetTokenInformation(token, TokenStatistics, &about, sizeof about, &size));
+        CloseHandle(token);
+    }
+    return about.TokenId;
+}
+
+LUID callersToken{};
+std::atomic<int> actingForOthers = 0;
+
+BOOL WINAPI securityForTheCaller(const wchar_t* file, SECURITY_INFORMATION what, void* descriptor, DWORD size,
+                                 DWORD* needed)
+{
+    const LUID token = actsAs();
+    actingForOthers += memcmp(&token, &callersToken, sizeof token) != 0 ? 1 : 0;
+    return securityByOthers(file, what, descriptor, size, needed);
+}
+
+TEST_F(ManyOwnersTest, AreReadForWhomTheCallerActs)
+{
+    const ImportPatch security(storeModule(), "GetFileSecurityW", &securityForTheCaller);
+    ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
+    callersToken = actsAs();
+    actingForOthers = 0;
+    threads.clear();
+    waitsForOthers = 0;
+    EXPECT_EQ(alices(), kManyFiles / 2);
+    EXPECT_GE(threads.size(), kLeastThreads);
+    EXPECT_EQ(actingForOthers, 0);
+    RevertToSelf();
+}
+
 BOOL WINAPI securityWithAFault(const wchar_t* file, SECURITY_INFORMATION what, void* descriptor, DWORD size,
                                DWORD* needed)
 {

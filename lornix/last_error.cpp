@@ -21,6 +21,12 @@ std::vector<std::wstring> untold; // each line once, whatever call it came from
 bool untoldMore = false;          // than there is room for, or memory
 std::wstring taken;
 
+void appendLine(std::wstring& text, std::wstring_view line)
+{
+    text += text.empty() ? L"" : L"\n";
+    text += line;
+}
+
 } // namespace
 
 namespace last_error_detail {
@@ -51,8 +57,7 @@ void noteSurprise(const char* what) noexcept
 
 void reportAgain(const std::wstring& line)
 {
-    lines += lines.empty() ? L"" : L"\n";
-    lines += line;
+    appendLine(lines, line);
 }
 
 void report(const std::wstring& line)
@@ -99,21 +104,18 @@ const wchar_t* lornixTakeErrors(void)
     using namespace lornix;
     constexpr const wchar_t* kMore =
         L"More could not be done, for want of memory or for more reasons than fit here.";
+    const std::vector<std::wstring> told = std::exchange(untold, {});
+    const bool hasMore = std::exchange(untoldMore, false);
     try {
         taken.clear();
-        for (const std::wstring& line : untold) {
-            taken += taken.empty() ? L"" : L"\n";
-            taken += line;
+        for (const std::wstring& line : told) {
+            appendLine(taken, line);
         }
-        if (untoldMore) {
-            taken += taken.empty() ? kMore : L"\n" + std::wstring(kMore);
+        if (hasMore) {
+            appendLine(taken, kMore);
         }
     } catch (const std::bad_alloc&) {
-        untold.clear();
-        untoldMore = false;
         return kMore;
     }
-    untold.clear();
-    untoldMore = false;
     return taken.c_str();
 }

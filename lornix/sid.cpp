@@ -27,12 +27,6 @@ bool isSid(const void* sid)
     return sid != nullptr && IsValidSid(platformSid(sid));
 }
 
-std::string_view sidKey(const void* sid)
-{
-    const auto bytes = sidBytes(sid);
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 } // namespace lornix
 
 void* sidDup(const void* sid)

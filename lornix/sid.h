@@ -22,7 +22,14 @@ inline std::span<const std::uint8_t> sidBytes(const void* sid)
     return {bytes, 8 + std::size_t{4} * bytes[1]};
 }
 
-/// The same bytes as a key of tables.
-std::string_view sidKey(const void* sid);
+/// Bytes of an identifier as a key of tables.
+inline std::string_view sidKey(std::span<const std::uint8_t> bytes)
+{
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+inline std::string_view sidKey(const void* sid)
+{
+    return sidKey(sidBytes(sid));
+}
 
 } // namespace lornix

@@ -1,5 +1,6 @@
 #include "lornix/accounts/directory.h"
 
+#include "lornix/sid.h"
 #include "lornix/text/escaped_text.h"
 #include "lornix/text/lower_case.h"
 
@@ -51,11 +52,6 @@ typename Table::mapped_type found(const Table& table, const Key& key)
 {
     const auto place = table.find(key);
     return place == table.end() ? nullptr : place->second;
-}
-
-std::string_view asText(std::span<const std::uint8_t> bytes)
-{
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 } // namespace
@@ -139,7 +135,7 @@ const char* AccountDirectory::readAccount(std::string_view line, AccountKind kin
         return "the name of an account is expected behind the SID";
     }
     std::u16string key = folded(*name);
-    if (m_bySid.contains(asText(sid->bytes()))) {
+    if (m_bySid.contains(sidKey(sid->bytes()))) {
         return "the SID stands above already";
     }
     if (m_byName.contains(key)) {
@@ -147,7 +143,7 @@ const char* AccountDirectory::readAccount(std::string_view line, AccountKind kin
     }
     const auto place = static_cast<std::uint32_t>(m_accounts.size());
     const Account& account = m_accounts.emplace_back(Account{*sid, std::move(*name), kind, place});
-    m_bySid.emplace(asText(account.sid.bytes()), &account);
+    m_bySid.emplace(sidKey(account.sid.bytes()), &account);
     m_byShortName.emplace(shortPart(key), &account);
     m_byName.emplace(std::move(key), &account);
     return nullptr;
@@ -183,7 +179,7 @@ void AccountDirectory::resolveMembers(const std::vector<MemberLine>& lines)
 
 const AccountDirectory::Account* AccountDirectory::find(std::span<const std::uint8_t> sid) const
 {
-    return found(m_bySid, asText(sid));
+    return found(m_bySid, sidKey(sid));
 }
 
 const AccountDirectory::Account* AccountDirectory::find(std::u16string_view name) const

@@ -23,30 +23,21 @@ constexpr std::size_t kBlock = 4000; // what a monitor of debug output takes at 
 
 std::mutex guard; // lines of several threads do not mix
 
+void endTurn(HANDLE mutex)
+{
+    ReleaseMutex(mutex); // which is refused to who has waited in vain
+    CloseHandle(mutex);
+}
+
 /// Keeps other processes from writing to a log at the same moment: not every system appends in one step, so that one
 /// line would take the place of another. A process that was killed or stopped meanwhile does not hold the others up.
-class LogTurn {
-public:
-    LogTurn()
-        : m_mutex(CreateMutexW(nullptr, FALSE, L"Local\\lornix log"))
-    {
-        constexpr DWORD kLongest = 1000; // milliseconds
-        const DWORD result = m_mutex ? WaitForSingleObject(m_mutex.get(), kLongest) : WAIT_FAILED;
-        m_isMine = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
-    }
-    LogTurn(const LogTurn&) = delete;
-    LogTurn& operator=(const LogTurn&) = delete;
-    ~LogTurn()
-    {
-        if (m_isMine) {
-            ReleaseMutex(m_mutex.get());
-        }
-    }
-
-private:
-    Owned<HANDLE, CloseHandle> m_mutex;
-    bool m_isMine = false;
-};
+Owned<HANDLE, endTurn> takeTurn()
+{
+    constexpr DWORD kLongest = 1000; // milliseconds
+    Owned<HANDLE, endTurn> turn(CreateMutexW(nullptr, FALSE, L"Local\\lornix log"));
+    WaitForSingleObject(turn.get(), kLongest);
+    return turn;
+}
 
 /// The log as it is asked for now. It stays open for one call only: it may be moved away or deleted at any time.
 class Log {
@@ -73,7 +64,7 @@ public:
         }
         std::string bytes;
         appendUtf8(bytes, fromWide(text));
-        const LogTurn turn;
+        const auto turn = takeTurn();
         DWORD written = 0;
         WriteFile(m_handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
     }

@@ -11,15 +11,14 @@ std::byte* ListStrings::place(std::size_t size)
     constexpr std::size_t kBlock = 1 << 16;
     constexpr std::size_t kAlignment = 4;
     size = (size + kAlignment - 1) / kAlignment * kAlignment;
-    if (size > m_left) {
-        const std::size_t all = std::max(kBlock, size);
-        auto bytes = std::make_unique_for_overwrite<std::byte[]>(all);
-        m_free = bytes.get();
-        m_left = all;
-        m_blocks.emplace(m_free, Block{std::move(bytes), all});
+    if (size > m_free.size()) {
+        std::vector<std::byte> block(std::max(kBlock, size));
+        m_free = block;
+        m_blocks.emplace(m_free.data(), std::move(block));
     }
-    m_left -= size;
-    return std::exchange(m_free, m_free + size);
+    std::byte* const start = m_free.data();
+    m_free = m_free.subspan(size);
+    return start;
 }
 
 const wchar_t* ListStrings::copy(std::u16string_view text)
@@ -50,7 +49,7 @@ bool ListStrings::own(const wchar_t* text) const
     }
     const auto* const byte = reinterpret_cast<const std::byte*>(text);
     const auto behind = m_blocks.upper_bound(byte);
-    return behind != m_blocks.begin() && byte < std::prev(behind)->first + std::prev(behind)->second.size;
+    return behind != m_blocks.begin() && byte < std::prev(behind)->first + std::prev(behind)->second.size();
 }
 
 } // namespace lornix

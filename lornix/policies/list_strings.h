@@ -6,9 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
+#include <span>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace lornix {
 
@@ -30,13 +31,8 @@ public:
 private:
     std::byte* place(std::size_t size);
 
-    struct Block {
-        std::unique_ptr<std::byte[]> bytes;
-        std::size_t size;
-    };
-    std::map<const std::byte*, Block> m_blocks; ///< by where they start
-    std::byte* m_free = nullptr;                ///< in the one made last
-    std::size_t m_left = 0;
+    std::map<const std::byte*, std::vector<std::byte>> m_blocks; ///< by where they start
+    std::span<std::byte> m_free;                                 ///< of the one made last
     std::unordered_map<const wchar_t*, OwnedText> m_handed;
 };
 

@@ -2,7 +2,7 @@
 
 #include "lornix/text/escaped_text.h"
 
-#include <array>
+#include <algorithm>
 #include <charconv>
 
 namespace lornix {
@@ -11,6 +11,9 @@ namespace {
 // In the order of the attributes' numbers.
 constexpr std::array<std::string_view, kAttributeCount> kAttributeWords = {
     "for-account", "for-whom", "rate", "run-as", "password-sealed", "min-increment"};
+
+constexpr const char* kNotText = "it is not readable text";
+constexpr const char* kUnknownWord = "its first word is none that is known here";
 
 constexpr char kDigits[] = "0123456789abcdef";
 
@@ -41,14 +44,10 @@ bool readHex(std::string_view text, std::string& bytes)
     return true;
 }
 
-bool readText(std::string_view rest, std::u16string& text)
+std::optional<std::u16string> readText(std::string_view rest)
 {
-    auto read = unescape(rest);
-    if (!read || read->find(u'\0') != std::u16string::npos) {
-        return false;
-    }
-    text = std::move(*read);
-    return true;
+    auto text = unescape(rest);
+    return text && text->find(u'\0') == std::u16string::npos ? text : std::nullopt;
 }
 
 /// @return what is wrong with the line, or null.
@@ -61,27 +60,27 @@ const char* readEntry(const PolicyFormat& format, std::string_view line, PolicyR
         }
         entry.account = *account;
     }
-    return readText(line, entry.text) ? nullptr : "it is not readable text";
+    auto text = readText(line);
+    entry.text = text.value_or(std::u16string());
+    return text ? nullptr : kNotText;
 }
 
 const char* readAttribute(std::string_view word, std::string_view rest, PolicyRecord& entry)
 {
-    for (std::size_t i = 0; i < kAttributeCount; ++i) {
-        if (word != kAttributeWords[i]) {
-            continue;
-        }
-        if (i == kPasswordAttribute) {
-            return readHex(rest, entry.sealedPassword) ? nullptr : "it is not a row of hexadecimal digits";
-        }
-        std::u16string text;
-        if (!readText(rest, text)) {
-            return "it is not readable text";
-        }
-        entry.attributes.resize(kAttributeCount);
-        entry.attributes[i] = std::move(text);
-        return nullptr;
+    const auto place = std::ranges::find(kAttributeWords, word);
+    if (place == kAttributeWords.end()) {
+        return kUnknownWord;
     }
-    return "its first word is none that is known here";
+    const auto index = static_cast<std::size_t>(place - kAttributeWords.begin());
+    if (index == kPasswordAttribute) {
+        return readHex(rest, entry.sealedPassword) ? nullptr : "it is not a row of hexadecimal digits";
+    }
+    auto text = readText(rest);
+    if (!text) {
+        return kNotText;
+    }
+    entry.attributes[index] = std::move(text);
+    return nullptr;
 }
 
 void appendRecord(std::string& lines, const PolicyFormat& format, const PolicyRecord& entry)
@@ -96,9 +95,7 @@ void appendRecord(std::string& lines, const PolicyFormat& format, const PolicyRe
     lines += kLineEnd;
     for (std::size_t i = 0; i < kAttributeCount; ++i) {
         const bool isPassword = i == kPasswordAttribute; // never in clear
-        const bool isThere = isPassword ? !entry.sealedPassword.empty()
-                                        : i < entry.attributes.size() && entry.attributes[i].has_value();
-        if (!isThere) {
+        if (isPassword ? entry.sealedPassword.empty() : !entry.attributes[i]) {
             continue;
         }
         lines += kAttributeWords[i];
@@ -122,18 +119,24 @@ void PolicyLines::append(const PolicyFormat& format, const PolicyRecord& entry)
     mark = mark * kSpread + checksumOf(std::string_view(lines).substr(start));
 }
 
-Finding readPolicy(const PolicyFormat& format, std::string_view text,
-                   const std::function<void(const PolicyRecord&)>& take)
+PolicyLines readPolicy(const PolicyFormat& format, std::string_view text,
+                       const std::function<void(const PolicyRecord&)>& take)
 {
     TextReader reader(text, format.kind);
+    PolicyLines result;
     std::optional<PolicyRecord> entry; // attributes of one that was left out belong to none
     std::size_t count = 0;
     const auto finish = [&] {
-        if (entry) {
-            take(*entry);
-            ++count;
-            entry.reset();
+        if (!entry) {
+            return;
         }
+        result.append(format, *entry);
+        if (take) {
+            take(*entry);
+            result.lines.clear();
+        }
+        ++count;
+        entry.reset();
     };
     for (std::string_view line; reader.isOurs() && reader.next(line);) {
         const std::string_view word = takeWord(line);
@@ -146,7 +149,7 @@ Finding readPolicy(const PolicyFormat& format, std::string_view text,
                 entry.reset();
             }
         } else if (!format.hasAttributes) {
-            flaw = "its first word is none that is known here";
+            flaw = kUnknownWord;
         } else {
             flaw = entry ? readAttribute(word, line, *entry) : "it stands under no entry";
         }
@@ -155,14 +158,7 @@ Finding readPolicy(const PolicyFormat& format, std::string_view text,
         }
     }
     finish();
-    return reader.finding();
-}
-
-PolicyLines readPolicyLines(const PolicyFormat& format, std::string_view text)
-{
-    PolicyLines result;
-    static_cast<Finding&>(result) =
-        readPolicy(format, text, [&](const PolicyRecord& entry) { result.append(format, entry); });
+    static_cast<Finding&>(result) = reader.finding();
     return result;
 }
 

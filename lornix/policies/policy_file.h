@@ -5,12 +5,12 @@
 #include "lornix/text/framed_text.h"
 #include "lornix/text/sid_text.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace lornix {
 
@@ -28,29 +28,26 @@ struct PolicyFormat {
 /// An entry as a file keeps it.
 struct PolicyRecord {
     std::u16string text;
-    Sid account;                                           ///< empty: all accounts
-    std::vector<std::optional<std::u16string>> attributes; ///< all or none; without the password
-    std::string sealedPassword;                            ///< bytes; empty: none
+    Sid account;                                                           ///< empty: all accounts
+    std::array<std::optional<std::u16string>, kAttributeCount> attributes; ///< without the password
+    std::string sealedPassword;                                            ///< bytes; empty: none
 };
 
 /// An editor shows them all at once, and memory is to stay in proportion to the file.
 inline constexpr std::size_t kMostEntries = 100000;
 
-/// Reads a file.
-/// @param take  gets each entry that can be used.
-Finding readPolicy(const PolicyFormat& format, std::string_view text,
-                   const std::function<void(const PolicyRecord&)>& take);
-
 /// Entries in the lines that the store writes.
 struct PolicyLines : Finding {
     std::string lines;
-    std::uint64_t mark = 0; ///< of all that were appended, also when their lines were taken away
+    std::uint64_t mark = 0; ///< of all that were appended, also when their lines were not kept
 
     void append(const PolicyFormat& format, const PolicyRecord& entry);
 };
 
-/// What a file held that could be used.
-PolicyLines readPolicyLines(const PolicyFormat& format, std::string_view text);
+/// Reads a file.
+/// @param take  gets each entry that can be used; their lines are not kept then.
+PolicyLines readPolicy(const PolicyFormat& format, std::string_view text,
+                       const std::function<void(const PolicyRecord&)>& take = {});
 
 /// A number with an optional unit letter K, M, G or T, cut to 32 bits.
 /// @return 0 when the text does not begin with a number.

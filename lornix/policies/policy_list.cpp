@@ -6,23 +6,27 @@
 
 namespace lornix {
 
+std::wstring PolicyList::fileName() const
+{
+    return std::wstring(m_format.kind.name.begin(), m_format.kind.name.end()) + L".txt";
+}
+
 KeptFile PolicyList::file(const DataFolder& data) const
 {
     // Passwords are among the attributes: sealed, and yet nobody's business.
-    return {data, data.path(m_fileName), m_title,
+    return {data, data.path(fileName()), m_title,
             m_format.hasAttributes ? Readers::kAdministrators : Readers::kEverybody};
 }
 
 KeptFile PolicyList::activeFile(const DataFolder& data) const
 {
-    return {data, data.path(std::wstring(L"active-") + m_fileName),
-            m_title + std::wstring(L" as it is active")};
+    return {data, data.path(L"active-" + fileName()), m_title + L" as it is active"};
 }
 
-std::optional<PolicyLines> PolicyList::read(const KeptFile& file, Patience& patience) const
+std::optional<PolicyLines> PolicyList::read(const KeptFile& file, Patience& patience, const Take& take) const
 {
     return readKept<PolicyLines>(file, patience,
-                                 [this](std::string_view text) { return readPolicyLines(m_format, text); });
+                                 [&](std::string_view text) { return readPolicy(m_format, text, take); });
 }
 
 bool PolicyList::load()
@@ -34,22 +38,16 @@ bool PolicyList::load()
     }
     Patience patience = Patience::toRead();
     std::size_t unreadable = 0;
-    PolicyLines seen;
-    const auto found = readKept<Finding>(file(data), patience, [&](std::string_view text) {
-        return readPolicy(m_format, text, [&](const PolicyRecord& record) {
-            unreadable += take(record) ? 0u : 1u;
-            seen.append(m_format, record);
-            seen.lines.clear();
-        });
-    });
+    const auto found =
+        read(file(data), patience, [&](const PolicyRecord& record) { unreadable += take(record) ? 0u : 1u; });
     if (!found) {
         return false;
     }
     if (unreadable != 0) {
-        report(m_title + std::wstring(L" holds ") + std::to_wstring(unreadable) +
+        report(m_title + L" holds " + std::to_wstring(unreadable) +
                L" passwords that this account cannot read. They stay as they are.");
     }
-    m_seen = seen.mark;
+    m_seen = found->mark;
     m_isLoaded = true;
     return true;
 }
@@ -59,30 +57,34 @@ bool PolicyList::take(const PolicyRecord& record)
     PolicyEntry& entry = m_entries.emplace_back();
     entry.text = m_strings.copy(record.text);
     setAccount(entry, record.account.bytes());
-    if (record.attributes.empty() && record.sealedPassword.empty()) {
-        return true;
-    }
-    entry.attributes = &m_attributes.emplace_back();
-    for (std::size_t i = 0; i < record.attributes.size(); ++i) {
+    for (std::size_t i = 0; i < kAttributeCount; ++i) {
         if (const auto& attribute = record.attributes[i]) {
-            entry.attributes->texts[i] = m_strings.copy(*attribute);
+            attributesOf(entry).texts[i] = m_strings.copy(*attribute);
         }
     }
-    entry.attributes->sealedPassword = m_strings.copy(record.sealedPassword);
+    if (record.sealedPassword.empty()) {
+        return true;
+    }
+    attributesOf(entry).sealedPassword = m_strings.copy(record.sealedPassword);
     OwnedText password;
-    if (!record.sealedPassword.empty() && unsealText(record.sealedPassword, password) != ERROR_SUCCESS) {
+    if (unsealText(record.sealedPassword, password) != ERROR_SUCCESS) {
         return false;
     }
-    if (password != nullptr) {
-        entry.attributes->texts[kPasswordAttribute] = m_strings.keep(std::move(password));
-    }
+    attributesOf(entry).texts[kPasswordAttribute] = m_strings.keep(std::move(password));
     return true;
+}
+
+PolicyAttributes& PolicyList::attributesOf(PolicyEntry& entry)
+{
+    if (entry.attributes == nullptr) {
+        entry.attributes = &m_attributes.emplace_back();
+    }
+    return *entry.attributes;
 }
 
 void PolicyList::setAccount(PolicyEntry& entry, std::span<const std::uint8_t> account)
 {
-    const std::string_view bytes(reinterpret_cast<const char*>(account.data()), account.size());
-    entry.account = account.empty() ? nullptr : m_strings.copy(bytes).data();
+    entry.account = account.empty() ? nullptr : m_strings.copy(sidKey(account)).data();
 }
 
 std::uint32_t PolicyList::count() const
@@ -146,13 +148,11 @@ void PolicyList::setAttribute(std::uint32_t index, std::uint32_t attribute, cons
         refuse(text);
         return;
     }
-    if (entry->attributes == nullptr) {
-        entry->attributes = &m_attributes.emplace_back();
-    }
-    const wchar_t*& slot = entry->attributes->texts[attribute];
+    PolicyAttributes& attributes = attributesOf(*entry);
+    const wchar_t*& slot = attributes.texts[attribute];
     // No password over one that nobody could read: the editor showed none, so nobody took it away.
     if (attribute == kPasswordAttribute && slot != text) {
-        entry->attributes->sealedPassword = {};
+        attributes.sealedPassword = {};
     }
     place(slot, text);
 }
@@ -174,8 +174,7 @@ bool PolicyList::seal(PolicyAttributes& attributes)
     }
     std::string sealed;
     if (const DWORD error = sealText(password, sealed); error != ERROR_SUCCESS) {
-        report(m_title + std::wstring(L" cannot be stored, because a password cannot be protected: ") +
-               reasonOf(error));
+        report(m_title + L" cannot be stored, because a password cannot be protected: " + reasonOf(error));
         return false;
     }
     attributes.sealedPassword = m_strings.copy(sealed);
@@ -184,21 +183,18 @@ bool PolicyList::seal(PolicyAttributes& attributes)
 
 bool PolicyList::write(PolicyLines& lines)
 {
-    PolicyRecord record;
     for (const PolicyEntry& entry : m_entries) {
         if (entry.text == nullptr) {
             continue;
         }
+        PolicyRecord record;
         record.text = fromWide(entry.text);
         record.account = Sid(sidBytes(entry.account));
-        record.attributes.clear();
-        record.sealedPassword.clear();
         if (PolicyAttributes* const attributes = entry.attributes) {
             if (!seal(*attributes)) {
                 return false;
             }
             record.sealedPassword = attributes->sealedPassword;
-            record.attributes.resize(kAttributeCount);
             for (std::size_t i = 0; i < kAttributeCount; ++i) {
                 if (i != kPasswordAttribute && attributes->texts[i] != nullptr) {
                     record.attributes[i] = fromWide(attributes->texts[i]);
@@ -213,11 +209,11 @@ bool PolicyList::write(PolicyLines& lines)
 bool PolicyList::store()
 {
     if (!m_isLoaded) {
-        report(m_title + std::wstring(L" is not stored, because it is not loaded."));
+        report(m_title + L" is not stored, because it is not loaded.");
         return false;
     }
     if (count() > kMostEntries) {
-        report(m_title + std::wstring(L" is not stored, because it has too many entries."));
+        report(m_title + L" is not stored, because it has too many entries.");
         return false;
     }
     DataFolder data = DataFolder::current();
@@ -226,7 +222,7 @@ bool PolicyList::store()
         return false;
     }
     KeptFile target = file(data);
-    const auto lock = openForChange(data, target.title + L" cannot be stored");
+    const auto lock = openForChange(data, m_title + L" cannot be stored");
     Patience patience;
     const auto present = lock ? read(target, patience) : std::nullopt;
     if (!present) {
@@ -234,8 +230,7 @@ bool PolicyList::store()
     }
     // A damaged file is no list that somebody stored meanwhile: it is set aside, and ours takes its place.
     if (present->condition == Condition::kGood && present->mark != m_seen) {
-        report(target.title +
-               L" was changed by somebody else since it was loaded, and is not replaced unseen.");
+        report(m_title + L" was changed by somebody else since it was loaded, and is not replaced unseen.");
         return false;
     }
     if (!replaceKept(target, present->condition, wholeText(m_format.kind, ours.lines), patience)) {
@@ -248,15 +243,15 @@ bool PolicyList::store()
 bool PolicyList::apply()
 {
     if (!m_isLoaded) {
-        report(m_title + std::wstring(L" is not made active, because it is not loaded."));
+        report(m_title + L" is not made active, because it is not loaded.");
         return false;
     }
     DataFolder data = DataFolder::current();
-    const auto lock = openForChange(data, m_title + std::wstring(L" cannot be made active"));
+    const auto lock = openForChange(data, m_title + L" cannot be made active");
     Patience patience;
     const auto stored = lock ? read(file(data), patience) : std::nullopt;
     if (!stored || stored->condition != Condition::kGood) {
-        report(m_title + std::wstring(L" is not made active: it is not stored whole."));
+        report(m_title + L" is not made active: it is not stored whole.");
         return false;
     }
     KeptFile target = activeFile(data);

@@ -32,11 +32,9 @@ class PolicyList {
 public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-    /// @param fileName  of the persistent file.
-    /// @param title     starts a sentence: "The list of ...".
-    PolicyList(const PolicyFormat& format, const wchar_t* fileName, const wchar_t* title)
+    /// @param title  starts a sentence: "The list of ...".
+    PolicyList(const PolicyFormat& format, const wchar_t* title)
         : m_format(format)
-        , m_fileName(fileName)
         , m_title(title)
     {
     }
@@ -78,11 +76,15 @@ private:
     /// Puts a string into an entry. It is a malloc block that passes to the list, or one of the list's own
     /// strings, which stays what it is.
     void place(const wchar_t*& slot, const wchar_t* text);
+    PolicyAttributes& attributesOf(PolicyEntry& entry);
     void setAccount(PolicyEntry& entry, std::span<const std::uint8_t> account);
 
+    /// Of the persistent file.
+    std::wstring fileName() const;
     KeptFile file(const DataFolder& data) const;
     KeptFile activeFile(const DataFolder& data) const;
-    std::optional<PolicyLines> read(const KeptFile& file, Patience& patience) const;
+    using Take = std::function<void(const PolicyRecord&)>;
+    std::optional<PolicyLines> read(const KeptFile& file, Patience& patience, const Take& take = {}) const;
 
     /// @return false when its password cannot be read.
     bool take(const PolicyRecord& record);
@@ -91,8 +93,7 @@ private:
     bool seal(PolicyAttributes& attributes);
 
     PolicyFormat m_format;
-    const wchar_t* m_fileName;
-    const wchar_t* m_title;
+    std::wstring m_title;
     bool m_isLoaded = false;
     std::deque<PolicyEntry> m_entries; ///< none of them moves
     std::deque<PolicyAttributes> m_attributes;

@@ -8,26 +8,13 @@
 namespace lornix {
 namespace {
 
-/// A block of the data protection functions, wiped when it goes.
-class Blob {
-public:
-    Blob() = default;
-    Blob(const Blob&) = delete;
-    Blob& operator=(const Blob&) = delete;
-    ~Blob()
-    {
-        if (m_data.pbData != nullptr) {
-            SecureZeroMemory(m_data.pbData, m_data.cbData);
-            LocalFree(m_data.pbData);
-        }
-    }
-    DATA_BLOB* out() { return &m_data; }
-    const BYTE* bytes() const { return m_data.pbData; }
-    DWORD size() const { return m_data.cbData; }
-
-private:
-    DATA_BLOB m_data{};
-};
+void wipeAndFreeLocal(BYTE* bytes)
+{
+    SecureZeroMemory(bytes, LocalSize(bytes));
+    LocalFree(bytes);
+}
+/// What the data protection functions give.
+using Blob = Owned<BYTE*, wipeAndFreeLocal>;
 
 DATA_BLOB blobOf(const void* bytes, std::size_t size)
 {
@@ -56,27 +43,25 @@ DWORD sealText(const wchar_t* text, std::string& sealed)
 {
     // With its terminator, because nothing cannot be protected.
     DATA_BLOB plain = blobOf(text, (std::wcslen(text) + 1) * sizeof(wchar_t));
-    Blob result;
-    if (!CryptProtectData(&plain, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN,
-                          result.out()))
-    {
+    DATA_BLOB result{};
+    if (!CryptProtectData(&plain, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &result)) {
         return GetLastError();
     }
-    sealed.assign(reinterpret_cast<const char*>(result.bytes()), result.size());
+    const Blob owner(result.pbData);
+    sealed.assign(reinterpret_cast<const char*>(result.pbData), result.cbData);
     return ERROR_SUCCESS;
 }
 
 DWORD unsealText(const std::string& sealed, OwnedText& text)
 {
     DATA_BLOB blob = blobOf(sealed.data(), sealed.size());
-    Blob plain;
-    if (!CryptUnprotectData(&blob, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN,
-                            plain.out()))
-    {
+    DATA_BLOB plain{};
+    if (!CryptUnprotectData(&blob, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &plain)) {
         return GetLastError();
     }
-    const auto* units = reinterpret_cast<const wchar_t*>(plain.bytes());
-    const std::size_t size = plain.size() / sizeof(wchar_t);
+    const Blob owner(plain.pbData);
+    const auto* units = reinterpret_cast<const wchar_t*>(plain.pbData);
+    const std::size_t size = plain.cbData / sizeof(wchar_t);
     if (size == 0 || units[size - 1] != L'\0') {
         return ERROR_INVALID_DATA;
     }

@@ -171,6 +171,7 @@ private:
         for (std::thread& helper : m_helpers) {
             helper.join();
         }
+        m_token.reset();
     }
 
     Owned<HANDLE, CloseHandle> m_token;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace lornix {
 namespace {
@@ -85,20 +86,17 @@ DWORD TreeWalk::open(const wchar_t* path, DWORD flags)
 void TreeWalk::close()
 {
     m_folder.reset();
-    m_entry = nullptr;
+    m_next = nullptr;
 }
 
 DWORD TreeWalk::readMore()
 {
-    SetLastError(
-        ERROR_DIRECTORY); // a file can be opened too; not every system says why it then has no entries
-    m_isFresh =
-        GetFileInformationByHandleEx(m_folder.get(), FileIdBothDirectoryInfo, m_buffer.data(), kBufferSize);
-    if (m_isFresh) {
-        m_entry = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(m_buffer.data());
+    // A file can be opened too; not every system says why it then has no entries.
+    SetLastError(ERROR_DIRECTORY);
+    if (GetFileInformationByHandleEx(m_folder.get(), FileIdBothDirectoryInfo, m_buffer.data(), kBufferSize)) {
+        m_next = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(m_buffer.data());
         return ERROR_SUCCESS;
     }
-    m_entry = nullptr;
     const DWORD error = GetLastError();
     return error == ERROR_INVALID_PARAMETER ? ERROR_DIRECTORY : error;
 }
@@ -106,12 +104,10 @@ DWORD TreeWalk::readMore()
 bool TreeWalk::openPending()
 {
     while (!m_pending.empty()) {
-        const Pending folder = m_pending.back();
+        const Pending folder = std::move(m_pending.back());
         m_pending.pop_back();
         m_path.resize(folder.parentLength);
-        m_path += L'\\';
-        m_path.append(m_names, folder.nameStart);
-        m_names.resize(folder.nameStart);
+        m_path += L'\\' + folder.name;
         m_folderLength = m_path.size();
         // A link that took its place meanwhile is not followed.
         const DWORD error = open(m_path.c_str(), FILE_FLAG_OPEN_REPARSE_POINT);
@@ -127,22 +123,19 @@ bool TreeWalk::openPending()
 
 bool TreeWalk::step()
 {
-    if (m_isFresh) {
-        m_isFresh = false;
-        return true;
+    if (m_next == nullptr) {
+        if (const DWORD error = readMore(); error != ERROR_SUCCESS) {
+            if (error != ERROR_NO_MORE_FILES && !isGone(error)) {
+                m_path.resize(m_folderLength);
+                noteUnread(error);
+            }
+            return false;
+        }
     }
-    if (m_entry != nullptr && m_entry->NextEntryOffset != 0) {
-        const auto* bytes = reinterpret_cast<const std::byte*>(m_entry);
-        m_entry = reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(bytes + m_entry->NextEntryOffset);
-        return true;
-    }
-    const DWORD error = readMore();
-    if (error != ERROR_SUCCESS && error != ERROR_NO_MORE_FILES && !isGone(error)) {
-        m_path.resize(m_folderLength);
-        noteUnread(error);
-    }
-    m_isFresh = false;
-    return m_entry != nullptr;
+    m_entry = m_next;
+    const auto* bytes = reinterpret_cast<const std::byte*>(m_entry) + m_entry->NextEntryOffset;
+    m_next = m_entry->NextEntryOffset == 0 ? nullptr : reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(bytes);
+    return true;
 }
 
 bool TreeWalk::next()
@@ -167,8 +160,7 @@ bool TreeWalk::next()
                 ++m_walked.links;
                 continue;
             }
-            m_pending.push_back({m_folderLength, m_names.size()});
-            m_names += name();
+            m_pending.push_back({m_folderLength, std::wstring(name())});
         }
         close();
     }

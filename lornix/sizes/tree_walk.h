@@ -72,10 +72,10 @@ public:
     const Walked& walked() const { return m_walked; }
 
 private:
-    /// A folder still to be read: the last part of its name lies in m_names.
+    /// A folder still to be read.
     struct Pending {
-        std::size_t parentLength;
-        std::size_t nameStart;
+        std::size_t parentLength; ///< of m_path, when it is its turn
+        std::wstring name;
     };
 
     DWORD open(const wchar_t* path, DWORD flags);
@@ -88,12 +88,11 @@ private:
 
     std::wstring m_path;            // the folder being read, then its file when asked for
     std::size_t m_folderLength = 0; // of the part of m_path that is the folder
-    std::wstring m_names;           // of the pending folders, end to end
     std::vector<Pending> m_pending;
     Handle m_folder;
     std::vector<std::uint64_t> m_buffer; // entries as the platform gives them
     const FILE_ID_BOTH_DIR_INFO* m_entry = nullptr;
-    bool m_isFresh = false; // whether m_entry was read and not given yet
+    const FILE_ID_BOTH_DIR_INFO* m_next = nullptr; // behind it in the buffer
     Walked m_walked;
 };
 

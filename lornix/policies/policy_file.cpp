@@ -44,7 +44,7 @@ bool readHex(std::string_view text, std::string& bytes)
     return true;
 }
 
-std::optional<std::u16string> readText(std::string_view rest)
+std::optional<std::u16string> readable(std::string_view rest)
 {
     auto text = unescape(rest);
     return text && text->find(u'\0') == std::u16string::npos ? text : std::nullopt;
@@ -60,7 +60,7 @@ const char* readEntry(const PolicyFormat& format, std::string_view line, PolicyR
         }
         entry.account = *account;
     }
-    auto text = readText(line);
+    auto text = readable(line);
     entry.text = text.value_or(std::u16string());
     return text ? nullptr : kNotText;
 }
@@ -75,7 +75,7 @@ const char* readAttribute(std::string_view word, std::string_view rest, PolicyRe
     if (index == kPasswordAttribute) {
         return readHex(rest, entry.sealedPassword) ? nullptr : "it is not a row of hexadecimal digits";
     }
-    auto text = readText(rest);
+    auto text = readable(rest);
     if (!text) {
         return kNotText;
     }

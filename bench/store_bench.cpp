@@ -96,16 +96,23 @@ bool measure(const std::wstring& data, int rules, const Options& options,
     bool isDone = true;
     const int rounds = options.rounds != 0 ? options.rounds : 7;
     for (int round = -1; round < rounds; ++round) { // the first one warms up
-        for (QuotaRule* rule = chain.get(); rule != nullptr; rule = rule->next) {
-            rule->hardLimit += 1024;
-        }
-        const auto store = [&](const PathList* of, const QuotaRule* first) {
-            Sleep(300); // as between two changes of a person: what was just written is read once more
+        // As between two changes of a person: what was just written is read once more, and the disk has gone to rest.
+        const auto wait = [] {
+            Sleep(300);
+        };
+        const auto store = [&](const PathList* of, QuotaRule* first) {
+            wait();
+            // A host makes the rules that it hands over anew each time, so that they are as near to the processor as
+            // the bytes that the bare side has just read.
+            for (QuotaRule* rule = first; rule != nullptr; rule = rule->next) {
+                rule->hardLimit += 1024;
+                isDone = isDone && IsValidSid(rule->sid) && *rule->path != L'\0';
+            }
             return timed([&] { isDone = isDone && lornixStoreRules(of, first) != 0; });
         };
         const Time allStored = store(folders.get(), chain.get());
-        single->hardLimit += 1024;
         const Time oneStored = store(singleFolder.get(), single.get());
+        wait();
         const std::string bytes = bytesOf(data + L"\\rules.txt");
         const Time written = timed([&] { isDone = isDone && writeThrough(data + L"\\bare", bytes); });
         if (!isDone) {

@@ -1,6 +1,7 @@
 // Storing in a store of many folders, twenty rules to a folder, all of them changed or those of one folder: the store,
 // beside the bare minimum, which writes as many bytes into a new file, flushes it and puts it in the place of the old
-// one, and beside the straightforward way, which does so for a file of each folder.
+// one, and beside the straightforward way, which does so for a file of each folder. Then reading the folders one by
+// one, as a panel that starts, beside opening the file and reading as many bytes of it for each.
 //   store_bench FOLDER [--sizes=1000,10000,100000] [--rounds=N] [--no-row-by-row] [--times]
 // FOLDER is on the disk to be measured. Exit code 1 when something could not be stored.
 #include "bench/support/account_sid.h"
@@ -82,6 +83,48 @@ std::string bytesOf(const std::wstring& file)
     return bytes;
 }
 
+bool readPart(const std::wstring& file, std::size_t part, std::string& bytes)
+{
+    const HANDLE in = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+    OVERLAPPED start{};
+    start.Offset = static_cast<DWORD>(part * bytes.size());
+    DWORD read = 0;
+    ReadFile(in, bytes.data(), static_cast<DWORD>(bytes.size()), &read, &start);
+    CloseHandle(in);
+    return read == bytes.size();
+}
+
+/// Compares reading each folder.
+bool measureReading(const std::wstring& file, int rules, int rounds, std::vector<Comparison>& comparisons)
+{
+    const Folders folders = foldersOf(rules);
+    wchar_t* const* names = folders->paths;
+    const auto count = static_cast<std::size_t>(folders->count);
+    std::string bytes(bytesOf(file).size() / count, '\0');
+    Tally read;
+    Tally bare;
+    bool isDone = true;
+    for (int round = -1; round < rounds; ++round) { // the first one warms up
+        const Time ours = timed([&] {
+            for (std::size_t i = 0; i < count; ++i) {
+                isDone = isDone && Chain(lornixLoadRules(names[i]), lornixFreeRules) != nullptr;
+            }
+        });
+        const Time theirs = timed([&] {
+            for (std::size_t i = 0; i < count; ++i) {
+                isDone = isDone && readPart(file, i, bytes);
+            }
+        });
+        if (round >= 0) {
+            read.add(ours);
+            bare.add(theirs);
+        }
+    }
+    comparisons.push_back({"Rules of each folder read", rules, read, bare, std::nullopt, Clock::kWall});
+    return isDone;
+}
+
 bool measure(const std::wstring& data, int rules, const Options& options,
              std::vector<Comparison>& comparisons)
 {
@@ -141,7 +184,7 @@ bool measure(const std::wstring& data, int rules, const Options& options,
                            options.rowByRow ? std::optional(slow) : std::nullopt, Clock::kWall});
     comparisons.push_back(
         {"Rules of one folder changed and stored", rules, one, bare, std::nullopt, Clock::kWall});
-    return true;
+    return measureReading(data + L"\\rules.txt", rules, rounds, comparisons);
 }
 
 } // namespace

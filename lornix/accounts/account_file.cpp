@@ -11,13 +11,15 @@ namespace lornix {
 namespace {
 
 constexpr const wchar_t* kVariable = L"LORNIX_ACCOUNTS";
-constexpr const wchar_t* kFileName = L"\\accounts.txt";
+constexpr const wchar_t* kFileName = L"accounts.txt";
 constexpr ULONGLONG kPause =
     1000; // milliseconds: a hundred thousand names do not wait for a held file in turn
 
 using Directory = std::shared_ptr<const AccountDirectory>;
 
-std::mutex fileGuard; // of all below
+std::mutex fileGuard;   // of all below
+std::wstring lastNamed; // what the environment said
+std::uint32_t lastChoice = 0;
 std::wstring lastPath;
 Directory lastRead = std::make_shared<const AccountDirectory>();
 FileStamp lastStamp;
@@ -51,13 +53,14 @@ void tell(const std::wstring& path, const AccountDirectory& directory)
     }
 }
 
-/// @param isExpected  whether a missing file is worth a line.
+/// @param mayRead     whether there can be a file.
+/// @param isExpected  whether a missing one is worth a line.
 /// @return null for a file that is there and cannot be read now.
-Directory load(const std::wstring& path, bool isExpected)
+Directory load(const std::wstring& path, bool mayRead, bool isExpected)
 {
     std::string bytes;
     Patience patience = Patience::toRead();
-    const DWORD error = readFile(path, bytes, patience);
+    const DWORD error = mayRead ? readFile(path, bytes, patience) : static_cast<DWORD>(ERROR_FILE_NOT_FOUND);
     if (error != ERROR_SUCCESS) {
         const bool isMissing = error == ERROR_FILE_NOT_FOUND;
         if (!isMissing || isExpected) {
@@ -72,30 +75,35 @@ Directory load(const std::wstring& path, bool isExpected)
 
 Directory accounts(bool lookForChanges)
 {
-    std::wstring path = environmentValue(kVariable);
-    const bool isNamed = !path.empty();
-    if (!isNamed) {
-        const std::wstring root = DataFolder::currentRoot();
-        path = root.empty() ? root : root + kFileName;
-    }
+    const std::wstring named = environmentValue(kVariable);
+    const std::uint32_t choice = DataFolder::timesChosen();
     const std::lock_guard lock(fileGuard);
+    const bool isSame = named == lastNamed && choice == lastChoice;
+    if (isSame && (isRead ? !lookForChanges : GetTickCount64() < nextLook)) {
+        return lastRead; // the data folder is not looked at either, which takes longer than all else
+    }
+    // Held until the file is read, so that it is the folder that was looked at.
+    const DataFolder folder = named.empty() ? DataFolder::currentQuietly() : DataFolder();
+    const std::wstring path = folder.isKnown() ? folder.path(kFileName) : named;
     if (path != lastPath) {
         lastRead = std::make_shared<const AccountDirectory>(); // none of another file's accounts
         lastPath = path;
-        nextLook = 0;
         isRead = false;
     }
-    if (isRead ? lookForChanges && stampOf(path) != lastStamp : GetTickCount64() >= nextLook) {
-        const FileStamp stamp = stampOf(path); // before it is read: a change meanwhile is seen next time
-        Directory read = load(path, isNamed);
-        isRead = read != nullptr;
-        if (isRead) {
-            lastRead = std::move(read);
-            lastStamp = stamp;
-        } else {
-            // Who has the file lets it go again. What was read before counts until then.
-            nextLook = GetTickCount64() + kPause;
-        }
+    lastNamed = named;
+    lastChoice = choice;
+    const FileStamp stamp = stampOf(path); // before it is read: a change meanwhile is seen next time
+    if (isRead && stamp == lastStamp) {
+        return lastRead;
+    }
+    Directory read = load(path, !path.empty() && folder.mayHoldFiles(), !named.empty());
+    isRead = read != nullptr;
+    if (isRead) {
+        lastRead = std::move(read);
+        lastStamp = stamp;
+    } else {
+        // Who has the file lets it go again. What was read before counts until then.
+        nextLook = GetTickCount64() + kPause;
     }
     return lastRead;
 }

@@ -138,10 +138,10 @@ DataFolder DataFolder::current()
     return folder;
 }
 
-std::wstring DataFolder::currentRoot()
+DataFolder DataFolder::currentQuietly()
 {
     std::wstring problem;
-    return find(problem).m_root;
+    return find(problem);
 }
 
 std::uint32_t DataFolder::timesChosen()
@@ -230,7 +230,7 @@ const wchar_t* lornixDataFolder(void)
     // Leaves the reports of the last call alone.
     static std::wstring told;
     try {
-        told = lornix::DataFolder::currentRoot();
+        told = lornix::DataFolder::currentQuietly().root();
         return told.c_str();
     } catch (const std::bad_alloc&) {
         return L"";

@@ -18,8 +18,8 @@ public:
     /// The folder in use. Empty when there is none, which has been reported then.
     static DataFolder current();
 
-    /// Path of the folder in use, for any thread; empty when there is none.
-    static std::wstring currentRoot();
+    /// The same for any thread, which reports nothing.
+    static DataFolder currentQuietly();
 
     /// How often a host has chosen a folder. What was read before may be of another one.
     static std::uint32_t timesChosen();

@@ -302,6 +302,55 @@ TEST_F(CommonFolderTest, ThatWasMissingIsLookedAtWhenItIsThere)
     EXPECT_EQ(lornixStoreRules(foldersOf({L"D:\\A"}).get(), chainOf({{L"D:\\A", 9}}).get()), 0);
 }
 
+int looks = 0;
+
+DWORD WINAPI countedProtection(HANDLE file, SE_OBJECT_TYPE type, SECURITY_INFORMATION parts, PSID* owner,
+                               PSID* group, PACL* list, PACL* audit, PSECURITY_DESCRIPTOR* descriptor)
+{
+    ++looks;
+    return GetSecurityInfo(file, type, parts, owner, group, list, audit, descriptor);
+}
+
+TEST_F(CommonFolderTest, IsNotLookedAtForEachName)
+{
+    store({L"D:\\A"}, {{L"D:\\A"}});
+    writeBytes(folder() / L"accounts.txt", "lornix accounts 1\nuser S-1-5-21-1-2-3-1 alice\nend\n");
+    const ImportPatch counted(storeModule(), "GetSecurityInfo", &countedProtection);
+    ASSERT_EQ(counted.count(), 1);
+    looks = 0;
+    const Block<void> alice = sidOf(L"S-1-5-21-1-2-3-1");
+    for (int i = 0; i < 100; ++i) {
+        wchar_t name[100] = L"";
+        EXPECT_STREQ(getAccountBySidW(alice.get(), name, 100), L"alice");
+    }
+    EXPECT_LE(looks, 2) << "both of its levels, once";
+    looks = 0;
+    Sids(enumerateUsers(nullptr, nullptr));
+    EXPECT_EQ(looks, 2) << "a list is read anew where somebody changed it";
+}
+
+std::filesystem::path madeMeanwhile;
+
+BOOL WINAPI makeMeanwhile(const wchar_t* name, GET_FILEEX_INFO_LEVELS level, void* found)
+{
+    std::filesystem::create_directories(madeMeanwhile);
+    writeBytes(madeMeanwhile / L"accounts.txt", "lornix accounts 1\nuser S-1-5-21-1-2-3-1 mallory\nend\n");
+    return GetFileAttributesExW(name, level, found);
+}
+
+TEST_F(CommonFolderTest, AccountsInOneThatWasMissingAreNotReadUnseen)
+{
+    madeMeanwhile = folder();
+    foldersEnd = L"\\lornix";
+    foldersProtection = L"O:S-1-5-21-1-2-3-1001D:P(A;OICI;FA;;;S-1-5-21-1-2-3-1001)";
+    const ImportPatch strange(storeModule(), "GetSecurityInfo", &strangeProtection);
+    const ImportPatch made(storeModule(), "GetFileAttributesExW", &makeMeanwhile);
+    ASSERT_EQ(made.count(), 1);
+    EXPECT_EQ(Block<void>(getSidByNameW(L"mallory")), nullptr);
+    Sids(enumerateUsers(nullptr, nullptr));
+    EXPECT_EQ(Block<void>(getSidByNameW(L"mallory")), nullptr);
+}
+
 TEST_F(CommonFolderTest, ThatIsALinkIsNotUsed)
 {
     store({L"D:\\A"}, {{L"D:\\A", 7}});

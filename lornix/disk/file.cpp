@@ -101,13 +101,13 @@ DWORD readAt(HANDLE file, std::uint64_t offset, std::string& bytes)
 
 DWORD takeStamp(HANDLE file, FileStamp& stamp)
 {
-    BY_HANDLE_FILE_INFORMATION found{};
-    if (!GetFileInformationByHandle(file, &found)) {
+    LARGE_INTEGER size{};
+    FILETIME changed{};
+    if (!GetFileSizeEx(file, &size) || !GetFileTime(file, nullptr, nullptr, &changed)) {
         return GetLastError();
     }
-    stamp.size = joined(found.nFileSizeHigh, found.nFileSizeLow);
-    stamp.changed = joined(found.ftLastWriteTime);
-    stamp.id = joined(found.nFileIndexHigh, found.nFileIndexLow);
+    stamp.size = static_cast<std::uint64_t>(size.QuadPart);
+    stamp.changed = joined(changed);
     return ERROR_SUCCESS;
 }
 
@@ -210,13 +210,14 @@ Handle openPlain(const std::wstring& path, DWORD access, DWORD share, SECURITY_A
     if (!file) {
         return file;
     }
-    FILE_ATTRIBUTE_TAG_INFO found{};
-    BY_HANDLE_FILE_INFORMATION known{};
-    if (GetFileInformationByHandle(file.get(), &known) &&
-        (known.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+    // Not all that the platform tells of a file at once: that takes as long as opening it.
+    FILE_BASIC_INFO known{};
+    if (GetFileInformationByHandleEx(file.get(), FileBasicInfo, &known, sizeof known) &&
+        (known.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
     {
         return file;
     }
+    FILE_ATTRIBUTE_TAG_INFO found{}; // which some disks do not know
     const bool isLink =
         !GetFileInformationByHandleEx(file.get(), FileAttributeTagInfo, &found, sizeof found) ||
         IsReparseTagNameSurrogate(found.ReparseTag);

@@ -62,12 +62,12 @@ constexpr std::uint64_t joined(const FILETIME& time)
     return joined(time.dwHighDateTime, time.dwLowDateTime);
 }
 
-/// What tells that a file is still the one that was read.
+/// What tells that a file is still the one that was read. Files with one time and one size have different checksums, which
+/// stand at the end.
 struct FileStamp {
     std::uint64_t size = 0;
     std::uint64_t changed = 0;
-    std::uint64_t id = 0;
-    std::string tail; ///< its last bytes, where the checksum stands
+    std::string tail; ///< its last bytes
     bool operator==(const FileStamp&) const = default;
 };
 

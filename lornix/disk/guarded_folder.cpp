@@ -3,6 +3,7 @@
 #include <aclapi.h>
 #include <sddl.h>
 
+#include <mutex>
 #include <vector>
 
 namespace lornix {
@@ -16,8 +17,8 @@ constexpr DWORD kChanging = FILE_ADD_FILE | FILE_ADD_SUBDIRECTORY | FILE_WRITE_E
                             FILE_WRITE_ATTRIBUTES | DELETE | WRITE_DAC | WRITE_OWNER | GENERIC_WRITE |
                             GENERIC_ALL;
 
-/// The account that this process runs for; empty when the platform does not tell.
-std::vector<char> thisUser()
+/// @return nothing when the platform does not tell.
+std::vector<char> readUser()
 {
     HANDLE opened = nullptr;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) {
@@ -29,6 +30,18 @@ std::vector<char> thisUser()
     std::vector<char> user(size);
     if (!GetTokenInformation(token.get(), TokenUser, user.data(), size, &size)) {
         user.clear();
+    }
+    return user;
+}
+
+/// The account that this process runs for, which stays the same; empty while the platform does not tell.
+std::vector<char> thisUser()
+{
+    static std::mutex guard;
+    static std::vector<char> user;
+    const std::lock_guard lock(guard);
+    if (user.empty()) {
+        user = readUser();
     }
     return user;
 }

@@ -6,8 +6,18 @@
 namespace lornix {
 
 namespace faults_detail {
-LONG takePlaceholder(EXCEPTION_POINTERS* raised, void*);
-LONG take(EXCEPTION_POINTERS* raised, void* code);
+inline LONG takePlaceholder(EXCEPTION_POINTERS* raised, void*)
+{
+    constexpr DWORD kNotImplemented = 0x80000100;
+    return raised->ExceptionRecord->ExceptionCode == kNotImplemented ? EXCEPTION_EXECUTE_HANDLER
+                                                                     : EXCEPTION_CONTINUE_SEARCH;
+}
+
+inline LONG take(EXCEPTION_POINTERS* raised, void* code)
+{
+    *static_cast<DWORD*>(code) = raised->ExceptionRecord->ExceptionCode;
+    return EXCEPTION_EXECUTE_HANDLER;
+}
 
 template <class Call>
 void step(void* context)

@@ -65,23 +65,12 @@ void getTextualSidW(const void* sid, wchar_t* buffer, int capacity)
 
 SidList* createEmptySidList(void)
 {
-    return lornix::withRoomFor<SidList>(nullptr, offsetof(SidList, sids), 0);
+    return lornix::withRoomFor<SidList>(nullptr, 0);
 }
 
 SidList* appendToSidList(SidList* list, void* sid)
 {
-    if (sid == nullptr) {
-        return list;
-    }
-    SidList* grown = lornix::withRoomFor(list, offsetof(SidList, sids), 1);
-    if (grown == nullptr) {
-        std::free(sid); // it was the list's already
-        return list;
-    }
-    void** sids = grown->sids;
-    sids[grown->count] = sid;
-    ++grown->count;
-    return grown;
+    return lornix::appended(list, sid);
 }
 
 SidList* appendToSidList2(SidList* destination, SidList* source)
@@ -89,9 +78,7 @@ SidList* appendToSidList2(SidList* destination, SidList* source)
     if (source == nullptr || source == destination) {
         return destination;
     }
-    if (SidList* grown = lornix::withRoomFor(destination, offsetof(SidList, sids),
-                                             static_cast<std::size_t>(source->count)))
-    {
+    if (SidList* grown = lornix::withRoomFor(destination, static_cast<std::size_t>(source->count))) {
         destination = grown;
     }
     void* const* sids = source->sids;
@@ -103,12 +90,5 @@ SidList* appendToSidList2(SidList* destination, SidList* source)
 
 void freeSidList(SidList* list)
 {
-    if (list == nullptr) {
-        return;
-    }
-    void** sids = list->sids;
-    for (std::int32_t i = 0; i < list->count; ++i) {
-        std::free(sids[i]);
-    }
-    std::free(list);
+    lornix::releaseList(list);
 }

@@ -83,6 +83,7 @@ std::optional<std::vector<std::wstring>> lookUpTogether(const std::vector<std::s
 {
     const auto policy = openPolicy(nullptr, POLICY_LOOKUP_NAMES);
     std::vector<PSID> pointers;
+    pointers.reserve(sids.size());
     for (const std::string& sid : sids) {
         pointers.push_back(const_cast<char*>(sid.data()));
     }

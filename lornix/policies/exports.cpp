@@ -97,41 +97,41 @@ static_assert(NOTIFICATION_PASSWORD == kPasswordAttribute);
 #define LORNIX_LIST(Name, list)                                                                              \
     int load##Name(void)                                                                                     \
     {                                                                                                        \
-        return reporting(0, [] { return list.load() ? 1 : 0; });                                             \
+        return reporting(0, [] { return lornix::list.load() ? 1 : 0; });                                     \
     }                                                                                                        \
     void remove##Name(uint32_t index)                                                                        \
     {                                                                                                        \
-        list.remove(index);                                                                                  \
+        lornix::list.remove(index);                                                                          \
     }                                                                                                        \
     void store##Name(void)                                                                                   \
     {                                                                                                        \
-        reporting(false, [] { return list.store(); });                                                       \
+        reporting(false, [] { return lornix::list.store(); });                                               \
     }                                                                                                        \
     void free##Name(void)                                                                                    \
     {                                                                                                        \
-        list.release();                                                                                      \
+        lornix::list.release();                                                                              \
     }
 
 // For the lists that whoever enforces them reads.
 #define LORNIX_APPLIED_LIST(Name, list)                                                                      \
     void apply##Name(void)                                                                                   \
     {                                                                                                        \
-        reporting(false, [] { return list.apply(); });                                                       \
+        reporting(false, [] { return lornix::list.apply(); });                                               \
     }
 
 // For the lists whose entries are a text each.
 #define LORNIX_TEXT_LIST(Name, list)                                                                         \
     const wchar_t* get##Name(uint32_t index)                                                                 \
     {                                                                                                        \
-        return text(list, index);                                                                            \
+        return text(lornix::list, index);                                                                    \
     }                                                                                                        \
     uint32_t addTo##Name(const wchar_t* text)                                                                \
     {                                                                                                        \
-        return reporting(PolicyList::kNone, [&] { return list.add(text); });                                 \
+        return reporting(PolicyList::kNone, [&] { return lornix::list.add(text); });                         \
     }                                                                                                        \
     void update##Name(uint32_t index, const wchar_t* text)                                                   \
     {                                                                                                        \
-        reporting(false, [&] { return list.update(index, text), true; });                                    \
+        reporting(false, [&] { return lornix::list.update(index, text), true; });                            \
     }
 
 LORNIX_LIST(Notifications, notifications)

@@ -13,8 +13,9 @@ std::byte* ListStrings::place(std::size_t size)
     size = (size + kAlignment - 1) / kAlignment * kAlignment;
     if (size > m_free.size()) {
         std::vector<std::byte> block(std::max(kBlock, size));
-        m_free = block;
-        m_blocks.emplace(m_free.data(), std::move(block));
+        const std::span<std::byte> room = block;
+        m_blocks.emplace(room.data(), std::move(block));
+        m_free = room;
     }
     std::byte* const start = m_free.data();
     m_free = m_free.subspan(size);

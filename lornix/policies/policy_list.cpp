@@ -89,12 +89,14 @@ void PolicyList::setAccount(PolicyEntry& entry, std::span<const std::uint8_t> ac
 
 std::uint32_t PolicyList::count() const
 {
-    return static_cast<std::uint32_t>(m_entries.size()) - m_removed;
+    return m_isLoaded ? static_cast<std::uint32_t>(m_entries.size()) - m_removed : 0;
 }
 
 PolicyEntry* PolicyList::at(std::uint32_t index)
 {
-    return index < m_entries.size() && m_entries[index].text != nullptr ? &m_entries[index] : nullptr;
+    // What was read before memory ran out is no list.
+    const bool isThere = m_isLoaded && index < m_entries.size() && m_entries[index].text != nullptr;
+    return isThere ? &m_entries[index] : nullptr;
 }
 
 void PolicyList::place(const wchar_t*& slot, const wchar_t* text)
@@ -124,9 +126,10 @@ std::uint32_t PolicyList::add(const wchar_t* text, std::span<const std::uint8_t>
         refuse(text);
         return kNone;
     }
-    PolicyEntry& entry = m_entries.emplace_back();
+    PolicyEntry entry; // which is added when it is whole
     place(entry.text, text);
     setAccount(entry, account);
+    m_entries.push_back(entry);
     return static_cast<std::uint32_t>(m_entries.size() - 1);
 }
 
@@ -137,8 +140,10 @@ void PolicyList::update(std::uint32_t index, const wchar_t* text, std::span<cons
         refuse(text);
         return;
     }
-    setAccount(*entry, account);
-    place(entry->text, text);
+    PolicyEntry changed = *entry;
+    setAccount(changed, account);
+    place(changed.text, text);
+    *entry = changed;
 }
 
 void PolicyList::setAttribute(std::uint32_t index, std::uint32_t attribute, const wchar_t* text)

@@ -141,7 +141,7 @@ int64_t getRealSize(const wchar_t* folder)
             tree->last = {time, GetTickCount64(), walked};
         }
         tell(walked, named);
-        return walked.look.bytes;
+        return walked.bytes;
     });
 }
 
@@ -161,11 +161,11 @@ int64_t getRealSizeByOwner(const wchar_t* folder, const SidList* accounts)
         Walked walked =
             tree == nullptr ? Walked() : lookAgain(*tree, named); // of another a look is of no use
         OwnedBytes fresh;
-        const OwnedBytes* owned = tree != nullptr && tree->look == walked.look ? &tree->owned : nullptr;
+        const OwnedBytes* owned = tree != nullptr && tree->walked == walked ? &tree->owned : nullptr;
         if (owned == nullptr) {
             walked = walk(named, [&](TreeWalk& files) { fresh = sumOwners(files); });
-            owned = walked.error == ERROR_SUCCESS ? &trees.keep({named.key, walked.look, std::move(fresh)})
-                                                  : &fresh;
+            owned =
+                walked.error == ERROR_SUCCESS ? &trees.keep({named.key, walked, std::move(fresh)}) : &fresh;
         }
         tell(walked, named);
         tellOwners(owned->unread, named);

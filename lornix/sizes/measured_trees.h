@@ -16,10 +16,10 @@ struct LastWalk {
     Walked walked;
 };
 
-/// The owners' bytes of a tree, good as long as a look at the tree finds it as it was then.
+/// The owners' bytes of a tree, good as long as a walk finds it as it was then.
 struct MeasuredTree {
     std::u16string folder; ///< its key
-    TreeLook look;
+    Walked walked;
     OwnedBytes owned;
     std::optional<LastWalk> last{};
 };

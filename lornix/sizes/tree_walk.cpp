@@ -144,8 +144,8 @@ bool TreeWalk::next()
         while (step()) {
             const bool isFolder = (m_entry->FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
             if (!isFolder) {
-                ++m_walked.look.files;
-                addSize(m_walked.look.bytes, size());
+                ++m_walked.files;
+                addSize(m_walked.bytes, size());
                 noteChange();
                 return true;
             }
@@ -171,13 +171,12 @@ void TreeWalk::noteChange()
 {
     // Not every file system keeps a time of changes to what is not content.
     const std::int64_t change = std::max(m_entry->ChangeTime.QuadPart, m_entry->LastWriteTime.QuadPart);
-    m_walked.look.newest = std::max(m_walked.look.newest, change);
-    m_walked.look.changes += static_cast<std::uint64_t>(change);
+    m_walked.newest = std::max(m_walked.newest, change);
+    m_walked.changes += static_cast<std::uint64_t>(change);
 }
 
 void TreeWalk::noteUnread(DWORD error)
 {
-    ++m_walked.look.unread;
     m_walked.unread.add(m_path, 0, error);
 }
 

@@ -20,29 +20,24 @@ struct Unread {
 
     void add(std::wstring_view path, std::int64_t size, DWORD why);
     void add(const Unread& others);
+    friend bool operator==(const Unread&, const Unread&) = default;
 };
 
 /// Adds sizes; the sum stays at the largest number instead of turning negative.
 void addSize(std::int64_t& sum, std::int64_t size);
 
-/// What a walk found in all. Two walks that found the same went through a tree that nobody changed meanwhile.
-struct TreeLook {
+/// What a walk has to tell in all. Two that found the same went through a tree that nobody changed meanwhile.
+struct Walked {
     std::uint64_t files = 0;
-    std::uint64_t unread = 0; ///< folders
     std::int64_t bytes = 0;
     std::int64_t newest = 0; ///< change of a file or a folder, of its owner too
     std::uint64_t changes =
-        0; ///< the times of all changes together: one may lie in the future and cover the others
-
-    friend bool operator==(const TreeLook&, const TreeLook&) = default;
-};
-
-/// What a walk has to tell in all.
-struct Walked {
-    TreeLook look;
+        0;         ///< the times of all changes together: one may lie in the future and cover the others
     Unread unread; ///< folders
     std::uint64_t links = 0;
     DWORD error = ERROR_SUCCESS; ///< why the folder itself cannot be read
+
+    friend bool operator==(const Walked&, const Walked&) = default;
 };
 
 /// Gives the files of a folder and of all folders below it, one after the other.

@@ -113,4 +113,88 @@ INSTANTIATE_TEST_SUITE_P(
              loadNotifications, freeNotifications}),
     [](const testing::TestParamInfo<Kind>& info) { return info.param.what; });
 
+int blocksBefore = 0; // the one that there is no memory for
+
+void* scarceMalloc(std::size_t size)
+{
+    return blocksBefore-- == 0 ? nullptr : std::malloc(size);
+}
+
+/// Calls again and again, without memory for a later block each time, until there is enough for all.
+/// @param call  says whether it did all.
+/// @param then  looks at what there is otherwise.
+template <class Call, class Then>
+void withoutMemory(Call call, Then then)
+{
+    for (int blocks = 0;; blocks += 1 + blocks / 10) {
+        bool isDone = false;
+        {
+            const ImportPatch patch(storeModule(), "malloc", &scarceMalloc);
+            ASSERT_EQ(patch.count(), 1);
+            blocksBefore = blocks;
+            isDone = call();
+        }
+        if (blocksBefore >= 0) {
+            EXPECT_TRUE(isDone);
+            return;
+        }
+        if (!isDone) {
+            then();
+        }
+    }
+}
+
+using ScarceMemoryTest = StoreTest;
+
+TEST_F(ScarceMemoryTest, AListThatCannotBeReadWholeIsEmpty)
+{
+    std::string text = "lornix notifications 1\n";
+    for (int i = 0; i < 1000; ++i) {
+        text += "notification a long name so that it needs a block " + std::to_string(i) + "\nrate 1\n";
+    }
+    writeBytes(data() / L"notifications.txt", text + "checksum -\nend\n");
+    withoutMemory([] { return loadNotifications() != 0; },
+                  [] {
+                      EXPECT_EQ(getNotifications(0), nullptr);
+                      EXPECT_EQ(getNotificationsCount(), 0u);
+                      EXPECT_EQ(getNAttr(0, NOTIFICATION_RATE), nullptr);
+                  });
+    EXPECT_EQ(getNotificationsCount(), 1000u);
+    freeNotifications();
+}
+
+TEST_F(ScarceMemoryTest, WhatFindsNoPlaceIsNotAdded)
+{
+    ASSERT_EQ(loadNotifications(), 1);
+    for (std::uint32_t count = 0; count < 100; ++count) {
+        withoutMemory([&] { return addToNotifications(_wcsdup(L"a")) == count; },
+                      [&] { EXPECT_EQ(getNotificationsCount(), count); });
+    }
+    freeNotifications();
+}
+
+TEST_F(ScarceMemoryTest, AnEntryIsChangedWholeOrNotAtAll)
+{
+    const Block<void> alice = sidOf(L"S-1-5-21-1-2-3-1001");
+    const Block<void> bob = sidOf(L"S-1-5-21-1-2-3-1002");
+    ASSERT_EQ(loadExcludeExts(), 1);
+    for (int i = 0; i < 2000; ++i) { // so that accounts need a new block too
+        const auto index = addToExcludeExts(_wcsdup(L"*.a"), alice.get());
+        const auto mask = [&] {
+            return std::wstring(getExcludeExtsPath(index));
+        };
+        withoutMemory(
+            [&] {
+                updateExcludeExts(index, _wcsdup(L"*.b"), bob.get());
+                return mask() == L"*.b";
+            },
+            [&] {
+                EXPECT_EQ(mask(), L"*.a");
+                EXPECT_EQ(textOf(getExcludeExtsSid(index)), textOf(alice.get()));
+            });
+        EXPECT_EQ(textOf(getExcludeExtsSid(index)), textOf(bob.get()));
+    }
+    freeExcludeExts();
+}
+
 } // namespace

@@ -128,8 +128,11 @@ wchar_t* getDomainServerByName(const wchar_t* server)
     }
     return quietly<wchar_t*>(nullptr, [&] {
         const auto file = fileAccounts();
-        const AccountDirectory::Domain* listed = file->domainBehind(fromWide(server));
-        return handOver(listed == nullptr ? secondServer(server) : toWide(listed->server));
+        if (file->domainOf(fromWide(server)) == nullptr) {
+            return handOver(secondServer(server));
+        }
+        const AccountDirectory::Domain* next = file->domainBehind(fromWide(server));
+        return handOver(next == nullptr ? std::wstring() : toWide(next->server));
     });
 }
 

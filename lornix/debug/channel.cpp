@@ -2,6 +2,7 @@
 #include "lornix/debug/wide_format.h"
 #include "lornix/disk/environment.h"
 #include "lornix/disk/file.h"
+#include "lornix/faults.h"
 #include "lornix/sid.h"
 #include "lornix/text/escaped_text.h"
 #include "lornix/text/sid_text.h"
@@ -54,6 +55,8 @@ public:
             m_handle = m_file.get();
         }
     }
+
+    void close() { m_file.reset(); }
 
     bool isOpen() const { return m_handle != nullptr && m_handle != INVALID_HANDLE_VALUE; }
 
@@ -137,29 +140,34 @@ std::wstring describe(const QuotaRule& rule)
            (rule.path == nullptr ? L"(null)" : rule.path) + L"\n";
 }
 
-void dump(const QuotaRule* rule)
+void say(std::wstring_view text, Log& log)
 {
     const std::lock_guard lock(guard);
+    toDebugger(text);
+    log.write(text);
+}
+
+void dump(const QuotaRule* rule)
+{
     Log log;
     if (!log.isOpen() && !isMonitored()) {
         return; // nobody reads along, and a chain may have a hundred thousand rules
     }
-    std::wstring block;
-    const auto flush = [&] {
-        toDebugger(block);
-        log.write(block);
-        block.clear();
-    };
-    for (; rule != nullptr; rule = rule->next) {
-        std::wstring line = describe(*rule);
-        if (!block.empty() && block.size() + line.size() > kBlock) {
-            flush();
+    const auto sayAll = [&] {
+        std::wstring block; // put together without the lock: a damaged chain may fault here
+        for (; rule != nullptr; rule = rule->next) {
+            const std::wstring line = describe(*rule);
+            if (!block.empty() && block.size() + line.size() > kBlock) {
+                say(block, log);
+                block.clear();
+            }
+            block += line;
         }
-        block += line;
-    }
-    if (!block.empty()) {
-        flush();
-    }
+        if (!block.empty()) {
+            say(block, log);
+        }
+    };
+    runThen(sayAll, [&] { log.close(); });
 }
 
 } // namespace
@@ -183,9 +191,8 @@ void ODS(const char* format, ...)
     va_start(arguments, format);
     try {
         const std::wstring line = lornix::formatLine(format, arguments);
-        const std::lock_guard lock(lornix::guard);
-        lornix::toDebugger(line);
-        lornix::Log().write(line);
+        lornix::Log log;
+        lornix::say(line, log);
     } catch (const std::exception&) {
         OutputDebugStringA("lornix: a debug line could not be shown\n");
     }

@@ -17,21 +17,18 @@ Held take()
     // The thread alone gets it: the process is the host's, and its other threads work on meanwhile.
     Held held;
     constexpr DWORD kAccess = TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY;
-    if (!OpenThreadToken(GetCurrentThread(), kAccess, TRUE, &held.token)) {
-        if (GetLastError() != ERROR_NO_TOKEN || !ImpersonateSelf(SecurityImpersonation)) {
-            return {};
-        }
+    if (!OpenThreadToken(GetCurrentThread(), kAccess, TRUE, &held.token) &&
+        GetLastError() == ERROR_NO_TOKEN && ImpersonateSelf(SecurityImpersonation))
+    {
         held.isOwnToken = true;
-        if (!OpenThreadToken(GetCurrentThread(), kAccess, TRUE, &held.token)) {
-            RevertToSelf();
-            return {};
-        }
+        OpenThreadToken(GetCurrentThread(), kAccess, TRUE, &held.token);
     }
     TOKEN_PRIVILEGES wanted{};
     wanted.PrivilegeCount = 1;
     wanted.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
     DWORD size = 0;
-    if (!LookupPrivilegeValueW(nullptr, SE_BACKUP_NAME, &wanted.Privileges[0].Luid) ||
+    if (held.token == nullptr ||
+        !LookupPrivilegeValueW(nullptr, SE_BACKUP_NAME, &wanted.Privileges[0].Luid) ||
         !AdjustTokenPrivileges(held.token, FALSE, &wanted, sizeof held.before, &held.before, &size))
     {
         held.before = {};

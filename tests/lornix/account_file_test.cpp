@@ -1,6 +1,10 @@
 // The account directory file: who is in it, and who is asked first.
 #include "account_file.h"
 
+#include "tests/support/import_patch.h"
+
+#include <lm.h>
+
 #include <algorithm>
 
 namespace {
@@ -119,6 +123,26 @@ TEST_F(AccountFileTest, DomainAndServers)
     const Block<void> sid(getDomainSid());
     ASSERT_NE(sid, nullptr);
     EXPECT_EQ(textOf(sid.get()), L"S-1-5-21-1-2-3");
+}
+
+std::vector<std::wstring> askedForSecond;
+
+NET_API_STATUS WINAPI noSecond(const wchar_t* server, const wchar_t*, LPBYTE*)
+{
+    askedForSecond.emplace_back(server);
+    return NERR_DCNotFound;
+}
+
+TEST_F(AccountFileTest, AServerOfTheFileIsNotAskedForTheSecond)
+{
+    writeBytes(file(), kExample);
+    const ImportPatch second(storeModule(), "NetGetDCName", &noSecond);
+    ASSERT_EQ(second.count(), 1);
+    askedForSecond.clear();
+    for (const wchar_t* server : {L"DC1", L"FAR.other.test", L"ELSEWHERE"}) {
+        Block<wchar_t>{getDomainServerByName(server)};
+    }
+    EXPECT_EQ(askedForSecond, Texts{L"ELSEWHERE"});
 }
 
 TEST_F(AccountFileTest, WithoutAServerThereIsNoDomain)

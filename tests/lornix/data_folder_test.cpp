@@ -327,7 +327,7 @@ TEST_F(CommonFolderTest, IsNotLookedAtForEachName)
     }
     EXPECT_LE(looks, 2) << "both of its levels, once";
     looks = 0;
-    Sids(enumerateUsers(nullptr, nullptr));
+    freeSidList(enumerateUsers(nullptr, nullptr));
     EXPECT_EQ(looks, 2) << "a list is read anew where somebody changed it";
 }
 
@@ -349,7 +349,7 @@ TEST_F(CommonFolderTest, AccountsInOneThatWasMissingAreNotReadUnseen)
     const ImportPatch made(storeModule(), "GetFileAttributesExW", &makeMeanwhile);
     ASSERT_EQ(made.count(), 1);
     EXPECT_EQ(Block<void>(getSidByNameW(L"mallory")), nullptr);
-    Sids(enumerateUsers(nullptr, nullptr));
+    freeSidList(enumerateUsers(nullptr, nullptr));
     EXPECT_EQ(Block<void>(getSidByNameW(L"mallory")), nullptr);
 }
 

@@ -196,6 +196,36 @@ TEST_F(DebugTest, StandardErrorIsALogToo)
     EXPECT_EQ(bytesOf(file), "to stderr \xE4\xB8\xAD\nagain\n");
 }
 
+DWORD WINAPI speakOnce(void*)
+{
+    ODS("after the fault\n");
+    return 0;
+}
+
+DWORD faultOfDump(const QuotaRule* rule)
+{
+    DWORD code = 0;
+    __try
+    {
+        debug(rule);
+    } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
+    {
+    }
+    return code;
+}
+
+TEST_F(DebugTest, AFaultInADamagedChainLeavesTheChannelOpen)
+{
+    QuotaRule rule{};
+    rule.next = reinterpret_cast<QuotaRule*>(16);
+    EXPECT_EQ(faultOfDump(&rule), EXCEPTION_ACCESS_VIOLATION);
+    HANDLE thread = CreateThread(nullptr, 0, speakOnce, nullptr, 0, nullptr);
+    constexpr DWORD kLongest = 10000; // milliseconds
+    EXPECT_EQ(WaitForSingleObject(thread, kLongest), WAIT_OBJECT_0) << "it waits for who has faulted";
+    CloseHandle(thread);
+    EXPECT_NE(bytesOf(m_log).find("after the fault"), std::string::npos);
+}
+
 DWORD WINAPI speakOften(void*)
 {
     for (int i = 0; i < 200; ++i) {

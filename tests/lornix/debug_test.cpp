@@ -2,6 +2,7 @@
 #include "child.h"
 #include "store_test.h"
 
+#include "tests/support/faulting_call.h"
 #include "tests/support/import_patch.h"
 
 #include <algorithm>
@@ -202,23 +203,11 @@ DWORD WINAPI speakOnce(void*)
     return 0;
 }
 
-DWORD faultOfDump(const QuotaRule* rule)
-{
-    DWORD code = 0;
-    __try
-    {
-        debug(rule);
-    } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
-    {
-    }
-    return code;
-}
-
 TEST_F(DebugTest, AFaultInADamagedChainLeavesTheChannelOpen)
 {
     QuotaRule rule{};
     rule.next = reinterpret_cast<QuotaRule*>(16);
-    EXPECT_EQ(faultOfDump(&rule), EXCEPTION_ACCESS_VIOLATION);
+    EXPECT_EQ(faultOf([&] { debug(&rule); }), EXCEPTION_ACCESS_VIOLATION);
     HANDLE thread = CreateThread(nullptr, 0, speakOnce, nullptr, 0, nullptr);
     constexpr DWORD kLongest = 10000; // milliseconds
     EXPECT_EQ(WaitForSingleObject(thread, kLongest), WAIT_OBJECT_0) << "it waits for who has faulted";

@@ -2,6 +2,7 @@
 #include "later_clock.h"
 #include "tree_test.h"
 
+#include "tests/support/faulting_call.h"
 #include "tests/support/import_patch.h"
 
 #include <sddl.h>
@@ -299,28 +300,12 @@ BOOL WINAPI securityWithAFault(const wchar_t* file, SECURITY_INFORMATION what, v
     return securityByName(file, what, descriptor, size, needed);
 }
 
-DWORD faultOf(void (*call)(void*), void* context)
-{
-    DWORD code = 0;
-    __try
-    {
-        call(context);
-    } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
-    {
-    }
-    return code;
-}
-
 TEST_F(ManyOwnersTest, AFaultOfAThreadGoesOnInTheCallers)
 {
     callersThread = GetCurrentThreadId();
-    auto measure = [this] {
-        alices();
-    };
     {
         const ImportPatch security(storeModule(), "GetFileSecurityW", &securityWithAFault);
-        EXPECT_EQ(faultOf([](void* context) { (*static_cast<decltype(measure)*>(context))(); }, &measure),
-                  0xC0000006u);
+        EXPECT_EQ(faultOf([&] { alices(); }), 0xC0000006u);
     }
     const ImportPatch security(storeModule(), "GetFileSecurityW", &securityByName);
     EXPECT_EQ(alices(), kManyFiles / 2) << "and all is well afterwards";

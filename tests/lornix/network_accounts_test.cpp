@@ -1,6 +1,7 @@
 // Groups, members and servers of a network, where the platform is a script or is asked itself.
 #include "store_test.h"
 
+#include "tests/support/faulting_call.h"
 #include "tests/support/import_patch.h"
 
 #include <lm.h>
@@ -138,25 +139,15 @@ NET_API_STATUS WINAPI faulting(const wchar_t*, const wchar_t*, DWORD, LPBYTE*, D
     return NERR_Success;
 }
 
-DWORD faultOfListing()
-{
-    DWORD code = 0;
-    __try
-    {
-        freeSidList(enumerateGroupUsers(nullptr, L"Users", nullptr));
-    } __except (code = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
-    {
-    }
-    return code;
-}
-
 TEST_F(NetworkAccountsTest, AnotherFaultGoesOnToTheCaller)
 {
     {
         const ImportPatch global(storeModule(), "NetGroupGetUsers", &faulting);
-        EXPECT_EQ(faultOfListing(), EXCEPTION_ACCESS_VIOLATION) << "a caller's guard is there to log it";
+        EXPECT_EQ(faultOf([] { freeSidList(enumerateGroupUsers(nullptr, L"Users", nullptr)); }),
+                  EXCEPTION_ACCESS_VIOLATION)
+            << "a caller's guard is there to log it";
     }
-    EXPECT_EQ(faultOfListing(), 0u);
+    EXPECT_EQ(faultOf([] { freeSidList(enumerateGroupUsers(nullptr, L"Users", nullptr)); }), 0u);
 }
 
 TEST_F(NetworkAccountsTest, MissingNames)

@@ -4,6 +4,8 @@
 #include "lornix/sid.h"
 #include "lornix/text/wide_text.h"
 
+#include <utility>
+
 namespace lornix {
 
 std::wstring PolicyList::fileName() const
@@ -99,16 +101,15 @@ PolicyEntry* PolicyList::at(std::uint32_t index)
     return isThere ? &m_entries[index] : nullptr;
 }
 
-void PolicyList::place(const wchar_t*& slot, const wchar_t* text)
+OwnedText PolicyList::taken(const wchar_t* text)
 {
-    if (slot == text) {
-        return;
-    }
-    const wchar_t* next = nullptr;
-    if (text != nullptr) {
-        // What is handed over is the list's now, although the contract says const.
-        next = m_strings.keep(m_strings.own(text) ? copyText(text) : OwnedText(const_cast<wchar_t*>(text)));
-    }
+    // What is handed over is the list's now, although the contract says const.
+    return m_strings.own(text) ? copyText(text) : OwnedText(const_cast<wchar_t*>(text));
+}
+
+void PolicyList::place(const wchar_t*& slot, OwnedText text)
+{
+    const wchar_t* const next = text == nullptr ? nullptr : m_strings.keep(std::move(text));
     m_strings.drop(slot);
     slot = next;
 }
@@ -126,9 +127,10 @@ std::uint32_t PolicyList::add(const wchar_t* text, std::span<const std::uint8_t>
         refuse(text);
         return kNone;
     }
+    OwnedText mine = taken(text);
     PolicyEntry entry; // which is added when it is whole
-    place(entry.text, text);
     setAccount(entry, account);
+    place(entry.text, std::move(mine));
     m_entries.push_back(entry);
     return static_cast<std::uint32_t>(m_entries.size() - 1);
 }
@@ -141,8 +143,11 @@ void PolicyList::update(std::uint32_t index, const wchar_t* text, std::span<cons
         return;
     }
     PolicyEntry changed = *entry;
+    OwnedText mine = text == changed.text ? OwnedText() : taken(text);
     setAccount(changed, account);
-    place(changed.text, text);
+    if (mine != nullptr) {
+        place(changed.text, std::move(mine));
+    }
     *entry = changed;
 }
 
@@ -153,13 +158,16 @@ void PolicyList::setAttribute(std::uint32_t index, std::uint32_t attribute, cons
         refuse(text);
         return;
     }
+    if (text == (entry->attributes == nullptr ? nullptr : entry->attributes->texts[attribute])) {
+        return;
+    }
+    OwnedText mine = taken(text);
     PolicyAttributes& attributes = attributesOf(*entry);
-    const wchar_t*& slot = attributes.texts[attribute];
+    place(attributes.texts[attribute], std::move(mine));
     // No password over one that nobody could read: the editor showed none, so nobody took it away.
-    if (attribute == kPasswordAttribute && slot != text) {
+    if (attribute == kPasswordAttribute) {
         attributes.sealedPassword = {};
     }
-    place(slot, text);
 }
 
 void PolicyList::remove(std::uint32_t index)

@@ -50,11 +50,11 @@ public:
     /// @return null when there is no entry with that index.
     PolicyEntry* at(std::uint32_t index);
 
-    /// @param text  see place. Null adds nothing.
+    /// @param text  see taken. Null adds nothing.
     /// @return the index; kNone when nothing was added.
     std::uint32_t add(const wchar_t* text, std::span<const std::uint8_t> account = {});
 
-    /// @param text  see place. Null changes nothing.
+    /// @param text  see taken. Null changes nothing.
     void update(std::uint32_t index, const wchar_t* text, std::span<const std::uint8_t> account = {});
     void setAttribute(std::uint32_t index, std::uint32_t attribute, const wchar_t* text);
     void remove(std::uint32_t index);
@@ -73,9 +73,12 @@ public:
     }
 
 private:
-    /// Puts a string into an entry. It is a malloc block that passes to the list, or one of the list's own
-    /// strings, which stays what it is.
-    void place(const wchar_t*& slot, const wchar_t* text);
+    /// @param text  a malloc block that passes to the list, or one of the list's own strings, which stays what it is.
+    ///              Null is none.
+    OwnedText taken(const wchar_t* text);
+
+    /// Puts a string into an entry, in the place of another.
+    void place(const wchar_t*& slot, OwnedText text);
     PolicyAttributes& attributesOf(PolicyEntry& entry);
     void setAccount(PolicyEntry& entry, std::span<const std::uint8_t> account);
 

@@ -6,6 +6,7 @@
 #include <malloc.h>
 
 #include <cstdio>
+#include <set>
 
 namespace {
 
@@ -194,6 +195,56 @@ TEST_F(ScarceMemoryTest, AnEntryIsChangedWholeOrNotAtAll)
             });
         EXPECT_EQ(textOf(getExcludeExtsSid(index)), textOf(bob.get()));
     }
+    freeExcludeExts();
+}
+
+std::set<const void*> released;
+
+void noteFree(void* block)
+{
+    released.insert(block);
+    std::free(block);
+}
+
+/// Hands a text over again and again, without memory for a later block each time.
+/// @param call  takes the text; says whether it did all.
+template <class Call>
+void handOverWithoutMemory(Call call)
+{
+    const ImportPatch freeing(storeModule(), "free", &noteFree);
+    ASSERT_EQ(freeing.count(), 1);
+    const wchar_t* text = nullptr;
+    int failures = 0;
+    withoutMemory(
+        [&] {
+            text = _wcsdup(L"b");
+            released.clear();
+            return call(text);
+        },
+        [&] {
+            EXPECT_TRUE(released.contains(text)) << "nobody has it any more";
+            ++failures;
+        });
+    EXPECT_GT(failures, 0);
+    EXPECT_FALSE(released.contains(text)) << "the list has it";
+}
+
+TEST_F(ScarceMemoryTest, ATextThatFindsNoPlaceIsReleased)
+{
+    ASSERT_EQ(loadNotifications(), 1);
+    handOverWithoutMemory([](const wchar_t* text) { return addToNotifications(text) == 0; });
+    handOverWithoutMemory([](const wchar_t* text) {
+        setNAttr(0, NOTIFICATION_RATE, text);
+        return getNAttr(0, NOTIFICATION_RATE) == text;
+    });
+    freeNotifications();
+    ASSERT_EQ(loadExcludeExts(), 1);
+    const Block<void> alice = sidOf(L"S-1-5-21-1-2-3-1001");
+    addToExcludeExts(_wcsdup(L"a"), nullptr);
+    handOverWithoutMemory([&](const wchar_t* text) {
+        updateExcludeExts(0, text, alice.get());
+        return getExcludeExtsPath(0) == text;
+    });
     freeExcludeExts();
 }
 

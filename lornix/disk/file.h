@@ -62,8 +62,8 @@ constexpr std::uint64_t joined(const FILETIME& time)
     return joined(time.dwHighDateTime, time.dwLowDateTime);
 }
 
-/// What tells that a file is still the one that was read. Files with one time and one size have different checksums, which
-/// stand at the end.
+/// What tells that a file is still the one that was read. What the store writes with the time and the size of another has
+/// another checksum, which stands at the end.
 struct FileStamp {
     std::uint64_t size = 0;
     std::uint64_t changed = 0;

@@ -176,6 +176,32 @@ TEST_F(OtherWriterTest, AChangeOfOneByteIsSeenWhileTheClockOfTheDiskStandsStill)
     EXPECT_TRUE(reported(L"the checksum is another"));
 }
 
+FILETIME timeOf(const std::filesystem::path& file)
+{
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    EXPECT_TRUE(GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &data));
+    return data.ftLastWriteTime;
+}
+
+TEST_F(OtherWriterTest, AnotherFileOfTheSameTimeAndSizeInItsPlaceIsRead)
+{
+    store({kShared}, {{kShared, 7}});
+    const std::string theirs = bytesOf(rulesFile());
+    store({kShared}, {{kShared, 8}});
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 8}}));
+    const FILETIME time = timeOf(rulesFile());
+    ASSERT_EQ(std::filesystem::file_size(rulesFile()), theirs.size());
+    const auto another = data() / "another";
+    writeBytes(another, theirs);
+    const HANDLE file = CreateFileW(another.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_TRUE(SetFileTime(file, nullptr, nullptr, &time));
+    CloseHandle(file);
+    std::filesystem::rename(another, rulesFile());
+    const FILETIME now = timeOf(rulesFile());
+    ASSERT_EQ(CompareFileTime(&now, &time), 0);
+    EXPECT_EQ(stored(kShared), (std::vector<Rule>{{kShared, 7}}));
+}
+
 std::size_t bytesRead = 0;
 
 BOOL WINAPI countedRead(HANDLE file, void* bytes, DWORD size, DWORD* read, OVERLAPPED* overlapped)
